@@ -1,0 +1,19 @@
+# What every target of ours is compiled with.
+function(zuziptra_compile target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    if(MSVC)
+        target_compile_options(${target} PRIVATE /W4 /WX /utf-8 /permissive-)
+    else()
+        target_compile_options(${target} PRIVATE
+            -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+            $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast -Wcast-function-type>
+            # The same bytes come out whatever folder the sources lie in.
+            -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+    endif()
+    if(WIN32)
+        target_compile_definitions(${target} PRIVATE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)
+    endif()
+    target_compile_options(${target} PRIVATE ${ZUZIPTRA_SANITIZE})
+    target_link_options(${target} PRIVATE ${ZUZIPTRA_SANITIZE})
+endfunction()

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+
+/// The status codes of the program: 0 is success, a negative code an error, a positive one a warning.
+/// A code and the text that a report carries for it under "error_constant" always travel together.
+namespace zuerr {
+
+struct ErrorConstant {
+    std::int32_t code;
+    const char* text;
+};
+
+inline constexpr ErrorConstant outOfMemory{-52000, "-52000"};
+inline constexpr ErrorConstant featureUnsupported{-52002, "zukesterr_featureUnsupported"};
+inline constexpr ErrorConstant softwareFault{-52003, "zukesterr_softwareFaultKESTInternalUseOnly"};
+inline constexpr ErrorConstant invalidParameter{-52005, "zukesterr_invalidParameter"};
+inline constexpr ErrorConstant resourceNotFound{-52006, "zukesterr_resourceNotFound"};
+inline constexpr ErrorConstant statusResourceNotFound{-52006, "kestStatusResourceNotFound"};
+inline constexpr ErrorConstant osFault{-52008, "zukesterr_osFault"};
+inline constexpr ErrorConstant insufficientPermissions{-52026, "zukesterr_insufficientPermissions"};
+
+/// The component that every report of this program names.
+inline constexpr const char* hostComponent = "zuZiptraRemoteService";
+
+/// The place that a report names as its source. The values are part of what support staff look up, so they are
+/// constants kept by hand: they stay the same when the code around a raise moves.
+struct RaiseSite {
+    const char* file;
+    std::int32_t line;
+};
+
+}  // namespace zuerr

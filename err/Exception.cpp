@@ -1,0 +1,80 @@
+#include "err/Exception.h"
+
+#include <new>
+
+#include "trace/trace.h"
+
+namespace zuerr {
+namespace {
+
+/// What foreign throws have taken from std::uncaught_exceptions() on this thread so far: 0 or below.
+thread_local int foreignShortfall = 0;
+
+[[noreturn]] void throwRecord(StatusRecord& record) {
+    Exception exception;
+    Copy(exception.record, record);
+    throw Exception(exception);
+}
+
+/// Clears the record however the scope is left.
+struct ClearOnExit {
+    StatusRecord& record;
+    ~ClearOnExit() { Clear(record); }
+};
+
+}  // namespace
+
+ExceptionBase::ExceptionBase(const ExceptionBase& other) noexcept { Copy(record, other.record); }
+
+const char* Exception::what() const noexcept {
+    const char* const text = report();
+    return text == nullptr ? "{}" : text;
+}
+
+void Raise(std::int32_t code, const char* constant, const RaiseSite& site, const char* component) {
+    Exception exception;
+    RaiseInto(exception.record, code, constant, site, component);
+    throw Exception(exception);
+}
+
+void Raise(const ErrorConstant& constant, const RaiseSite& site) {
+    Raise(constant.code, constant.text, site, hostComponent);
+}
+
+void ThrowIfFailed(StatusRecord& record) {
+    const ClearOnExit clear{record};
+    if (record.failed() && !ExceptionIsPropagating()) throwRecord(record);
+}
+
+void ThrowIfFailed(PlatformStatus& record) {
+    StatusRecord converted;
+    Convert(record, converted);
+    record = PlatformStatus{};
+    ThrowIfFailed(converted);
+}
+
+std::int32_t CurrentExceptionCode() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return outOfMemory.code;
+    } catch (const ExceptionBase& exception) {
+        nTrace::trace(nTrace::errors, "Exception: %d\n", exception.record.code);
+        return exception.record.code;
+    } catch (const std::exception& exception) {
+        nTrace::trace(nTrace::errors, "Unexpected exception: %s\n", exception.what());
+        return softwareFault.code;
+    }
+}
+
+bool ExceptionIsPropagating() noexcept { return std::uncaught_exceptions() - foreignShortfall > 0; }
+
+ForeignCall::ForeignCall() noexcept : uncaughtBefore_(std::uncaught_exceptions()) {}
+
+ForeignCall::~ForeignCall() {
+    // A higher count is our own exception on its way through: that one is counted by the catch to come.
+    const int change = std::uncaught_exceptions() - uncaughtBefore_;
+    if (change < 0) foreignShortfall += change;
+}
+
+}  // namespace zuerr

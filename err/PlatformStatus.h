@@ -1,0 +1,32 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "err/StatusRecord.h"
+
+namespace zuerr {
+
+/// The fixed-size status of the platform pieces (shared libraries, events): they report without allocating, and their
+/// caller turns the record into a StatusRecord or an exception.
+struct PlatformStatus {
+    /// Records that declare fewer bytes carry a code and nothing else.
+    static constexpr std::uint32_t fullSize = 208;
+
+    std::uint32_t size = fullSize;
+    std::int32_t code = 0;
+    std::array<char, 10> component{};  ///< zero-terminated, cut to 9 characters
+    std::array<char, 101> file{};      ///< zero-terminated; a longer path keeps its first and last 49 characters
+    std::int32_t line = 0;
+    std::uint64_t extension = 0;  ///< always 0
+
+    [[nodiscard]] bool failed() const noexcept { return code < 0; }
+};
+
+/// Fills the record unless it holds an error already: the first error wins, an error replaces a warning.
+void RaiseInto(PlatformStatus& record, std::int32_t code, const char* component, const RaiseSite& site) noexcept;
+
+/// Gives `record` the platform's code by SetCode's rule and, when taken, file, line and component as its report.
+void Convert(const PlatformStatus& platform, StatusRecord& record) noexcept;
+
+}  // namespace zuerr

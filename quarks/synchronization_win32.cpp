@@ -1,0 +1,1 @@
+#include "quarks/synchronization.h"

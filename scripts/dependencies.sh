@@ -1,0 +1,68 @@
+# Sourced: installs what a build or a test needs and is missing. Needs common.sh.
+
+dependencies=build/dependencies
+
+# install_packages PACKAGE...: from the system's package manager, only those that are missing.
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+    done
+    ((${#missing[@]})) || return 0
+    command -v apt-get >/dev/null || fail "no apt-get here: install ${missing[*]} by hand and try again"
+    ((EUID == 0)) || fail "run this as root, or first: apt-get install ${missing[*]}"
+    say "installing ${missing[*]} (a minute or two)"
+    export DEBIAN_FRONTEND=noninteractive
+    quietly "$dependencies/apt-update.log" apt-get update
+    quietly "$dependencies/apt-install.log" apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# The package sources of this machine once more, as sources of source code.
+source_lists() {
+    local lists=$1 file
+    mkdir -p "$lists"
+    for file in /etc/apt/sources.list.d/*.sources; do
+        [[ -e $file ]] && sed -E 's/^Types:.*/Types: deb-src/' "$file" >"$lists/$(basename "$file")"
+    done
+    for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
+        [[ -e $file ]] && sed -nE 's/^deb(-src)? /deb-src /p' "$file" >"$lists/$(basename "$file" .list).list"
+    done
+    return 0
+}
+
+# Boost for the Windows target, from Debian's sources with Boost's own CMake files.
+build_boost_for_windows() {
+    local prefix=$dependencies/windows work=$dependencies/boost root=$PWD
+    [[ -e $prefix/complete ]] && return
+    say "building Boost for Windows from Debian's sources (half a minute)"
+    rm -rf "$work" "$prefix"
+    source_lists "$work/lists"
+    local apt=(-o "Dir::Etc::sourcelist=/dev/null" -o "Dir::Etc::sourceparts=$root/$work/lists"
+        -o "Dir::State::lists=$root/$work/state" -o "APT::Sandbox::User=root")
+    mkdir -p "$work/state/partial"
+    quietly "$work/apt-update.log" apt-get "${apt[@]}" update
+    (cd "$work" && quietly apt-source.log apt-get "${apt[@]}" source --download-only boost1.81)
+    mkdir "$work/sources"
+    tar -xf "$work"/boost1.81_*.orig.tar.* -C "$work/sources" --strip-components=1
+    quietly "$work/configure.log" cmake -S "$work/sources" -B "$work/build" -G Ninja \
+        -DCMAKE_BUILD_TYPE=Release -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchain-mingw64.cmake" \
+        -DCMAKE_INSTALL_PREFIX="$root/$prefix" -DBUILD_SHARED_LIBS=OFF \
+        -DCMAKE_CXX_FLAGS="-ffile-prefix-map=$root/$work/=" \
+        "-DBOOST_INCLUDE_LIBRARIES=filesystem;system;function;algorithm"
+    quietly "$work/build.log" cmake --build "$work/build" --target install
+    rm -rf "$work"
+    touch "$prefix/complete"
+}
+
+need_windows_compiler() {
+    install_packages cmake ninja-build g++-mingw-w64-x86-64-posix googletest dpkg-dev xz-utils
+    build_boost_for_windows
+}
+
+need_native_compiler() {
+    install_packages cmake ninja-build g++ googletest libboost-filesystem1.81-dev libboost1.81-dev nlohmann-json3-dev
+}
+
+need_clang() { install_packages clang libclang-rt-14-dev; }
+
+need_wine() { install_packages wine64 wine; }

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "source/nPluginData.h"
+#include "source/tSharedLibrary.h"
+
+/// A plug-in, started or not, with the code and the duration of each of its calls; 0 until set.
+struct tPluginEntry {
+    tSharedLibrary library;
+    tPluginDescription description;
+    std::int32_t initCode = 0;
+    std::int32_t stopCode = 0;
+    std::int32_t cleanupCode = 0;
+    std::uint64_t initTimeMs = 0;
+    std::uint64_t stopTimeMs = 0;
+    std::uint64_t cleanupTimeMs = 0;
+};
+
+/// Starts, stops and cleans up the plug-ins on the caller's thread, one after another. One plug-in's failure stays its
+/// own: it is kept as a code in its entry, and only the plug-ins that depend on it fail with it.
+class tPluginManager {
+public:
+    /// Starts the plug-ins in the order given and appends an entry for each. allowedMask: what this machine allows.
+    /// Throws zuerr::Exception (-52005) when a failed plug-in cannot be unloaded; its entry is then left out.
+    void startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask);
+
+    /// Calls every Stop entry, last started first.
+    void stopAll();
+
+    /// Calls every Cleanup entry and unloads the library, last started first.
+    void cleanupAll();
+
+    /// In start order.
+    [[nodiscard]] const std::vector<tPluginEntry>& entries() const noexcept { return entries_; }
+
+    /// A paragraph per plug-in, in start order, for people to read.
+    [[nodiscard]] std::string statusText() const;
+
+private:
+    std::vector<tPluginEntry> entries_;
+};

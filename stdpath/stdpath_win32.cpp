@@ -1,0 +1,1 @@
+#include "stdpath/stdpath.h"

@@ -1,0 +1,30 @@
+#include "trace/trace.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+
+#include "trace/debugger.h"
+#include "trace/prefix.h"
+
+namespace nTrace {
+namespace {
+
+/// No thread of this program enters a level so far; a diagnostic build that wants indentation fills its slot here.
+constinit IndentationTable indentation{};
+
+}  // namespace
+
+void writeLine(const std::source_location& site, const char* format, ...) noexcept {
+    std::array<char, 1024> line{};
+    char* const text = writePrefix(line.data(), line.size(),
+                                   {site.file_name(), "zuZiptraRemoteService", static_cast<std::uint32_t>(site.line())},
+                                   indentation, currentThreadId());
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, static_cast<std::size_t>(line.end() - text), format, arguments);
+    va_end(arguments);
+    writeToDebugger(line.data());
+}
+
+}  // namespace nTrace
