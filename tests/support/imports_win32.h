@@ -1,0 +1,124 @@
+#pragma once
+
+#include <windows.h>
+// windows.h first: the others need its types.
+#include <aclapi.h>
+#include <io.h>
+#include <shlobj.h>
+#include <stdio.h>
+#include <time.h>
+
+#include <functional>
+#include <utility>
+
+/// Stand-ins for system calls. The test program defines the import pointers (__imp_NAME) of the calls listed below, so
+/// every call that the product makes through them comes here first: to a test's replacement if there is one, otherwise
+/// on to the system. The product has no seam for this.
+///
+///   imports::CreateEventA.replace([](auto...) -> HANDLE { SetLastError(ERROR_ACCESS_DENIED); return nullptr; });
+///
+/// All replacements end with the test that made them. A replacement may call imports::NAME.real(...).
+namespace imports {
+
+/// The address that a system library exports under this name, found without any of the imports below.
+void* systemAddress(const wchar_t* library, const char* name);
+
+class ImportBase {
+public:
+    /// Called after each test.
+    static void restoreAll();
+
+protected:
+    constexpr ImportBase() = default;
+    ~ImportBase() = default;
+    void remember();
+    virtual void restore() = 0;
+
+private:
+    ImportBase* next_ = nullptr;
+    bool remembered_ = false;
+};
+
+template <class Function>
+class Import;
+
+template <class Result, class... Arguments>
+class Import<Result(Arguments...)> final : public ImportBase {
+public:
+    constexpr Import(const wchar_t* library, const char* name) : library_(library), name_(name) {}
+
+    void replace(std::function<Result(Arguments...)> replacement) {
+        restore();
+        replacement_ = new std::function<Result(Arguments...)>(std::move(replacement));
+        remember();
+    }
+
+    /// The system's own.
+    Result real(Arguments... arguments) {
+        if (real_ == nullptr) real_ = reinterpret_cast<Result (*)(Arguments...)>(systemAddress(library_, name_));
+        return real_(arguments...);
+    }
+
+    /// What the product's call does.
+    Result call(Arguments... arguments) {
+        return replacement_ == nullptr ? real(arguments...) : (*replacement_)(arguments...);
+    }
+
+private:
+    void restore() override {
+        delete replacement_;
+        replacement_ = nullptr;
+    }
+
+    const wchar_t* library_;
+    const char* name_;
+    Result (*real_)(Arguments...) = nullptr;
+    // A pointer, so that imports are ready before any constructor runs.
+    std::function<Result(Arguments...)>* replacement_ = nullptr;
+};
+
+// A list is the one thing here that needs a macro: the names become those of variables and of linker symbols.
+#define IMPORTS(IMPORT)                                  \
+    IMPORT(L"advapi32.dll", RegCloseKey)                 \
+    IMPORT(L"advapi32.dll", RegOpenKeyExW)               \
+    IMPORT(L"advapi32.dll", RegQueryValueExW)            \
+    IMPORT(L"advapi32.dll", RegisterServiceCtrlHandlerA) \
+    IMPORT(L"advapi32.dll", SetEntriesInAclA)            \
+    IMPORT(L"advapi32.dll", SetSecurityInfo)             \
+    IMPORT(L"advapi32.dll", SetServiceStatus)            \
+    IMPORT(L"advapi32.dll", StartServiceCtrlDispatcherA) \
+    IMPORT(L"kernel32.dll", CloseHandle)                 \
+    IMPORT(L"kernel32.dll", CreateEventA)                \
+    IMPORT(L"kernel32.dll", FindFirstFileW)              \
+    IMPORT(L"kernel32.dll", FormatMessageA)              \
+    IMPORT(L"kernel32.dll", FreeLibrary)                 \
+    IMPORT(L"kernel32.dll", GetCurrentProcessId)         \
+    IMPORT(L"kernel32.dll", GetCurrentThreadId)          \
+    IMPORT(L"kernel32.dll", GetModuleHandleA)            \
+    IMPORT(L"kernel32.dll", GetProcAddress)              \
+    IMPORT(L"kernel32.dll", GetSystemTimeAdjustment)     \
+    IMPORT(L"kernel32.dll", GetTickCount64)              \
+    IMPORT(L"kernel32.dll", LoadLibraryExA)              \
+    IMPORT(L"kernel32.dll", LocalFree)                   \
+    IMPORT(L"kernel32.dll", MultiByteToWideChar)         \
+    IMPORT(L"kernel32.dll", OpenProcess)                 \
+    IMPORT(L"kernel32.dll", OutputDebugStringA)          \
+    IMPORT(L"kernel32.dll", QueryPerformanceFrequency)   \
+    IMPORT(L"kernel32.dll", SetConsoleCtrlHandler)       \
+    IMPORT(L"kernel32.dll", SetEvent)                    \
+    IMPORT(L"kernel32.dll", SetLastError)                \
+    IMPORT(L"kernel32.dll", Sleep)                       \
+    IMPORT(L"kernel32.dll", WaitForSingleObject)         \
+    IMPORT(L"msvcrt.dll", _ctime64)                      \
+    IMPORT(L"msvcrt.dll", _time64)                       \
+    IMPORT(L"msvcrt.dll", _wfopen)                       \
+    IMPORT(L"msvcrt.dll", _wfsopen)                      \
+    IMPORT(L"msvcrt.dll", _wremove)                      \
+    IMPORT(L"msvcrt.dll", _wrename)                      \
+    IMPORT(L"shell32.dll", SHGetFolderPathW)
+
+#define DECLARE_IMPORT(library, name) extern Import<decltype(::name)> name;
+IMPORTS(DECLARE_IMPORT)
+#undef DECLARE_IMPORT
+
+}  // namespace imports

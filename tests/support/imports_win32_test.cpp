@@ -1,0 +1,16 @@
+#include "tests/support/imports_win32.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Imports, ReachTheSystemUnlessReplaced) { EXPECT_EQ(GetCurrentProcessId(), imports::GetCurrentProcessId.real()); }
+
+TEST(Imports, GoToTheReplacementOfTheTest) {
+    imports::GetCurrentProcessId.replace([] { return 42UL; });
+    EXPECT_EQ(GetCurrentProcessId(), 42U);
+    imports::ImportBase::restoreAll();
+    EXPECT_NE(GetCurrentProcessId(), 42U);
+}
+
+}  // namespace
