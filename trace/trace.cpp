@@ -15,14 +15,12 @@ constinit IndentationTable indentation{};
 
 }  // namespace
 
-void writeLine(const std::source_location& site, const char* format, ...) noexcept {
+void writeLine(const Site& site, const char* format, ...) noexcept {
     std::array<char, 1024> line{};
-    char* const text = writePrefix(line.data(), line.size(),
-                                   {site.file_name(), "zuZiptraRemoteService", static_cast<std::uint32_t>(site.line())},
-                                   indentation, currentThreadId());
+    char* const text = writePrefix(line.data(), line.size(), site, indentation, currentThreadId());
     std::va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(text, static_cast<std::size_t>(line.end() - text), format, arguments);
+    std::vsnprintf(text, line.size() - static_cast<std::size_t>(text - line.data()), format, arguments);
     va_end(arguments);
     writeToDebugger(line.data());
 }

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <source_location>
 #include <type_traits>
+
+#include "trace/prefix.h"
 
 /// Developer diagnostics. Outside a diagnostic build (the CMake option ZUZIPTRA_TRACE) the entry point does nothing and
 /// leaves no code behind; in one it hands a line to the debugger: a prefix that names the site, then the text.
@@ -19,16 +20,16 @@ inline constexpr std::uint32_t mask = ZUZIPTRA_TRACE_MASK;
 /// A printf format together with the place that it stands in.
 struct Format {
     const char* text;
-    std::source_location site;
+    Site site;
 
-    // Implicit, so that a call reads like printf.
+    // Implicit, so that a call reads like printf; the compiler fills in the caller's place.
     // NOLINTNEXTLINE(google-explicit-constructor,hicpp-explicit-conversions)
-    consteval Format(const char* literal, std::source_location here = std::source_location::current())
-        : text(literal), site(here) {}
+    consteval Format(const char* literal, const char* file = __builtin_FILE(), std::uint32_t line = __builtin_LINE())
+        : text(literal), site{file, "zuZiptraRemoteService", line} {}
 };
 
 /// Formats and writes one line whatever the category; longer lines are cut. Any thread; never throws.
-void writeLine(const std::source_location& site, const char* format, ...) noexcept;
+void writeLine(const Site& site, const char* format, ...) noexcept;
 
 /// The trace entry point. The arguments are those of printf.
 template <class... Arguments>
