@@ -1,1 +1,54 @@
+#include <windows.h>
+// Needs windows.h.
+#include <aclapi.h>
+
+#include <memory>
+
 #include "quarks/processAccess.h"
+
+namespace nProcessAccess {
+namespace {
+
+struct CloseProcess {
+    void operator()(HANDLE process) const noexcept { CloseHandle(process); }
+};
+using tProcess = std::unique_ptr<void, CloseProcess>;
+
+struct FreeAccessList {
+    void operator()(ACL* list) const noexcept { LocalFree(list); }
+};
+using tAccessList = std::unique_ptr<ACL, FreeAccessList>;
+
+/// Everyone may query the process. The entry refers to the SID.
+EXPLICIT_ACCESS_A queryEntry(SID& everyone) noexcept {
+    EXPLICIT_ACCESS_A entry{};
+    entry.grfAccessPermissions = PROCESS_QUERY_INFORMATION;
+    entry.grfAccessMode = SET_ACCESS;
+    entry.grfInheritance = NO_INHERITANCE;
+    entry.Trustee.pMultipleTrustee = nullptr;
+    entry.Trustee.MultipleTrusteeOperation = NO_MULTIPLE_TRUSTEE;
+    entry.Trustee.TrusteeForm = TRUSTEE_IS_SID;
+    entry.Trustee.TrusteeType = TRUSTEE_IS_USER;
+    entry.Trustee.ptstrName = reinterpret_cast<char*>(&everyone);  // where this form of trustee wants it
+    return entry;
+}
+
+/// A list of that one entry; null when the system has none to give.
+tAccessList makeAccessList() noexcept {
+    SID everyone{SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
+    EXPLICIT_ACCESS_A entry = queryEntry(everyone);
+    ACL* list = nullptr;
+    const DWORD error = SetEntriesInAclA(1, &entry, nullptr, &list);
+    return tAccessList(error == ERROR_SUCCESS ? list : nullptr);
+}
+
+}  // namespace
+
+void grantQueryToEveryone() noexcept {
+    const tProcess process(OpenProcess(PROCESS_ALL_ACCESS, FALSE, GetCurrentProcessId()));
+    const tAccessList list = makeAccessList();
+    if (list == nullptr) return;
+    SetSecurityInfo(process.get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, list.get(), nullptr);
+}
+
+}  // namespace nProcessAccess

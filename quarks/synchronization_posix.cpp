@@ -1,1 +1,24 @@
+// Never shipped: lets the portable core run under native tools. A flag that can be waited for stands in for the event.
+#include <atomic>
+
 #include "quarks/synchronization.h"
+
+namespace {
+
+std::atomic_flag& flagOf(void* handle) noexcept { return *static_cast<std::atomic_flag*>(handle); }
+
+}  // namespace
+
+tEvent::tEvent() : handle_(new std::atomic_flag) {}
+
+tEvent::~tEvent() {
+    delete &flagOf(handle_);
+    handle_ = nullptr;
+}
+
+void tEvent::set() noexcept {
+    flagOf(handle_).test_and_set();
+    flagOf(handle_).notify_all();
+}
+
+void tEvent::wait() noexcept { flagOf(handle_).wait(false); }

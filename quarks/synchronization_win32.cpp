@@ -1,1 +1,27 @@
+#include <windows.h>
+
+#include "err/Exception.h"
 #include "quarks/synchronization.h"
+
+namespace {
+
+constexpr zuerr::RaiseSite createFailed{"zukest/quarks/synchronization", 1598};
+
+}  // namespace
+
+tEvent::tEvent() : handle_(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
+    if (handle_ != nullptr) return;
+    zuerr::PlatformStatus status;
+    zuerr::RaiseInto(status, zuerr::osFault.code, zuerr::hostComponent, createFailed);
+    zuerr::ThrowIfFailed(status);
+}
+
+tEvent::~tEvent() {
+    if (handle_ != nullptr) CloseHandle(handle_);
+    handle_ = nullptr;
+}
+
+// Both calls refuse a null handle at once.
+void tEvent::set() noexcept { SetEvent(handle_); }
+
+void tEvent::wait() noexcept { WaitForSingleObject(handle_, INFINITE); }

@@ -1,1 +1,49 @@
 #include "source/tService.h"
+
+#include "err/Exception.h"
+#include "quarks/processAccess.h"
+
+tService* gService = nullptr;
+
+namespace {
+
+/// Runs the body of an entry point. False when a std::exception ended it: that one goes no further, and its code is of
+/// interest to the trace alone.
+template <class Body>
+bool contain(Body body) {
+    try {
+        body();
+        return true;
+    } catch (const std::exception&) {
+        static_cast<void>(zuerr::CurrentExceptionCode());
+        return false;
+    }
+}
+
+}  // namespace
+
+tService::tService() { nProcessAccess::grantQueryToEveryone(); }
+
+tService::~tService() = default;
+
+std::int32_t startService() {
+    const bool started = contain([] {
+        tService* const service = new tService;
+        delete gService;
+        gService = service;
+    });
+    return started ? 0 : -1;
+}
+
+void runService() {
+    contain([] { gService->run(); });
+}
+
+void stopService() {
+    contain([] {
+        delete gService;
+        gService = nullptr;
+    });
+}
+
+void signalServiceStop() { gService->stopEvent.set(); }

@@ -1,1 +1,3 @@
 #include "source/tService.h"
+
+void tService::run() { stopEvent.wait(); }
