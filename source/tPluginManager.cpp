@@ -1,1 +1,99 @@
 #include "source/tPluginManager.h"
+
+#include <algorithm>
+#include <boost/function.hpp>
+#include <functional>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "err/Exception.h"
+#include "time/stopwatch.h"
+
+namespace {
+
+using tNames = std::set<std::string>;
+
+constexpr const char* sourceFile = ".\\source\\tPluginManager";
+constexpr zuerr::RaiseSite featureSite{sourceFile, 41};
+constexpr zuerr::RaiseSite dependencySite{sourceFile, 48};
+constexpr zuerr::RaiseSite initializeSite{sourceFile, 55};
+
+/// Whether all dependencies have started. Each started plug-in stands for one mention, so a list that names a plug-in
+/// twice never passes; nor does one out of order.
+bool haveStarted(const std::vector<std::string>& dependencies, const tNames& started) {
+    const bool ascending =
+        std::adjacent_find(dependencies.begin(), dependencies.end(), std::greater_equal<>()) == dependencies.end();
+    return ascending && std::all_of(dependencies.begin(), dependencies.end(),
+                                    [&](const std::string& name) { return started.contains(name); });
+}
+
+/// Starts the plug-in and adds it to the started ones. Throws when it cannot be started; its library may be loaded
+/// then.
+void start(tPluginEntry& entry, std::uint32_t allowedMask, tNames& started) {
+    const tPluginDescription& description = entry.description;
+    if ((description.requiresMask & allowedMask) == 0) zuerr::Raise(zuerr::featureUnsupported, featureSite);
+    if (!haveStarted(description.dependencies, started)) zuerr::Raise(zuerr::resourceNotFound, dependencySite);
+    entry.library.open(description);
+    entry.initCode = entry.library.initialize();
+    if (entry.initCode < 0) {
+        entry.library.close();
+        zuerr::Raise(entry.initCode, "pluginStatus", initializeSite, zuerr::hostComponent);
+    }
+    started.insert(description.name);
+}
+
+/// Makes a call that may lead into a plug-in; gives the code of the exception that comes out of it, if one does.
+///
+/// That exception may have been made by a plug-in, and its destructor is then code in the plug-in's library. It is
+/// gone when this returns: the library may be unloaded after that, not before.
+std::optional<std::int32_t> failureOf(const boost::function<void()>& call) {
+    const zuerr::ForeignCall guard;
+    try {
+        call();
+        return std::nullopt;
+    } catch (...) {
+        return zuerr::CurrentExceptionCode();
+    }
+}
+
+/// Makes the call for every entry, last started first, and keeps its code and duration where the members say.
+void callBackwards(std::vector<tPluginEntry>& entries, const boost::function<void(tSharedLibrary&)>& call,
+                   std::int32_t tPluginEntry::*code, std::uint64_t tPluginEntry::*timeMs) {
+    std::for_each(entries.rbegin(), entries.rend(), [&](tPluginEntry& entry) {
+        const nTime::tStopwatch stopwatch;
+        entry.*code = failureOf([&] { call(entry.library); }).value_or(0);
+        entry.*timeMs = stopwatch.elapsedMs();
+    });
+}
+
+}  // namespace
+
+void tPluginManager::startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask) {
+    entries_.reserve(entries_.size() + descriptions.size());
+    tNames started;
+    for (const tPluginDescription& description : descriptions) {
+        const nTime::tStopwatch stopwatch;
+        tPluginEntry entry;
+        entry.description = description;
+        if (const auto failure = failureOf([&] { start(entry, allowedMask, started); })) {
+            entry.library.close();
+            entry.initCode = *failure;
+        }
+        entry.initTimeMs = stopwatch.elapsedMs();
+        entries_.push_back(std::move(entry));
+    }
+}
+
+void tPluginManager::stopAll() {
+    const auto call = [](tSharedLibrary& library) { library.stop(); };
+    callBackwards(entries_, call, &tPluginEntry::stopCode, &tPluginEntry::stopTimeMs);
+}
+
+void tPluginManager::cleanupAll() {
+    const auto call = [](tSharedLibrary& library) {
+        library.cleanup();
+        library.close();
+    };
+    callBackwards(entries_, call, &tPluginEntry::cleanupCode, &tPluginEntry::cleanupTimeMs);
+}

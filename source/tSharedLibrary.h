@@ -7,10 +7,11 @@
 #include "source/nPluginData.h"
 
 /// One plug-in library and its three entry points. A plain value: copying it copies the reference to the library, and
-/// nothing is unloaded unless unload is called. One thread.
+/// nothing is unloaded unless unload or close is called. One thread.
 ///
-/// load, unload and symbol do nothing, not even a system call, when the status holds an error already; they fill it
-/// with -52005 when they fail.
+/// load, unload and symbol report through the status: they fill it with -52005 when they fail, and do nothing at all,
+/// not even a system call, when it holds an error already. open and close throw zuerr::Exception instead, except
+/// while another exception is propagating: the failure is then dropped.
 struct tSharedLibrary {
     using tInitialize = std::int32_t (*)();
     using tNotify = void (*)();
@@ -21,16 +22,23 @@ struct tSharedLibrary {
     tNotify stop = noNotify;
     tNotify cleanup = noNotify;
 
+    /// The path is UTF-8. A relative one is looked for along the system's search path.
     void load(const char* path, zuerr::PlatformStatus& status);
+
+    /// Nothing to do when no library is loaded. After a failure it still counts as loaded.
     void unload(zuerr::PlatformStatus& status);
+
+    /// The address exported under this name; null on failure, and when no library is loaded.
     void* symbol(const char* name, zuerr::PlatformStatus& status) const;
 
-    /// Loads the described library and looks its named entries up. Throws zuerr::Exception (-52005) on failure, unless
-    /// another exception is propagating; the library may then be loaded, with the entries that it had before.
+    /// Loads the described library and looks its named entries up; an entry without a name is a built-in one, which
+    /// does nothing and succeeds. The entries change together or not at all. When this throws over a missing entry the
+    /// library is loaded, and the caller's to close.
     void open(const tPluginDescription& description);
 
-    /// Puts the built-in entries back, which do nothing and succeed.
-    void resetEntries() noexcept;
+    /// Unloads the library, if one is loaded, and puts the built-in entries back. When this throws, library and
+    /// entries are as they were.
+    void close();
 
     static std::int32_t noInitialize() { return 0; }
     static void noNotify() {}
