@@ -1,6 +1,64 @@
 #!/usr/bin/env bash
-# Runs the tests: ./test.sh
+# Runs the tests: ./test.sh [layer ...]
 cd "$(dirname "$0")"
 source scripts/common.sh
-./build.sh native-asan
-build/native-asan/bin/unit_tests
+source scripts/dependencies.sh
+source scripts/wine.sh
+source scripts/results.sh
+
+all_layers=(lint native windows)
+usage() {
+    cat <<TXT
+Usage: ./test.sh [layer ...]
+
+Runs the layers named, or all of them. What the programs say is kept in $logs.
+The last line is the sum: N passed, N failed, N skipped.
+
+  lint       format, static analysis, the house rules
+  native     the portable core's unit tests under the sanitizers
+  windows    the unit tests of the Windows build, under Wine
+TXT
+}
+
+run_layer() {
+    local layer=$1 began=$SECONDS
+    say "layer $layer"
+    passed=0 failed=0 skipped=0
+    # shellcheck source=/dev/null
+    source "scripts/layers/$layer.sh"
+    # A layer that ends early has counted what ended it.
+    "layer_$layer" || true
+    rows+=("$(printf '%-11s %6d %6d %6d %7d %7d' "$layer" $((passed + failed + skipped)) \
+        "$passed" "$failed" "$skipped" $((SECONDS - began)))")
+    all_passed=$((all_passed + passed))
+    all_failed=$((all_failed + failed))
+    all_skipped=$((all_skipped + skipped))
+}
+
+layers=()
+for argument in "$@"; do
+    case $argument in
+        -h | --help)
+            usage
+            exit 0
+            ;;
+        lint | native | windows) layers+=("$argument") ;;
+        *)
+            usage >&2
+            exit 2
+            ;;
+    esac
+done
+((${#layers[@]})) || layers=("${all_layers[@]}")
+
+writable "$logs"
+trap leave_prefix EXIT
+rows=() all_passed=0 all_failed=0 all_skipped=0
+for layer in "${layers[@]}"; do
+    run_layer "$layer"
+done
+
+printf '\n%-11s %6s %6s %6s %7s %7s\n' layer ran passed failed skipped seconds
+printf '%s\n' "${rows[@]}"
+printf '\n%s\n' "$all_passed passed, $all_failed failed, $all_skipped skipped"
+((all_failed == 0))

@@ -66,3 +66,5 @@ need_native_compiler() {
 need_clang() { install_packages clang libclang-rt-14-dev; }
 
 need_wine() { install_packages wine64 wine; }
+
+need_linters() { install_packages clang-format clang-tidy shellcheck python3; }

@@ -1,0 +1,16 @@
+# Sourced by test.sh: format, static analysis, the house rules.
+# shellcheck shell=bash
+
+# The files that people write, and nothing that is built or kept by git.
+files_like() {
+    find . \( -path ./build -o -path ./.git \) -prune -o -type f \( "$@" \) -print
+}
+
+format() { files_like -name '*.cpp' -o -name '*.h' -o -name '*.c' | xargs clang-format --dry-run -Werror; }
+scripts() { shellcheck --external-sources ./*.sh .ci/run scripts/layers/*.sh; }
+
+layer_lint() {
+    check "the tools" need_linters || return
+    check "clang-format" format
+    check "shellcheck" scripts
+}

@@ -1,0 +1,7 @@
+# Sourced by test.sh: the portable core under address, leak and undefined-behaviour sanitizers.
+# shellcheck shell=bash
+
+layer_native() {
+    check "the build native-asan" ./build.sh native-asan || return
+    googletest "the unit tests under the sanitizers" 300 build/native-asan/bin/unit_tests
+}

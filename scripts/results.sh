@@ -1,0 +1,50 @@
+# Sourced by test.sh: counts what ran. Needs common.sh.
+# shellcheck shell=bash
+
+passed=0 failed=0 skipped=0
+logs=build/test/logs
+
+# verdict FAILED TEXT LOG: ends the line that a test began.
+verdict() {
+    if (($1 == 0)); then
+        printf '%s\n' "passed: $2"
+    else
+        printf '%s\n' "FAILED: $2; everything it said: $3"
+        return 1
+    fi
+}
+
+# check NAME COMMAND...: one test. What the command says is shown only when it fails.
+check() {
+    local log="$logs/${1//[^A-Za-z0-9]/-}.log" began=$SECONDS code=0
+    printf '%s' "   $1 ... "
+    ("${@:2}") >"$log" 2>&1 || code=1
+    passed=$((passed + 1 - code)) failed=$((failed + code))
+    verdict "$code" "$((SECONDS - began)) s" "$log" || {
+        tail -n 60 "$log"
+        return 1
+    }
+}
+
+# occurrences PATTERN LOG: how many lines hold it.
+occurrences() { grep -cE "$1" "$2" || true; }
+
+# googletest NAME SECONDS COMMAND...: every test of the program counts. One that was announced, and neither passed nor
+# was skipped, has failed: whether it says so itself, crashed, hung, or never had its turn because of one that did.
+googletest() {
+    local name=$1 limit=$2 log="$logs/${1//[^A-Za-z0-9]/-}.log" began=$SECONDS code=0 announced good left_out disabled bad
+    printf '%s' "   $name ... "
+    timeout --foreground --kill-after=5 "$limit" "${@:3}" >"$log" 2>&1 || code=$?
+    announced=$(sed -nE '1,20 s/^\[==========\] Running ([0-9]+) tests? .*/\1/p' "$log")
+    disabled=$(sed -nE 's/.*YOU HAVE ([0-9]+) DISABLED TESTS?.*/\1/p' "$log")
+    good=$(occurrences '\[       OK \] .* \([0-9]+ ms\)' "$log")
+    left_out=$(occurrences '\[  SKIPPED \] .* \([0-9]+ ms\)' "$log")
+    bad=$((${announced:-0} - good - left_out))
+    if ((bad <= 0)); then bad=$((code != 0 || good == 0)); fi
+    passed=$((passed + good)) failed=$((failed + bad)) skipped=$((skipped + left_out + ${disabled:-0}))
+    verdict "$bad" "$good of ${announced:-unknown} tests, $((SECONDS - began)) s, exit code $code" "$log" || {
+        grep -E '\[  FAILED  \] .* \([0-9]+ ms\)' "$log" || tail -n 40 "$log"
+        ((code != 124)) || printf '%s\n' "stopped after $limit seconds"
+        return 1
+    }
+}

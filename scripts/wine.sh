@@ -1,0 +1,30 @@
+# Sourced: runs Windows programs in a Wine prefix of our own, never the user's. Needs common.sh and dependencies.sh.
+# shellcheck shell=bash
+
+# use_prefix DIRECTORY: what Wine starts from here on lives in this prefix.
+use_prefix() {
+    export WINEPREFIX=$PWD/$1 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml="
+}
+
+# Makes the prefix, once: an interrupted try is thrown away.
+make_prefix() {
+    need_wine
+    [[ -e $WINEPREFIX/complete ]] && return
+    say "making a Wine prefix (ten seconds)"
+    rm -rf "$WINEPREFIX"
+    quietly "$WINEPREFIX.log" wineboot --init
+    wineserver --wait
+    touch "$WINEPREFIX/complete"
+}
+
+make_fresh_prefix() {
+    rm -rf "$WINEPREFIX"
+    make_prefix
+}
+
+# Ends what still runs in the prefix, and Wine with it.
+leave_prefix() {
+    [[ -e ${WINEPREFIX:-} ]] || return 0
+    wineserver --kill 2>/dev/null || true
+    wineserver --wait 2>/dev/null || true
+}
