@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <stdexcept>
+
+#include "err/Exception.h"
+#include "quarks/synchronization.h"
+#include "tests/support/imports_win32.h"
+
+namespace {
+
+void refuseEvents() {
+    imports::CreateEventA.replace([](auto...) -> HANDLE {
+        SetLastError(ERROR_NO_SYSTEM_RESOURCES);
+        return nullptr;
+    });
+}
+
+TEST(EventCalls, CreateAManualResetUnnamedUnsignalledEventWithDefaultSecurity) {
+    int calls = 0;
+    imports::CreateEventA.replace([&](SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL signalled, LPCSTR name) {
+        ++calls;
+        EXPECT_EQ(security, nullptr);
+        EXPECT_EQ(manualReset, TRUE);
+        EXPECT_EQ(signalled, FALSE);
+        EXPECT_EQ(name, nullptr);
+        return imports::CreateEventA.real(security, manualReset, signalled, name);
+    });
+    const tEvent event;
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(EventCalls, SetAndWaitWithoutATimeOutOnTheEventThatWasCreatedAndCloseItOnce) {
+    HANDLE created = nullptr;
+    std::string calls;
+    imports::CreateEventA.replace([&](auto... arguments) {
+        calls += "create ";
+        return created = imports::CreateEventA.real(arguments...);
+    });
+    imports::SetEvent.replace([&](HANDLE event) {
+        calls += event == created ? "set " : "set-other ";
+        return imports::SetEvent.real(event);
+    });
+    imports::WaitForSingleObject.replace([&](HANDLE event, DWORD timeOut) {
+        calls += event == created && timeOut == INFINITE ? "wait " : "wait-otherwise ";
+        return imports::WaitForSingleObject.real(event, timeOut);
+    });
+    imports::CloseHandle.replace([&](HANDLE handle) {
+        calls += handle == created ? "close " : "close-other ";
+        return imports::CloseHandle.real(handle);
+    });
+    {
+        tEvent event;
+        event.set();
+        event.wait();
+    }
+    imports::ImportBase::restoreAll();
+    EXPECT_EQ(calls, "create set wait close ");
+}
+
+TEST(EventCalls, ThrowAnOsFaultWithItsPlaceWhenThereIsNoEvent) {
+    refuseEvents();
+    try {
+        const tEvent event;
+        FAIL() << "nothing thrown";
+    } catch (const zuerr::Exception& exception) {
+        EXPECT_EQ(exception.record.code, -52008);
+        // The fixed-size record keeps nine characters of the component, and no error constant.
+        EXPECT_STREQ(exception.what(),
+                     R"({"file":"zukest/quarks/synchronization","line":1598,"component":"zuZiptraR"})");
+    }
+}
+
+TEST(EventCalls, CloseNothingWhenThereIsNoEvent) {
+    refuseEvents();
+    imports::CloseHandle.replace([](HANDLE handle) {
+        ADD_FAILURE() << handle;
+        return TRUE;
+    });
+    EXPECT_THROW(tEvent(), zuerr::Exception);
+}
+
+/// Creates an event while the scope that it lives in is left by an exception.
+struct EventWhileUnwinding {
+    std::optional<tEvent>& event;
+    ~EventWhileUnwinding() { event.emplace(); }
+};
+
+TEST(EventCalls, ThrowNothingOverAnExceptionThatIsPropagatingAndTheEventThenNeitherBlocksNorFails) {
+    refuseEvents();
+    std::optional<tEvent> event;
+    try {
+        const EventWhileUnwinding last{event};
+        throw std::runtime_error("the first failure");
+    } catch (const std::runtime_error& exception) {
+        EXPECT_STREQ(exception.what(), "the first failure");
+    }
+    ASSERT_TRUE(event);
+    event->set();
+    event->wait();
+    imports::CloseHandle.replace([](HANDLE handle) {
+        ADD_FAILURE() << handle;
+        return TRUE;
+    });
+    event.reset();
+}
+
+}  // namespace
