@@ -1,0 +1,341 @@
+#include "source/nDeployment.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <tuple>
+#include <type_traits>
+
+#include "tests/support/deployment.h"
+#include "tests/support/framework.h"
+
+namespace {
+
+using nZusysapi::Result;
+using support::tScriptedFramework;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using tFramework = nDeployment::tHolder<nZusysapi::Framework>;
+using tResource = nDeployment::tHolder<nZusysapi::Resource>;
+using OnFailure = tScriptedFramework::OnFailure;
+
+constexpr Result generalFailure = static_cast<Result>(0x80004005);
+
+struct Deployment : testing::Test {
+    tScriptedFramework framework;
+    support::tDeploymentPlatform platform{tScriptedFramework::instantiate};
+
+    /// Makes a step fail on the first attempts.
+    void fail(int failingStep, int attempts, Result result = generalFailure) {
+        framework.outcome = [=](int attempt, int step) {
+            return step == failingStep && attempt <= attempts ? result : 0;
+        };
+    }
+
+    [[nodiscard]] bool connects() {
+        tFramework frameworkHolder;
+        tResource resourceHolder;
+        const bool connected = nDeployment::ConnectFramework(frameworkHolder, resourceHolder);
+        EXPECT_EQ(frameworkHolder.get() != nullptr, connected);
+        EXPECT_EQ(resourceHolder.get() != nullptr, connected);
+        return connected;
+    }
+};
+
+// ConnectFramework
+
+TEST_F(Deployment, ConnectingTakesTheStepsInOrderAndKeepsNothingButFrameworkAndResource) {
+    tFramework frameworkHolder;
+    tResource resourceHolder;
+    EXPECT_TRUE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
+    EXPECT_THAT(framework.calls, ElementsAre("instantiate", "framework.createOptions", "options.setOption",
+                                             "framework.connect", "connection.selectResource", "framework.addReference",
+                                             "connection.release", "options.release", "framework.release"));
+    EXPECT_EQ(framework.held(), 2U);
+}
+
+TEST_F(Deployment, AMissingLibraryIsAFailedAttempt) {
+    platform.entry = nullptr;
+    EXPECT_FALSE(connects());
+    EXPECT_THAT(framework.calls, IsEmpty());
+}
+
+TEST_F(Deployment, AConnectionMadeEarlierIsReplacedAndReleased) {
+    tFramework frameworkHolder;
+    tResource resourceHolder;
+    ASSERT_TRUE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
+    const nZusysapi::Framework* const earlier = frameworkHolder.get();
+    ASSERT_TRUE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
+    EXPECT_NE(frameworkHolder.get(), earlier);
+    EXPECT_EQ(framework.held(), 2U);
+}
+
+TEST_F(Deployment, AFrameworkThatIsHeldAlreadyKeepsItsOneReference) {
+    framework.oneFramework = true;
+    tFramework frameworkHolder;
+    tResource resourceHolder;
+    ASSERT_TRUE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
+    ASSERT_TRUE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
+    EXPECT_EQ(framework.held(), 2U);
+}
+
+TEST_F(Deployment, AFailedAttemptLeavesAConnectionMadeEarlierAlone) {
+    for (int step = 1; step <= 5; ++step) {
+        SCOPED_TRACE(step);
+        framework.outcome = [](int, int) { return 0; };
+        tFramework frameworkHolder;
+        tResource resourceHolder;
+        ASSERT_TRUE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
+        const nZusysapi::Framework* const heldFramework = frameworkHolder.get();
+        const nZusysapi::Resource* const heldResource = resourceHolder.get();
+        fail(step, 1000);
+        EXPECT_FALSE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
+        EXPECT_EQ(frameworkHolder.get(), heldFramework);
+        EXPECT_EQ(resourceHolder.get(), heldResource);
+        EXPECT_EQ(framework.held(), 2U);
+    }
+}
+
+/// What fails, with which result, and what becomes of the out pointer.
+using tFailure = std::tuple<int, Result, OnFailure>;
+struct DeploymentStep : Deployment, testing::WithParamInterface<tFailure> {};
+
+TEST_P(DeploymentStep, ThatFailsEndsTheAttemptWithEveryReferenceReleased) {
+    const auto [step, result, onFailure] = GetParam();
+    framework.onFailure = onFailure;
+    fail(step, 1, result);
+    EXPECT_FALSE(connects());
+    EXPECT_EQ(framework.held(), 0U);
+
+    const std::vector<std::string> steps{"instantiate", "framework.createOptions", "options.setOption",
+                                         "framework.connect", "connection.selectResource"};
+    for (std::size_t other = 0; other < steps.size(); ++other) {
+        const bool reached = static_cast<int>(other) < step;
+        EXPECT_EQ(testing::Matches(testing::Contains(steps[other]))(framework.calls), reached) << steps[other];
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Failing, DeploymentStep,
+                         testing::Combine(testing::Range(1, 6), testing::Values(-1, generalFailure, 1, 0x7FFFFFFF),
+                                          testing::Values(OnFailure::leavesThePointer, OnFailure::writesNull)));
+INSTANTIATE_TEST_SUITE_P(FailingWithAPositiveResultAndAnObject, DeploymentStep,
+                         testing::Combine(testing::Range(1, 6), testing::Values(1),
+                                          testing::Values(OnFailure::givesAnObject)));
+INSTANTIATE_TEST_SUITE_P(FailingWithANegativeResultAndAWildPointer, DeploymentStep,
+                         testing::Combine(testing::Range(1, 6), testing::Values(-1),
+                                          testing::Values(OnFailure::writesGarbage)));
+
+TEST_F(Deployment, AStepThatSucceedsWithoutAnObjectIsAFailedAttempt) {
+    for (const int step : {1, 2, 4, 5}) {
+        SCOPED_TRACE(step);
+        framework.nullStep = step;
+        EXPECT_FALSE(connects());
+        EXPECT_EQ(framework.held(), 0U);
+    }
+}
+
+// ConnectWithRetry
+
+TEST_F(Deployment, SuccessAtTheFirstAttemptPausesNowhere) {
+    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
+    EXPECT_EQ(framework.attempts, 1);
+    EXPECT_THAT(platform.pauses, IsEmpty());
+}
+
+TEST_F(Deployment, SuccessAtTheThirdAttemptComesAfterTwoPausesOfTenSeconds) {
+    fail(1, 2);
+    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
+    EXPECT_THAT(platform.pauses, ElementsAre(10'000U, 10'000U));
+}
+
+TEST_F(Deployment, SuccessAtTheSeventhAttemptIsStillSuccess) {
+    fail(5, 6);
+    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
+    EXPECT_THAT(platform.pauses, SizeIs(6));
+}
+
+TEST_F(Deployment, SevenFailuresArePausedAfterTheLastOneIncludedAndThenGivenUp) {
+    fail(1, 1000);
+    EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
+                 zuZiptraRemoteService::CannotInitSystemFramework);
+    EXPECT_EQ(framework.attempts, 7);
+    EXPECT_THAT(platform.pauses, SizeIs(7));
+    EXPECT_THAT(platform.pauses, Each(10'000U));
+}
+
+TEST_F(Deployment, TheLibraryIsLookedForAnewAtEveryAttempt) {
+    platform.entry = nullptr;
+    platform.onPause = [this] {
+        if (platform.pauses.size() == 4) platform.entry = tScriptedFramework::instantiate;
+    };
+    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
+    EXPECT_EQ(framework.attempts, 1);
+    EXPECT_THAT(platform.pauses, SizeIs(4));
+}
+
+TEST_F(Deployment, ALibraryThatNeverComesIsGivenUpAfterSevenPauses) {
+    platform.entry = nullptr;
+    EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
+                 zuZiptraRemoteService::CannotInitSystemFramework);
+    EXPECT_THAT(platform.pauses, SizeIs(7));
+}
+
+struct DeploymentRetry : Deployment, testing::WithParamInterface<std::tuple<int, int>> {};
+
+TEST_P(DeploymentRetry, GoesOnUntilNoStepFailsAndHoldsNothingAcrossAPause) {
+    const auto [step, failures] = GetParam();
+    fail(step, failures);
+    platform.onPause = [this] { EXPECT_EQ(framework.held(), 0U); };
+    if (failures < 7) {
+        EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
+    } else {
+        EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
+                     zuZiptraRemoteService::CannotInitSystemFramework);
+    }
+    EXPECT_EQ(framework.attempts, failures < 7 ? failures + 1 : 7);
+    EXPECT_THAT(platform.pauses, SizeIs(static_cast<std::size_t>(failures)));
+    EXPECT_EQ(framework.held(), 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(EachStepFailingOnEachAttempt, DeploymentRetry,
+                         testing::Combine(testing::Range(1, 6), testing::Range(1, 8)));
+
+// IsDeploymentAllowed
+
+TEST_F(Deployment, TheSettingZeroMeansNotAllowed) {
+    framework.setting = 0;
+    EXPECT_FALSE(nDeployment::IsDeploymentAllowed());
+}
+
+TEST_F(Deployment, AnyOtherSettingMeansAllowed) {
+    for (const std::uint32_t value : {1U, 2U, 7U, 0x100U, 0x80000000U, 0xFFFFFFFFU}) {
+        framework.setting = value;
+        EXPECT_TRUE(nDeployment::IsDeploymentAllowed()) << value;
+    }
+}
+
+TEST_F(Deployment, ASettingThatCannotBeReadIsNotFoundAndNotTriedAgain) {
+    for (const Result result : {-1, generalFailure, 1}) {
+        framework.attempts = 0;
+        fail(6, 1000, result);
+        EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
+                     zuZiptraRemoteService::DeploymentSettingNotFound);
+        EXPECT_EQ(framework.attempts, 1);
+        EXPECT_EQ(framework.held(), 0U);
+    }
+    EXPECT_THAT(platform.pauses, IsEmpty());
+}
+
+TEST_F(Deployment, TheResourceIsReleasedBeforeTheFramework) {
+    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
+    ASSERT_GE(framework.calls.size(), 3U);
+    framework.calls.erase(framework.calls.begin(), framework.calls.end() - 3);
+    EXPECT_THAT(framework.calls, ElementsAre("resource.readSetting", "resource.release", "framework.release"));
+}
+
+TEST_F(Deployment, AFrameworkThatThrowsLeavesNothingHeld) {
+    for (int failingStep = 1; failingStep <= 6; ++failingStep) {
+        framework.outcome = [=](int, int step) -> Result {
+            if (step == failingStep) throw std::logic_error("broken framework");
+            return 0;
+        };
+        EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()), std::logic_error);
+        EXPECT_EQ(framework.held(), 0U);
+    }
+}
+
+TEST(DeploymentExceptions, CarryTheirFixedTexts) {
+    EXPECT_STREQ(zuZiptraRemoteService::CannotInitSystemFramework().what(), "Cannot init system framework");
+    EXPECT_STREQ(zuZiptraRemoteService::DeploymentSettingNotFound().what(), "Deployment setting not found");
+    EXPECT_TRUE((std::is_base_of_v<std::runtime_error, zuZiptraRemoteService::CannotInitSystemFramework>));
+    EXPECT_TRUE((std::is_base_of_v<std::runtime_error, zuZiptraRemoteService::DeploymentSettingNotFound>));
+}
+
+// tHolder
+
+/// One of several references to an object: they share its count, and its identity is the first of them.
+struct tFacet final : nZusysapi::Object {
+    explicit tFacet(tFacet* owner = nullptr) : owner_(owner == nullptr ? this : owner) {}
+
+    Result queryInterface(const nZusysapi::InterfaceId& id, void** object) override {
+        EXPECT_EQ(std::memcmp(&id, "\0\0\0\0\0\0\0\0\xC0\0\0\0\0\0\0\x46", 16), 0);
+        if (owner_->result < 0) return owner_->result;
+        addReference();
+        *object = static_cast<nZusysapi::Object*>(owner_);
+        return owner_->result;
+    }
+    std::uint32_t addReference() override { return ++owner_->references; }
+    std::uint32_t release() override { return --owner_->references; }
+
+    std::uint32_t references = 0;
+    Result result = 0;
+
+private:
+    tFacet* owner_;
+};
+
+using tAnyHolder = nDeployment::tHolder<nZusysapi::Object>;
+
+TEST(Holder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
+    tFacet object;
+    {
+        tAnyHolder holder;
+        EXPECT_EQ(holder.get(), nullptr);
+        holder.assign(object);
+        EXPECT_EQ(holder.get(), &object);
+        EXPECT_EQ(object.references, 1U);
+    }
+    EXPECT_EQ(object.references, 0U);
+}
+
+TEST(Holder, ReleasesTheObjectThatItHeldBefore) {
+    tFacet earlier;
+    tFacet later;
+    tAnyHolder holder;
+    holder.assign(earlier);
+    holder.assign(later);
+    EXPECT_EQ(holder.get(), &later);
+    EXPECT_EQ(earlier.references, 0U);
+    EXPECT_EQ(later.references, 1U);
+}
+
+TEST(Holder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
+    tFacet object;
+    tFacet otherReference(&object);
+    tAnyHolder holder;
+    holder.assign(object);
+    holder.assign(otherReference);
+    EXPECT_EQ(holder.get(), &object);
+    EXPECT_EQ(object.references, 1U);
+}
+
+TEST(Holder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdentity) {
+    for (const Result refusal : {-1, 1}) {
+        tFacet object;
+        tFacet other;
+        object.result = refusal;
+        other.result = refusal;
+        EXPECT_TRUE(nDeployment::isSameObject(object, object));
+        EXPECT_FALSE(nDeployment::isSameObject(object, other));
+        EXPECT_EQ(object.references, 0U);
+        EXPECT_EQ(other.references, 0U);
+    }
+}
+
+TEST(Holder, KeepsWhatItHeldWhenACallFails) {
+    tFacet held;
+    tAnyHolder holder;
+    holder.assign(held);
+    EXPECT_FALSE(holder.receive([](nZusysapi::Object**) { return -1; }));
+    EXPECT_FALSE(holder.receive([](nZusysapi::Object**) { return 0; }));
+    EXPECT_EQ(holder.get(), &held);
+    EXPECT_EQ(held.references, 1U);
+}
+
+}  // namespace

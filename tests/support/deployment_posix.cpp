@@ -1,0 +1,31 @@
+// Never shipped: where there is no framework library, nDeployment's platform is whatever a test says.
+#include "source/nDeployment.h"
+#include "tests/support/deployment.h"
+
+namespace {
+
+support::tDeploymentPlatform* current = nullptr;
+
+}  // namespace
+
+namespace support {
+
+tDeploymentPlatform::tDeploymentPlatform(nZusysapi::InstantiateFramework2 libraryEntry) : entry(libraryEntry) {
+    current = this;
+}
+
+tDeploymentPlatform::~tDeploymentPlatform() { current = nullptr; }
+
+}  // namespace support
+
+namespace nDeployment {
+
+nZusysapi::InstantiateFramework2 bindFramework() noexcept { return current == nullptr ? nullptr : current->entry; }
+
+void pause(std::uint32_t milliseconds) noexcept {
+    if (current == nullptr) return;
+    current->pauses.push_back(milliseconds);
+    if (current->onPause) current->onPause();
+}
+
+}  // namespace nDeployment

@@ -1,0 +1,242 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "source/zusysapi.h"
+
+namespace support {
+
+class tScriptedFramework;
+
+/// What the objects of the scripted framework have in common: a reference count that is watched. An object is kept
+/// until its framework goes, so that a use after the last release is seen and harmless.
+class tCounted {
+public:
+    tCounted(tScriptedFramework& script, std::string name) : script_(script), name_(std::move(name)) {}
+    virtual ~tCounted() = default;
+    tCounted(const tCounted&) = delete;
+    tCounted& operator=(const tCounted&) = delete;
+
+    [[nodiscard]] std::uint32_t references() const { return references_; }
+    [[nodiscard]] const std::string& name() const { return name_; }
+
+protected:
+    /// Every operation starts here.
+    void note(const std::string& call);
+    std::uint32_t add();
+    std::uint32_t drop();
+    nZusysapi::Result unexpectedSlot(int slot) {
+        ADD_FAILURE() << name_ << " called through slot " << slot;
+        return -1;
+    }
+
+    tScriptedFramework& script_;
+
+private:
+    std::string name_;
+    std::uint32_t references_ = 1;
+};
+
+/// A system-configuration framework that does what a test says, notes every call and checks its arguments. One at a
+/// time. Going, it expects that every reference has been released.
+class tScriptedFramework {
+public:
+    using Result = nZusysapi::Result;
+
+    tScriptedFramework() { current_ = this; }
+    ~tScriptedFramework() {
+        current_ = nullptr;
+        for (const auto& object : objects_) EXPECT_EQ(object->references(), 0U) << object->name() << " still held";
+    }
+    tScriptedFramework(const tScriptedFramework&) = delete;
+    tScriptedFramework& operator=(const tScriptedFramework&) = delete;
+
+    /// The entry of the library.
+    static Result instantiate(std::uint32_t first, std::uint32_t second, nZusysapi::Framework** framework);
+
+    /// What the setting reads.
+    std::uint32_t setting = 1;
+    /// What a step (1 to 6) gives on an attempt (1 and up), where 0 is success; asked when the step is called. It may
+    /// throw.
+    std::function<Result(int attempt, int step)> outcome = [](int, int) { return 0; };
+    /// What a step that fails does to its out pointer.
+    enum class OnFailure { leavesThePointer, writesNull, givesAnObject, writesGarbage };
+    OnFailure onFailure = OnFailure::leavesThePointer;
+    /// The step that succeeds and gives null all the same; 0: none.
+    int nullStep = 0;
+    /// Every instantiation gives the same framework object.
+    bool oneFramework = false;
+
+    /// What was called, in order: "instantiate", "framework.createOptions", "options.release" and so on. With more than
+    /// one attempt the names carry its number from the second on: "framework2.createOptions".
+    std::vector<std::string> calls;
+    int attempts = 0;
+
+    [[nodiscard]] std::uint32_t held() const {
+        std::uint32_t references = 0;
+        for (const auto& object : objects_) references += object->references();
+        return references;
+    }
+
+    /// For the objects: the outcome of a step that gives an object.
+    template <class Implementation, class Interface>
+    Result give(int step, const char* name, Interface** out);
+
+private:
+    inline static tScriptedFramework* current_ = nullptr;
+    std::vector<std::unique_ptr<tCounted>> objects_;
+};
+
+inline void tCounted::note(const std::string& call) {
+    script_.calls.push_back(name_ + "." + call);
+    EXPECT_GT(references_, 0U) << name_ << "." << call << " after the last release";
+}
+
+inline std::uint32_t tCounted::add() {
+    note("addReference");
+    return ++references_;
+}
+
+inline std::uint32_t tCounted::drop() {
+    note("release");
+    return references_ == 0 ? 0 : --references_;
+}
+
+/// The three slots that all interfaces share.
+template <class Interface>
+class tScripted : public Interface, public tCounted {
+public:
+    using Result = nZusysapi::Result;
+    using tCounted::tCounted;
+
+    Result queryInterface(const nZusysapi::InterfaceId& id, void** object) override {
+        note("queryInterface");
+        EXPECT_EQ(id.data4[7], 0x46) << "asked for something other than the identity";
+        add();
+        *object = static_cast<nZusysapi::Object*>(this);
+        return 0;
+    }
+    std::uint32_t addReference() override { return add(); }
+    std::uint32_t release() override { return drop(); }
+};
+
+class tScriptedResource final : public tScripted<nZusysapi::Resource> {
+public:
+    using tScripted::tScripted;
+    Result slot3() override { return unexpectedSlot(3); }
+    Result slot4() override { return unexpectedSlot(4); }
+    Result slot5() override { return unexpectedSlot(5); }
+    Result slot6() override { return unexpectedSlot(6); }
+    Result slot7() override { return unexpectedSlot(7); }
+    Result slot8() override { return unexpectedSlot(8); }
+    Result slot9() override { return unexpectedSlot(9); }
+    Result slot10() override { return unexpectedSlot(10); }
+    Result slot11() override { return unexpectedSlot(11); }
+    Result slot12() override { return unexpectedSlot(12); }
+    Result slot13() override { return unexpectedSlot(13); }
+    Result slot14() override { return unexpectedSlot(14); }
+    Result readSetting(std::uint32_t setting, std::uint32_t* value) override {
+        note("readSetting");
+        EXPECT_EQ(setting, 0x13000000U);
+        EXPECT_EQ(*value, 0U) << "the value starts as 0";
+        const Result result = script_.outcome(script_.attempts, 6);
+        if (result == 0) *value = script_.setting;
+        return result;
+    }
+};
+
+class tScriptedConnection final : public tScripted<nZusysapi::Connection> {
+public:
+    using tScripted::tScripted;
+    Result selectResource(std::uint32_t selector, nZusysapi::Resource** resource, std::uint32_t* count) override {
+        note("selectResource");
+        EXPECT_EQ(selector, 1U);
+        EXPECT_EQ(*count, 0U) << "the count starts as 0";
+        *count = 1;
+        return script_.give<tScriptedResource>(5, "resource", resource);
+    }
+};
+
+class tScriptedOptions final : public tScripted<nZusysapi::Options> {
+public:
+    using tScripted::tScripted;
+    Result slot3() override { return unexpectedSlot(3); }
+    Result slot4() override { return unexpectedSlot(4); }
+    Result slot5() override { return unexpectedSlot(5); }
+    Result slot6() override { return unexpectedSlot(6); }
+    Result slot7() override { return unexpectedSlot(7); }
+    Result slot8() override { return unexpectedSlot(8); }
+    Result slot9() override { return unexpectedSlot(9); }
+    Result setOption(std::uint32_t option, std::uint32_t value) override {
+        note("setOption");
+        EXPECT_EQ(option, 0x103A000U);
+        EXPECT_EQ(value, 4U);
+        return script_.outcome(script_.attempts, 3);
+    }
+};
+
+class tScriptedFrameworkObject final : public tScripted<nZusysapi::Framework> {
+public:
+    using tScripted::tScripted;
+    Result slot3() override { return unexpectedSlot(3); }
+    Result connect(const char16_t* target, std::uint32_t flag, nZusysapi::Options* options,
+                   nZusysapi::Connection** connection) override {
+        note("connect");
+        EXPECT_EQ(std::u16string(target), u"//localhost");
+        EXPECT_EQ(flag, 1U);
+        EXPECT_NE(dynamic_cast<tScriptedOptions*>(options), nullptr);
+        return script_.give<tScriptedConnection>(4, "connection", connection);
+    }
+    Result slot5() override { return unexpectedSlot(5); }
+    Result slot6() override { return unexpectedSlot(6); }
+    Result slot7() override { return unexpectedSlot(7); }
+    Result slot8() override { return unexpectedSlot(8); }
+    Result slot9() override { return unexpectedSlot(9); }
+    Result createOptions(nZusysapi::Options** options) override {
+        note("createOptions");
+        return script_.give<tScriptedOptions>(2, "options", options);
+    }
+};
+
+template <class Implementation, class Interface>
+nZusysapi::Result tScriptedFramework::give(int step, const char* name, Interface** out) {
+    EXPECT_EQ(*out, nullptr) << "the out pointer of step " << step << " starts as null";
+    const Result result = outcome(attempts, step);
+    if (step == nullStep) return result;
+    if (result == 0 || onFailure == OnFailure::givesAnObject) {
+        const std::string number = attempts == 1 ? "" : std::to_string(attempts);
+        auto object = std::make_unique<Implementation>(*this, name + number);
+        *out = object.get();
+        objects_.push_back(std::move(object));
+    } else if (onFailure == OnFailure::writesNull) {
+        *out = nullptr;
+    } else if (onFailure == OnFailure::writesGarbage) {
+        static int garbage = 0;
+        *out = reinterpret_cast<Interface*>(&garbage);
+    }
+    return result;
+}
+
+inline nZusysapi::Result tScriptedFramework::instantiate(std::uint32_t first, std::uint32_t second,
+                                                         nZusysapi::Framework** framework) {
+    tScriptedFramework& script = *current_;
+    ++script.attempts;
+    script.calls.emplace_back("instantiate");
+    EXPECT_EQ(first, 1U);
+    EXPECT_EQ(second, 0U);
+    if (script.oneFramework && !script.objects_.empty()) {
+        auto& object = dynamic_cast<tScriptedFrameworkObject&>(*script.objects_.front());
+        object.addReference();
+        *framework = &object;
+        return 0;
+    }
+    return script.give<tScriptedFrameworkObject>(1, "framework", framework);
+}
+
+}  // namespace support
