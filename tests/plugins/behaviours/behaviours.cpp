@@ -1,0 +1,95 @@
+// One entry point for each way in which a plug-in may behave; a description chooses by naming it.
+//
+// Each call appends "<library> <what happened>" to the file that the environment variable TEST_PLUGIN_LOG names, the
+// library being the file name without its extension. Copies of the file under other names are so told apart.
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "ownName.h"
+
+namespace {
+
+void log(const char* event) {
+    const char* const path = std::getenv("TEST_PLUGIN_LOG");
+    if (path == nullptr) return;
+    std::FILE* const file = std::fopen(path, "ab");
+    if (file == nullptr) return;
+    std::fprintf(file, "%s %s\n", ownName().c_str(), event);
+    std::fclose(file);
+}
+
+struct LoadLog {
+    LoadLog() { log("loads"); }
+    ~LoadLog() { log("unloads"); }
+    LoadLog(const LoadLog&) = delete;
+    LoadLog& operator=(const LoadLog&) = delete;
+};
+const LoadLog loadLog;
+
+/// What it takes to print and to destroy this exception is code of this library, which must still be loaded then.
+class OwnException : public std::exception {
+public:
+    ~OwnException() override { log("destroys its exception"); }
+    [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
+
+private:
+    std::string text_ = "an exception of the library's own, with a text too long for a string's small buffer";
+};
+
+std::int32_t logged(const char* event, std::int32_t result) {
+    log(event);
+    return result;
+}
+
+[[noreturn]] void throwRuntimeError(const char* event) {
+    log(event);
+    throw std::runtime_error("an exception of the standard library");
+}
+
+[[noreturn]] void throwBadAlloc(const char* event) {
+    log(event);
+    throw std::bad_alloc();
+}
+
+[[noreturn]] void throwOwnException(const char* event) {
+    log(event);
+    throw OwnException();
+}
+
+[[noreturn]] void throwInt(const char* event) {
+    log(event);
+    throw 7;
+}
+
+}  // namespace
+
+extern "C" {
+
+std::int32_t InitOk() { return logged("InitOk", 0); }
+std::int32_t InitWarning3() { return logged("InitWarning3", 3); }
+std::int32_t InitFails7() { return logged("InitFails7", -7); }
+std::int32_t InitThrowsRuntimeError() { throwRuntimeError("InitThrowsRuntimeError"); }
+std::int32_t InitThrowsBadAlloc() { throwBadAlloc("InitThrowsBadAlloc"); }
+std::int32_t InitThrowsOwnException() { throwOwnException("InitThrowsOwnException"); }
+std::int32_t InitThrowsInt() { throwInt("InitThrowsInt"); }
+
+void StopOk() { log("StopOk"); }
+std::int32_t StopReturnsMinus9() { return logged("StopReturnsMinus9", -9); }
+void StopThrowsRuntimeError() { throwRuntimeError("StopThrowsRuntimeError"); }
+void StopThrowsBadAlloc() { throwBadAlloc("StopThrowsBadAlloc"); }
+void StopThrowsOwnException() { throwOwnException("StopThrowsOwnException"); }
+void StopThrowsInt() { throwInt("StopThrowsInt"); }
+
+void CleanupOk() { log("CleanupOk"); }
+std::int32_t CleanupReturnsMinus9() { return logged("CleanupReturnsMinus9", -9); }
+void CleanupThrowsRuntimeError() { throwRuntimeError("CleanupThrowsRuntimeError"); }
+void CleanupThrowsBadAlloc() { throwBadAlloc("CleanupThrowsBadAlloc"); }
+void CleanupThrowsOwnException() { throwOwnException("CleanupThrowsOwnException"); }
+void CleanupThrowsInt() { throwInt("CleanupThrowsInt"); }
+}

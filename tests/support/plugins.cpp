@@ -1,0 +1,34 @@
+#include "tests/support/plugins.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace test {
+namespace {
+
+constexpr const char* logVariable = "TEST_PLUGIN_LOG";
+
+}  // namespace
+
+std::string pluginPath(const std::string& name) {
+    return (std::filesystem::path(testProgramFolder()) / "test-plugins" / (name + libraryExtension)).string();
+}
+
+tPluginLog::tPluginLog() : path_((std::filesystem::path(testProgramFolder()) / "plugin-calls.log").string()) {
+    std::filesystem::remove(path_);
+    setEnvironment(logVariable, path_.c_str());
+}
+
+tPluginLog::~tPluginLog() {
+    setEnvironment(logVariable, "");
+    std::filesystem::remove(path_);
+}
+
+std::vector<std::string> tPluginLog::lines() const {
+    std::vector<std::string> lines;
+    std::ifstream file(path_);
+    for (std::string line; std::getline(file, line);) lines.push_back(line);
+    return lines;
+}
+
+}  // namespace test

@@ -1,0 +1,15 @@
+// Never shipped.
+#include <cstdlib>
+#include <filesystem>
+
+#include "tests/support/plugins.h"
+
+namespace test {
+
+const char* const libraryExtension = ".so";
+
+void setEnvironment(const char* name, const char* value) { setenv(name, value, 1); }
+
+std::string testProgramFolder() { return std::filesystem::read_symlink("/proc/self/exe").parent_path().string(); }
+
+}  // namespace test
