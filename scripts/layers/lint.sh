@@ -13,4 +13,9 @@ layer_lint() {
     check "the tools" need_linters || return
     check "clang-format" format
     check "shellcheck" scripts
+    local rule
+    for rule in $(scripts/lint-house rules); do
+        check "house: ${rule//-/ }" scripts/lint-house "$rule"
+    done
+    scripts/lint-house figures | sed 's/^/   /'
 }
