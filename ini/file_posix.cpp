@@ -1,1 +1,36 @@
-#include "ini/document.h"
+// Never shipped: lets the parser run under native tools.
+#include <chrono>
+#include <filesystem>
+#include <ratio>
+
+#include "ini/file.h"
+
+namespace nIni {
+namespace {
+
+/// Empty, which names no file, when the path has no narrow form.
+std::filesystem::path narrow(const wchar_t* path) {
+    try {
+        return path;
+    } catch (const std::filesystem::filesystem_error&) {
+        return {};
+    }
+}
+
+}  // namespace
+
+tFile openFile(const wchar_t* path) { return tFile(std::fopen(narrow(path).c_str(), "rb")); }
+
+std::optional<std::uint64_t> lastWriteTime(const wchar_t* path) {
+    // As on Windows, a link that leads nowhere is a file too. Its time is not to be had, which reads as 0.
+    std::error_code error;
+    if (!exists(std::filesystem::symlink_status(narrow(path), error))) return std::nullopt;
+    const auto time = std::filesystem::last_write_time(narrow(path), error);
+    if (error) return 0;
+    using tFileTime = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
+    const auto since1970 = std::chrono::file_clock::to_sys(time).time_since_epoch();
+    const tFileTime from1601To1970 = std::chrono::seconds(11'644'473'600);
+    return static_cast<std::uint64_t>((std::chrono::floor<tFileTime>(since1970) + from1601To1970).count());
+}
+
+}  // namespace nIni

@@ -1,0 +1,91 @@
+#include "ini/document.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+
+namespace {
+
+using nIni::tDocument;
+using nIni::tKey;
+using nIni::tSection;
+
+void addSections(tDocument& document, std::initializer_list<const char*> names) {
+    for (const char* const name : names) document.sections.push_back({name, {}, -1, {}});
+}
+
+TEST(IniDocument, StartsWithTheDefaults) {
+    const nIni::tDocumentPointer document(nIni::create());
+    ASSERT_NE(document, nullptr);
+    EXPECT_TRUE(document->sections.empty());
+    EXPECT_EQ(document->currentSection, nullptr);
+    EXPECT_EQ(document->mergeDuplicates, 1);
+    EXPECT_EQ(document->caseSensitive, 0);
+    EXPECT_EQ(document->lastKeyLine, -1);
+    EXPECT_EQ(document->layout[0], 80);
+    EXPECT_EQ(document->layout[1], 14);
+    EXPECT_EQ(document->flags, 2U);
+    EXPECT_EQ(document->firstErrorLine, -1);
+    EXPECT_EQ(document->filePath, (std::array<wchar_t, 256>{}));
+    EXPECT_EQ(document->fileTime, 0U);
+}
+
+TEST(IniDocument, DestroyTakesNothingForAnAnswer) { nIni::destroy(nullptr); }
+
+TEST(IniDocument, SectionsAreFoundWithoutRegardToCase) {
+    tDocument document;
+    addSections(document, {"Other", "Service"});
+    EXPECT_EQ(findSection(document, "SERVICE"), &document.sections[1]);
+    EXPECT_EQ(findSection(document, "Servic"), nullptr);
+    EXPECT_EQ(findSection(document, "Services"), nullptr);
+    EXPECT_EQ(findSection(document, ""), nullptr);
+}
+
+TEST(IniDocument, CaseCountsForSectionsWhenTheDocumentSaysSo) {
+    tDocument document;
+    document.caseSensitive = 1;
+    addSections(document, {"service", "Service"});
+    EXPECT_EQ(findSection(document, "Service"), &document.sections[1]);
+    EXPECT_EQ(findSection(document, "service"), &document.sections[0]);
+    EXPECT_EQ(findSection(document, "SERVICE"), nullptr);
+}
+
+TEST(IniDocument, TheFirstOfEqualSectionsIsFound) {
+    tDocument document;
+    addSections(document, {"service", "Service"});
+    EXPECT_EQ(findSection(document, "Service"), &document.sections[0]);
+}
+
+TEST(IniDocument, TheSectionFoundLastIsTriedFirst) {
+    tDocument document;
+    addSections(document, {"service", "Service"});
+    document.currentSection = &document.sections[1];
+    EXPECT_EQ(findSection(document, "service"), &document.sections[1]);
+}
+
+TEST(IniDocument, ASectionThatIsFoundBecomesTheCurrentOne) {
+    tDocument document;
+    addSections(document, {"a", "b"});
+    EXPECT_EQ(findSection(document, "b"), &document.sections[1]);
+    EXPECT_EQ(document.currentSection, &document.sections[1]);
+    EXPECT_EQ(findSection(document, "c"), nullptr);
+    EXPECT_EQ(document.currentSection, &document.sections[1]) << "a search in vain changes nothing";
+}
+
+TEST(IniDocument, KeysAreFoundByTheCallersCaseRule) {
+    tSection section;
+    section.keys = {tKey{"name", "1"}, tKey{"Name", "2"}};
+    EXPECT_EQ(findKey(section, false, "NAME"), &section.keys[0]);
+    EXPECT_EQ(findKey(section, false, "Name"), &section.keys[0]) << "the first one wins";
+    EXPECT_EQ(findKey(section, true, "Name"), &section.keys[1]);
+    EXPECT_EQ(findKey(section, true, "NAME"), nullptr);
+    EXPECT_EQ(findKey(section, false, "Nam"), nullptr);
+}
+
+TEST(IniDocument, AnEmptySectionHasNoKeys) {
+    tSection section;
+    EXPECT_EQ(findKey(section, false, "Name"), nullptr);
+    EXPECT_EQ(findKey(section, false, ""), nullptr);
+}
+
+}  // namespace

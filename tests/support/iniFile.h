@@ -1,0 +1,62 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "ini/parser.h"
+
+/// A file for one test, gone when the test is over.
+class tIniFile {
+public:
+    explicit tIniFile(std::string_view content, const std::filesystem::path& name = "test.ini") {
+        std::random_device random;
+        directory_ = std::filesystem::temp_directory_path() / ("ini" + std::to_string(random()) + "x");
+        path_ = directory_ / name;
+        create_directories(path_.parent_path());
+        write(content);
+    }
+    ~tIniFile() { remove_all(directory_); }
+    tIniFile(const tIniFile&) = delete;
+    tIniFile& operator=(const tIniFile&) = delete;
+
+    void write(std::string_view content) const {
+        std::ofstream(path_, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
+    }
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    [[nodiscard]] int parseInto(nIni::tDocument& document) const {
+        return nIni::parseFile(document, path_.wstring().c_str());
+    }
+
+private:
+    std::filesystem::path directory_;
+    std::filesystem::path path_;
+};
+
+/// The document as text, one line for each section and key: "[Service]@1", "Name=value@2", with the quote behind the
+/// value if one was stripped, and "error@3" at the end if a line is malformed. Each ends with a line feed.
+inline std::string describe(const nIni::tDocument& document) {
+    std::ostringstream text;
+    for (const nIni::tSection& section : document.sections) {
+        text << '[' << section.name << "]@" << section.line << '\n';
+        for (const nIni::tKey& key : section.keys) {
+            text << key.name << '=' << key.value;
+            if (key.quote != 0) text << key.quote;
+            text << '@' << key.line << '\n';
+        }
+    }
+    if (document.firstErrorLine != -1) text << "error@" << document.firstErrorLine << '\n';
+    return text.str();
+}
+
+/// What `describe` says about a text parsed with these flags; a failing parse gives its code.
+inline std::string parsed(std::string_view content, std::uint32_t flags = 3) {
+    nIni::tDocument document;
+    document.flags = flags;
+    const int result = tIniFile(content).parseInto(document);
+    return result == 0 ? describe(document) : std::to_string(result);
+}
