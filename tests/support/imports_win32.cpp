@@ -62,6 +62,7 @@ void ImportBase::restoreAll() {
 
 #define DEFINE_IMPORT(library, name) constinit Import<decltype(::name)> name{library, #name};
 IMPORTS(DEFINE_IMPORT)
+IMPORTS_BEHIND_A_JUMP(DEFINE_IMPORT)
 #undef DEFINE_IMPORT
 
 }  // namespace imports
@@ -70,5 +71,10 @@ extern "C" {
 #define DEFINE_DOOR(library, name) \
     constinit decltype(&::name) __imp_##name = &imports::Door<imports::name, decltype(::name)>::enter;
 IMPORTS(DEFINE_DOOR)
+IMPORTS_BEHIND_A_JUMP(DEFINE_DOOR)
 #undef DEFINE_DOOR
 }
+
+#define DEFINE_JUMP(library, name) asm(".text\n.globl " #name "\n" #name ": jmp *__imp_" #name "(%rip)\n");
+IMPORTS_BEHIND_A_JUMP(DEFINE_JUMP)
+#undef DEFINE_JUMP

@@ -89,6 +89,7 @@ private:
     IMPORT(L"advapi32.dll", StartServiceCtrlDispatcherA) \
     IMPORT(L"kernel32.dll", CloseHandle)                 \
     IMPORT(L"kernel32.dll", CreateEventA)                \
+    IMPORT(L"kernel32.dll", FindClose)                   \
     IMPORT(L"kernel32.dll", FindFirstFileW)              \
     IMPORT(L"kernel32.dll", FormatMessageA)              \
     IMPORT(L"kernel32.dll", FreeLibrary)                 \
@@ -117,8 +118,15 @@ private:
     IMPORT(L"msvcrt.dll", _wrename)                      \
     IMPORT(L"shell32.dll", SHGetFolderPathW)
 
+// The same for calls that the compiler takes for ordinary functions, as the headers do not declare them dllimport. They
+// reach their import pointer by way of a jump instruction, which the test program defines too.
+#define IMPORTS_BEHIND_A_JUMP(IMPORT) \
+    IMPORT(L"msvcrt.dll", fclose)     \
+    IMPORT(L"msvcrt.dll", fread)
+
 #define DECLARE_IMPORT(library, name) extern Import<decltype(::name)> name;
 IMPORTS(DECLARE_IMPORT)
+IMPORTS_BEHIND_A_JUMP(DECLARE_IMPORT)
 #undef DECLARE_IMPORT
 
 }  // namespace imports

@@ -13,4 +13,9 @@ TEST(Imports, GoToTheReplacementOfTheTest) {
     EXPECT_NE(GetCurrentProcessId(), 42U);
 }
 
+TEST(Imports, GoToTheReplacementByWayOfAJumpToo) {
+    imports::fclose.replace([](FILE* file) { return file == stdin ? 42 : 43; });
+    EXPECT_EQ(fclose(stdin), 42);
+}
+
 }  // namespace
