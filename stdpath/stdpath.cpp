@@ -1,1 +1,72 @@
 #include "stdpath/stdpath.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "err/Exception.h"
+#include "stdpath/path.h"
+#include "stdpath/utf.h"
+
+namespace nStdPath {
+namespace {
+
+constexpr std::int32_t commonAppData = 35;  // CSIDL_COMMON_APPDATA
+constexpr std::size_t usualPathLength = 256;
+
+bool isSpace(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
+bool endsNoPath(char character) { return isSpace(character) || character == 0 || character == '\\'; }
+
+void assignTrimmed(std::string& result, const tWideBuffer& wide) {
+    result.clear();
+    result.reserve(usualPathLength);
+    wideToUtf8(wide.begin(), wide.end(), result);
+    trimPath(result);
+}
+
+}  // namespace
+
+void getSharedDirectory(std::string& result, zuerr::StatusRecord& status) {
+    tWideBuffer wide;
+    readRegistryString(u"SOFTWARE\\Corvell\\Common\\Installer", u"ZUSHAREDDIR64", 0, wide, status);
+    if (!status.failed()) assignTrimmed(result, wide);
+}
+
+void getCommonAppDataDirectory(std::string& result, zuerr::StatusRecord& status) {
+    if (status.failed()) return;
+    tWideBuffer wide;
+    getKnownFolder(commonAppData, wide, status);
+    assignTrimmed(result, wide);
+    result += "\\Corvell";
+}
+
+boost::filesystem::path getPluginDirectory() {
+    std::string sharedDirectory;
+    zuerr::StatusRecord status;
+    getSharedDirectory(sharedDirectory, status);
+    zuerr::ThrowIfFailed(status);
+    return pathFromUtf8(sharedDirectory) / "ZiptraRemoteService" / "plugins";
+}
+
+void trimPath(std::string& path) {
+    path.erase(std::find_if_not(path.rbegin(), path.rend(), endsNoPath).base(), path.end());
+    path.erase(path.begin(), std::find_if_not(path.begin(), path.end(), isSpace));
+}
+
+void raiseSystemError(zuerr::StatusRecord& status, std::int32_t line, const tSystemError& error,
+                      const char* description) noexcept {
+    if (status.failed()) return;
+    const zuerr::ErrorConstant& constant = zuerr::statusResourceNotFound;
+    zuerr::RaiseInto(status, constant.code, constant.text, {"zutolq\\stdpath", line}, zuerr::hostComponent);
+
+    zuerr::JsonChain internalError = zuerr::Append(status);
+    internalError.EnterObject("internal_error");
+    if (error.kind == tSystemError::tKind::hresult) {
+        internalError.AddString("api", "hresult").AddInt("code", static_cast<std::int32_t>(error.code));
+    } else {
+        internalError.AddString("api", "win32").AddUInt("code", error.code);
+        if (error.message != nullptr) internalError.AddString("string", error.message);
+    }
+    zuerr::Append(status).EnterObject("zutolq_debug").AddString("desc", description);
+}
+
+}  // namespace nStdPath

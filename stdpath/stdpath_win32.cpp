@@ -1,1 +1,93 @@
+#include <windows.h>
+
 #include "stdpath/stdpath.h"
+// windows.h first: shlobj.h needs its types.
+#include <shlobj.h>
+
+namespace nStdPath {
+namespace {
+
+wchar_t* asWide(char16_t* text) { return reinterpret_cast<wchar_t*>(text); }
+const wchar_t* asWide(const char16_t* text) { return reinterpret_cast<const wchar_t*>(text); }
+
+/// The system's text for an error code.
+class tSystemMessage {
+public:
+    explicit tSystemMessage(DWORD code) noexcept {
+        FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                       nullptr, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<LPSTR>(&text_), 0,
+                       nullptr);
+    }
+    ~tSystemMessage() {
+        if (text_ != nullptr) LocalFree(text_);
+    }
+    tSystemMessage(const tSystemMessage&) = delete;
+    tSystemMessage& operator=(const tSystemMessage&) = delete;
+
+    /// Null when the system has none.
+    [[nodiscard]] const char* text() const noexcept { return text_; }
+
+private:
+    char* text_ = nullptr;
+};
+
+void raiseWin32Error(zuerr::StatusRecord& status, std::int32_t line, LSTATUS result, const char* description) {
+    if (status.failed()) return;
+    const auto code = static_cast<DWORD>(result);
+    const tSystemMessage message(code);
+    raiseSystemError(status, line, {tSystemError::tKind::win32, code, message.text()}, description);
+}
+
+/// A key that was opened; closed when it goes.
+class tRegistryKey {
+public:
+    explicit tRegistryKey(HKEY key) noexcept : key_(key) {}
+    ~tRegistryKey() { RegCloseKey(key_); }
+    tRegistryKey(const tRegistryKey&) = delete;
+    tRegistryKey& operator=(const tRegistryKey&) = delete;
+
+    [[nodiscard]] HKEY get() const noexcept { return key_; }
+
+private:
+    HKEY key_;
+};
+
+/// Reads the whole value, which may grow between two calls. Gives the last call's result.
+LSTATUS queryValue(HKEY key, const char16_t* valueName, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
+    DWORD size = 512;
+    LSTATUS result = ERROR_MORE_DATA;
+    while (result == ERROR_MORE_DATA) {
+        // The system may write all of `size`, so an odd byte needs a character of its own until the last cut.
+        if (!wideBuffer.resize((std::size_t{size} + 1) / sizeof(char16_t), status)) return result;
+        result = RegQueryValueExW(key, asWide(valueName), nullptr, nullptr, reinterpret_cast<BYTE*>(wideBuffer.data()),
+                                  &size);
+    }
+    wideBuffer.resize(size / sizeof(char16_t), status);
+    return result;
+}
+
+}  // namespace
+
+void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std::uint32_t /*flags*/,
+                        tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
+    if (status.failed()) return;
+    HKEY opened = nullptr;
+    LSTATUS result = RegOpenKeyExW(HKEY_LOCAL_MACHINE, asWide(keyPath), 0, KEY_READ, &opened);
+    if (result != ERROR_SUCCESS) {
+        raiseWin32Error(status, 232, result, "RegOpenKeyEx failed");
+        return;
+    }
+    const tRegistryKey key(opened);
+    result = queryValue(key.get(), valueName, wideBuffer, status);
+    if (result != ERROR_SUCCESS) raiseWin32Error(status, 256, result, "RegQueryValue failed");
+}
+
+void getKnownFolder(std::int32_t csidl, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
+    if (status.failed() || !wideBuffer.resize(MAX_PATH, status)) return;
+    const HRESULT result = SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, asWide(wideBuffer.data()));
+    if (result == S_OK) return;
+    raiseSystemError(status, 293, {tSystemError::tKind::hresult, static_cast<std::uint32_t>(result)},
+                     "SHGetFolderPathW failed");
+}
+
+}  // namespace nStdPath

@@ -1,0 +1,51 @@
+// Never shipped: where there is no registry, the platform's readers of stdpath give what a test says.
+#include <algorithm>
+#include <string_view>
+
+#include "stdpath/stdpath.h"
+#include "stdpath/utf.h"
+#include "tests/support/stdpath.h"
+
+namespace {
+
+support::tSharedPlaces* current = nullptr;
+
+}  // namespace
+
+namespace support {
+
+tSharedPlaces::tSharedPlaces() { current = this; }
+tSharedPlaces::~tSharedPlaces() { current = nullptr; }
+
+}  // namespace support
+
+namespace nStdPath {
+
+void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std::uint32_t /*flags*/,
+                        tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
+    if (status.failed()) return;
+    const bool known = current != nullptr && std::u16string_view(valueName) == u"ZUSHAREDDIR64" &&
+                       std::u16string_view(keyPath) == u"SOFTWARE\\Corvell\\Common\\Installer";
+    if (!known || !current->sharedDirectory) {
+        const std::uint32_t error = known ? current->sharedDirectoryError : 2;
+        raiseSystemError(status, 256, {tSystemError::tKind::win32, error, "The stand-in says no.\r\n"},
+                         "RegQueryValue failed");
+        return;
+    }
+    const std::u16string value = fileNameFromUtf8(*current->sharedDirectory);
+    if (wideBuffer.resize(value.size(), status)) std::copy(value.begin(), value.end(), wideBuffer.data());
+}
+
+void getKnownFolder(std::int32_t csidl, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
+    if (status.failed() || !wideBuffer.resize(260, status)) return;
+    const bool known = current != nullptr && csidl == 35;
+    if (!known || !current->appDataFolder) {
+        const auto error = static_cast<std::uint32_t>(known ? current->appDataFolderError : -2147024894);
+        raiseSystemError(status, 293, {tSystemError::tKind::hresult, error}, "SHGetFolderPathW failed");
+        return;
+    }
+    const std::u16string folder = fileNameFromUtf8(*current->appDataFolder);
+    std::copy_n(folder.begin(), std::min<std::size_t>(folder.size(), 259), wideBuffer.data());
+}
+
+}  // namespace nStdPath
