@@ -1,0 +1,105 @@
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <span>
+#include <utility>
+
+/// A sort for predicates that need not be consistent. std::sort demands a strict weak order and may run out of bounds
+/// without one; this one stays within the range, ends and keeps every element whatever the predicate answers, also when
+/// it throws. The result depends on the input and the answers alone, not on the toolchain. It is not stable.
+///
+/// `before(a, b)` tells whether a goes before b. Where the partitions go so badly that 1.5 * log2(n) of them lie within
+/// one another, a heap sort takes over, so that no input costs quadratic time.
+namespace nIntrosort {
+
+/// Ranges of at most this length are sorted by insertion.
+inline constexpr std::size_t insertionLimit = 32;
+
+/// Each element is compared with the first one: if it goes before that, it becomes the first, otherwise it moves
+/// towards the front for as long as it goes before its neighbour.
+template <class T, class Before>
+void insertionSort(std::span<T> range, Before& before) {
+    const auto first = range.begin();
+    for (std::size_t i = 1; i < range.size(); ++i) {
+        std::size_t place = 0;
+        if (!before(range[i], range[0])) {
+            place = i;
+            while (place > 1 && before(range[i], range[place - 1])) --place;
+        }
+        std::rotate(first + place, first + i, first + i + 1);
+    }
+}
+
+/// Moves the element at `root` down until neither child belongs above it.
+template <class T, class Before>
+void siftDown(std::span<T> heap, std::size_t root, Before& before) {
+    for (std::size_t child = 2 * root + 1; child < heap.size(); child = 2 * root + 1) {
+        if (child + 1 < heap.size() && before(heap[child], heap[child + 1])) ++child;
+        if (!before(heap[root], heap[child])) return;
+        std::swap(heap[root], heap[child]);
+        root = child;
+    }
+}
+
+template <class T, class Before>
+void heapSort(std::span<T> range, Before& before) {
+    for (std::size_t root = range.size() / 2; root > 0; --root) siftDown(range, root - 1, before);
+    for (std::size_t size = range.size(); size > 1; --size) {
+        std::swap(range[0], range[size - 1]);
+        siftDown(range.first(size - 1), 0, before);
+    }
+}
+
+/// Makes the middle one of the first, the middle and the last element the first.
+template <class T, class Before>
+void moveMedianToFront(std::span<T> range, Before& before) {
+    T& first = range.front();
+    T& middle = range[range.size() / 2];
+    T& last = range.back();
+    if (before(middle, first)) std::swap(middle, first);
+    if (before(last, middle)) std::swap(last, middle);
+    if (before(middle, first)) std::swap(middle, first);
+    std::swap(first, middle);
+}
+
+/// Puts a pivot where nothing behind it goes before it and it goes before nothing in front of it; gives its place.
+template <class T, class Before>
+std::size_t partition(std::span<T> range, Before& before) {
+    moveMedianToFront(range, before);
+    std::size_t low = 1;
+    std::size_t high = range.size() - 1;
+    for (;;) {
+        // An inconsistent predicate can let either scan pass the pivot's true place, so both look at where they are.
+        while (low <= high && before(range[low], range[0])) ++low;
+        while (low <= high && before(range[0], range[high])) --high;
+        if (low >= high) break;
+        std::swap(range[low++], range[high--]);
+    }
+    std::swap(range[0], range[high]);
+    return high;
+}
+
+template <class T, class Before>
+void sortWithin(std::span<T> range, std::size_t partitionsLeft, Before& before) {
+    while (range.size() > insertionLimit) {
+        if (partitionsLeft-- == 0) {
+            heapSort(range, before);
+            return;
+        }
+        const std::size_t pivot = partition(range, before);
+        sortWithin(range.first(pivot), partitionsLeft, before);
+        range = range.subspan(pivot + 1);
+    }
+    insertionSort(range, before);
+}
+
+/// Sorts the range.
+template <class T, class Before>
+void sort(std::span<T> range, Before before) {
+    const auto doublings = static_cast<std::size_t>(std::bit_width(range.size()));
+    sortWithin(range, doublings + doublings / 2, before);
+}
+
+}  // namespace nIntrosort
