@@ -1,1 +1,93 @@
 #include "source/nPluginData.h"
+
+#include <algorithm>
+#include <boost/algorithm/string/split.hpp>
+#include <boost/algorithm/string/trim.hpp>
+#include <boost/filesystem/directory.hpp>
+#include <boost/filesystem/operations.hpp>
+#include <cstdio>
+#include <utility>
+
+#include "err/Exception.h"
+#include "ini/parser.h"
+#include "stdpath/path.h"
+#include "stdpath/stdpath.h"
+#include "trace/trace.h"
+
+namespace nPluginData {
+namespace {
+
+constexpr const char* sourceFile = ".\\source\\nPluginData";
+
+/// Empty when the section or the key is missing.
+std::string lookUp(nIni::tDocument& document, const char* name) {
+    nIni::tSection* const section = nIni::findSection(document, "Service");
+    if (section == nullptr) return {};
+    const nIni::tKey* const key = nIni::findKey(*section, document.caseSensitive != 0, name);
+    if (key == nullptr) return {};
+    document.lastKeyLine = key->line;
+    return key->value;
+}
+
+/// The C library's reading of "%u" is the rule: a sign wraps around, what follows the digits does not matter.
+std::uint32_t toRequiresMask(const std::string& value) {
+    if (value.empty()) return tPluginDescription{}.requiresMask;
+    std::uint32_t mask = 0;
+    return std::sscanf(value.c_str(), "%u", &mask) == 1 ? mask : 0;
+}
+
+void parse(nIni::tDocument& document, const std::string& filePath) {
+    document.flags = nIni::acceptEmptyValues | nIni::stripDoubleQuotes;
+    const int result = nIni::parseFile(document, nStdPath::widePathFromUtf8(filePath).c_str());
+    if (result < 0) zuerr::Raise(result, "result", {sourceFile, 261}, zuerr::hostComponent);
+    if (document.firstErrorLine == -1) return;
+    nTrace::trace(nTrace::descriptions, "Parse error %s:%i", filePath.c_str(), document.firstErrorLine);
+    zuerr::Raise(zuerr::invalidParameter, {sourceFile, 268});
+}
+
+tPluginDescription describe(nIni::tDocument& document) {
+    tPluginDescription description;
+    description.name = lookUp(document, "Name");
+    splitDependencies(lookUp(document, "Dependencies"), description.dependencies);
+    std::sort(description.dependencies.begin(), description.dependencies.end());
+    description.path = lookUp(document, "Path");
+    description.requiresMask = toRequiresMask(lookUp(document, "Requires"));
+    description.initialize = lookUp(document, "Initialize");
+    description.stop = lookUp(document, "Stop");
+    description.cleanup = lookUp(document, "Cleanup");
+    return description;
+}
+
+}  // namespace
+
+void listPlugins(std::vector<std::string>& files) {
+    listDescriptionFiles(nStdPath::getPluginDirectory(), ".ini", files);
+}
+
+void listDescriptionFiles(const boost::filesystem::path& directory, const boost::filesystem::path& extension,
+                          std::vector<std::string>& files) {
+    boost::system::error_code ignored;
+    if (!boost::filesystem::is_directory(directory, ignored)) {
+        nTrace::trace(nTrace::descriptions, "Directory does not exist.");
+        zuerr::Raise(zuerr::softwareFault, {sourceFile, 138});
+    }
+    for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(directory)) {
+        if (!boost::filesystem::is_regular_file(entry.status(ignored))) continue;
+        if (entry.path().extension() == extension) files.push_back(nStdPath::pathToUtf8(entry.path()));
+    }
+}
+
+void readDescription(const std::string& filePath, tPluginDescription& record) {
+    const nIni::tDocumentPointer document(nIni::create());
+    if (document == nullptr) return;
+    parse(*document, filePath);
+    record = describe(*document);
+}
+
+void splitDependencies(std::string_view text, std::vector<std::string>& list) {
+    boost::algorithm::split(list, text, [](char character) { return character == ','; });
+    for (std::string& name : list) boost::algorithm::trim(name);
+    std::erase(list, std::string());
+}
+
+}  // namespace nPluginData

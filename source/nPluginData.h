@@ -25,15 +25,17 @@ namespace nPluginData {
 /// filesystem_error when reading the directory fails half-way.
 void listPlugins(std::vector<std::string>& files);
 
-/// The same for any directory. The extension, dot included, is compared with regard to case.
+/// The same for any directory. The extension, dot included, is compared with regard to case. Only regular files and
+/// links to them are listed; an entry whose kind cannot be told is passed over.
 void listDescriptionFiles(const boost::filesystem::path& directory, const boost::filesystem::path& extension,
                           std::vector<std::string>& files);
 
 /// Reads one file (UTF-8 path). Throws the parser's code when it cannot be read, -52005 when a line is malformed; the
-/// record is then left as it was. Keys that are missing leave their field at its default.
+/// record is then left as it was, and so it is, with nothing thrown, when there is no memory for a document. A key
+/// that is missing gives its field's default. "Requires" is read as by scanf: "-1" is 4294967295, "2x" is 2, "x" is 0.
 void readDescription(const std::string& filePath, tPluginDescription& record);
 
-/// The trimmed, non-empty pieces between the commas, in their order.
+/// Fills the list with the trimmed, non-empty pieces between the commas, in their order; what it held is dropped.
 void splitDependencies(std::string_view text, std::vector<std::string>& list);
 
 }  // namespace nPluginData
