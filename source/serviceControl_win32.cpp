@@ -13,7 +13,7 @@ constexpr DWORD stopHintMs = 5000;
 
 /// What the reports of this service differ in.
 struct tReport {
-    DWORD state;
+    DWORD state = 0;
     DWORD controlsAccepted = 0;
     DWORD exitCode = NO_ERROR;
     DWORD serviceExitCode = 0;

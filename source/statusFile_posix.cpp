@@ -27,7 +27,7 @@ bool rename(const std::string& from, const std::string& to) {
 
 std::string currentTimeText() {
     const std::time_t now = std::time(nullptr);
-    const char* const text = std::ctime(&now);
+    const char* const text = std::ctime(&now);  // NOLINT(concurrency-mt-unsafe): called on one thread
     return text == nullptr ? "\n" : text;
 }
 

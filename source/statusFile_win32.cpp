@@ -1,7 +1,8 @@
 #include <share.h>
-#include <time.h>
-#include <wchar.h>
 #include <windows.h>
+
+#include <ctime>
+#include <cwchar>
 
 #include "source/statusFile.h"
 

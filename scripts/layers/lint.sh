@@ -7,7 +7,7 @@ files_like() {
 }
 
 format() { files_like -name '*.cpp' -o -name '*.h' -o -name '*.c' | xargs clang-format --dry-run -Werror; }
-scripts() { shellcheck --external-sources ./*.sh .ci/run scripts/layers/*.sh; }
+scripts() { shellcheck --external-sources ./*.sh .ci/run scripts/lint-tidy scripts/layers/*.sh; }
 
 layer_lint() {
     check "the tools" need_linters || return
