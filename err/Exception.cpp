@@ -49,7 +49,7 @@ void ThrowIfFailed(StatusRecord& record) {
 void ThrowIfFailed(PlatformStatus& record) {
     StatusRecord converted;
     Convert(record, converted);
-    record = PlatformStatus{};
+    record = PlatformStatus{.size = record.size};
     ThrowIfFailed(converted);
 }
 

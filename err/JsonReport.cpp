@@ -52,14 +52,15 @@ bool isOpener(char character) noexcept { return character == '{' || character ==
 
 char closerOf(char opener) noexcept { return opener == '{' ? '}' : ']'; }
 
-/// Whether a member inserted at this cursor stands alone, so that no comma parts it from another.
-bool standsAlone(const char* cursor) noexcept {
-    if (isOpener(*cursor)) {
-        const char* next = cursor + 1;
-        while (isBlank(*next)) ++next;
-        return *next == 0 || *next == closerOf(*cursor);
-    }
-    if (*cursor != '}' && *cursor != ']') return *cursor == 0;
+bool opensEmptyContainer(const char* cursor) noexcept {
+    if (!isOpener(*cursor)) return false;
+    const char* next = cursor + 1;
+    while (isBlank(*next)) ++next;
+    return *next == closerOf(*cursor);
+}
+
+bool closesEmptyContainer(const char* cursor) noexcept {
+    if (*cursor != '}' && *cursor != ']') return false;
     const char* previous = cursor - 1;
     while (isBlank(*previous)) --previous;
     return isOpener(*previous) && closerOf(*previous) == *cursor;
@@ -68,9 +69,9 @@ bool standsAlone(const char* cursor) noexcept {
 /// Opens a gap for `bytes` characters and the comma that they need; returns where the member goes, or null.
 char* makeRoom(char* cursor, std::size_t bytes) noexcept {
     const bool atStart = isOpener(*cursor);
-    const std::size_t comma = standsAlone(cursor) ? 0 : 1;
-    const std::size_t needed = bytes + comma;
     char* const insertion = atStart ? cursor + 1 : cursor;
+    const bool alone = *insertion == 0 || opensEmptyContainer(cursor) || closesEmptyContainer(cursor);
+    const std::size_t needed = bytes + (alone ? 0 : 1);
 
     const std::size_t rest = std::strlen(insertion);
     const char* const fill = insertion + rest + 1;
@@ -79,7 +80,7 @@ char* makeRoom(char* cursor, std::size_t bytes) noexcept {
     if (room != needed) return nullptr;
 
     std::memmove(insertion + needed, insertion, rest + 1);
-    if (comma == 0) return insertion;
+    if (alone) return insertion;
     if (atStart) {
         insertion[bytes] = ',';
         return insertion;

@@ -27,7 +27,8 @@ char* AddUInt(char* cursor, const char* key, std::uint32_t value) noexcept;
 char* AddObject(char* cursor, const char* key) noexcept;
 
 /// The closing brace or bracket of the top-level container, or null when the text is no valid container. Lenient:
-/// leading zeros and a lone minus sign pass as numbers, and what follows the container is not looked at.
+/// leading zeros, a lone minus sign and a run of no digits behind point or exponent sign pass as numbers, and what
+/// follows the container is not looked at. Nesting deeper than 1024 is refused.
 char* FindEnd(char* text) noexcept;
 
 /// Replaces the text in a buffer of `size` bytes and stamps zero fill and sentinel behind it; with a null text it only

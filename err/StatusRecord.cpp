@@ -19,9 +19,11 @@ std::uint32_t roundedCapacity(std::uint32_t request) noexcept {
 /// A JsonChain's way to more room: doubles the record's buffer and finds the cursor's place in it again.
 char* growRecord(void* argument, char* cursor) {
     StatusRecord& record = *static_cast<StatusRecord*>(argument);
-    if (2 * record.capacity - 4 > largestCapacity - 2) return nullptr;
+    const std::uint32_t before = record.capacity;
+    if (2 * before - 4 > largestCapacity - 2) return nullptr;
     const auto offset = cursor - record.json;
-    if (!record.reallocJson(record, 2 * record.capacity - 2)) return nullptr;
+    // A manager that answers yes and gives nothing would be asked for ever.
+    if (!record.reallocJson(record, 2 * before - 2) || record.capacity <= before) return nullptr;
     return FindEnd(record.json) == nullptr ? nullptr : record.json + offset;
 }
 

@@ -55,7 +55,7 @@ build_boost_for_windows() {
 }
 
 need_windows_compiler() {
-    install_packages cmake ninja-build g++-mingw-w64-x86-64-posix googletest dpkg-dev xz-utils
+    install_packages cmake ninja-build g++-mingw-w64-x86-64-posix googletest nlohmann-json3-dev dpkg-dev xz-utils
     build_boost_for_windows
 }
 

@@ -1,0 +1,426 @@
+#include "err/JsonReport.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+#include "tests/support/report.h"
+
+namespace {
+
+using report::Buffer;
+using testing::StrEq;
+using zuerr::AddInt;
+using zuerr::AddObject;
+using zuerr::AddString;
+using zuerr::AddUInt;
+using zuerr::CopyText;
+using zuerr::FindEnd;
+using zuerr::JsonChain;
+
+// Members and their order
+
+TEST(JsonReport, AppendsAtTheClosingBraceInTheOrderOfWriting) {
+    Buffer buffer(512, "{}");
+    char* cursor = AddString(buffer.end(), "error_constant", "zukesterr_osFault");
+    cursor = AddString(cursor, "file", "a.cpp");
+    EXPECT_THAT(buffer.text(), StrEq(R"({"error_constant":"zukesterr_osFault","file":"a.cpp"})"));
+    EXPECT_EQ(cursor, buffer.end());
+    EXPECT_TRUE(buffer.wellLaidOut());
+}
+
+TEST(JsonReport, AppendsBehindWhatIsThereWhenTheEndIsLookedUpAgain) {
+    Buffer buffer(512, "{}");
+    AddInt(buffer.end(), "a", 1);
+    AddInt(buffer.end(), "b", 2);
+    EXPECT_THAT(buffer.text(), StrEq(R"({"a":1,"b":2})"));
+}
+
+TEST(JsonReport, PrependsAtTheOpeningBrace) {
+    Buffer buffer(512, "{}");
+    AddInt(buffer.text(), "second", 2);
+    AddInt(buffer.text(), "first", 1);
+    EXPECT_THAT(buffer.text(), StrEq(R"({"first":1,"second":2})"));
+}
+
+TEST(JsonReport, KeepsTheOrderOfAChainThatBeganAtTheOpeningBrace) {
+    Buffer buffer(512, R"({"last":0})");
+    char* cursor = AddInt(buffer.text(), "a", 1);
+    cursor = AddInt(cursor, "b", 2);
+    AddInt(cursor, "c", 3);
+    EXPECT_THAT(buffer.text(), StrEq(R"({"a":1,"b":2,"c":3,"last":0})"));
+}
+
+TEST(JsonReport, InsertsBehindAValueInTheMiddle) {
+    Buffer buffer(512, R"({"a":1,"c":3})");
+    AddInt(buffer.text() + std::strlen(R"({"a":1)"), "b", 2);
+    EXPECT_THAT(buffer.text(), StrEq(R"({"a":1,"b":2,"c":3})"));
+}
+
+TEST(JsonReport, NeedsNoCommaInAnEmptyContainerThatHoldsBlanks) {
+    Buffer atStart(512, "{ \t\r\n}");
+    AddInt(atStart.text(), "a", 1);
+    EXPECT_EQ(report::parsed(atStart.text()), report::parsed(R"({"a":1})"));
+    Buffer atEnd(512, "[ \t\r\n]");
+    AddInt(atEnd.end(), nullptr, 1);
+    EXPECT_EQ(report::parsed(atEnd.text()), report::parsed("[1]"));
+}
+
+TEST(JsonReport, WritesACommaAfterBlanksBehindAMember) {
+    Buffer buffer(512, "{\"a\":1 \n}");
+    AddInt(buffer.end(), "b", 2);
+    EXPECT_EQ(report::parsed(buffer.text()), report::parsed(R"({"a":1,"b":2})"));
+}
+
+TEST(JsonReport, WritesACommaBeforeAContainerOfTheOtherKind) {
+    Buffer buffer(512, "[[]]");
+    AddInt(buffer.text(), nullptr, 1);
+    EXPECT_THAT(buffer.text(), StrEq("[1,[]]"));
+    AddInt(buffer.end(), nullptr, 2);
+    EXPECT_THAT(buffer.text(), StrEq("[1,[],2]"));
+}
+
+TEST(JsonReport, NeedsNoCommaAtTheEndOfTheText) {
+    Buffer empty(64, "");
+    AddInt(empty.text(), nullptr, 7);
+    EXPECT_THAT(empty.text(), StrEq("7"));
+    Buffer opened(64, "[");
+    AddInt(opened.text(), nullptr, 7);
+    EXPECT_THAT(opened.text(), StrEq("[7"));
+}
+
+TEST(JsonReport, WritesArrayElementsWithoutAKey) {
+    Buffer buffer(512, "[]");
+    char* cursor = AddString(buffer.end(), nullptr, "a\"b");
+    cursor = AddInt(cursor, nullptr, -1);
+    cursor = AddUInt(cursor, nullptr, 1);
+    AddObject(cursor, nullptr);
+    EXPECT_THAT(buffer.text(), StrEq(R"(["a\"b",-1,1,{}])"));
+}
+
+TEST(JsonReport, FillsANestedObjectWithoutACommaBeforeItsFirstMember) {
+    Buffer buffer(512, R"({"a":1})");
+    char* const nested = AddObject(buffer.end(), "internal_error");
+    EXPECT_EQ(nested, buffer.end());
+    char* const cursor = AddString(nested - 1, "api", "win32");
+    AddUInt(cursor, "code", 5);
+    EXPECT_THAT(buffer.text(), StrEq(R"({"a":1,"internal_error":{"api":"win32","code":5}})"));
+    EXPECT_TRUE(buffer.wellLaidOut());
+}
+
+TEST(JsonReport, PassesANullCursorThrough) {
+    EXPECT_EQ(AddString(nullptr, "a", "b"), nullptr);
+    EXPECT_EQ(AddInt(nullptr, "a", 1), nullptr);
+    EXPECT_EQ(AddUInt(nullptr, "a", 1), nullptr);
+    EXPECT_EQ(AddObject(nullptr, "a"), nullptr);
+}
+
+// Numbers
+
+TEST(JsonReport, WritesTheWholeRangeOfNumbers) {
+    Buffer buffer(512, "[]");
+    char* cursor = AddInt(buffer.end(), nullptr, std::numeric_limits<std::int32_t>::min());
+    cursor = AddInt(cursor, nullptr, std::numeric_limits<std::int32_t>::max());
+    cursor = AddInt(cursor, nullptr, 0);
+    AddUInt(cursor, nullptr, std::numeric_limits<std::uint32_t>::max());
+    EXPECT_THAT(buffer.text(), StrEq("[-2147483648,2147483647,0,4294967295]"));
+}
+
+// Escaping
+
+TEST(JsonReport, EscapesExactlySevenCharacters) {
+    Buffer buffer(512, "{}");
+    AddString(buffer.end(), "k", "\b\t\n\f\r\"\\/'\x7f");
+    EXPECT_THAT(buffer.text(), StrEq("{\"k\":\"\\b\\t\\n\\f\\r\\\"\\\\/'\x7f\"}"));
+}
+
+TEST(JsonReport, CopiesEveryOtherByteUnchanged) {
+    std::string value;
+    for (int byte = 1; byte < 256; ++byte) {
+        if (std::strchr("\b\t\n\f\r\"\\", byte) == nullptr) value += static_cast<char>(byte);
+    }
+    Buffer buffer(512, "[]");
+    AddString(buffer.end(), nullptr, value.c_str());
+    EXPECT_EQ(buffer.text(), "[\"" + value + "\"]");
+}
+
+TEST(JsonReport, EscapesKeysLikeValues) {
+    Buffer buffer(512, "{}");
+    AddString(buffer.end(), "a\\\"", "b");
+    EXPECT_THAT(buffer.text(), StrEq(R"({"a\\\"":"b"})"));
+}
+
+TEST(JsonReport, CountsTwoExtraBytesForAQuoteAndABackslash) {
+    constexpr std::size_t needed = sizeof(R"("k":"\"\\")") - 1;
+    Buffer tooSmall = Buffer::withRoom(needed - 1, "{}");
+    EXPECT_EQ(AddString(tooSmall.end(), "k", "\"\\"), nullptr);
+    Buffer exact = Buffer::withRoom(needed, "{}");
+    EXPECT_NE(AddString(exact.end(), "k", "\"\\"), nullptr);
+    EXPECT_THAT(exact.text(), StrEq(R"({"k":"\"\\"})"));
+}
+
+TEST(JsonReport, GivesBackNonAsciiTextThroughAnotherReader) {
+    const std::string value = "C:\\Gerät\\部署\n\"x\"";
+    Buffer buffer(512, "{}");
+    AddString(buffer.end(), "file", value.c_str());
+    EXPECT_EQ(report::parsed(buffer.text())["file"], value);
+}
+
+// Room
+
+/// Every kind of member, each in a container where it needs a comma and in one where it needs none.
+struct Member {
+    const char* name;
+    char* (*add)(char* cursor);
+    const char* text;
+};
+
+class JsonReportRoom : public testing::TestWithParam<Member> {};
+
+TEST_P(JsonReportRoom, KeepsTheTextByteForByteWhenTheRoomIsOneByteShort) {
+    const std::size_t needed = std::strlen(GetParam().text);
+    for (const char* before : {"{}", "{\"a\":1}"}) {
+        const std::size_t comma = std::strlen(before) > 2 ? 1 : 0;
+        for (std::size_t room = 0; room < needed + comma; ++room) {
+            Buffer buffer = Buffer::withRoom(room, before);
+            const auto bytes = buffer.bytes();
+            EXPECT_EQ(GetParam().add(buffer.end()), nullptr);
+            EXPECT_EQ(GetParam().add(buffer.text()), nullptr);
+            EXPECT_EQ(buffer.bytes(), bytes);
+        }
+    }
+}
+
+TEST_P(JsonReportRoom, FitsExactlyIntoTheRoomThatItNeeds) {
+    const std::string member = GetParam().text;
+    Buffer alone = Buffer::withRoom(member.size(), "{}");
+    const char* behind = GetParam().add(alone.end());
+    EXPECT_EQ(alone.text(), "{" + member + "}");
+    EXPECT_EQ(behind, alone.end());
+    EXPECT_TRUE(alone.wellLaidOut());
+
+    Buffer second = Buffer::withRoom(member.size() + 1, "{\"a\":1}");
+    behind = GetParam().add(second.end());
+    EXPECT_EQ(second.text(), "{\"a\":1," + member + "}");
+    EXPECT_EQ(behind, second.end());
+    EXPECT_TRUE(second.wellLaidOut());
+
+    Buffer first = Buffer::withRoom(member.size() + 1, "{\"a\":1}");
+    behind = GetParam().add(first.text());
+    EXPECT_EQ(first.text(), "{" + member + ",\"a\":1}");
+    EXPECT_EQ(behind, first.text() + 1 + member.size());
+    EXPECT_TRUE(first.wellLaidOut());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, JsonReportRoom,
+    testing::Values(Member{"String", [](char* cursor) { return AddString(cursor, "k", "a\nb"); }, R"("k":"a\nb")"},
+                    Member{"EmptyString", [](char* cursor) { return AddString(cursor, "", ""); }, R"("":"")"},
+                    Member{"Int", [](char* cursor) { return AddInt(cursor, "k", -12); }, R"("k":-12)"},
+                    Member{"UInt", [](char* cursor) { return AddUInt(cursor, "k", 4'000'000'000); },
+                           R"("k":4000000000)"},
+                    Member{"Object", [](char* cursor) { return AddObject(cursor, "k"); }, R"("k":{})"}),
+    [](const auto& member) { return member.param.name; });
+
+TEST(JsonReport, RejectsInABufferOf512BytesWhatFitsAfterDoubling) {
+    // {"a":"..."} with one byte less than the next member and its comma need.
+    const std::string member = R"("b":"0123456789")";
+    const std::string filler(512 - 2 - std::strlen(R"({"a":""})") - member.size(), 'x');
+    Buffer buffer(512, ("{\"a\":\"" + filler + "\"}").c_str());
+    const auto before = buffer.bytes();
+    EXPECT_EQ(AddString(buffer.end(), "b", "0123456789"), nullptr);
+    EXPECT_EQ(buffer.bytes(), before);
+    Buffer doubled(1024, buffer.text());
+    EXPECT_NE(AddString(doubled.end(), "b", "0123456789"), nullptr);
+    EXPECT_TRUE(doubled.wellLaidOut());
+    EXPECT_EQ(report::parsed(doubled.text())["b"], "0123456789");
+}
+
+// CopyText
+
+TEST(CopyText, ReplacesTheTextAndStampsFillAndSentinel) {
+    Buffer buffer(16, R"({"a":12345})");
+    EXPECT_TRUE(CopyText(buffer.text(), 16, "{}"));
+    EXPECT_THAT(buffer.text(), StrEq("{}"));
+    EXPECT_TRUE(buffer.wellLaidOut());
+}
+
+TEST(CopyText, NeedsTheTextItsTerminatorAndTheSentinel) {
+    std::vector<char> bytes(8, '#');
+    EXPECT_FALSE(CopyText(bytes.data(), 3, "{}"));
+    EXPECT_EQ(bytes, std::vector<char>(8, '#'));
+    EXPECT_TRUE(CopyText(bytes.data(), 4, "{}"));
+    EXPECT_EQ(bytes, (std::vector<char>{'{', '}', 0, 'J', '#', '#', '#', '#'}));
+}
+
+TEST(CopyText, StampsBehindTheTextThatIsThereWhenGivenNone) {
+    std::vector<char> bytes{'[', ']', 0, 'x', 'y', 'z'};
+    EXPECT_TRUE(CopyText(bytes.data(), 6, nullptr));
+    EXPECT_EQ(bytes, (std::vector<char>{'[', ']', 0, 0, 0, 'J'}));
+    EXPECT_FALSE(CopyText(bytes.data(), 3, nullptr));
+}
+
+TEST(CopyText, HoldsAnEmptyTextInTwoBytes) {
+    std::vector<char> bytes(2, '#');
+    EXPECT_FALSE(CopyText(bytes.data(), 1, ""));
+    EXPECT_TRUE(CopyText(bytes.data(), 2, ""));
+    EXPECT_EQ(bytes, (std::vector<char>{0, 'J'}));
+}
+
+// FindEnd
+
+/// The offset that FindEnd gives, -1 for null.
+std::ptrdiff_t endOf(std::string text) {
+    const char* const end = FindEnd(text.data());
+    return end == nullptr ? -1 : end - text.data();
+}
+
+/// Each text is a container that ends at its last byte, whatever follows.
+void expectValid(std::initializer_list<const char*> texts) {
+    for (const std::string text : texts) {
+        const auto last = static_cast<std::ptrdiff_t>(text.size()) - 1;
+        EXPECT_EQ(endOf(text), last) << text;
+        EXPECT_EQ(endOf(text + "}],x"), last) << text;
+    }
+}
+
+void expectInvalid(std::initializer_list<const char*> texts) {
+    for (const std::string text : texts) EXPECT_EQ(endOf(text), -1) << text;
+}
+
+TEST(FindEnd, IsTheClosingBraceOrBracketOfTheTopLevelContainer) {
+    expectValid({"{}", "[]", R"({"a":1})", R"({"a":1,"b":2})", "[[],{},[[{}]]]", R"({"a":{"b":{"c":{}}},"d":[]})"});
+}
+
+TEST(FindEnd, IsNullForWhatBeginsWithNoBraceOrBracket) {
+    expectInvalid({"", "x", " {}", "1", "\"a\"", "true", "}", "]"});
+}
+
+TEST(FindEnd, IsNullForAContainerThatIsNotClosedByItsOwnKind) {
+    expectInvalid({"{", "[", "{]", "[}", "[[]", "[1", "{\"a\"", "{\"a\":", "{\"a\":1", "{\"a\":1]", "[1}"});
+}
+
+TEST(FindEnd, AllowsBlanksAroundTokens) {
+    expectValid({"{ \t\r\n}", "[ \t\r\n]", "{ \"a\" : 1 , \"b\" :\t[ 1 ,\r\n2 ] }"});
+    expectInvalid({"[\v]", "[1\f]", "{\"a\"\v:1}"});
+}
+
+TEST(FindEnd, WantsOneCommaBetweenValuesAndNoneElsewhere) {
+    expectInvalid({"{,}", "[,]", "[,1]", "[1,]", "[1,,2]", "[1 2]", R"({"a":1,})", R"({"a":1 "b":2})", R"(["a":1])"});
+}
+
+TEST(FindEnd, WantsAStringAndAColonBeforeEachValueOfAnObject) {
+    expectInvalid({R"({"a"})", R"({"a" 1})", R"({"a"::1})", R"({"a":})", "{a:1}", "{1:1}", "{[]:1}", "{:1}"});
+}
+
+TEST(FindEnd, ReadsNoBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])"}); }
+
+TEST(FindEnd, KnowsEightEscapesAndFourHexadecimalDigits) {
+    expectValid({R"(["\"\/\\\b\f\n\r\t"])", R"(["\u00e9\uABCD\u0000\u9f9F"])"});
+    expectInvalid({R"(["\x"])", R"(["\v"])", R"(["\u12g4"])", R"(["\u123"])", R"(["\u"])", R"(["\U1234"])"});
+}
+
+TEST(FindEnd, RefusesControlCharactersInStringsAndNoOtherByte) {
+    expectInvalid({"[\"\n\"]", "[\"\t\"]", "[\"\x1F\"]", "[\"\x01\"]", "{\"\n\":1}"});
+    expectValid({"[\" \x7F\x80\xFF\"]", "[\"Ger\xC3\xA4t\"]"});
+}
+
+TEST(FindEnd, IsNullForAStringThatDoesNotEnd) {
+    expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", "[\"a\\\"", "[\"\\u", "[\"\\u12", "['a']"});
+}
+
+TEST(FindEnd, AcceptsLeadingZerosALoneMinusSignAndMissingDigitsBehindPointOrExponentSign) {
+    expectValid({"[007]", "[-007]", "[-]", "[1.]", "[-.5]", "[-.]", "[1e+]", "[1E-]"});
+}
+
+TEST(FindEnd, AcceptsNumbersWithFractionAndExponent) {
+    expectValid({"[0]", "[-1]", "[1.5]", "[1e5]", "[1E5]", "[1e+5]", "[1.5e-10]", "[99999999999999999999999999]"});
+}
+
+TEST(FindEnd, IsNullForAMalformedNumber) {
+    expectInvalid({"[+1]", "[.5]", "[e5]", "[1e]", "[1ee5]", "[1e+-5]", "[--1]", "[1.5.5]", "[0x10]", "[1e5.5]"});
+}
+
+TEST(FindEnd, MatchesTheThreeWordsLetterForLetter) {
+    expectValid({"[true,false,null]", R"({"a":true})"});
+    expectInvalid({"[tru]", "[True]", "[truex]", "[nul", "[fals]", "[nan]", "[t]", "[n", "[f", "[NULL]"});
+}
+
+TEST(FindEnd, FollowsNestingOf1024LevelsAndRefusesMore) {
+    EXPECT_EQ(endOf(std::string(1024, '[') + std::string(1024, ']')), 2047);
+    EXPECT_EQ(endOf(std::string(1025, '[') + std::string(1025, ']')), -1);
+    EXPECT_EQ(endOf(std::string(1'000'000, '[')), -1);
+}
+
+TEST(FindEnd, RemembersTheKindOfEveryLevel) {
+    EXPECT_EQ(endOf(R"([{"a":[{"b":[]}]}])"), 17);
+    EXPECT_EQ(endOf(R"([{"a":[{"b":[}]}]])"), -1);
+    EXPECT_EQ(endOf(R"([{"a":[1,"b":2]}])"), -1);
+}
+
+// JsonChain
+
+TEST(JsonChain, WritesMembersInOrderAndTellsWhereItStands) {
+    Buffer buffer(512, "{}");
+    JsonChain chain(buffer.end(), nullptr, nullptr);
+    chain.AddString("s", "text").AddInt("i", -1).AddUInt("u", 1).EnterObject("o");
+    EXPECT_THAT(buffer.text(), StrEq(R"({"s":"text","i":-1,"u":1,"o":{}})"));
+    EXPECT_THAT(chain.cursor(), StrEq("}}"));
+    chain.AddInt("x", 1).AddInt("y", 2);
+    EXPECT_THAT(buffer.text(), StrEq(R"({"s":"text","i":-1,"u":1,"o":{"x":1,"y":2}})"));
+}
+
+TEST(JsonChain, LeavesOutTheMemberThatDoesNotFitAndEveryLaterOneWhenItCannotGrow) {
+    Buffer buffer = Buffer::withRoom(10, "{}");
+    JsonChain chain(buffer.end(), nullptr, nullptr);
+    chain.AddInt("a", 1).AddString("b", "too long for ten").AddInt("c", 3).EnterObject("d");
+    EXPECT_THAT(buffer.text(), StrEq(R"({"a":1})"));
+    EXPECT_EQ(chain.cursor(), nullptr);
+}
+
+/// Moves the text into larger and larger buffers, a few bytes at a time, at most `steps` times.
+struct Growth {
+    Buffer buffer;
+    std::size_t step;
+    int steps;
+    int calls = 0;
+
+    static char* grow(void* argument, char* cursor) {
+        Growth& self = *static_cast<Growth*>(argument);
+        if (self.calls == self.steps) return nullptr;
+        ++self.calls;
+        const auto offset = cursor - self.buffer.text();
+        self.buffer = Buffer(self.buffer.bytes().size() + self.step, self.buffer.text());
+        return self.buffer.text() + offset;
+    }
+};
+
+TEST(JsonChain, GrowsAsOftenAsAMemberNeedsAndGoesOnAtTheSamePlace) {
+    Growth growth{Buffer::withRoom(0, "{}"), 5, 100};
+    JsonChain chain(growth.buffer.end(), Growth::grow, &growth);
+    chain.AddString("long", "0123456789012345678901234567890").EnterObject("o").AddInt("x", 1);
+    EXPECT_THAT(growth.buffer.text(), StrEq(R"({"long":"0123456789012345678901234567890","o":{"x":1}})"));
+    EXPECT_EQ(growth.calls, 11);
+    EXPECT_TRUE(growth.buffer.wellLaidOut());
+}
+
+TEST(JsonChain, StopsForGoodWhenGrowingFails) {
+    Growth growth{Buffer::withRoom(0, "{}"), 4, 2};
+    JsonChain chain(growth.buffer.end(), Growth::grow, &growth);
+    chain.AddInt("a", 1).AddInt("b", 2).EnterObject("o").AddInt("c", 3);
+    EXPECT_THAT(growth.buffer.text(), StrEq(R"({"a":1})"));
+    EXPECT_EQ(chain.cursor(), nullptr);
+    EXPECT_EQ(growth.calls, 2);
+}
+
+TEST(JsonChain, BegunAtANullCursorWritesNothingAndAsksForNothing) {
+    Growth growth{Buffer::withRoom(9, "{}"), 4, 2};
+    JsonChain chain(nullptr, Growth::grow, &growth);
+    chain.AddString("a", "b").AddInt("c", 1).AddUInt("d", 1).EnterObject("e");
+    EXPECT_EQ(growth.calls, 0);
+    EXPECT_EQ(chain.cursor(), nullptr);
+}
+
+}  // namespace
