@@ -21,7 +21,7 @@ protected:
     }
 
     std::uint32_t osError_ = untouched;
-    nLibrary::Handle library_ = nLibrary::load(test::pluginPath("behaviours").c_str(), osError_);
+    nLibrary::Handle library_ = nLibrary::load(support::pluginPath("behaviours").c_str(), osError_);
 };
 
 TEST_F(Library, LoadsAndLeavesTheErrorNumberAlone) {
@@ -44,16 +44,16 @@ TEST_F(Library, GivesNullAndTheErrorNumberForANameThatIsNotExported) {
 TEST_F(Library, TellsNamesApartByCase) { EXPECT_EQ(nLibrary::symbol(library_, "initwarning3", osError_), nullptr); }
 
 TEST_F(Library, IsLoadedAgainUnderTheSameHandle) {
-    const nLibrary::Handle again = nLibrary::load(test::pluginPath("behaviours").c_str(), osError_);
+    const nLibrary::Handle again = nLibrary::load(support::pluginPath("behaviours").c_str(), osError_);
     EXPECT_EQ(again, library_);
     EXPECT_TRUE(nLibrary::unload(again, osError_));
     EXPECT_NE(nLibrary::symbol(library_, "InitOk", osError_), nullptr) << "one of two references is left";
 }
 
 TEST(LibraryLoading, RunsTheLibrarysOwnStartAndEndOnce) {
-    const test::tPluginLog log;
+    const support::tPluginLog log;
     std::uint32_t osError = untouched;
-    const nLibrary::Handle library = nLibrary::load(test::pluginPath("behaviours").c_str(), osError);
+    const nLibrary::Handle library = nLibrary::load(support::pluginPath("behaviours").c_str(), osError);
     EXPECT_EQ(log.lines(), (std::vector<std::string>{"behaviours loads"}));
     EXPECT_TRUE(nLibrary::unload(library, osError));
     EXPECT_EQ(log.lines(), (std::vector<std::string>{"behaviours loads", "behaviours unloads"}));
@@ -62,20 +62,20 @@ TEST(LibraryLoading, RunsTheLibrarysOwnStartAndEndOnce) {
 
 TEST(LibraryLoading, GivesNullAndTheErrorNumberForAMissingFile) {
     std::uint32_t osError = untouched;
-    EXPECT_EQ(nLibrary::load(test::pluginPath("no such library").c_str(), osError), nullptr);
+    EXPECT_EQ(nLibrary::load(support::pluginPath("no such library").c_str(), osError), nullptr);
     EXPECT_EQ(osError, moduleNotFound);
 }
 
 TEST(LibraryLoading, GivesNullAndAnErrorNumberForALibraryThatRefuses) {
     std::uint32_t osError = untouched;
-    EXPECT_EQ(nLibrary::load(test::pluginPath("refusing").c_str(), osError), nullptr);
+    EXPECT_EQ(nLibrary::load(support::pluginPath("refusing").c_str(), osError), nullptr);
     EXPECT_NE(osError, untouched);
     EXPECT_NE(osError, 0U);
 }
 
 TEST(LibraryLoading, LooksInTheLibrarysOwnFolderForWhatItDependsOn) {
     std::uint32_t osError = untouched;
-    const nLibrary::Handle library = nLibrary::load(test::pluginPath("dependant").c_str(), osError);
+    const nLibrary::Handle library = nLibrary::load(support::pluginPath("dependant").c_str(), osError);
     ASSERT_NE(library, nullptr) << osError;
     EXPECT_EQ(call(nLibrary::symbol(library, "InitAnswer", osError)), 42);
     EXPECT_TRUE(nLibrary::unload(library, osError));

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-namespace test {
+namespace support {
 namespace {
 
 constexpr const char* logVariable = "TEST_PLUGIN_LOG";
@@ -31,4 +31,4 @@ std::vector<std::string> tPluginLog::lines() const {
     return lines;
 }
 
-}  // namespace test
+}  // namespace support

@@ -4,7 +4,7 @@
 #include <vector>
 
 /// The libraries that tests/plugins/ builds, for real loading.
-namespace test {
+namespace support {
 
 /// The full path (UTF-8) of one of them.
 std::string pluginPath(const std::string& name);
@@ -28,4 +28,4 @@ void setEnvironment(const char* name, const char* value);
 std::string testProgramFolder();
 extern const char* const libraryExtension;
 
-}  // namespace test
+}  // namespace support

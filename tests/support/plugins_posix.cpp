@@ -4,7 +4,7 @@
 
 #include "tests/support/plugins.h"
 
-namespace test {
+namespace support {
 
 const char* const libraryExtension = ".so";
 
@@ -12,4 +12,4 @@ void setEnvironment(const char* name, const char* value) { setenv(name, value, 1
 
 std::string testProgramFolder() { return std::filesystem::read_symlink("/proc/self/exe").parent_path().string(); }
 
-}  // namespace test
+}  // namespace support

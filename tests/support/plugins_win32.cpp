@@ -5,7 +5,7 @@
 
 #include "tests/support/plugins.h"
 
-namespace test {
+namespace support {
 
 const char* const libraryExtension = ".dll";
 
@@ -18,4 +18,4 @@ std::string testProgramFolder() {
     return std::filesystem::path(path).parent_path().string();
 }
 
-}  // namespace test
+}  // namespace support
