@@ -1,0 +1,151 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "err/Exception.h"
+#include "tests/support/managerTest.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class PluginFailures : public support::tManagerTest {};
+
+// Libraries and Initialize entries that fail.
+
+TEST_F(PluginFailures, ALibraryThatDoesNotLoadIsNotUnloaded) {
+    plugins_.plugin("A").loads = false;
+    start({describe("A")});
+    EXPECT_THAT(initCodes(), ElementsAre(-52005));
+    EXPECT_THAT(plugins_.calls, ElementsAre("load A"));
+    EXPECT_THAT(reports_.texts, ElementsAre(R"({"file":"zukest/quarks/library","line":134,"component":"zuZiptraR"})"));
+}
+
+TEST_F(PluginFailures, ALibraryThatLacksAnEntryIsUnloadedWithoutACallIntoIt) {
+    plugins_.plugin("A").missing = {"Stop"};
+    start({describe("A")});
+    EXPECT_THAT(initCodes(), ElementsAre(-52005));
+    EXPECT_THAT(plugins_.calls, ElementsAre("load A", "symbol A Init", "symbol A Stop", "unload A"));
+    EXPECT_THAT(reports_.texts, ElementsAre(R"({"file":"zukest/quarks/library","line":299,"component":"zuZiptraR"})"));
+}
+
+TEST_F(PluginFailures, ANegativeInitializeResultIsReportedAsThePluginsOwn) {
+    plugins_.plugin("A").initialize = [] { return -7; };
+    start({describe("A")});
+    EXPECT_THAT(reports_.texts,
+                ElementsAre(R"({"error_constant":"pluginStatus",)"
+                            R"("file":".\\source\\tPluginManager","line":55,"component":"zuZiptraRemoteService"})"));
+}
+
+TEST_F(PluginFailures, TheSmallestInitializeResultIsKeptAsItIs) {
+    plugins_.plugin("A").initialize = [] { return INT32_MIN; };
+    start({describe("A")});
+    EXPECT_THAT(initCodes(), ElementsAre(INT32_MIN));
+}
+
+TEST_F(PluginFailures, AFailedPluginIsNeitherStoppedNorCleanedUp) {
+    plugins_.plugin("A").initialize = [] { return -7; };
+    start({describe("A")});
+    plugins_.calls.clear();
+    stopAndCleanUp();
+    EXPECT_THAT(plugins_.calls, IsEmpty());
+    EXPECT_THAT(stopCodes(), ElementsAre(0));
+    EXPECT_THAT(cleanupCodes(), ElementsAre(0));
+    EXPECT_THAT(initCodes(), ElementsAre(-7));
+}
+
+TEST_F(PluginFailures, AnExceptionFromInitializeFailsThePluginWithItsCode) {
+    plugins_.plugin("A").initialize = []() -> std::int32_t { throw std::runtime_error("A"); };
+    plugins_.plugin("B").initialize = []() -> std::int32_t { throw std::bad_alloc(); };
+    plugins_.plugin("C").initialize = []() -> std::int32_t { zuerr::Raise(-9, "own", {"file", 1}, nullptr); };
+    start({describe("A"), describe("B"), describe("C"), describe("D", {"A"}), describe("E")});
+    EXPECT_THAT(initCodes(), ElementsAre(-52003, -52000, -9, -52006, 0));
+    EXPECT_THAT(plugins_.callsOf("unload"), ElementsAre("A", "B", "C"));
+    plugins_.calls.clear();
+    stopAndCleanUp();
+    EXPECT_THAT(plugins_.calls, ElementsAre("call E Stop", "call E Cleanup", "unload E"));
+}
+
+TEST_F(PluginFailures, AnExceptionThatCarriesNoErrorFailsThePluginAllTheSame) {
+    plugins_.plugin("A").initialize = []() -> std::int32_t { throw zuerr::Exception(); };
+    start({describe("A"), describe("B", {"A"})});
+    EXPECT_THAT(initCodes(), ElementsAre(0, -52006));
+    EXPECT_EQ(manager_.entries()[0].library.loaded, 0);
+}
+
+TEST_F(PluginFailures, AnExceptionOfUnknownTypeIsPassedOn) {
+    plugins_.plugin("A").initialize = []() -> std::int32_t { throw 7; };
+    EXPECT_THROW(start({describe("A")}), int);
+}
+
+/// Notes when it is destroyed.
+class WatchedException : public std::exception {
+public:
+    explicit WatchedException(std::vector<std::string>& calls) : calls_(calls) {}
+    WatchedException(const WatchedException&) = default;
+    ~WatchedException() override { calls_.emplace_back("destroy"); }
+
+private:
+    std::vector<std::string>& calls_;
+};
+
+TEST_F(PluginFailures, AnExceptionIsGoneBeforeTheLibraryThatThrewItIsUnloaded) {
+    plugins_.plugin("A").initialize = [&]() -> std::int32_t { throw WatchedException(plugins_.calls); };
+    start({describe("A")});
+    EXPECT_THAT(plugins_.calls, ElementsAre("load A", "symbol A Init", "symbol A Stop", "symbol A Cleanup",
+                                            "call A Init", "destroy", "unload A"));
+}
+
+// Unloads that fail.
+
+TEST_F(PluginFailures, AnUnloadThatFailsOnceReplacesTheNegativeResultAndIsTriedOnceMore) {
+    plugins_.plugin("A").initialize = [] { return -7; };
+    plugins_.plugin("A").refusedUnloads = 1;
+    start({describe("A"), describe("B")});
+    EXPECT_THAT(initCodes(), ElementsAre(-52005, 0));
+    EXPECT_THAT(plugins_.callsOf("unload"), ElementsAre("A", "A"));
+    EXPECT_EQ(manager_.entries()[0].library.loaded, 0);
+    EXPECT_THAT(reports_.texts, ElementsAre(R"({"file":"zukest/quarks/library","line":225,"component":"zuZiptraR"})"));
+}
+
+TEST_F(PluginFailures, AnUnloadThatFailsTwiceEndsTheStartWithoutThatEntry) {
+    plugins_.plugin("B").initialize = [] { return -7; };
+    plugins_.plugin("B").refusedUnloads = 2;
+    try {
+        start({describe("A"), describe("B"), describe("C")});
+        FAIL();
+    } catch (const zuerr::Exception& exception) {
+        EXPECT_EQ(exception.record.code, -52005);
+        EXPECT_STREQ(exception.what(), R"({"file":"zukest/quarks/library","line":225,"component":"zuZiptraR"})");
+    }
+    EXPECT_THAT(plugins_.callsOf("unload"), ElementsAre("B", "B"));
+    EXPECT_THAT(plugins_.callsOf("load"), ElementsAre("A", "B"));
+    ASSERT_EQ(manager_.entries().size(), 1U);
+    EXPECT_EQ(manager_.entries()[0].description.name, "A");
+}
+
+TEST_F(PluginFailures, AFailedPluginWhoseOneUnloadFailsEndsTheStart) {
+    plugins_.plugin("A").initialize = []() -> std::int32_t { throw std::runtime_error("A"); };
+    plugins_.plugin("A").refusedUnloads = 1;
+    EXPECT_THROW(start({describe("A")}), zuerr::Exception);
+    EXPECT_THAT(plugins_.callsOf("unload"), ElementsAre("A"));
+    EXPECT_THAT(manager_.entries(), IsEmpty());
+}
+
+TEST_F(PluginFailures, WhatHasStartedBeforeTheStartEndedIsStoppedAndCleanedUp) {
+    plugins_.plugin("B").missing = {"Init"};
+    plugins_.plugin("B").refusedUnloads = 1;
+    EXPECT_THROW(start({describe("A"), describe("B")}), zuerr::Exception);
+    plugins_.calls.clear();
+    stopAndCleanUp();
+    EXPECT_THAT(plugins_.calls, ElementsAre("call A Stop", "call A Cleanup", "unload A"));
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+#include "tests/support/caughtReports.h"
+
+#include <cstdint>
+
+#include "err/Exception.h"
+
+namespace support {
+namespace {
+
+tCaughtReports* current = nullptr;
+
+}  // namespace
+
+tCaughtReports::tCaughtReports() { current = this; }
+tCaughtReports::~tCaughtReports() { current = nullptr; }
+
+// See loader.cpp for the names.
+
+std::int32_t realCurrentExceptionCode() asm("__real__ZN5zuerr20CurrentExceptionCodeEv");
+std::int32_t wrappedCurrentExceptionCode() asm("__wrap__ZN5zuerr20CurrentExceptionCodeEv");
+std::int32_t wrappedCurrentExceptionCode() {
+    if (current != nullptr) {
+        try {
+            throw;
+        } catch (const zuerr::ExceptionBase& exception) {
+            current->texts.emplace_back(exception.report() == nullptr ? "" : exception.report());
+        } catch (...) {
+            // Has no report.
+        }
+    }
+    return realCurrentExceptionCode();
+}
+
+}  // namespace support

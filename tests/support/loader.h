@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "quarks/library.h"
+
+namespace support {
+
+/// Stands in for the dynamic loader: while one lives, every call of nLibrary comes to it (to the youngest). Without one
+/// the calls go on to the system. (The test programs are linked with --wrap; the product has no seam for this.)
+class tLoader {
+public:
+    tLoader();
+    virtual ~tLoader();
+    tLoader(const tLoader&) = delete;
+    tLoader& operator=(const tLoader&) = delete;
+
+    virtual nLibrary::Handle load(const char* path, std::uint32_t& osError) = 0;
+    virtual bool unload(nLibrary::Handle library, std::uint32_t& osError) = 0;
+    virtual void* symbol(nLibrary::Handle library, const char* name, std::uint32_t& osError) = 0;
+
+private:
+    tLoader* previous_;
+};
+
+}  // namespace support
