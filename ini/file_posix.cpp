@@ -2,6 +2,8 @@
 #include <chrono>
 #include <filesystem>
 #include <ratio>
+#include <string>
+#include <string_view>
 
 #include "ini/file.h"
 
@@ -10,8 +12,10 @@ namespace {
 
 /// Empty, which names no file, when the path has no narrow form.
 std::filesystem::path narrow(const wchar_t* path) {
+    const std::wstring_view wide(path);
     try {
-        return path;
+        // The library takes these for UTF-32 whatever the locale is, unlike wide characters.
+        return std::u32string(wide.begin(), wide.end());
     } catch (const std::filesystem::filesystem_error&) {
         return {};
     }

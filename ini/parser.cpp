@@ -151,10 +151,10 @@ int parseStream(tDocument& document, std::FILE* file) {
 }
 
 void rememberFile(tDocument& document, const wchar_t* widePath) {
-    const std::wstring_view path(widePath);
-    document.filePath.fill(0);
-    if (path.size() < document.filePath.size()) path.copy(document.filePath.data(), path.size());
     document.fileTime = lastWriteTime(widePath).value_or(0);
+    document.filePath.fill(0);
+    const std::wstring_view path(widePath);
+    if (path.size() < document.filePath.size()) path.copy(document.filePath.data(), path.size());
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cctype>
+#include <chrono>
 
 #include "tests/support/iniFile.h"
 
@@ -28,15 +28,19 @@ TEST(IniParser, WhiteSpaceAroundKeyAndValueIsDropped) {
 }
 
 TEST(IniParser, OnlyWhatIsspaceCallsSpaceIsDropped) {
+    std::ostringstream text;
+    std::ostringstream expected;
+    text << "[s]\n";
+    expected << "[s]@1\n";
+    int line = 1;
     for (int byte = 1; byte < 256; ++byte) {
         const char c = static_cast<char>(byte);
         if (c == '\n' || c == '\r') continue;
-        std::string text = "[s]\nk=.v.\n";
-        std::replace(text.begin(), text.end(), '.', c);
-        std::string expected = std::isspace(byte) != 0 ? "[s]@1\nk=v@2\n" : "[s]@1\nk=.v.@2\n";
-        std::replace(expected.begin(), expected.end(), '.', c);
-        EXPECT_EQ(parsed(text, 0), expected) << byte;
+        text << 'k' << byte << '=' << c << 'v' << c << '\n';
+        const std::string kept(std::isspace(byte) != 0 ? 0 : 1, c);
+        expected << 'k' << byte << '=' << kept << 'v' << kept << '@' << ++line << '\n';
     }
+    EXPECT_EQ(parsed(text.str(), 0), expected.str());
 }
 
 TEST(IniParser, ACommentMayStandBehindWhiteSpace) { EXPECT_EQ(parsed("; a=b\n[s]\n \t; c=d\n"), "[s]@2\n"); }
@@ -288,6 +292,195 @@ TEST(IniContinuation, WithoutMergingRepeatedRunsGiveRepeatedKeys) {
 
 TEST(IniContinuation, EmptyValuesJoinToAnEmptyValue) {
     EXPECT_EQ(parsed("[s]\na Line1=\na Line2=\n", acceptEmptyValues), "[s]@1\na=@2\n");
+}
+
+// --- the file ---
+
+TEST(IniFile, AUtf8MarkIsNoPartOfTheText) {
+    EXPECT_EQ(parsed("\xEF\xBB\xBF[s]\nk=v"), "[s]@1\nk=v@2\n");
+    EXPECT_EQ(parsed("\xEF\xBB\xBF"), "");
+    EXPECT_EQ(parsed("[s]\n\xEF\xBB\xBFk=v"), "[s]@1\n\xEF\xBB\xBFk=v@2\n");
+}
+
+TEST(IniFile, WideTextIsRefused) {
+    EXPECT_EQ(parsed("\xFF\xFE[\0s\0]\0"sv), "-3");
+    EXPECT_EQ(parsed("\xFE\xFF\0[\0s\0]"sv), "-3");
+    EXPECT_EQ(parsed("\xFF\xFE\0\0[\0\0\0"sv), "-3");
+    EXPECT_EQ(parsed("\0\0\xFE\xFF\0\0\0["sv), "-3");
+    EXPECT_EQ(parsed("\xFF\xFE"), "-3");
+    EXPECT_EQ(parsed("\xFE\xFF"), "-3");
+    EXPECT_EQ(parsed("\xFF\xFE\0"sv), "-3");
+}
+
+TEST(IniFile, TextWithCarriageReturnsIsNumberedByLines) {
+    EXPECT_EQ(parsed("[s]\r\na=1\r\n\r\nb=2\r\n"), "[s]@1\na=1@2\nb=2@4\nerror@3\n");
+}
+
+TEST(IniFile, ALineFeedBeforeTheFirstLineIsSkippedAndNotCounted) { EXPECT_EQ(parsed("\n[s]\nk=v"), "[s]@1\nk=v@2\n"); }
+
+TEST(IniFile, TwoLineFeedsAtTheEndMakeAMalformedLine) {
+    EXPECT_EQ(parsed("[s]\nk=v\n\n"), "[s]@1\nk=v@2\nerror@3\n");
+    EXPECT_EQ(parsed("[s]\r\nk=v\r\n\r\n"), "[s]@1\nk=v@2\nerror@3\n");
+}
+
+TEST(IniFile, BytesAreTakenAsTheyAre) {
+    EXPECT_EQ(parsed("[\xC3\xA4]\n\x01\xFF=\xC0\x80\n"), "[\xC3\xA4]@1\n\x01\xFF=\xC0\x80@2\n");
+}
+
+TEST(IniFile, AMissingFileGivesMinus22) {
+    nIni::tDocument document;
+    EXPECT_EQ(parseFile(document, L"no such file.ini"), -22);
+    EXPECT_EQ(parseFile(document, L""), -22);
+}
+
+TEST(IniFile, PathAndTimeAreKeptOnSuccess) {
+    const tIniFile file("[s]\nbad");
+    using std::chrono::sys_days, std::chrono::year, std::chrono::hours, std::chrono::seconds;
+    const auto time = sys_days(year(2020) / 1 / 2) + hours(3) + seconds(4);
+    last_write_time(file.path(), std::chrono::file_clock::from_sys(time));
+    nIni::tDocument document;
+    ASSERT_EQ(file.parseInto(document), 0);
+    EXPECT_EQ(document.filePath.data(), file.widePath());
+    const std::uint64_t secondsSince1601 = 18263ULL * 86400 + 3 * 3600 + 4 + 11644473600;
+    EXPECT_EQ(document.fileTime, secondsSince1601 * 10'000'000);
+}
+
+TEST(IniFile, AFailureLeavesPathAndTimeOfTheLastSuccess) {
+    const tIniFile file("[s]");
+    nIni::tDocument document;
+    ASSERT_EQ(file.parseInto(document), 0);
+    const std::uint64_t time = document.fileTime;
+    EXPECT_NE(time, 0U);
+    EXPECT_EQ(tIniFile("\xFF\xFE").parseInto(document), -3);
+    EXPECT_EQ(parseFile(document, L"no such file.ini"), -22);
+    EXPECT_EQ(document.filePath.data(), file.widePath());
+    EXPECT_EQ(document.fileTime, time);
+}
+
+TEST(IniFile, APathThatDoesNotFitLeavesItsFieldEmpty) {
+    const std::size_t directorySize = tIniFile("", "").path().wstring().size();
+    for (const std::size_t size : {255, 256}) {
+        // The random part of the directory's name varies in length.
+        nIni::tDocument document;
+        for (std::size_t tries = 0;; ++tries) {
+            ASSERT_LT(tries, 1000U);
+            const tIniFile file("[s]", std::string(size - directorySize, 'x'));
+            if (file.widePath().size() != size) continue;
+            document.filePath.fill(L'?');
+            ASSERT_EQ(file.parseInto(document), 0);
+            EXPECT_EQ(document.filePath.data(), size == 255 ? file.widePath() : std::wstring());
+            EXPECT_EQ(document.filePath.back(), 0);
+            break;
+        }
+        EXPECT_EQ(describe(document), "[s]@1\n");
+        EXPECT_NE(document.fileTime, 0U);
+    }
+}
+
+TEST(IniFile, APathMayHoldAnyCharacters) {
+    const tIniFile file("[s]", std::filesystem::path(u"\x63D2\x4EF6 \xE4") / u"\x914D\x7F6E.ini");
+    nIni::tDocument document;
+    ASSERT_EQ(file.parseInto(document), 0);
+    EXPECT_EQ(describe(document), "[s]@1\n");
+    EXPECT_EQ(document.filePath.data(), file.widePath());
+}
+
+TEST(IniFile, ADocumentMayBeUsedForOneFileAfterTheOther) {
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile("[a]\nk=1\nbad\n[b]\n").parseInto(document), 0);
+    ASSERT_NE(findSection(document, "b"), nullptr);
+    ASSERT_EQ(tIniFile("k=2\n[c]\nk=3\n").parseInto(document), 0);
+    EXPECT_EQ(describe(document), "[c]@2\nk=3@3\n") << "no error line, no section, no current section is left";
+    EXPECT_EQ(findSection(document, "b"), nullptr);
+}
+
+TEST(IniFile, AFileThatIsRefusedLeavesTheDocument) {
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile("[a]\nbad\n").parseInto(document), 0);
+    EXPECT_EQ(tIniFile("\xFF\xFE").parseInto(document), -3);
+    EXPECT_EQ(describe(document), "[a]@1\nerror@2\n");
+}
+
+TEST(IniFile, TheOptionsAreNotTouched) {
+    nIni::tDocument document;
+    document.flags = 15;
+    document.mergeDuplicates = 0;
+    document.caseSensitive = 1;
+    document.lastKeyLine = 7;
+    ASSERT_EQ(tIniFile("[a]\nk:v").parseInto(document), 0);
+    EXPECT_EQ(document.flags, 15U);
+    EXPECT_EQ(document.mergeDuplicates, 0);
+    EXPECT_EQ(document.caseSensitive, 1);
+    EXPECT_EQ(document.lastKeyLine, 7);
+}
+
+// --- sizes ---
+
+TEST(IniSize, OneLineMayFillTheFile) {
+    const std::string value(5'000'000, 'x');
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile("[s]\nk=" + value).parseInto(document), 0);
+    EXPECT_EQ(document.sections[0].keys[0].value, value);
+    EXPECT_EQ(parsed("[s]\n" + value), "[s]@1\nerror@2\n");
+    EXPECT_EQ(parsed("[" + value + "]"), '[' + value + "]@1\n");
+    EXPECT_EQ(parsed("[s]\n" + value + "=v"), "[s]@1\n" + value + "=v@2\n");
+    EXPECT_EQ(parsed("[s]\nk=" + std::string(5'000'000, ' ') + "v"), "[s]@1\nk=v@2\n");
+}
+
+TEST(IniSize, AsManyKeysAsTheFileHolds) {
+    constexpr std::int32_t count = 100'000;
+    std::ostringstream text;
+    text << "[s]\n";
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < count; ++i) text << "key" << i << '=' << i + round << '\n';
+    }
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile(text.str()).parseInto(document), 0);
+    nIni::tSection& section = document.sections.at(0);
+    ASSERT_EQ(section.keys.size(), count);
+    for (std::int32_t i = 0; i < count; ++i) {
+        nIni::tKey* const key = findKey(section, false, "KEY" + std::to_string(i));
+        ASSERT_EQ(key, &section.keys[static_cast<std::size_t>(i)]);
+        ASSERT_EQ(key->value, std::to_string(i + 1));
+        ASSERT_EQ(key->line, count + i + 2);
+    }
+}
+
+TEST(IniSize, AsManySectionsAsTheFileHolds) {
+    constexpr std::size_t count = 20'000;
+    std::ostringstream text;
+    for (const char* const key : {"a", "b"}) {
+        for (std::size_t i = 0; i < count; ++i) text << "[section" << i << "]\n" << key << "=" << i << '\n';
+    }
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile(text.str()).parseInto(document), 0);
+    ASSERT_EQ(document.sections.size(), count);
+    for (std::size_t i = 0; i < count; ++i) {
+        nIni::tSection* const section = findSection(document, "SECTION" + std::to_string(i));
+        ASSERT_EQ(section, &document.sections[i]);
+        ASSERT_EQ(section->keys.size(), 2U);
+        ASSERT_EQ(section->keys[1].value, std::to_string(i));
+    }
+}
+
+TEST(IniSize, AsManyContinuationKeysAsTheFileHolds) {
+    constexpr std::size_t count = 20'000;
+    std::ostringstream text;
+    std::string expected;
+    text << "[s]\n";
+    for (std::size_t i = 1; i <= count; ++i) {
+        text << "Text Line" << i << '=' << i << '\n';
+        expected += std::to_string(i);
+    }
+    text << "[t]\n";
+    for (std::size_t i = 1; i <= count; ++i) text << i << " Line1=" << i << '\n';
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile(text.str()).parseInto(document), 0);
+    ASSERT_EQ(document.sections.at(0).keys.size(), 1U);
+    EXPECT_EQ(document.sections[0].keys[0].value, expected);
+    ASSERT_EQ(document.sections.at(1).keys.size(), count);
+    EXPECT_EQ(findKey(document.sections[1], false, "1234"), &document.sections[1].keys[1233]);
+    EXPECT_EQ(findKey(document.sections[1], false, "1234 Line1"), nullptr) << "no look-up finds a name of before";
 }
 
 }  // namespace

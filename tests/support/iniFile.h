@@ -28,8 +28,13 @@ public:
     }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    /// As the parser wants it. Not wstring(), which depends on the locale natively.
+    [[nodiscard]] std::wstring widePath() const {
+        const std::u32string path = path_.u32string();
+        return {path.begin(), path.end()};
+    }
     [[nodiscard]] int parseInto(nIni::tDocument& document) const {
-        return nIni::parseFile(document, path_.wstring().c_str());
+        return nIni::parseFile(document, widePath().c_str());
     }
 
 private:

@@ -1,0 +1,93 @@
+// Failures of a file system as they show natively.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+#include <string_view>
+
+#include "ini/lineReader.h"
+#include "tests/support/iniFile.h"
+
+namespace {
+
+int parse(const std::filesystem::path& path) {
+    nIni::tDocument document;
+    return nIni::parseFile(document, path.wstring().c_str());
+}
+
+TEST(IniFilePosix, ADirectoryOpensButCannotBeRead) {
+    const tIniFile file("");
+    EXPECT_EQ(parse(file.path().parent_path()), -5002);
+}
+
+TEST(IniFilePosix, AFailedFirstReadLeavesTheDocument) {
+    const tIniFile file("[s]");
+    nIni::tDocument document;
+    ASSERT_EQ(file.parseInto(document), 0);
+    EXPECT_EQ(nIni::parseFile(document, file.path().parent_path().wstring().c_str()), -5002);
+    EXPECT_EQ(describe(document), "[s]@1\n");
+}
+
+TEST(IniFilePosix, AFileThatExistsButDoesNotOpenGivesMinus5001) {
+    const tIniFile file("[s]");
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    rlimit none = limit;
+    none.rlim_cur = 0;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const int existing = parse(file.path());
+    const int missing = parse(file.path().parent_path() / "missing");
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_EQ(existing, -5001);
+    EXPECT_EQ(missing, -22);
+}
+
+TEST(IniFilePosix, ALinkIsAFileWhereverItLeads) {
+    const tIniFile file("[s]");
+    const std::filesystem::path directory = file.path().parent_path();
+    create_symlink(file.path(), directory / "good");
+    create_symlink(directory / "missing", directory / "bad");
+    EXPECT_EQ(parse(directory / "good"), 0);
+    EXPECT_EQ(parse(directory / "bad"), -5001);
+}
+
+TEST(IniFilePosix, APathWithoutANarrowFormNamesNoFile) {
+    nIni::tDocument document;
+    const wchar_t path[] = {L'a', static_cast<wchar_t>(0x110000), 0};
+    EXPECT_EQ(nIni::parseFile(document, path), -22);
+}
+
+/// Gives `text` once, and then fails.
+struct tFailingSource {
+    std::string_view text;
+};
+
+ssize_t readAndFail(void* cookie, char* buffer, size_t size) {
+    auto& source = *static_cast<tFailingSource*>(cookie);
+    if (source.text.empty()) {
+        errno = EIO;
+        return -1;
+    }
+    const std::size_t count = source.text.copy(buffer, size);
+    source.text.remove_prefix(count);
+    return static_cast<ssize_t>(count);
+}
+
+TEST(IniFilePosix, WhatAFailedReadGaveIsNotUsed) {
+    tFailingSource source{"one\ntwo\nthr"};
+    std::FILE* const file = fopencookie(&source, "rb", {readAndFail, nullptr, nullptr, nullptr});
+    ASSERT_NE(file, nullptr);
+    setvbuf(file, nullptr, _IONBF, 0);
+    nIni::tLineReader reader(file);
+    EXPECT_TRUE(reader.skipByteOrderMark());
+    EXPECT_EQ(reader.next(), "one");
+    EXPECT_FALSE(reader.failed());
+    EXPECT_EQ(reader.next(), std::nullopt);
+    EXPECT_TRUE(reader.failed());
+    std::fclose(file);
+}
+
+}  // namespace

@@ -1,0 +1,149 @@
+#include "ini/nameIndex.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/support/failingNew.h"
+
+namespace {
+
+using nIni::hashName;
+using nIni::sameName;
+using nIni::tNameIndex;
+
+struct tRecord {
+    std::string name;
+};
+
+TEST(NameIndex, FoldsCaseAsTheCLocaleDoesByteForByte) {
+    for (int left = 0; left < 256; ++left) {
+        // Nine bytes, so that the folding of eight at once and of the rest both see every byte.
+        const std::string a(9, static_cast<char>(left));
+        for (int right = 0; right < 256; ++right) {
+            const std::string b(9, static_cast<char>(right));
+            const bool same = std::tolower(left) == std::tolower(right);
+            ASSERT_EQ(sameName(a, b, false), same) << left << ' ' << right;
+            ASSERT_EQ(hashName(a, false) == hashName(b, false), same) << left << ' ' << right;
+            ASSERT_EQ(sameName(a, b, true), left == right) << left << ' ' << right;
+            ASSERT_EQ(hashName(a, true) == hashName(b, true), left == right) << left << ' ' << right;
+        }
+    }
+}
+
+TEST(NameIndex, NamesOfDifferentLengthDiffer) {
+    std::set<std::uint64_t> hashes;
+    for (std::size_t size = 0; size <= 40; ++size) {
+        hashes.insert(hashName(std::string(size, '\0'), true));
+        EXPECT_FALSE(sameName(std::string(size, 'a'), std::string(size + 1, 'a'), false));
+        EXPECT_FALSE(sameName(std::string(size, 'a'), std::string(size + 1, 'a'), true));
+    }
+    EXPECT_EQ(hashes.size(), 41U);
+}
+
+TEST(NameIndex, EveryCharacterOfANameCounts) {
+    for (std::size_t size = 1; size <= 24; ++size) {
+        for (std::size_t position = 0; position < size; ++position) {
+            std::string other(size, 'a');
+            other[position] = 'b';
+            EXPECT_NE(hashName(std::string(size, 'a'), false), hashName(other, false)) << position << " of " << size;
+        }
+    }
+}
+
+TEST(NameIndex, AnEmptyListHoldsNothing) {
+    tNameIndex index;
+    const std::vector<tRecord> records;
+    EXPECT_EQ(index.find(records, "", false), 0U);
+}
+
+/// Names "0", "1", ...; the caller appends to them.
+std::vector<tRecord> numbered(std::size_t count) {
+    std::vector<tRecord> records;
+    for (std::size_t i = 0; i < count; ++i) records.push_back({std::to_string(i)});
+    return records;
+}
+
+TEST(NameIndex, FindsEveryRecordOfAListWhileItGrows) {
+    tNameIndex index;
+    std::vector<tRecord> records;
+    for (std::size_t size = 0; size < 300; ++size) {
+        ASSERT_EQ(index.find(records, std::to_string(size), false), size) << "not there yet";
+        records.push_back({std::to_string(size)});
+        for (std::size_t i = 0; i <= size; ++i) ASSERT_EQ(index.find(records, std::to_string(i), false), i);
+    }
+}
+
+TEST(NameIndex, FindsTheFirstOfEqualNamesInShortAndLongLists) {
+    for (const std::size_t size : {3, 8, 9, 100}) {
+        tNameIndex index;
+        std::vector<tRecord> records = numbered(size);
+        records.push_back({"Twice"});
+        records.push_back({"TWICE"});
+        records.push_back({"1"});
+        EXPECT_EQ(index.find(records, "twice", false), size);
+        EXPECT_EQ(index.find(records, "1", false), 1U);
+        EXPECT_EQ(index.find(records, "TWICE", true), size + 1);
+        EXPECT_EQ(index.find(records, "twice", true), records.size());
+        EXPECT_EQ(index.find(records, "twice", false), size) << "and back to the other rule";
+    }
+}
+
+TEST(NameIndex, AListThatWasChangedInsideIsIndexedAnewAfterAReset) {
+    tNameIndex index;
+    std::vector<tRecord> records = numbered(100);
+    EXPECT_EQ(index.find(records, "50", false), 50U);
+    records.erase(records.begin());
+    index.reset();
+    EXPECT_EQ(index.find(records, "50", false), 49U);
+    EXPECT_EQ(index.find(records, "0", false), records.size());
+}
+
+TEST(NameIndex, NamesThatShareASlotAreToldApart) {
+    constexpr std::uint64_t lowBits = 0x3FF;
+    tNameIndex index;
+    std::vector<tRecord> records;
+    for (std::size_t i = 0; records.size() < 200; ++i) {
+        const std::string name = std::to_string(i);
+        if ((hashName(name, false) & lowBits) == 0) records.push_back({name});
+    }
+    for (std::size_t i = 0; i < records.size(); ++i) ASSERT_EQ(index.find(records, records[i].name, false), i);
+    EXPECT_EQ(index.find(records, "none of them", false), records.size());
+}
+
+/// Whether the index finds what it should while a list grows record by record, none of which needs memory.
+bool findsAllWhileGrowing(const std::vector<tRecord>& records) {
+    tNameIndex index;
+    std::vector<tRecord> growing;
+    growing.reserve(records.size());
+    bool right = true;
+    for (const tRecord& record : records) {
+        right = right && index.find(growing, record.name, false) == growing.size();
+        growing.push_back(record);
+        right = right && index.find(growing, record.name, false) == growing.size() - 1;
+        right = right && index.find(growing, "0", false) == 0;
+    }
+    return right;
+}
+
+TEST(NameIndex, FindsTheSameWhicheverAllocationFails) {
+    const std::vector<tRecord> records = numbered(300);
+    for (const auto howLong : {failingNew::tHowLong::once, failingNew::tHowLong::forEver}) {
+        int failures = 0;
+        // The first allocation is the test's own.
+        for (int nth = 2;; ++nth) {
+            failingNew::start(nth, howLong);
+            const bool right = findsAllWhileGrowing(records);
+            const bool failed = failingNew::stop();
+            EXPECT_TRUE(right) << nth;
+            if (!failed) break;
+            ++failures;
+        }
+        EXPECT_GE(failures, 10);
+    }
+}
+
+}  // namespace
