@@ -1,0 +1,16 @@
+#pragma once
+
+// What the description names; nobody depends on this plug-in.
+
+#ifdef Deployment_EXPORTS
+#define DEPLOYMENT_API __declspec(dllexport)
+#else
+#define DEPLOYMENT_API __declspec(dllimport)
+#endif
+
+extern "C" {
+
+DEPLOYMENT_API int DeploymentInitialize() noexcept;
+DEPLOYMENT_API void DeploymentStop() noexcept;
+DEPLOYMENT_API void DeploymentCleanup() noexcept;
+}
