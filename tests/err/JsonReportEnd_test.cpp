@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+
+#include "err/JsonReport.h"
+
+namespace {
+
+using zuerr::FindEnd;
+
+/// The offset that FindEnd gives, -1 for null.
+std::ptrdiff_t endOf(std::string text) {
+    const char* const end = FindEnd(text.data());
+    return end == nullptr ? -1 : end - text.data();
+}
+
+/// Each text is a container that ends at its last byte, whatever follows.
+void expectValid(std::initializer_list<const char*> texts) {
+    for (const std::string text : texts) {
+        const auto last = static_cast<std::ptrdiff_t>(text.size()) - 1;
+        EXPECT_EQ(endOf(text), last) << text;
+        EXPECT_EQ(endOf(text + "}],x"), last) << text;
+    }
+}
+
+void expectInvalid(std::initializer_list<const char*> texts) {
+    for (const std::string text : texts) EXPECT_EQ(endOf(text), -1) << text;
+}
+
+TEST(FindEnd, IsTheClosingBraceOrBracketOfTheTopLevelContainer) {
+    expectValid({"{}", "[]", R"({"a":1})", R"({"a":1,"b":2})", "[[],{},[[{}]]]", R"({"a":{"b":{"c":{}}},"d":[]})"});
+}
+
+TEST(FindEnd, IsNullForWhatBeginsWithNoBraceOrBracket) {
+    expectInvalid({"", "x", " {}", "1", "\"a\"", "true", "}", "]"});
+}
+
+TEST(FindEnd, IsNullForAContainerThatIsNotClosedByItsOwnKind) {
+    expectInvalid({"{", "[", "{]", "[}", "[[]", "[1", "{\"a\"", "{\"a\":", "{\"a\":1", "{\"a\":1]", "[1}"});
+}
+
+TEST(FindEnd, AllowsBlanksAroundTokens) {
+    expectValid({"{ \t\r\n}", "[ \t\r\n]", "{ \"a\" : 1 , \"b\" :\t[ 1 ,\r\n2 ] }"});
+    expectInvalid({"[\v]", "[1\f]", "{\"a\"\v:1}"});
+}
+
+TEST(FindEnd, WantsOneCommaBetweenValuesAndNoneElsewhere) {
+    expectInvalid({"{,}", "[,]", "[,1]", "[1,]", "[1,,2]", "[1 2]", R"({"a":1,})", R"({"a":1 "b":2})", R"(["a":1])"});
+}
+
+TEST(FindEnd, WantsAStringAndAColonBeforeEachValueOfAnObject) {
+    expectInvalid({R"({"a"})", R"({"a" 1})", R"({"a"::1})", R"({"a":})", "{a:1}", "{1:1}", "{[]:1}", "{:1}"});
+}
+
+TEST(FindEnd, ReadsNoBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])"}); }
+
+TEST(FindEnd, KnowsEightEscapesAndFourHexadecimalDigits) {
+    expectValid({R"(["\"\/\\\b\f\n\r\t"])", R"(["\u00e9\uABCD\u0000\u9f9F"])"});
+    expectInvalid({R"(["\x"])", R"(["\v"])", R"(["\u12g4"])", R"(["\u123"])", R"(["\u"])", R"(["\U1234"])"});
+}
+
+TEST(FindEnd, RefusesControlCharactersInStringsAndNoOtherByte) {
+    expectInvalid({"[\"\n\"]", "[\"\t\"]", "[\"\x1F\"]", "[\"\x01\"]", "{\"\n\":1}"});
+    expectValid({"[\" \x7F\x80\xFF\"]", "[\"Ger\xC3\xA4t\"]"});
+}
+
+TEST(FindEnd, IsNullForAStringThatDoesNotEnd) {
+    expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", "[\"a\\\"", "[\"\\u", "[\"\\u12", "['a']"});
+}
+
+TEST(FindEnd, AcceptsLeadingZerosALoneMinusSignAndMissingDigitsBehindPointOrExponentSign) {
+    expectValid({"[007]", "[-007]", "[-]", "[1.]", "[-.5]", "[-.]", "[1e+]", "[1E-]"});
+}
+
+TEST(FindEnd, AcceptsNumbersWithFractionAndExponent) {
+    expectValid({"[0]", "[-1]", "[1.5]", "[1e5]", "[1E5]", "[1e+5]", "[1.5e-10]", "[99999999999999999999999999]"});
+}
+
+TEST(FindEnd, IsNullForAMalformedNumber) {
+    expectInvalid({"[+1]", "[.5]", "[e5]", "[1e]", "[1ee5]", "[1e+-5]", "[--1]", "[1.5.5]", "[0x10]", "[1e5.5]"});
+}
+
+TEST(FindEnd, MatchesTheThreeWordsLetterForLetter) {
+    expectValid({"[true,false,null]", R"({"a":true})"});
+    expectInvalid({"[tru]", "[True]", "[truex]", "[nul", "[fals]", "[nan]", "[t]", "[n", "[f", "[NULL]"});
+}
+
+TEST(FindEnd, FollowsNestingOf1024LevelsAndRefusesMore) {
+    EXPECT_EQ(endOf(std::string(1024, '[') + std::string(1024, ']')), 2047);
+    EXPECT_EQ(endOf(std::string(1025, '[') + std::string(1025, ']')), -1);
+    EXPECT_EQ(endOf(std::string(1'000'000, '[')), -1);
+}
+
+TEST(FindEnd, RemembersTheKindOfEveryLevel) {
+    EXPECT_EQ(endOf(R"([{"a":[{"b":[]}]}])"), 17);
+    EXPECT_EQ(endOf(R"([{"a":[{"b":[}]}]])"), -1);
+    EXPECT_EQ(endOf(R"([{"a":[1,"b":2]}])"), -1);
+}
+
+}  // namespace

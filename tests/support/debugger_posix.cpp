@@ -1,0 +1,10 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/debugger.h"
+
+// Natively standard error stands in for the debugger.
+std::string debuggerOutput(const std::function<void()>& action) {
+    testing::internal::CaptureStderr();
+    action();
+    return testing::internal::GetCapturedStderr();
+}

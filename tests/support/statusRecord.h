@@ -1,0 +1,55 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+#include "err/StatusRecord.h"
+#include "tests/support/report.h"
+
+namespace report {
+
+inline testing::AssertionResult wellLaidOut(const zuerr::StatusRecord& record) {
+    return wellLaidOut(record.json, record.capacity);
+}
+
+}  // namespace report
+
+/// Buffer managers for status records, and what they have been asked for in this test.
+class StatusRecordManager : public testing::Test {
+protected:
+    StatusRecordManager() { requests.clear(); }
+
+    static bool remember(zuerr::StatusRecord& record, std::uint32_t capacity) {
+        requests.push_back(capacity);
+        return zuerr::StatusRecord::reallocJsonDefault(record, capacity);
+    }
+
+    /// Releases, but gives nothing.
+    static bool refuse(zuerr::StatusRecord& record, std::uint32_t capacity) {
+        requests.push_back(capacity);
+        return capacity <= record.capacity && zuerr::StatusRecord::reallocJsonDefault(record, capacity);
+    }
+
+    /// Gives what the default manager gives first and no more, but never says no.
+    static bool pretend(zuerr::StatusRecord& record, std::uint32_t capacity) {
+        if (capacity <= 512) return zuerr::StatusRecord::reallocJsonDefault(record, capacity);
+        return true;
+    }
+
+    /// Gives exactly what it is asked for.
+    static bool exact(zuerr::StatusRecord& record, std::uint32_t capacity) {
+        if (capacity == 0) return zuerr::StatusRecord::reallocJsonDefault(record, 0);
+        if (capacity <= record.capacity) return true;
+        char* const buffer = static_cast<char*>(std::malloc(capacity));
+        zuerr::CopyText(buffer, capacity, record.json == nullptr ? "{}" : record.json);
+        std::free(record.json);
+        record.json = buffer;
+        record.capacity = capacity;
+        return true;
+    }
+
+    inline static std::vector<std::uint32_t> requests;
+};
