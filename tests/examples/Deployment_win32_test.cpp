@@ -6,9 +6,9 @@
 
 namespace {
 
-using test::eventually;
-using test::tExample;
-using test::tExampleFolder;
+using support::eventually;
+using support::tExample;
+using support::tExampleFolder;
 
 /// The plug-in between a start and a stop, with what it depends on.
 class tRun {

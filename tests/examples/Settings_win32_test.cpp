@@ -4,8 +4,8 @@
 
 namespace {
 
-using test::tExample;
-using test::tExampleFolder;
+using support::tExample;
+using support::tExampleFolder;
 
 class SettingsExample : public testing::Test {
 protected:

@@ -6,9 +6,9 @@
 
 namespace {
 
-using test::eventually;
-using test::tExample;
-using test::tExampleFolder;
+using support::eventually;
+using support::tExample;
+using support::tExampleFolder;
 
 class TransportExample : public testing::Test {
 protected:

@@ -13,7 +13,7 @@
 
 #include "tests/support/plugins.h"
 
-namespace test {
+namespace support {
 
 /// A plug-in folder of one test's own, with the example plug-ins in it; its name is as awkward as names get.
 class tExampleFolder {
@@ -92,4 +92,4 @@ bool eventually(Condition condition) {
     return true;
 }
 
-}  // namespace test
+}  // namespace support
