@@ -22,9 +22,14 @@ bool contain(Body body) {
 
 }  // namespace
 
-tService::tService() { nProcessAccess::grantQueryToEveryone(); }
+// The first status file tells that the service has started, the last one how it ended.
 
-tService::~tService() = default;
+tService::tService() {
+    nProcessAccess::grantQueryToEveryone();
+    WriteStatus(*this);
+}
+
+tService::~tService() { WriteStatus(*this); }
 
 std::int32_t startService() {
     const bool started = contain([] {

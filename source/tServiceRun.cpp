@@ -1,3 +1,47 @@
+#include "err/Exception.h"
+#include "source/nDeployment.h"
+#include "source/nPluginData.h"
+#include "source/nPluginOrder.h"
 #include "source/tService.h"
+#include "time/stopwatch.h"
 
-void tService::run() { stopEvent.wait(); }
+void tService::run() {
+    const nTime::tStopwatch stopwatch;
+    std::vector<std::string> descriptionPaths;
+    try {
+        nPluginData::listPlugins(descriptionPaths);
+    } catch (const zuerr::ExceptionBase&) {
+        messages += "Failed to open plugins directory.\n";
+        return;
+    }
+    std::vector<tPluginDescription> descriptions = readDescriptions(descriptionPaths);
+    nPluginOrder::sort(descriptions);
+    nDeployment::ApplyDeploymentSetting(*this);
+    initTimeMs = stopwatch.elapsedMs();
+    WriteStatus(*this);
+
+    pluginManager.startAll(descriptions, allowedMask);
+    WriteStatus(*this);
+
+    stopEvent.wait();
+
+    pluginManager.stopAll();
+    pluginManager.cleanupAll();
+    WriteStatus(*this);
+}
+
+/// A file that cannot be read costs its own plug-in and no other.
+std::vector<tPluginDescription> tService::readDescriptions(const std::vector<std::string>& descriptionPaths) {
+    std::vector<tPluginDescription> descriptions;
+    descriptions.reserve(descriptionPaths.size());
+    for (const std::string& path : descriptionPaths) {
+        try {
+            tPluginDescription description;
+            nPluginData::readDescription(path, description);
+            descriptions.push_back(description);
+        } catch (const std::exception&) {
+            messages += "Failed to parse service description file: " + path + "\n";
+        }
+    }
+    return descriptions;
+}
