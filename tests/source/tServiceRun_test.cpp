@@ -1,0 +1,264 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <future>
+#include <vector>
+
+#include "tests/support/callingPlugin.h"
+#include "tests/support/framework.h"
+#include "tests/support/plugins.h"
+#include "tests/support/serviceWorld.h"
+#include "time/clock.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* noFramework = "Cannot init system framework\n";
+
+/// A paragraph of the status file on a plug-in of callingPlugin.
+std::string paragraph(const std::string& name, const std::string& dependencies, const std::string& calls) {
+    return name + " (depends on " + dependencies + ")\nLoaded From: " + support::pluginPath("calling") +
+           "\nRequires: 1\n" + calls + "\n";
+}
+
+constexpr const char* begun = "Begin Time: T ms\nBegin Code: 3\n";
+constexpr const char* ended =
+    "Begin Time: T ms\nBegin Code: 3\nHalt Time: T ms\nHalt Code: -52003\nEnd Time: T ms\nEnd Code: -52003\n";
+
+/// So that what is being timed takes a tick at least.
+void waitForNextTick() {
+    const std::uint64_t now = nTime::NowTicks();
+    while (nTime::NowTicks() == now) {
+    }
+}
+
+class ServiceRun : public testing::Test {
+protected:
+    ServiceRun() { startService(); }
+
+    /// Runs with the stop event set beforehand, so that stop and clean-up follow the start at once.
+    static void runWithoutWaiting() {
+        signalServiceStop();
+        runService();
+    }
+
+    /// The names of the manager's entries in their order.
+    static std::vector<std::string> names() {
+        std::vector<std::string> names;
+        for (const tPluginEntry& entry : gService->pluginManager.entries()) names.push_back(entry.description.name);
+        return names;
+    }
+
+    static std::vector<std::int32_t> initCodes() {
+        std::vector<std::int32_t> codes;
+        for (const tPluginEntry& entry : gService->pluginManager.entries()) codes.push_back(entry.initCode);
+        return codes;
+    }
+
+    support::tServiceWorld world;
+};
+
+// The listing.
+
+TEST_F(ServiceRun, GivesUpAtOnceWithAMessageWhenThereIsNoPluginDirectory) {
+    std::filesystem::remove_all(world.plugins);
+    world.removeStatus();
+    runService();  // would wait for ever otherwise
+    EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n");
+    EXPECT_EQ(world.status(), "no status file");
+    EXPECT_EQ(gService->initTimeMs, 0U);
+    EXPECT_THAT(world.deployment.pauses, IsEmpty()) << "the deployment setting was asked for";
+    stopService();
+    EXPECT_EQ(world.status(), "Allowed: 0xffffffff\n\nFailed to open plugins directory.\n");
+}
+
+TEST_F(ServiceRun, GivesUpAtOnceWithAMessageWhenTheSharedDirectoryIsNotKnown) {
+    world.places.sharedDirectory.reset();
+    runService();
+    EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n");
+}
+
+TEST_F(ServiceRun, RunsWithoutPlugins) {
+    runWithoutWaiting();
+    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_THAT(world.status(), testing::StartsWith("Allowed: 0xffffffff\n"));
+    EXPECT_EQ(gService->messages, noFramework);
+}
+
+TEST_F(ServiceRun, WaitsForTheStopEventWithoutPlugins) {
+    const std::future<void> run = std::async(std::launch::async, runService);
+    EXPECT_EQ(run.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    signalServiceStop();
+    run.wait();
+}
+
+// Reading.
+
+TEST_F(ServiceRun, SkipsABadFileWithAMessageThatNamesItAndReadsAllOthers) {
+    world.describe("a.ini", world.calling("A"));
+    const std::string bad = world.describe("b.ini", "[Service]\nthis line has no equals sign\n");
+    world.describe("c.ini", world.calling("C"));
+    runWithoutWaiting();
+    EXPECT_THAT(names(), ElementsAre("A", "C"));
+    EXPECT_EQ(gService->messages, "Failed to parse service description file: " + bad + "\n" + noFramework);
+}
+
+TEST_F(ServiceRun, NamesEveryBadFileInItsOwnLine) {
+    const std::string first = world.describe("a.ini", "[Service]\nbad\n");
+    const std::string second = world.describe("b.ini", "[Service]\nbad\n");
+    runWithoutWaiting();
+    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_THAT(gService->messages, HasSubstr("Failed to parse service description file: " + first + "\n"));
+    EXPECT_THAT(gService->messages, HasSubstr("Failed to parse service description file: " + second + "\n"));
+    EXPECT_EQ(std::count(gService->messages.begin(), gService->messages.end(), '\n'), 3);
+}
+
+TEST_F(ServiceRun, PassesAnEmptyFileOnAsAPluginWithoutAName) {
+    world.describe("a.ini", "");
+    runWithoutWaiting();
+    EXPECT_THAT(names(), ElementsAre(""));
+}
+
+TEST_F(ServiceRun, MakesTwoRecordsOfTwoFilesThatNameTheSamePlugin) {
+    world.describe("1.ini", world.calling("Twice"));
+    world.describe("2.ini", world.calling("Between"));
+    world.describe("3.ini", world.calling("Twice"));
+    runWithoutWaiting();
+    EXPECT_THAT(names(), ElementsAre("Between", "Twice", "Twice"));
+}
+
+// The order.
+
+TEST_F(ServiceRun, StartsADependencyBeforeItsDependantWhateverTheirNames) {
+    world.describe("a.ini", world.calling("A", "Dependencies=B\n"));
+    world.describe("b.ini", world.calling("B"));
+    runWithoutWaiting();
+    EXPECT_THAT(names(), ElementsAre("B", "A"));
+    EXPECT_THAT(initCodes(), ElementsAre(3, 3));
+}
+
+TEST_F(ServiceRun, StartsPluginsThatDoNotNameEachOtherByTheBytesOfTheirNames) {
+    int files = 0;
+    for (const char* name : {"b", "B", "a", "\xC3\xA4", "C"}) {
+        world.describe(std::to_string(++files) + ".ini", world.calling(name));
+    }
+    runWithoutWaiting();
+    EXPECT_THAT(names(), ElementsAre("B", "C", "a", "b", "\xC3\xA4"));
+}
+
+// The deployment setting.
+
+std::string needsDeployment() { return support::tServiceWorld::calling("Deployment", "Requires=2\n"); }
+
+TEST_F(ServiceRun, ClearsTheDeploymentBitBeforeThePluginsStartWhenDeploymentIsNotAllowed) {
+    support::tScriptedFramework framework;
+    framework.setting = 0;
+    world.deployment.entry = support::tScriptedFramework::instantiate;
+    world.describe("deployment.ini", needsDeployment());
+    runWithoutWaiting();
+    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFDU);
+    EXPECT_THAT(initCodes(), ElementsAre(-52002));
+    EXPECT_EQ(gService->messages, "");
+    EXPECT_THAT(world.status(), testing::StartsWith("Allowed: 0xfffffffd\n"));
+}
+
+TEST_F(ServiceRun, LeavesTheMaskAsItIsWhenDeploymentIsAllowed) {
+    support::tScriptedFramework framework;
+    framework.setting = 7;
+    world.deployment.entry = support::tScriptedFramework::instantiate;
+    world.describe("deployment.ini", needsDeployment());
+    runWithoutWaiting();
+    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
+    EXPECT_THAT(initCodes(), ElementsAre(3));
+    EXPECT_EQ(gService->messages, "");
+}
+
+TEST_F(ServiceRun, LeavesDeploymentAllowedAndSaysWhyOnceWhenTheSettingCannotBeAskedFor) {
+    world.describe("deployment.ini", needsDeployment());
+    runWithoutWaiting();
+    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
+    EXPECT_THAT(initCodes(), ElementsAre(3));
+    EXPECT_EQ(gService->messages, "Cannot init system framework\n");
+}
+
+TEST_F(ServiceRun, LeavesDeploymentAllowedAndSaysWhyOnceWhenTheSettingCannotBeRead) {
+    support::tScriptedFramework framework;
+    framework.outcome = [](int, int step) { return step == 6 ? 1 : 0; };
+    world.deployment.entry = support::tScriptedFramework::instantiate;
+    runWithoutWaiting();
+    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
+    EXPECT_EQ(gService->messages, "Deployment setting not found\n");
+}
+
+// The status file at each of its writings, and the order of what lies between.
+
+TEST_F(ServiceRun, WritesTheStatusFileBeforeThePluginsStartAfterTheyStartedAndAfterTheyAreCleanedUp) {
+    std::vector<std::string> seen;
+    const support::tCallingPlugin plugin(
+        [&](const std::string& entry) { seen.push_back(entry + "\n" + world.status()); });
+    const std::string bad = world.describe("0.ini", "[Service]\nbad\n");
+    world.describe("a.ini", world.calling("A", "Dependencies=B\n"));
+    world.describe("b.ini", world.calling("B"));
+    world.deployment.onPause = [&] {
+        if (world.deployment.pauses.size() > 1) return;
+        seen.push_back("query\n" + world.status());
+        waitForNextTick();
+    };
+    runWithoutWaiting();
+
+    const std::string fresh = "Allowed: 0xffffffff\n\n";
+    const std::string head = "Allowed: 0xffffffff\nInit Time T ms\n\nFailed to parse service description file: " + bad +
+                             "\nCannot init system framework\n";
+    const std::string started = head + paragraph("B", "", begun) + paragraph("A", "B", begun);
+    EXPECT_THAT(seen, ElementsAre("query\n" + fresh,                       // as the construction left it
+                                  "Begin\n" + head, "Begin\n" + head,      // before the first plug-in
+                                  "Halt\n" + started, "Halt\n" + started,  // after all have started
+                                  "End\n" + started, "End\n" + started));  // and not again until
+    EXPECT_EQ(world.status(), head + paragraph("B", "", ended) + paragraph("A", "B", ended));  // all is done
+}
+
+TEST_F(ServiceRun, StopsNothingBeforeTheStopEventIsSetAndThenEverything) {
+    std::vector<std::string> entries;
+    std::promise<void> bothBegun;
+    const support::tCallingPlugin plugin([&](const std::string& entry) {
+        entries.push_back(entry);
+        if (entries.size() == 2) bothBegun.set_value();
+    });
+    world.describe("a.ini", world.calling("A"));
+    world.describe("b.ini", world.calling("B"));
+    const std::future<void> run = std::async(std::launch::async, runService);
+    bothBegun.get_future().wait();
+    EXPECT_EQ(run.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    signalServiceStop();
+    run.wait();
+    EXPECT_THAT(entries, ElementsAre("Begin", "Begin", "Halt", "Halt", "End", "End"));
+}
+
+TEST_F(ServiceRun, StopsRightAfterTheStartWhenTheStopEventIsSetDuringTheStart) {
+    std::vector<std::string> entries;
+    const support::tCallingPlugin plugin([&](const std::string& entry) {
+        entries.push_back(entry);
+        if (entry == "Begin") signalServiceStop();
+    });
+    world.describe("a.ini", world.calling("A"));
+    world.describe("b.ini", world.calling("B"));
+    runService();
+    // The start of the others completes first.
+    EXPECT_THAT(entries, ElementsAre("Begin", "Begin", "Halt", "Halt", "End", "End"));
+}
+
+TEST_F(ServiceRun, LeavesThePluginsEntriesInPlaceUntilTheServiceIsDestroyed) {
+    world.describe("a.ini", world.calling("A"));
+    runWithoutWaiting();
+    const std::string atTheEnd = world.status();
+    world.removeStatus();
+    stopService();
+    EXPECT_EQ(world.status(), atTheEnd);
+}
+
+}  // namespace

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "quarks/library.h"
+
+namespace support {
+
+/// The plug-in of tests/plugins/calling, whose entries "Begin", "Halt" and "End" call the test back while this object
+/// lives. It keeps the library loaded. One at a time.
+class tCallingPlugin {
+public:
+    explicit tCallingPlugin(std::function<void(const std::string& entry)> onCall);
+    ~tCallingPlugin();
+    tCallingPlugin(const tCallingPlugin&) = delete;
+    tCallingPlugin& operator=(const tCallingPlugin&) = delete;
+
+private:
+    nLibrary::Handle library_;
+};
+
+}  // namespace support
