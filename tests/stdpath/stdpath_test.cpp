@@ -2,18 +2,276 @@
 
 #include <gtest/gtest.h>
 
+#include "err/Exception.h"
+#include "stdpath/path.h"
 #include "tests/support/stdpath.h"
 
 namespace {
 
-TEST(SharedDirectory, IsTheRegistryValueWithoutItsTerminatingZero) {
+std::string text(std::u8string_view utf8) { return {utf8.begin(), utf8.end()}; }
+
+/// A record that tells an operation to do nothing.
+struct tFailedStatus : zuerr::StatusRecord {
+    tFailedStatus() { code = -7; }
+};
+
+std::string trimmed(std::string path) {
+    nStdPath::trimPath(path);
+    return path;
+}
+
+TEST(TrimPath, RemovesEveryBackslashAtTheEnd) { EXPECT_EQ(trimmed("C:\\Data\\\\"), "C:\\Data"); }
+
+TEST(TrimPath, RemovesWhiteSpaceAtBothEnds) {
+    EXPECT_EQ(trimmed("C:\\Data  "), "C:\\Data");
+    EXPECT_EQ(trimmed("  C:\\Data"), "C:\\Data");
+    EXPECT_EQ(trimmed(" \t\n\v\f\rC:\\My Data \t\n\v\f\r"), "C:\\My Data");
+}
+
+TEST(TrimPath, RemovesWhiteSpaceZerosAndBackslashesAtTheEndInAnyOrder) {
+    EXPECT_EQ(trimmed(std::string("C:\\Data\\ \0\\ \0\0", 14)), "C:\\Data");
+}
+
+TEST(TrimPath, RemovesWhiteSpaceAloneAtTheBeginning) {
+    EXPECT_EQ(trimmed(" \\\\server\\share\\"), "\\\\server\\share");
+    EXPECT_EQ(trimmed(std::string("\0 a", 3)), std::string("\0 a", 3));
+}
+
+TEST(TrimPath, KeepsForwardSlashes) { EXPECT_EQ(trimmed("/Data/"), "/Data/"); }
+
+TEST(TrimPath, LeavesNothingOfATextThatHoldsNothingElse) {
+    EXPECT_EQ(trimmed(""), "");
+    EXPECT_EQ(trimmed(std::string(" \\\0", 3)), "");
+}
+
+TEST(TrimPath, KeepsBytesAbove127) {
+    // NEL, no-break space and the tails of letters that hold such bytes: no white space in UTF-8.
+    EXPECT_EQ(trimmed("\x85\xA0 x \x85\xA0"), "\x85\xA0 x \x85\xA0");
+    EXPECT_EQ(trimmed(text(u8"à计…")), text(u8"à计…"));
+    for (int byte = 128; byte < 256; ++byte) {
+        const std::string path(1, static_cast<char>(byte));
+        EXPECT_EQ(trimmed(path), path);
+    }
+}
+
+class SharedDirectory : public testing::Test {
+protected:
+    std::string read() {
+        nStdPath::getSharedDirectory(result, status);
+        return result;
+    }
+
     support::tSharedPlaces places;
-    places.sharedDirectory = std::string("D:\\Shared\0", 10);
-    std::string result;
     zuerr::StatusRecord status;
-    nStdPath::getSharedDirectory(result, status);
+    std::string result = "as it was";
+};
+
+TEST_F(SharedDirectory, IsTheRegistryValueWithoutItsTerminatingZero) {
+    places.sharedDirectory = std::string("D:\\Shared\0", 10);
+    EXPECT_EQ(read(), "D:\\Shared");
     EXPECT_EQ(status.code, 0);
-    EXPECT_EQ(result, "D:\\Shared");
+    EXPECT_EQ(status.json, nullptr);
+}
+
+TEST_F(SharedDirectory, IsTrimmed) {
+    places.sharedDirectory = std::string("  C:\\Data\\\\ \0", 12);
+    EXPECT_EQ(read(), "C:\\Data");
+}
+
+TEST_F(SharedDirectory, KeepsItsForwardSlashAtTheEnd) {
+    places.sharedDirectory = "C:/Data/";
+    EXPECT_EQ(read(), "C:/Data/");
+}
+
+TEST_F(SharedDirectory, NeedsNoTerminatingZero) {
+    places.sharedDirectory = "D:\\Shared";
+    EXPECT_EQ(read(), "D:\\Shared");
+}
+
+TEST_F(SharedDirectory, MayBeEmpty) {
+    places.sharedDirectory = "";
+    EXPECT_EQ(read(), "");
+    EXPECT_EQ(status.code, 0);
+}
+
+TEST_F(SharedDirectory, IsReadWholeWhenItIsLongerThanTheFirstBuffer) {
+    for (const std::size_t length : {255U, 256U, 257U, 5000U}) {
+        places.sharedDirectory = "C:\\" + std::string(length - 3, 'x');
+        EXPECT_EQ(read(), *places.sharedDirectory);
+    }
+}
+
+TEST_F(SharedDirectory, MayBeWrittenInAnyScript) {
+    places.sharedDirectory = text(u8"D:\\größe\\计划 🚀\\");
+    EXPECT_EQ(read(), text(u8"D:\\größe\\计划 🚀"));
+}
+
+TEST_F(SharedDirectory, IsLeftUntouchedByAFailure) {
+    EXPECT_EQ(read(), "as it was");
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_NE(std::string(status.json).find("RegQueryValue failed"), std::string::npos) << status.json;
+}
+
+TEST_F(SharedDirectory, IsNotReadWhenTheRecordHoldsAFailure) {
+    places.sharedDirectory = "D:\\Shared";
+    tFailedStatus failed;
+    nStdPath::getSharedDirectory(result, failed);
+    EXPECT_EQ(result, "as it was");
+    EXPECT_EQ(failed.code, -7);
+    EXPECT_EQ(failed.json, nullptr);
+}
+
+TEST_F(SharedDirectory, IsReadWhenTheRecordHoldsAWarning) {
+    places.sharedDirectory = "D:\\Shared";
+    status.code = 5;
+    EXPECT_EQ(read(), "D:\\Shared");
+    EXPECT_EQ(status.code, 5);
+}
+
+class AppDataDirectory : public SharedDirectory {
+protected:
+    std::string read() {
+        nStdPath::getCommonAppDataDirectory(result, status);
+        return result;
+    }
+};
+
+TEST_F(AppDataDirectory, IsTheMakersFolderInTheMachinesFolder) {
+    places.appDataFolder = "C:\\ProgramData";
+    EXPECT_EQ(read(), "C:\\ProgramData\\Corvell");
+    EXPECT_EQ(status.code, 0);
+}
+
+TEST_F(AppDataDirectory, HasOneBackslashBeforeTheMakersFolder) {
+    places.appDataFolder = "C:\\";
+    EXPECT_EQ(read(), "C:\\Corvell");
+}
+
+TEST_F(AppDataDirectory, HoldsAllThatFitsTheSystemsBuffer) {
+    places.appDataFolder = "C:\\" + std::string(256, 'x');
+    EXPECT_EQ(read(), *places.appDataFolder + "\\Corvell");
+}
+
+TEST_F(AppDataDirectory, MayBeWrittenInAnyScript) {
+    places.appDataFolder = text(u8"D:\\größe\\计划 🚀");
+    EXPECT_EQ(read(), text(u8"D:\\größe\\计划 🚀\\Corvell"));
+}
+
+TEST_F(AppDataDirectory, IsReplacedAfterAFailureAndOnlyTheRecordTellsIt) {
+    EXPECT_EQ(read(), "\\Corvell");
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_STREQ(status.json,
+                 R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":293,)"
+                 R"("component":"zuZiptraRemoteService","internal_error":{"api":"hresult","code":-2147024894},)"
+                 R"("zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
+}
+
+TEST_F(AppDataDirectory, IsNotAskedForWhenTheRecordHoldsAFailure) {
+    places.appDataFolder = "C:\\ProgramData";
+    tFailedStatus failed;
+    nStdPath::getCommonAppDataDirectory(result, failed);
+    EXPECT_EQ(result, "as it was");
+    EXPECT_EQ(failed.code, -7);
+}
+
+TEST(Readers, DoNotTouchTheBufferWhenTheRecordHoldsAFailure) {
+    support::tSharedPlaces places;
+    places.sharedDirectory = "D:\\Shared";
+    places.appDataFolder = "C:\\ProgramData";
+    tFailedStatus failed;
+    nStdPath::tWideBuffer wide;
+    nStdPath::readRegistryString(u"SOFTWARE\\Corvell\\Common\\Installer", u"ZUSHAREDDIR64", 0, wide, failed);
+    nStdPath::getKnownFolder(35, wide, failed);
+    EXPECT_EQ(wide.size(), 0U);
+    EXPECT_EQ(failed.code, -7);
+}
+
+class PluginDirectory : public SharedDirectory {
+protected:
+    const std::string separator =
+        nStdPath::pathToUtf8(boost::filesystem::path::string_type(1, boost::filesystem::path::preferred_separator));
+
+    static std::string compose() { return nStdPath::pathToUtf8(nStdPath::getPluginDirectory()); }
+};
+
+TEST_F(PluginDirectory, LiesTwoFoldersBelowTheSharedDirectory) {
+    places.sharedDirectory = "D:\\Shared\\";
+    EXPECT_EQ(compose(), "D:\\Shared" + separator + "ZiptraRemoteService" + separator + "plugins");
+}
+
+TEST_F(PluginDirectory, TakesASlashAtTheEndOfTheSharedDirectoryForTheSeparator) {
+    places.sharedDirectory = "D:/Shared/";
+    EXPECT_EQ(compose(), "D:/Shared/ZiptraRemoteService" + separator + "plugins");
+}
+
+TEST_F(PluginDirectory, KeepsASharedDirectoryInAnyScript) {
+    places.sharedDirectory = text(u8"D:\\größe\\计划 🚀\\");
+    EXPECT_EQ(compose(), text(u8"D:\\größe\\计划 🚀") + separator + "ZiptraRemoteService" + separator + "plugins");
+}
+
+TEST_F(PluginDirectory, ThrowsTheFailureToFindTheSharedDirectory) {
+    try {
+        static_cast<void>(nStdPath::getPluginDirectory());
+        FAIL() << "nothing thrown";
+    } catch (const zuerr::Exception& exception) {
+        EXPECT_EQ(exception.record.code, -52006);
+        EXPECT_NE(std::string(exception.what()).find(R"("line":256,)"), std::string::npos) << exception.what();
+    }
+}
+
+TEST_F(PluginDirectory, ThrowsNothingOverAnExceptionInFlight) {
+    struct tComposeAtExit {
+        std::string& composed;
+        ~tComposeAtExit() { composed = compose(); }
+    };
+    try {
+        const tComposeAtExit atExit{result};
+        throw 1;
+    } catch (int) {
+        EXPECT_EQ(result, "ZiptraRemoteService" + separator + "plugins");
+    }
+}
+
+TEST(SystemErrorReport, TellsAWin32ErrorUnsignedWithTheSystemsText) {
+    zuerr::StatusRecord status;
+    nStdPath::raiseSystemError(status, 232, {nStdPath::tSystemError::tKind::win32, 0xFFFFFFFE, "No \"such\" key.\r\n"},
+                               "RegOpenKeyEx failed");
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_STREQ(status.json,
+                 R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":232,)"
+                 R"("component":"zuZiptraRemoteService","internal_error":{"api":"win32","code":4294967294,)"
+                 R"("string":"No \"such\" key.\r\n"},"zutolq_debug":{"desc":"RegOpenKeyEx failed"}})");
+}
+
+TEST(SystemErrorReport, LeavesOutATextThatTheSystemDoesNotHave) {
+    zuerr::StatusRecord status;
+    nStdPath::raiseSystemError(status, 256, {nStdPath::tSystemError::tKind::win32, 2}, "RegQueryValue failed");
+    EXPECT_STREQ(status.json, R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":256,)"
+                              R"("component":"zuZiptraRemoteService","internal_error":{"api":"win32","code":2},)"
+                              R"("zutolq_debug":{"desc":"RegQueryValue failed"}})");
+}
+
+TEST(SystemErrorReport, GrowsWithTheSystemsText) {
+    const std::string longText(2000, 'x');
+    zuerr::StatusRecord status;
+    nStdPath::raiseSystemError(status, 256, {nStdPath::tSystemError::tKind::win32, 2, longText.c_str()}, "d");
+    const std::string report = status.json;
+    EXPECT_NE(report.find(longText), std::string::npos);
+    EXPECT_TRUE(report.ends_with(R"(},"zutolq_debug":{"desc":"d"}})")) << report;
+}
+
+TEST(SystemErrorReport, ReplacesAWarning) {
+    zuerr::StatusRecord status;
+    status.code = 5;
+    nStdPath::raiseSystemError(status, 256, {nStdPath::tSystemError::tKind::win32, 2}, "d");
+    EXPECT_EQ(status.code, -52006);
+}
+
+TEST(SystemErrorReport, NeverReplacesAnEarlierError) {
+    tFailedStatus failed;
+    nStdPath::raiseSystemError(failed, 256, {nStdPath::tSystemError::tKind::win32, 2}, "d");
+    EXPECT_EQ(failed.code, -7);
+    EXPECT_EQ(failed.json, nullptr);
 }
 
 }  // namespace

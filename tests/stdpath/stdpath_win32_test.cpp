@@ -1,0 +1,297 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "stdpath/stdpath.h"
+#include "tests/support/imports_win32.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/// One answer of the registry to a query.
+struct tAnswer {
+    LSTATUS result;
+    DWORD reportedSize;
+    std::u16string value;
+};
+
+/// A registry that says what the test scripts, and notes who asks for what.
+class RegistryReader : public testing::Test {
+protected:
+    RegistryReader() {
+        imports::RegOpenKeyExW.replace([this](HKEY hive, const wchar_t* path, DWORD options, REGSAM access, HKEY* key) {
+            EXPECT_EQ(hive, HKEY_LOCAL_MACHINE);
+            EXPECT_STREQ(path, L"SOFTWARE\\Corvell\\Common\\Installer");
+            EXPECT_EQ(options, 0U);
+            EXPECT_EQ(access, 0x20019U);
+            calls.emplace_back("open");
+            if (openResult == ERROR_SUCCESS) *key = handle();
+            return openResult;
+        });
+        imports::RegQueryValueExW.replace(
+            [this](HKEY key, const wchar_t* name, DWORD* reserved, DWORD* type, BYTE* data, DWORD* size) {
+                EXPECT_EQ(key, handle());
+                EXPECT_STREQ(name, L"ZUSHAREDDIR64");
+                EXPECT_EQ(reserved, nullptr);
+                EXPECT_EQ(type, nullptr) << "the type of the value is nobody's business";
+                calls.push_back("query " + std::to_string(*size));
+                return answer(data, size);
+            });
+        imports::RegCloseKey.replace([this](HKEY key) -> LSTATUS {
+            EXPECT_EQ(key, handle());
+            calls.emplace_back("close");
+            return closeResult;
+        });
+        imports::FormatMessageA.replace([this](DWORD flags, const void* source, DWORD code, DWORD language,
+                                               char* buffer, DWORD size, va_list* arguments) -> DWORD {
+            EXPECT_EQ(flags, 0x1300U);
+            EXPECT_EQ(source, nullptr);
+            EXPECT_EQ(language, 0x400U);
+            EXPECT_EQ(size, 0U);
+            EXPECT_EQ(arguments, nullptr);
+            calls.push_back("format " + std::to_string(code));
+            if (!message) return 0;
+            char* const text = static_cast<char*>(::LocalAlloc(LMEM_FIXED, message->size() + 1));
+            std::memcpy(text, message->c_str(), message->size() + 1);
+            std::memcpy(buffer, &text, sizeof text);
+            return static_cast<DWORD>(message->size());
+        });
+        imports::LocalFree.replace([this](HLOCAL block) -> HLOCAL {
+            calls.emplace_back("free");
+            reportAtFree = status.json == nullptr ? "" : status.json;
+            return imports::LocalFree.real(block);
+        });
+    }
+
+    HKEY handle() { return reinterpret_cast<HKEY>(&openResult); }
+
+    LSTATUS answer(BYTE* data, DWORD* size) {
+        if (answers.empty()) return ERROR_CALL_NOT_IMPLEMENTED;
+        const tAnswer next = answers.front();
+        answers.erase(answers.begin());
+        // The system may use all of the room that it is told of.
+        std::memset(data, 0xEE, *size);
+        std::memcpy(data, next.value.data(), next.value.size() * sizeof(char16_t));
+        *size = next.reportedSize;
+        return next.result;
+    }
+
+    std::u16string read() {
+        nStdPath::readRegistryString(u"SOFTWARE\\Corvell\\Common\\Installer", u"ZUSHAREDDIR64", 0, wide, status);
+        return {wide.begin(), wide.end()};
+    }
+
+    LSTATUS openResult = ERROR_SUCCESS;
+    LSTATUS closeResult = ERROR_SUCCESS;
+    std::vector<tAnswer> answers;
+    std::optional<std::string> message = "The system's text.\r\n";
+
+    std::vector<std::string> calls;
+    std::string reportAtFree;
+    zuerr::StatusRecord status;
+    nStdPath::tWideBuffer wide;
+};
+
+std::string report(int line, unsigned code, const std::string& text, const std::string& description) {
+    return R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":)" + std::to_string(line) +
+           R"(,"component":"zuZiptraRemoteService","internal_error":{"api":"win32","code":)" + std::to_string(code) +
+           text + R"(},"zutolq_debug":{"desc":")" + description + "\"}}";
+}
+
+const std::string systemText = R"(,"string":"The system's text.\r\n")";
+
+TEST_F(RegistryReader, AsksWith512BytesAndKeepsExactlyWhatTheValueHeld) {
+    answers = {{ERROR_SUCCESS, 10, {u"C:\\D\0", 5}}};
+    EXPECT_EQ(read(), std::u16string(u"C:\\D\0", 5));
+    EXPECT_EQ(status.code, 0);
+    EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
+}
+
+TEST_F(RegistryReader, ReadsAValueThatJustFitsTheFirstBufferAtOnce) {
+    const std::u16string value(256, u'x');
+    answers = {{ERROR_SUCCESS, 512, value}};
+    EXPECT_EQ(read(), value);
+    EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
+}
+
+TEST_F(RegistryReader, AsksAgainWithTheSizeThatTheFirstCallReported) {
+    const std::u16string value(300, u'x');
+    answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_SUCCESS, 600, value}};
+    EXPECT_EQ(read(), value);
+    EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "close"));
+}
+
+TEST_F(RegistryReader, GoesOnAskingWhileTheValueGrows) {
+    const std::u16string value(400, u'x');
+    answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_MORE_DATA, 800, u""}, {ERROR_SUCCESS, 800, value}};
+    EXPECT_EQ(read(), value);
+    EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "query 800", "close"));
+}
+
+TEST_F(RegistryReader, KeepsLessWhenTheValueShrinksBetweenTwoCalls) {
+    answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_SUCCESS, 4, u"ab"}};
+    EXPECT_EQ(read(), u"ab");
+}
+
+TEST_F(RegistryReader, DropsTheOddByteOfAValueThatIsNoText) {
+    answers = {{ERROR_SUCCESS, 5, u"abc"}};
+    EXPECT_EQ(read(), u"ab");
+}
+
+TEST_F(RegistryReader, HasRoomForTheOddByteOfALongValue) {
+    // The stand-in writes all of the room that it is told of; a buffer of 300 characters would be one byte too small.
+    answers = {{ERROR_MORE_DATA, 601, u""}, {ERROR_SUCCESS, 601, std::u16string(300, u'x')}};
+    EXPECT_EQ(read(), std::u16string(300, u'x'));
+    EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 601", "close"));
+}
+
+TEST_F(RegistryReader, GivesAnEmptyTextForAValueWithoutData) {
+    answers = {{ERROR_SUCCESS, 0, u""}};
+    EXPECT_EQ(read(), u"");
+    EXPECT_EQ(status.code, 0);
+}
+
+TEST_F(RegistryReader, MindsNoFailureToCloseTheKey) {
+    closeResult = ERROR_INVALID_HANDLE;
+    answers = {{ERROR_SUCCESS, 4, u"ab"}};
+    EXPECT_EQ(read(), u"ab");
+    EXPECT_EQ(status.code, 0);
+}
+
+TEST_F(RegistryReader, ReportsAMissingKeyAndClosesNothing) {
+    openResult = ERROR_FILE_NOT_FOUND;
+    EXPECT_EQ(read(), u"");
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_EQ(status.json, report(232, 2, systemText, "RegOpenKeyEx failed"));
+    EXPECT_THAT(calls, ElementsAre("open", "format 2", "free"));
+    EXPECT_EQ(reportAtFree, status.json) << "the text is released when the report is built";
+}
+
+TEST_F(RegistryReader, ReportsAMissingValueAndClosesTheKey) {
+    answers = {{ERROR_FILE_NOT_FOUND, 512, u""}};
+    read();
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_EQ(status.json, report(256, 2, systemText, "RegQueryValue failed"));
+    EXPECT_THAT(calls, ElementsAre("open", "query 512", "format 2", "free", "close"));
+    EXPECT_EQ(reportAtFree, status.json);
+}
+
+TEST_F(RegistryReader, ReportsAFailureOfTheSecondQuery) {
+    answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_ACCESS_DENIED, 600, u""}};
+    read();
+    EXPECT_EQ(status.json, report(256, 5, systemText, "RegQueryValue failed"));
+    EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "format 5", "free", "close"));
+}
+
+TEST_F(RegistryReader, LeavesTheTextOutWhenTheSystemHasNone) {
+    message.reset();
+    openResult = static_cast<LSTATUS>(0xDEADBEEF);
+    read();
+    EXPECT_EQ(status.json, report(232, 0xDEADBEEF, "", "RegOpenKeyEx failed"));
+    EXPECT_THAT(calls, ElementsAre("open", "format 3735928559"));
+}
+
+TEST_F(RegistryReader, CallsNothingWhenTheRecordHoldsAFailure) {
+    status.code = -7;
+    read();
+    EXPECT_EQ(status.code, -7);
+    EXPECT_THAT(calls, ElementsAre());
+}
+
+TEST_F(RegistryReader, GivesTheSharedDirectoryOfAValueOfAnyType) {
+    const std::u16string value(u" D:\\Shared\\ \0", 13);
+    answers = {{ERROR_SUCCESS, 26, value}};
+    std::string result;
+    nStdPath::getSharedDirectory(result, status);
+    EXPECT_EQ(result, "D:\\Shared");
+}
+
+TEST_F(RegistryReader, SpellsThePluginDirectoryWithBackslashes) {
+    answers = {{ERROR_SUCCESS, 20, {u"D:\\Shared\\", 10}}};
+    EXPECT_EQ(nStdPath::getPluginDirectory().native(), L"D:\\Shared\\ZiptraRemoteService\\plugins");
+}
+
+TEST(Registry, TellsOfAKeyThatIsNotThereWithTheSystemsOwnText) {
+    zuerr::StatusRecord status;
+    nStdPath::tWideBuffer wide;
+    nStdPath::readRegistryString(u"SOFTWARE\\Corvell\\No such key", u"x", 0, wide, status);
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_NE(std::string(status.json).find(R"("code":2,"string":")"), std::string::npos) << status.json;
+}
+
+class KnownFolder : public testing::Test {
+protected:
+    KnownFolder() {
+        imports::SHGetFolderPathW.replace([this](HWND window, int csidl, HANDLE token, DWORD flags, wchar_t* path) {
+            EXPECT_EQ(window, nullptr);
+            EXPECT_EQ(csidl, 35);
+            EXPECT_EQ(token, nullptr);
+            EXPECT_EQ(flags, 0U);
+            for (int i = 0; i < 260; ++i) EXPECT_EQ(path[i], 0) << i;
+            std::memcpy(path, folder.data(), folder.size() * sizeof(wchar_t));
+            ++calls;
+            return result;
+        });
+        imports::FormatMessageA.replace([](auto...) -> DWORD {
+            ADD_FAILURE() << "an HRESULT is reported without a text";
+            return 0;
+        });
+    }
+
+    HRESULT result = S_OK;
+    std::wstring folder = L"C:\\ProgramData";
+    int calls = 0;
+    zuerr::StatusRecord status;
+};
+
+TEST_F(KnownFolder, IsAskedForWithABufferOf260Zeros) {
+    nStdPath::tWideBuffer wide;
+    nStdPath::getKnownFolder(35, wide, status);
+    EXPECT_EQ(calls, 1);
+    ASSERT_EQ(wide.size(), 260U);
+    EXPECT_EQ(std::u16string(wide.begin(), wide.end()), u"C:\\ProgramData" + std::u16string(246, 0));
+}
+
+TEST_F(KnownFolder, IsFollowedByTheMakersFolder) {
+    std::string directory;
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(directory, "C:\\ProgramData\\Corvell");
+}
+
+TEST_F(KnownFolder, ReportsEveryResultButZero) {
+    for (const HRESULT failing : {E_INVALIDARG, E_FAIL, S_FALSE}) {
+        result = failing;
+        zuerr::StatusRecord failed;
+        std::string directory = "as it was";
+        nStdPath::getCommonAppDataDirectory(directory, failed);
+        EXPECT_EQ(failed.code, -52006);
+        EXPECT_EQ(failed.json, R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":293,)"
+                               R"("component":"zuZiptraRemoteService","internal_error":{"api":"hresult","code":)" +
+                                   std::to_string(failing) + R"(},"zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
+        EXPECT_EQ(directory, "C:\\ProgramData\\Corvell") << "what the failed call left is converted all the same";
+    }
+}
+
+TEST_F(KnownFolder, CallsNothingWhenTheRecordHoldsAFailure) {
+    status.code = -7;
+    nStdPath::tWideBuffer wide;
+    nStdPath::getKnownFolder(35, wide, status);
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(wide.size(), 0U);
+}
+
+TEST(KnownFolders, IncludeTheMachinesApplicationData) {
+    zuerr::StatusRecord status;
+    std::string directory;
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, 0);
+    EXPECT_TRUE(directory.ends_with("\\Corvell"));
+    EXPECT_GT(directory.size(), std::strlen("C:\\\\Corvell"));
+}
+
+}  // namespace
