@@ -1,0 +1,89 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <boost/filesystem/exception.hpp>
+
+#include "err/Exception.h"
+#include "source/nPluginData.h"
+#include "tests/support/folder.h"
+
+namespace {
+
+/// What only a file system with links and limits can show.
+class FoundDescriptions : public testing::Test {
+protected:
+    std::vector<std::string> listed(const std::string& name = ".") {
+        std::vector<std::string> files;
+        nPluginData::listDescriptionFiles((folder.path() / name).string(), ".ini", files);
+        for (std::string& file : files) file = std::filesystem::path(file).filename();
+        return files;
+    }
+
+    support::tFolder folder;
+};
+
+TEST_F(FoundDescriptions, MayBeLinksToFiles) {
+    folder.write("a.txt");
+    std::filesystem::create_symlink("a.txt", folder.path() / "link.ini");
+    EXPECT_THAT(listed(), testing::ElementsAre("link.ini"));
+}
+
+TEST_F(FoundDescriptions, AreNoLinksToNothingToFoldersOrToThemselves) {
+    folder.makeFolder("inner");
+    std::filesystem::create_symlink("missing", folder.path() / "nothing.ini");
+    std::filesystem::create_symlink("inner", folder.path() / "folder.ini");
+    std::filesystem::create_symlink("itself.ini", folder.path() / "itself.ini");
+    folder.write("a.ini");
+    EXPECT_THAT(listed(), testing::ElementsAre("a.ini"));
+}
+
+TEST_F(FoundDescriptions, AreNoPipes) {
+    ASSERT_EQ(mkfifo((folder.path() / "pipe.ini").c_str(), 0600), 0);
+    EXPECT_THAT(listed(), testing::IsEmpty());
+}
+
+TEST_F(FoundDescriptions, AreFoundThroughALinkToTheirDirectory) {
+    folder.makeFolder("inner");
+    folder.write("inner/a.ini");
+    std::filesystem::create_directory_symlink("inner", folder.path() / "link");
+    EXPECT_THAT(listed("link"), testing::ElementsAre("a.ini"));
+}
+
+TEST_F(FoundDescriptions, OfADirectoryWhoseStatusCannotBeHadAreAnError) {
+    std::filesystem::create_symlink("itself", folder.path() / "itself");
+    try {
+        listed("itself");
+        FAIL() << "nothing thrown";
+    } catch (const zuerr::Exception& exception) {
+        EXPECT_EQ(exception.record.code, -52003);
+    }
+}
+
+TEST_F(FoundDescriptions, OfADirectoryThatCannotBeReadAreBoostsOwnException) {
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit none{0, limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_THROW(listed(), boost::filesystem::filesystem_error);
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+TEST_F(FoundDescriptions, KeepABlankOrABackslashInTheirNames) {
+    folder.write("a \\b .ini");
+    EXPECT_THAT(listed(), testing::ElementsAre("a \\b .ini"));
+}
+
+TEST(UnreadableDescription, IsAnErrorWithTheParsersCode) {
+    const support::tFolder folder;
+    tPluginDescription record;
+    try {
+        nPluginData::readDescription(folder.utf8(folder.makeFolder("a.ini")), record);
+        FAIL() << "nothing thrown";
+    } catch (const zuerr::Exception& exception) {
+        EXPECT_EQ(exception.record.code, -5002);
+    }
+}
+
+}  // namespace

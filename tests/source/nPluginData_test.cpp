@@ -1,0 +1,353 @@
+#include "source/nPluginData.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "err/Exception.h"
+#include "stdpath/path.h"
+#include "tests/support/folder.h"
+#include "tests/support/stdpath.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+/// "CODE REPORT" of the exception that the call throws, or "nothing thrown".
+std::string thrownBy(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const zuerr::Exception& exception) {
+        return std::to_string(exception.record.code) + " " + exception.what();
+    }
+    return "nothing thrown";
+}
+
+std::string report(const std::string& code, const std::string& constant, const std::string& line) {
+    return code + R"( {"error_constant":")" + constant + R"(","file":".\\source\\nPluginData","line":)" + line +
+           R"(,"component":"zuZiptraRemoteService"})";
+}
+
+const std::string directoryMissing = report("-52003", "zukesterr_softwareFaultKESTInternalUseOnly", "138");
+
+class DescriptionFiles : public testing::Test {
+protected:
+    std::vector<std::string> listed(const std::filesystem::path& name = {}) const {
+        std::vector<std::string> files;
+        nPluginData::listDescriptionFiles(nStdPath::pathFromUtf8(folder.utf8(name)), ".ini", files);
+        return files;
+    }
+
+    support::tFolder folder;
+};
+
+TEST_F(DescriptionFiles, AreTheRegularFilesWithTheExtensionInLowerCase) {
+    const std::string a = folder.write("a.ini");
+    folder.write("b.INI");
+    folder.write("c.txt");
+    folder.makeFolder("d.ini");
+    EXPECT_THAT(listed(), ElementsAre(a));
+}
+
+TEST_F(DescriptionFiles, AreToldByWhatFollowsTheLastDot) {
+    folder.write("ini");
+    folder.write("a.ini.bak");
+    folder.write("b.inix");
+    folder.write("c.in");
+    const std::string d = folder.write("d.bak.ini");
+    EXPECT_THAT(listed(), ElementsAre(d));
+}
+
+TEST_F(DescriptionFiles, AreNoneInAnEmptyDirectory) { EXPECT_THAT(listed(), IsEmpty()); }
+
+TEST_F(DescriptionFiles, OfFoldersInsideAreNotListed) {
+    folder.makeFolder("inner");
+    folder.write("inner/a.ini");
+    EXPECT_THAT(listed(), IsEmpty());
+}
+
+TEST_F(DescriptionFiles, AreAddedToTheList) {
+    const std::string a = folder.write("a.ini");
+    std::vector<std::string> files{"before"};
+    nPluginData::listDescriptionFiles(nStdPath::pathFromUtf8(folder.utf8()), ".ini", files);
+    EXPECT_THAT(files, ElementsAre("before", a));
+}
+
+TEST_F(DescriptionFiles, StandInTheFileSystemsOrder) {
+    for (const char* const name : {"m.ini", "z.ini", "a.ini", "q.ini", "b.ini", "x.ini", "c.ini", "y.ini"}) {
+        folder.write(name);
+    }
+    std::vector<std::string> expected;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+        expected.push_back(folder.utf8(entry.path().filename()));
+    }
+    EXPECT_EQ(listed(), expected);
+}
+
+TEST_F(DescriptionFiles, AreListedWithAnyNameInAnyFolder) {
+    folder.makeFolder(u"größe 计划 🚀");
+    std::vector<std::string> expected;
+    for (const std::u16string_view name : {u"with two blanks.ini", u"größe.ini", u"计划.ini", u"🚀.ini"}) {
+        expected.push_back(folder.write(std::filesystem::path(u"größe 计划 🚀") / name));
+    }
+    EXPECT_THAT(listed(u"größe 计划 🚀"), testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(DescriptionFiles, MayHaveAnotherExtension) {
+    folder.write("a.ini");
+    const std::string b = folder.write("b.txt");
+    std::vector<std::string> files;
+    nPluginData::listDescriptionFiles(nStdPath::pathFromUtf8(folder.utf8()), ".txt", files);
+    EXPECT_THAT(files, ElementsAre(b));
+}
+
+TEST_F(DescriptionFiles, OfAMissingDirectoryAreAnError) {
+    EXPECT_EQ(thrownBy([this] { listed("missing"); }), directoryMissing);
+    EXPECT_EQ(thrownBy([this] { listed("missing/inner"); }), directoryMissing);
+}
+
+TEST_F(DescriptionFiles, OfAFileInPlaceOfTheDirectoryAreAnError) {
+    folder.write("plugins", "no directory");
+    EXPECT_EQ(thrownBy([this] { listed("plugins"); }), directoryMissing);
+    EXPECT_EQ(thrownBy([this] { listed("plugins/inner"); }), directoryMissing);
+}
+
+class Plugins : public DescriptionFiles {
+protected:
+    static std::vector<std::string> all() {
+        std::vector<std::string> files;
+        nPluginData::listPlugins(files);
+        return files;
+    }
+
+    support::tSharedPlaces places;
+};
+
+TEST_F(Plugins, AreDescribedInTheSharedDirectory) {
+    folder.makeFolder(u"共享 share/ZiptraRemoteService/plugins");
+    folder.write(u"共享 share/ZiptraRemoteService/top.ini");
+    const std::string a = folder.write(u"共享 share/ZiptraRemoteService/plugins/a.ini");
+    folder.write(u"共享 share/ZiptraRemoteService/plugins/a.INI.txt");
+    places.sharedDirectory = folder.utf8(u"共享 share") + "\\";
+    EXPECT_THAT(all(), ElementsAre(a));
+}
+
+TEST_F(Plugins, AreNoneAndThatIsNoErrorWhenTheirDirectoryIsEmpty) {
+    folder.makeFolder("ZiptraRemoteService/plugins");
+    places.sharedDirectory = folder.utf8();
+    EXPECT_THAT(all(), IsEmpty());
+}
+
+TEST_F(Plugins, CannotBeListedWithoutTheirDirectory) {
+    folder.makeFolder("ZiptraRemoteService");
+    places.sharedDirectory = folder.utf8();
+    EXPECT_EQ(thrownBy(all), directoryMissing);
+}
+
+TEST_F(Plugins, CannotBeListedWithoutASharedDirectory) {
+    const std::string thrown = thrownBy(all);
+    EXPECT_TRUE(thrown.starts_with(R"(-52006 {"error_constant":"kestStatusResourceNotFound",)")) << thrown;
+}
+
+/// The fields in their order, between bars.
+std::string shown(const tPluginDescription& record) {
+    std::string text = record.name + '|';
+    for (const std::string& dependency : record.dependencies) text += dependency + ',';
+    text += '|' + std::to_string(record.requiresMask) + '|' + record.path;
+    return text + '|' + record.initialize + '|' + record.stop + '|' + record.cleanup;
+}
+
+class Description : public testing::Test {
+protected:
+    /// What the file says, as read into a record that said something else before.
+    tPluginDescription of(std::string_view content) {
+        tPluginDescription record = earlier;
+        nPluginData::readDescription(folder.write("a.ini", content), record);
+        return record;
+    }
+
+    /// The failure to read this file; the record must stay as it was.
+    std::string failure(const std::string& path) {
+        tPluginDescription record = earlier;
+        const std::string thrown = thrownBy([&] { nPluginData::readDescription(path, record); });
+        EXPECT_EQ(shown(record), shown(earlier));
+        return thrown;
+    }
+
+    std::uint32_t requiresOf(const std::string& value) { return of("[Service]\nRequires=" + value).requiresMask; }
+
+    const tPluginDescription earlier{"earlier", {"x", "y"}, 6, "earlier.dll", "i", "s", "c"};
+    support::tFolder folder;
+};
+
+TEST_F(Description, HoldsEveryKeyOfTheFile) {
+    EXPECT_EQ(shown(of("[Service]\r\n"
+                       "Name=Scheduler\r\n"
+                       "Dependencies=Transport, Settings\r\n"
+                       "Path=scheduler.dll\r\n"
+                       "Requires=3\r\n"
+                       "Initialize=SchedulerInitialize\r\n"
+                       "Stop=SchedulerStop\r\n"
+                       "Cleanup=SchedulerCleanup\r\n")),
+              "Scheduler|Settings,Transport,|3|scheduler.dll|SchedulerInitialize|SchedulerStop|SchedulerCleanup");
+}
+
+TEST_F(Description, HoldsDefaultsWhenTheSectionIsEmpty) { EXPECT_EQ(shown(of("[Service]")), "||1||||"); }
+
+TEST_F(Description, HoldsDefaultsWhenThereIsNoSuchSection) {
+    EXPECT_EQ(shown(of("")), "||1||||");
+    EXPECT_EQ(shown(of("[Other]\nName=Scheduler\nRequires=7")), "||1||||");
+}
+
+TEST_F(Description, TakesNoNoticeOfOtherSectionsAndKeys) {
+    EXPECT_EQ(shown(of("Name=before\n[Other]\nPath=other.dll\n[Service]\nName=A\nComment=x\n[Last]\nStop=y")),
+              "A||1||||");
+}
+
+TEST_F(Description, FindsSectionAndKeysInAnyCase) { EXPECT_EQ(shown(of("[SERVICE]\nnAmE=Mixed")), "Mixed||1||||"); }
+
+TEST_F(Description, DropsDoubleQuotesAroundAValueAndKeepsSingleOnes) {
+    EXPECT_EQ(shown(of("[Service]\nPath=\"C:\\My plug-ins\\a.dll\"\nName='A'")), "'A'||1|C:\\My plug-ins\\a.dll|||");
+}
+
+TEST_F(Description, MayHaveEmptyValues) {
+    EXPECT_EQ(shown(of("[Service]\nName=\nDependencies=\nPath=\nRequires=\nInitialize=\nStop=\nCleanup=")), "||1||||");
+}
+
+TEST_F(Description, TakesOnlyTheEqualsSignForASeparator) {
+    EXPECT_EQ(shown(of("[Service]\nName:x=A\nPath=C:\\a.dll")), "||1|C:\\a.dll|||");
+}
+
+TEST_F(Description, SortsDependenciesByteByByteAndKeepsDuplicates) {
+    EXPECT_THAT(of("[Service]\nDependencies=b,a,b").dependencies, ElementsAre("a", "b", "b"));
+    EXPECT_THAT(of("[Service]\nDependencies=\xC3\xA4,a,Z,_,B").dependencies,
+                ElementsAre("B", "Z", "_", "a", "\xC3\xA4"));
+}
+
+TEST_F(Description, RequiresOneWhenTheValueIsMissingOrEmpty) {
+    EXPECT_EQ(of("[Service]\nName=A").requiresMask, 1U);
+    EXPECT_EQ(requiresOf(""), 1U);
+    EXPECT_EQ(requiresOf("\"\""), 1U);
+}
+
+TEST_F(Description, RequiresZeroWhenTheValueIsNoNumber) {
+    EXPECT_EQ(requiresOf("x"), 0U);
+    EXPECT_EQ(requiresOf("x7"), 0U);
+    EXPECT_EQ(requiresOf("-"), 0U);
+    EXPECT_EQ(requiresOf("- 1"), 0U);
+    EXPECT_EQ(requiresOf("\" \""), 0U);
+}
+
+TEST_F(Description, RequiresTheNumberThatTheValueBeginsWith) {
+    EXPECT_EQ(requiresOf("7"), 7U);
+    EXPECT_EQ(requiresOf("0"), 0U);
+    EXPECT_EQ(requiresOf("2x"), 2U);
+    EXPECT_EQ(requiresOf("2 4"), 2U);
+    EXPECT_EQ(requiresOf("\" \t 5\""), 5U);
+    EXPECT_EQ(requiresOf("4294967295"), 4294967295U);
+}
+
+TEST_F(Description, RequiresDecimalNumbers) {
+    EXPECT_EQ(requiresOf("010"), 10U);
+    EXPECT_EQ(requiresOf("0x10"), 0U);
+}
+
+TEST_F(Description, TakesASignBeforeTheRequiredNumber) {
+    EXPECT_EQ(requiresOf("+3"), 3U);
+    EXPECT_EQ(requiresOf("-1"), 4294967295U);
+    EXPECT_EQ(requiresOf("-4294967295"), 1U);
+}
+
+TEST_F(Description, KeepsTextsInAnyScriptByteForByte) {
+    EXPECT_EQ(shown(of("\xEF\xBB\xBF[Service]\nName=\xE8\xAE\xA1\nPath=\xF0\x9F\x9A\x80.dll\nStop=\xFF\x80")),
+              "\xE8\xAE\xA1||1|\xF0\x9F\x9A\x80.dll||\xFF\x80|");
+}
+
+TEST_F(Description, IsReadFromAFileOfAnyName) {
+    folder.makeFolder(u"größe 计划");
+    tPluginDescription record;
+    nPluginData::readDescription(folder.write(u"größe 计划/with blanks 🚀.ini", "[Service]\nName=A"), record);
+    EXPECT_EQ(record.name, "A");
+}
+
+TEST_F(Description, IsReadFromAFileWhosePathIsVeryLong) {
+    std::filesystem::path name;
+    while (folder.utf8(name).size() < 1000) name /= std::string(100, 'x');
+    folder.makeFolder(name);
+    tPluginDescription record;
+    nPluginData::readDescription(folder.write(name / "a.ini", "[Service]\nName=A"), record);
+    EXPECT_EQ(record.name, "A");
+}
+
+TEST_F(Description, IsFoundAndReadWhereThePathIsVeryLong) {
+    std::filesystem::path name;
+    while (folder.utf8(name).size() < 1000) name /= std::string(100, 'x');
+    folder.makeFolder(name);
+    folder.write(name / "a.ini", "[Service]\nName=A");
+    std::vector<std::string> files;
+    nPluginData::listDescriptionFiles(nStdPath::pathFromUtf8(folder.utf8(name)), ".ini", files);
+    ASSERT_EQ(files.size(), 1U);
+    tPluginDescription record;
+    nPluginData::readDescription(files.front(), record);
+    EXPECT_EQ(record.name, "A");
+}
+
+TEST_F(Description, OfAMissingFileIsAnErrorWithTheParsersCode) {
+    EXPECT_EQ(failure(folder.utf8("missing.ini")), report("-22", "result", "261"));
+}
+
+TEST_F(Description, OfAUtf16FileIsAnErrorWithTheParsersCode) {
+    EXPECT_EQ(failure(folder.write("a.ini", "\xFF\xFE[\0S\0")), report("-3", "result", "261"));
+}
+
+TEST_F(Description, OfAFileWithAMalformedLineIsAnError) {
+    const std::string malformed = report("-52005", "zukesterr_invalidParameter", "268");
+    for (const char* const content : {"[Service]\nName=A\n\nPath=a.dll", "[Service]\nName=A\n\n", "[Service\nName=A",
+                                      "[Service]\nName", "[Service]\n=A", "   ", "[Service]\nName:A"}) {
+        EXPECT_EQ(failure(folder.write("a.ini", content)), malformed) << content;
+    }
+}
+
+std::vector<std::string> split(std::string_view text) {
+    std::vector<std::string> list{"dropped"};
+    nPluginData::splitDependencies(text, list);
+    return list;
+}
+
+TEST(Dependencies, AreTheTrimmedPiecesBetweenTheCommas) {
+    EXPECT_THAT(split("Transport, Settings"), ElementsAre("Transport", "Settings"));
+    EXPECT_THAT(split(" b , ,a,,"), ElementsAre("b", "a"));
+}
+
+TEST(Dependencies, KeepTheirOrderTheirCaseAndTheirDuplicates) {
+    EXPECT_THAT(split("b,a,B,b"), ElementsAre("b", "a", "B", "b"));
+}
+
+TEST(Dependencies, AreNoneInATextWithoutNames) {
+    EXPECT_THAT(split(""), IsEmpty());
+    EXPECT_THAT(split(" \t "), IsEmpty());
+    EXPECT_THAT(split(" ,,, , "), IsEmpty());
+}
+
+TEST(Dependencies, AreSeparatedByCommasAlone) { EXPECT_THAT(split("a b;c|d, e\tf"), ElementsAre("a b;c|d", "e\tf")); }
+
+TEST(Dependencies, LoseEveryKindOfWhiteSpaceAtBothEnds) {
+    EXPECT_THAT(split(" \t\n\v\f\ra b \t\n\v\f\r,\tc"), ElementsAre("a b", "c"));
+}
+
+TEST(Dependencies, KeepBytesAbove127) {
+    for (int byte = 128; byte < 256; ++byte) {
+        const std::string name(1, static_cast<char>(byte));
+        EXPECT_THAT(split(" " + name + " ,a"), ElementsAre(name, "a")) << byte;
+    }
+}
+
+TEST(Dependencies, KeepZeros) {
+    using namespace std::string_view_literals;
+    EXPECT_THAT(split("a\0b, \0"sv), ElementsAre("a\0b"sv, "\0"sv));
+}
+
+}  // namespace

@@ -1,0 +1,74 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "err/Exception.h"
+#include "source/nPluginData.h"
+#include "stdpath/path.h"
+#include "tests/support/folder.h"
+#include "tests/support/imports_win32.h"
+#include "trace/trace.h"
+
+namespace {
+
+/// The lines that reach the debugger. They do in a diagnostic build alone, where the prefix is cut off here.
+class TraceTexts : public testing::Test {
+protected:
+    TraceTexts() {
+        imports::OutputDebugStringA.replace([this](const char* line) {
+            const std::string text = line;
+            lines.push_back(text.substr(text.find("] ") + 2));
+        });
+    }
+
+    void expectLine(const std::string& line) const {
+        EXPECT_EQ(lines, nTrace::enabled ? std::vector{line} : std::vector<std::string>());
+    }
+
+    std::vector<std::string> lines;
+    support::tFolder folder;
+};
+
+TEST_F(TraceTexts, TellThatTheDirectoryDoesNotExist) {
+    std::vector<std::string> files;
+    EXPECT_THROW(nPluginData::listDescriptionFiles(folder.path().wstring() + L"\\missing", L".ini", files),
+                 zuerr::Exception);
+    expectLine("Directory does not exist.");
+}
+
+TEST_F(TraceTexts, TellFileAndLineOfAParseError) {
+    const std::string path = folder.write(u"计划.ini", "[Service]\n\nName=A\n\n");
+    tPluginDescription record;
+    EXPECT_THROW(nPluginData::readDescription(path, record), zuerr::Exception);
+    expectLine("Parse error " + path + ":2");
+}
+
+TEST_F(TraceTexts, TellNothingOfAFileThatCannotBeRead) {
+    tPluginDescription record;
+    EXPECT_THROW(nPluginData::readDescription(folder.utf8("missing.ini"), record), zuerr::Exception);
+    EXPECT_THAT(lines, testing::IsEmpty());
+}
+
+TEST(OpenedDescription, HasTheVeryNameOfTheFileAlsoWhenThatIsNoUtf16) {
+    const std::wstring path = L"C:\\计划 🚀\\lone \xDC00 and \xD800.ini";
+    std::vector<std::wstring> opened;
+    imports::_wfopen.replace([&opened](const wchar_t* name, const wchar_t* /*mode*/) -> FILE* {
+        opened.emplace_back(name);
+        return nullptr;
+    });
+    tPluginDescription record;
+    EXPECT_THROW(nPluginData::readDescription(nStdPath::pathToUtf8(path), record), zuerr::Exception);
+    EXPECT_THAT(opened, testing::ElementsAre(path));
+}
+
+TEST(UnreadableDescription, IsAnErrorWithTheParsersCode) {
+    const support::tFolder folder;
+    tPluginDescription record;
+    try {
+        nPluginData::readDescription(folder.utf8(folder.makeFolder("a.ini").filename()), record);
+        FAIL() << "nothing thrown";
+    } catch (const zuerr::Exception& exception) {
+        EXPECT_EQ(exception.record.code, -5001);
+    }
+}
+
+}  // namespace
