@@ -6,9 +6,11 @@
 namespace failingNew {
 namespace {
 
-thread_local int allocationsLeft = -1;  // before the one that fails; -1 when none does
-thread_local tHowLong duration = tHowLong::once;
-thread_local bool failed = false;
+// Of the one thread that the tests run on. Not thread_local: with this compiler that ends in GetLastError, which a test
+// may have replaced by something that allocates.
+constinit int allocationsLeft = -1;  // before the one that fails; -1 when none does
+constinit tHowLong duration = tHowLong::once;
+constinit bool failed = false;
 
 void* allocate(std::size_t size) noexcept {
     if (allocationsLeft == 0) {

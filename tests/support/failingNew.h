@@ -1,6 +1,6 @@
 #pragma once
 
-/// Lets memory run out at a chosen moment: the test program's operator new fails on demand, in the calling thread.
+/// Lets memory run out at a chosen moment: the test program's operator new fails on demand.
 namespace failingNew {
 
 enum class tHowLong { once, forEver };
