@@ -35,6 +35,7 @@ struct tSection {
 /// The result of one parse, and the options for it. Not thread-safe, look-ups included.
 struct tDocument {
     tDocument() = default;
+    ~tDocument() = default;
     tDocument(const tDocument&) = delete;
     tDocument& operator=(const tDocument&) = delete;
 

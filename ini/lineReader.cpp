@@ -49,7 +49,7 @@ bool tLineReader::readChunk(std::size_t size) noexcept {
 }
 
 std::string_view tLineReader::finish(std::string_view lastPiece) {
-    if (lineNumber < std::numeric_limits<std::int32_t>::max()) ++lineNumber;
+    if (lineNumber_ < std::numeric_limits<std::int32_t>::max()) ++lineNumber_;
     if (line_.empty()) return lastPiece;
     return line_.append(lastPiece);
 }

@@ -15,8 +15,10 @@ namespace nIni {
 /// that one character is skipped. Before the first line, a zero byte counts as the last terminator.
 class tLineReader {
 public:
-    /// Borrows the file, which must stand at its beginning.
-    explicit tLineReader(std::FILE* file) noexcept : file_(file) {}
+    /// Borrows the file, which must stand at its beginning. Lines are numbered on from `linesBefore`.
+    explicit tLineReader(std::FILE* file, std::int32_t linesBefore = 0) noexcept
+        : file_(file), lineNumber_(linesBefore) {}
+    ~tLineReader() = default;
     tLineReader(const tLineReader&) = delete;
     tLineReader& operator=(const tLineReader&) = delete;
 
@@ -27,10 +29,10 @@ public:
     /// fails. Throws std::bad_alloc.
     std::optional<std::string_view> next();
 
-    [[nodiscard]] bool failed() const noexcept { return failed_; }
+    /// Of the line that next gave last, counted from 1. The count stays at the largest number that it can hold.
+    [[nodiscard]] std::int32_t lineNumber() const noexcept { return lineNumber_; }
 
-    /// Of the line that next gave, counted from 1. The count stays at the largest number that it can hold.
-    std::int32_t lineNumber = 0;
+    [[nodiscard]] bool failed() const noexcept { return failed_; }
 
 private:
     static constexpr std::size_t markSize = 4;
@@ -40,7 +42,8 @@ private:
     std::string_view finish(std::string_view lastPiece);
 
     std::FILE* file_;
-    std::array<char, chunkSize> chunk_;
+    std::int32_t lineNumber_;
+    std::array<char, chunkSize> chunk_{};
     std::string_view rest_;  ///< of the chunk
     std::string line_;       ///< what earlier chunks hold of the line
     char lastTerminator_ = 0;

@@ -142,8 +142,8 @@ int parseStream(tDocument& document, std::FILE* file) {
     document.sectionIndex.reset();
     document.firstErrorLine = -1;
     while (const std::optional<std::string_view> line = lines.next()) {
-        const bool wellFormed = parseLine(document, *line, lines.lineNumber);
-        if (!wellFormed && document.firstErrorLine == -1) document.firstErrorLine = lines.lineNumber;
+        const bool wellFormed = parseLine(document, *line, lines.lineNumber());
+        if (!wellFormed && document.firstErrorLine == -1) document.firstErrorLine = lines.lineNumber();
     }
     if (lines.failed()) return fileNotRead;
     std::for_each(document.sections.begin(), document.sections.end(), joinContinuations);

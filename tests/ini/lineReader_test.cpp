@@ -29,7 +29,7 @@ std::vector<std::string> readLines(const tIniFile& file) {
     std::vector<std::string> lines;
     while (const auto line = reader.next()) lines.emplace_back(*line);
     EXPECT_FALSE(reader.failed());
-    EXPECT_EQ(reader.lineNumber, static_cast<std::int32_t>(lines.size()));
+    EXPECT_EQ(reader.lineNumber(), static_cast<std::int32_t>(lines.size()));
     return lines;
 }
 
@@ -176,11 +176,10 @@ TEST(LineReader, WideMarksAreRefused) {
 TEST(LineReader, TheLineNumberStaysAtTheLargestOne) {
     const tIniFile file("a\nb\nc");
     const nIni::tFile stream = open(file);
-    tLineReader reader(stream.get());
-    reader.lineNumber = std::numeric_limits<std::int32_t>::max() - 1;
+    tLineReader reader(stream.get(), std::numeric_limits<std::int32_t>::max() - 1);
     for (const char* const line : {"a", "b", "c"}) {
         EXPECT_EQ(reader.next(), line);
-        EXPECT_EQ(reader.lineNumber, std::numeric_limits<std::int32_t>::max());
+        EXPECT_EQ(reader.lineNumber(), std::numeric_limits<std::int32_t>::max());
     }
 }
 

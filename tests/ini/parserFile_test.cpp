@@ -1,0 +1,133 @@
+// What parseFile makes of a file as a whole.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "tests/support/iniFile.h"
+
+namespace {
+
+using std::string_view_literals::operator""sv;
+
+TEST(IniFile, AUtf8MarkIsNoPartOfTheText) {
+    EXPECT_EQ(parsed("\xEF\xBB\xBF[s]\nk=v"), "[s]@1\nk=v@2\n");
+    EXPECT_EQ(parsed("\xEF\xBB\xBF"), "");
+    EXPECT_EQ(parsed("[s]\n\xEF\xBB\xBFk=v"), "[s]@1\n\xEF\xBB\xBFk=v@2\n");
+}
+
+TEST(IniFile, WideTextIsRefused) {
+    EXPECT_EQ(parsed("\xFF\xFE[\0s\0]\0"sv), "-3");
+    EXPECT_EQ(parsed("\xFE\xFF\0[\0s\0]"sv), "-3");
+    EXPECT_EQ(parsed("\xFF\xFE\0\0[\0\0\0"sv), "-3");
+    EXPECT_EQ(parsed("\0\0\xFE\xFF\0\0\0["sv), "-3");
+    EXPECT_EQ(parsed("\xFF\xFE"), "-3");
+    EXPECT_EQ(parsed("\xFE\xFF"), "-3");
+    EXPECT_EQ(parsed("\xFF\xFE\0"sv), "-3");
+}
+
+TEST(IniFile, TextWithCarriageReturnsIsNumberedByLines) {
+    EXPECT_EQ(parsed("[s]\r\na=1\r\n\r\nb=2\r\n"), "[s]@1\na=1@2\nb=2@4\nerror@3\n");
+}
+
+TEST(IniFile, ALineFeedBeforeTheFirstLineIsSkippedAndNotCounted) { EXPECT_EQ(parsed("\n[s]\nk=v"), "[s]@1\nk=v@2\n"); }
+
+TEST(IniFile, TwoLineFeedsAtTheEndMakeAMalformedLine) {
+    EXPECT_EQ(parsed("[s]\nk=v\n\n"), "[s]@1\nk=v@2\nerror@3\n");
+    EXPECT_EQ(parsed("[s]\r\nk=v\r\n\r\n"), "[s]@1\nk=v@2\nerror@3\n");
+}
+
+TEST(IniFile, BytesAreTakenAsTheyAre) {
+    EXPECT_EQ(parsed("[\xC3\xA4]\n\x01\xFF=\xC0\x80\n"), "[\xC3\xA4]@1\n\x01\xFF=\xC0\x80@2\n");
+}
+
+TEST(IniFile, AMissingFileGivesMinus22) {
+    nIni::tDocument document;
+    EXPECT_EQ(parseFile(document, L"no such file.ini"), -22);
+    EXPECT_EQ(parseFile(document, L""), -22);
+}
+
+TEST(IniFile, PathAndTimeAreKeptOnSuccess) {
+    const tIniFile file("[s]\nbad");
+    using std::chrono::sys_days, std::chrono::year, std::chrono::hours, std::chrono::seconds;
+    const auto time = sys_days(year(2020) / 1 / 2) + hours(3) + seconds(4);
+    last_write_time(file.path(), std::chrono::file_clock::from_sys(time));
+    nIni::tDocument document;
+    ASSERT_EQ(file.parseInto(document), 0);
+    EXPECT_EQ(document.filePath.data(), file.widePath());
+    const std::uint64_t secondsSince1601 = 18263ULL * 86400 + 3 * 3600 + 4 + 11644473600;
+    EXPECT_EQ(document.fileTime, secondsSince1601 * 10'000'000);
+}
+
+TEST(IniFile, AFailureLeavesPathAndTimeOfTheLastSuccess) {
+    const tIniFile file("[s]");
+    nIni::tDocument document;
+    ASSERT_EQ(file.parseInto(document), 0);
+    const std::uint64_t time = document.fileTime;
+    EXPECT_NE(time, 0U);
+    EXPECT_EQ(tIniFile("\xFF\xFE").parseInto(document), -3);
+    EXPECT_EQ(parseFile(document, L"no such file.ini"), -22);
+    EXPECT_EQ(document.filePath.data(), file.widePath());
+    EXPECT_EQ(document.fileTime, time);
+}
+
+TEST(IniFile, APathThatDoesNotFitLeavesItsFieldEmpty) {
+    const std::size_t directorySize = tIniFile("", "").path().wstring().size();
+    for (const std::size_t size : {255, 256}) {
+        // The random part of the directory's name varies in length.
+        nIni::tDocument document;
+        for (std::size_t tries = 0;; ++tries) {
+            ASSERT_LT(tries, 1000U);
+            const tIniFile file("[s]", std::string(size - directorySize, 'x'));
+            if (file.widePath().size() != size) continue;
+            document.filePath.fill(L'?');
+            ASSERT_EQ(file.parseInto(document), 0);
+            EXPECT_EQ(document.filePath.data(), size == 255 ? file.widePath() : std::wstring());
+            EXPECT_EQ(document.filePath.back(), 0);
+            break;
+        }
+        EXPECT_EQ(describe(document), "[s]@1\n");
+        EXPECT_NE(document.fileTime, 0U);
+    }
+}
+
+TEST(IniFile, APathMayHoldAnyCharacters) {
+    const tIniFile file("[s]", std::filesystem::path(u"\x63D2\x4EF6 \xE4") / u"\x914D\x7F6E.ini");
+    nIni::tDocument document;
+    ASSERT_EQ(file.parseInto(document), 0);
+    EXPECT_EQ(describe(document), "[s]@1\n");
+    EXPECT_EQ(document.filePath.data(), file.widePath());
+}
+
+TEST(IniFile, ADocumentMayBeUsedForOneFileAfterTheOther) {
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile("[a]\nk=1\nbad\n[b]\n").parseInto(document), 0);
+    ASSERT_NE(findSection(document, "b"), nullptr);
+    ASSERT_EQ(tIniFile("k=2\n[c]\nk=3\n").parseInto(document), 0);
+    EXPECT_EQ(describe(document), "[c]@2\nk=3@3\n") << "no error line, no section, no current section is left";
+    EXPECT_EQ(findSection(document, "b"), nullptr);
+}
+
+TEST(IniFile, AFileThatIsRefusedLeavesTheDocument) {
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile("[a]\nbad\n").parseInto(document), 0);
+    EXPECT_EQ(tIniFile("\xFF\xFE").parseInto(document), -3);
+    EXPECT_EQ(describe(document), "[a]@1\nerror@2\n");
+}
+
+TEST(IniFile, TheOptionsAreNotTouched) {
+    nIni::tDocument document;
+    document.flags = 15;
+    document.mergeDuplicates = 0;
+    document.caseSensitive = 1;
+    document.lastKeyLine = 7;
+    ASSERT_EQ(tIniFile("[a]\nk:v").parseInto(document), 0);
+    EXPECT_EQ(document.flags, 15U);
+    EXPECT_EQ(document.mergeDuplicates, 0);
+    EXPECT_EQ(document.caseSensitive, 1);
+    EXPECT_EQ(document.lastKeyLine, 7);
+}
+
+}  // namespace
