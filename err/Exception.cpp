@@ -10,6 +10,8 @@ namespace {
 /// What foreign throws have taken from std::uncaught_exceptions() on this thread so far: 0 or below.
 thread_local int foreignShortfall = 0;
 
+int propagatingExceptions() noexcept { return std::uncaught_exceptions() - foreignShortfall; }
+
 [[noreturn]] void throwRecord(StatusRecord& record) {
     Exception exception;
     Copy(exception.record, record);
@@ -67,13 +69,13 @@ std::int32_t CurrentExceptionCode() {
     }
 }
 
-bool ExceptionIsPropagating() noexcept { return std::uncaught_exceptions() - foreignShortfall > 0; }
+bool ExceptionIsPropagating() noexcept { return propagatingExceptions() > 0; }
 
-ForeignCall::ForeignCall() noexcept : uncaughtBefore_(std::uncaught_exceptions()) {}
+ForeignCall::ForeignCall() noexcept : before_(propagatingExceptions()) {}
 
 ForeignCall::~ForeignCall() {
     // A higher count is our own exception on its way through: that one is counted by the catch to come.
-    const int change = std::uncaught_exceptions() - uncaughtBefore_;
+    const int change = propagatingExceptions() - before_;
     if (change < 0) foreignShortfall += change;
 }
 

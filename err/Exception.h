@@ -51,9 +51,10 @@ void ThrowIfFailed(PlatformStatus& record);
 /// Whether an exception is unwinding this thread's stack.
 [[nodiscard]] bool ExceptionIsPropagating() noexcept;
 
-/// Stands around a call into a plug-in. A plug-in that brings its own C++ runtime counts its throws in that runtime
-/// while the catch is counted in ours, which leaves our std::uncaught_exceptions() one short for good. The guard's
-/// end, reached when the exception has been handled, books the difference so that ExceptionIsPropagating stays right.
+/// Stands around a call into a plug-in and the handler of what that throws. A plug-in that brings its own C++ runtime
+/// counts its throws in that runtime while the catch is counted in ours, which leaves our std::uncaught_exceptions() one
+/// short for good. The guard's end, reached when the exception has been handled, books the difference so that
+/// ExceptionIsPropagating stays right on this thread. Guards may be nested.
 class ForeignCall {
 public:
     ForeignCall() noexcept;
@@ -62,7 +63,7 @@ public:
     ForeignCall& operator=(const ForeignCall&) = delete;
 
 private:
-    int uncaughtBefore_;
+    int before_;
 };
 
 }  // namespace zuerr
