@@ -82,6 +82,7 @@ std::size_t partition(std::span<T> range, Before& before) {
 }
 
 template <class T, class Before>
+// NOLINTNEXTLINE(misc-no-recursion): `partitionsLeft` bounds the depth
 void sortWithin(std::span<T> range, std::size_t partitionsLeft, Before& before) {
     while (range.size() > insertionLimit) {
         if (partitionsLeft-- == 0) {

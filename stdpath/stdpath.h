@@ -41,8 +41,8 @@ void getKnownFolder(std::int32_t csidl, tWideBuffer& wideBuffer, zuerr::StatusRe
 struct tSystemError {
     enum class tKind { win32, hresult };
 
-    tKind kind;
-    std::uint32_t code;             ///< shown unsigned; an HRESULT signed
+    tKind kind = tKind::win32;
+    std::uint32_t code = 0;         ///< shown unsigned; an HRESULT signed
     const char* message = nullptr;  ///< the system's text for a Win32 error; left out when null
 };
 

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include "err/Exception.h"
+#include "ini/document.h"
 #include "source/nPluginData.h"
 #include "stdpath/path.h"
+#include "tests/support/allocations.h"
 #include "tests/support/folder.h"
 #include "tests/support/imports_win32.h"
 #include "trace/trace.h"
@@ -58,6 +60,39 @@ TEST(OpenedDescription, HasTheVeryNameOfTheFileAlsoWhenThatIsNoUtf16) {
     tPluginDescription record;
     EXPECT_THROW(nPluginData::readDescription(nStdPath::pathToUtf8(path), record), zuerr::Exception);
     EXPECT_THAT(opened, testing::ElementsAre(path));
+}
+
+/// Here `new` asks an allocator that a test can let fail.
+class DescriptionWithoutMemory : public testing::Test {
+protected:
+    const support::tFolder folder;
+    const std::string path = folder.write("a.ini", "[Service]\nName=A\nPath=" + std::string(20000, 'x'));
+    tPluginDescription record{"earlier", {"x", "y"}, 6, "earlier.dll", "i", "s", "c"};
+};
+
+TEST_F(DescriptionWithoutMemory, IsLeftAsItWasWithoutAnErrorWhenThereIsNoDocument) {
+    EXPECT_EQ(allocations::refused(sizeof(nIni::tDocument), [this] { nPluginData::readDescription(path, record); }), 1);
+    EXPECT_EQ(record.name, "earlier");
+    EXPECT_EQ(record.path, "earlier.dll");
+}
+
+TEST_F(DescriptionWithoutMemory, IsAnErrorWithTheParsersCodeWhenMemoryRunsOutLater) {
+    std::int32_t code = 0;
+    std::string report;
+    EXPECT_GT(allocations::refused(10000,
+                                   [&] {
+                                       try {
+                                           nPluginData::readDescription(path, record);
+                                       } catch (const zuerr::Exception& exception) {
+                                           code = exception.record.code;
+                                           report = exception.what();
+                                       }
+                                   }),
+              0);
+    EXPECT_EQ(code, -12);
+    EXPECT_EQ(report, R"({"error_constant":"result","file":".\\source\\nPluginData","line":261,)"
+                      R"("component":"zuZiptraRemoteService"})");
+    EXPECT_EQ(record.name, "earlier");
 }
 
 TEST(UnreadableDescription, IsAnErrorWithTheParsersCode) {

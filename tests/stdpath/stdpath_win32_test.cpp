@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "stdpath/stdpath.h"
+#include "tests/support/allocations.h"
 #include "tests/support/imports_win32.h"
 
 namespace {
@@ -103,6 +104,10 @@ std::string report(int line, unsigned code, const std::string& text, const std::
            text + R"(},"zutolq_debug":{"desc":")" + description + "\"}}";
 }
 
+/// What running out of memory reports, whoever asked for it.
+const std::string outOfMemory =
+    R"({"error_constant":"-52000","file":"zubrx/err/Allocator","line":31,"component":"zuZiptraRemoteService"})";
+
 const std::string systemText = R"(,"string":"The system's text.\r\n")";
 
 TEST_F(RegistryReader, AsksWith512BytesAndKeepsExactlyWhatTheValueHeld) {
@@ -196,6 +201,20 @@ TEST_F(RegistryReader, LeavesTheTextOutWhenTheSystemHasNone) {
     EXPECT_THAT(calls, ElementsAre("open", "format 3735928559"));
 }
 
+TEST_F(RegistryReader, ReportsThatMemoryRunsOutBeforeTheFirstQueryAndClosesTheKey) {
+    EXPECT_EQ(allocations::refused(512, [this] { read(); }), 2) << "the buffer, and the report's";
+    EXPECT_EQ(status.code, -52000);
+    EXPECT_THAT(calls, ElementsAre("open", "close"));
+}
+
+TEST_F(RegistryReader, ReportsThatMemoryRunsOutForALongValueAndClosesTheKey) {
+    answers = {{ERROR_MORE_DATA, 60000, u""}};
+    EXPECT_EQ(allocations::refused(60000, [this] { read(); }), 1);
+    EXPECT_EQ(status.code, -52000);
+    EXPECT_EQ(status.json, outOfMemory);
+    EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
+}
+
 TEST_F(RegistryReader, CallsNothingWhenTheRecordHoldsAFailure) {
     status.code = -7;
     read();
@@ -275,6 +294,15 @@ TEST_F(KnownFolder, ReportsEveryResultButZero) {
                                    std::to_string(failing) + R"(},"zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
         EXPECT_EQ(directory, "C:\\ProgramData\\Corvell") << "what the failed call left is converted all the same";
     }
+}
+
+TEST_F(KnownFolder, IsNotAskedForWhenThereIsNoMemoryForTheBuffer) {
+    std::string directory = "as it was";
+    EXPECT_EQ(allocations::refused(513, [&] { nStdPath::getCommonAppDataDirectory(directory, status); }), 1);
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(status.code, -52000);
+    EXPECT_EQ(status.json, outOfMemory);
+    EXPECT_EQ(directory, "\\Corvell");
 }
 
 TEST_F(KnownFolder, CallsNothingWhenTheRecordHoldsAFailure) {
