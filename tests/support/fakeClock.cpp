@@ -23,7 +23,7 @@ tFakeClock::~tFakeClock() {
 
 std::uint64_t realTickCount() asm("__real__ZN5nTime13readTickCountEv");
 std::uint64_t wrappedTickCount() asm("__wrap__ZN5nTime13readTickCountEv");
-std::uint64_t wrappedTickCount() { return current == nullptr ? realTickCount() : current->nowMs; }
+std::uint64_t wrappedTickCount() { return current == nullptr ? realTickCount() : current->read(); }
 
 std::uint32_t realTimeIncrement() asm("__real__ZN5nTime17readTimeIncrementEv");
 std::uint32_t wrappedTimeIncrement() asm("__wrap__ZN5nTime17readTimeIncrementEv");
