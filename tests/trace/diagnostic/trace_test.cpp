@@ -1,4 +1,4 @@
-// The trace entry point as a diagnostic build has it, with a mask that lets errors through and nothing else.
+// The trace entry point as a diagnostic build has it, with a mask that lets libraries and errors through.
 #include "trace/trace.h"
 
 #include <gmock/gmock.h>
@@ -14,7 +14,7 @@ using testing::EndsWith;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-static_assert(nTrace::enabled && nTrace::mask == nTrace::errors);
+static_assert(nTrace::enabled && nTrace::mask == (nTrace::libraries | nTrace::errors));
 
 TEST(DiagnosticTrace, HandsOneLineThatNamesItsPlaceToTheDebugger) {
     const std::string line = std::to_string(__LINE__ + 1);
@@ -25,7 +25,7 @@ TEST(DiagnosticTrace, HandsOneLineThatNamesItsPlaceToTheDebugger) {
 
 TEST(DiagnosticTrace, WritesNothingOfACategoryThatTheMaskHoldsBack) {
     EXPECT_THAT(debuggerOutput([] {
-                    nTrace::trace(nTrace::libraries, "text");
+                    nTrace::trace(nTrace::descriptions, "text");
                     nTrace::trace(~nTrace::mask, "text");
                     nTrace::trace(0, "text");
                 }),
@@ -33,7 +33,8 @@ TEST(DiagnosticTrace, WritesNothingOfACategoryThatTheMaskHoldsBack) {
 }
 
 TEST(DiagnosticTrace, WritesALineThatHasOneCategoryOfTheMask) {
-    EXPECT_THAT(debuggerOutput([] { nTrace::trace(nTrace::libraries | nTrace::errors, "text"); }), EndsWith("] text"));
+    EXPECT_THAT(debuggerOutput([] { nTrace::trace(nTrace::descriptions | nTrace::errors, "text"); }),
+                EndsWith("] text"));
 }
 
 }  // namespace
