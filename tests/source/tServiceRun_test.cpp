@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/support/callingPlugin.h"
+#include "tests/support/failingNew.h"
 #include "tests/support/framework.h"
 #include "tests/support/plugins.h"
 #include "tests/support/serviceWorld.h"
@@ -81,6 +82,29 @@ TEST_F(ServiceRun, GivesUpAtOnceWithAMessageWhenTheSharedDirectoryIsNotKnown) {
     world.places.sharedDirectory.reset();
     runService();
     EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n");
+}
+
+TEST_F(ServiceRun, ALackOfMemoryDuringTheListingEndsTheRunWithoutAMessage) {
+    world.removeStatus();
+    failingNew::start(1, failingNew::tHowLong::once);
+    runService();
+    EXPECT_TRUE(failingNew::stop());
+    EXPECT_EQ(gService->messages, "");
+    EXPECT_EQ(gService->initTimeMs, 0U);
+    EXPECT_EQ(world.status(), "no status file");
+}
+
+TEST_F(ServiceRun, EndsByItselfWhereverMemoryRunsOut) {
+    world.describe("a.ini", world.calling("A"));
+    bool failed = true;
+    for (int nth = 1; failed; ++nth) {
+        startService();
+        signalServiceStop();
+        failingNew::start(nth, failingNew::tHowLong::once);
+        runService();
+        failed = failingNew::stop();
+    }
+    EXPECT_THAT(names(), ElementsAre("A"));
 }
 
 TEST_F(ServiceRun, RunsWithoutPlugins) {
