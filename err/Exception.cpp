@@ -12,18 +12,6 @@ thread_local int foreignShortfall = 0;
 
 int propagatingExceptions() noexcept { return std::uncaught_exceptions() - foreignShortfall; }
 
-[[noreturn]] void throwRecord(StatusRecord& record) {
-    Exception exception;
-    Copy(exception.record, record);
-    throw Exception(exception);
-}
-
-/// Clears the record however the scope is left.
-struct ClearOnExit {
-    StatusRecord& record;
-    ~ClearOnExit() { Clear(record); }
-};
-
 }  // namespace
 
 ExceptionBase::ExceptionBase(const ExceptionBase& other) noexcept { Copy(record, other.record); }
@@ -44,8 +32,10 @@ void Raise(const ErrorConstant& constant, const RaiseSite& site) {
 }
 
 void ThrowIfFailed(StatusRecord& record) {
-    const ClearOnExit clear{record};
-    if (record.failed() && !ExceptionIsPropagating()) throwRecord(record);
+    Exception exception;
+    Copy(exception.record, record);
+    Clear(record);
+    if (exception.record.failed() && !ExceptionIsPropagating()) throw Exception(exception);
 }
 
 void ThrowIfFailed(PlatformStatus& record) {

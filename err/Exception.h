@@ -27,10 +27,6 @@ public:
 /// The exception of this program. Catching std::exception and asking what() gives the JSON report.
 class Exception : public virtual ExceptionBase, public virtual std::exception {
 public:
-    Exception() = default;
-    Exception(const Exception&) = default;
-    Exception& operator=(const Exception&) = delete;
-
     /// The report text; "{}" when there is none, so that callers may print it unseen.
     [[nodiscard]] const char* what() const noexcept override;
 };
@@ -52,8 +48,8 @@ void ThrowIfFailed(PlatformStatus& record);
 [[nodiscard]] bool ExceptionIsPropagating() noexcept;
 
 /// Stands around a call into a plug-in and the handler of what that throws. A plug-in that brings its own C++ runtime
-/// counts its throws in that runtime while the catch is counted in ours, which leaves our std::uncaught_exceptions() one
-/// short for good. The guard's end, reached when the exception has been handled, books the difference so that
+/// counts its throws in that runtime while the catch is counted in ours, which leaves our std::uncaught_exceptions()
+/// one short for good. The guard's end, reached when the exception has been handled, books the difference so that
 /// ExceptionIsPropagating stays right on this thread. Guards may be nested.
 class ForeignCall {
 public:

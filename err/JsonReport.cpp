@@ -1,5 +1,6 @@
 #include "err/JsonReport.h"
 
+#include <algorithm>
 #include <array>
 #include <bitset>
 #include <cstdio>
@@ -106,10 +107,7 @@ char* addMember(char* cursor, const char* key, std::size_t valueLength, Write wr
 /// Adds a text that needs no escaping and no quotes.
 char* addLiteral(char* cursor, const char* key, const char* literal) noexcept {
     const std::size_t length = std::strlen(literal);
-    return addMember(cursor, key, length, [=](char* out) noexcept {
-        std::memcpy(out, literal, length);
-        return out + length;
-    });
+    return addMember(cursor, key, length, [=](char* out) noexcept { return std::copy_n(literal, length, out); });
 }
 
 /// Walks a JSON text. Each step returns false, or stops, at the first byte that does not fit.

@@ -40,7 +40,7 @@ bool CopyText(char* buffer, std::uint32_t size, const char* text) noexcept;
 class JsonChain {
 public:
     /// Given the argument and the cursor; returns the cursor in the grown buffer, or null.
-    using Grow = char* (*)(void* argument, char* cursor);
+    using Grow = char* (*)(void* argument, const char* cursor);
 
     JsonChain(char* cursor, Grow grow, void* argument) noexcept : cursor_(cursor), grow_(grow), argument_(argument) {}
 

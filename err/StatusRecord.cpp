@@ -17,7 +17,7 @@ std::uint32_t roundedCapacity(std::uint32_t request) noexcept {
 }
 
 /// A JsonChain's way to more room: doubles the record's buffer and finds the cursor's place in it again.
-char* growRecord(void* argument, char* cursor) {
+char* growRecord(void* argument, const char* cursor) {
     StatusRecord& record = *static_cast<StatusRecord*>(argument);
     const std::uint32_t before = record.capacity;
     if (2 * before - 4 > largestCapacity - 2) return nullptr;

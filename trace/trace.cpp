@@ -20,6 +20,8 @@ void writeLine(const Site& site, const char* format, ...) noexcept {
     char* const text = writePrefix(line.data(), line.size(), site, indentation, currentThreadId());
     std::va_list arguments;
     va_start(arguments, format);
+    // The analyzer of clang 14 does not see that va_start has initialised them.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     std::vsnprintf(text, line.size() - static_cast<std::size_t>(text - line.data()), format, arguments);
     va_end(arguments);
     writeToDebugger(line.data());

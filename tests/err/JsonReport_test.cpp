@@ -295,7 +295,7 @@ struct Growth {
     int steps;
     int calls = 0;
 
-    static char* grow(void* argument, char* cursor) {
+    static char* grow(void* argument, const char* cursor) {
         Growth& self = *static_cast<Growth*>(argument);
         if (self.calls == self.steps) return nullptr;
         ++self.calls;
