@@ -104,9 +104,10 @@ struct tContinuation {
 /// Nothing when the name does not end in " Line" and digits. Case counts here.
 std::optional<tContinuation> splitContinuation(std::string_view name) {
     constexpr std::string_view mark = " Line";
-    const std::size_t markEnd = name.find_last_not_of("0123456789") + 1;
-    if (markEnd == name.size() || !name.substr(0, markEnd).ends_with(mark)) return std::nullopt;
-    const std::string_view digits = name.substr(markEnd);
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    const std::string_view digits(std::find_if_not(name.rbegin(), name.rend(), isDigit).base(), name.end());
+    const std::size_t markEnd = name.size() - digits.size();
+    if (digits.empty() || !name.substr(0, markEnd).ends_with(mark)) return std::nullopt;
     return tContinuation{markEnd - mark.size(), digits.substr(std::min(digits.find_first_not_of('0'), digits.size()))};
 }
 
@@ -124,11 +125,13 @@ void joinContinuations(tSection& section) {
         }
         if (&key != &*kept) *kept = std::move(key);
         run = first ? &*kept : nullptr;
-        if (first) kept->name.resize(continuation->stemSize);
+        if (first) {
+            kept->name.resize(continuation->stemSize);
+            section.keyIndex.reset();
+        }
         ++kept;
     }
     section.keys.erase(kept, section.keys.end());
-    section.keyIndex.reset();
 }
 
 int parseStream(tDocument& document, std::FILE* file) {
@@ -152,9 +155,11 @@ int parseStream(tDocument& document, std::FILE* file) {
 
 void rememberFile(tDocument& document, const wchar_t* widePath) {
     document.fileTime = lastWriteTime(widePath).value_or(0);
-    document.filePath.fill(0);
+    // By way of a copy: the path may be the document's own from the parse before.
     const std::wstring_view path(widePath);
-    if (path.size() < document.filePath.size()) path.copy(document.filePath.data(), path.size());
+    decltype(document.filePath) kept{};
+    if (path.size() < kept.size()) path.copy(kept.data(), path.size());
+    document.filePath = kept;
 }
 
 }  // namespace

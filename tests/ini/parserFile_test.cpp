@@ -73,6 +73,16 @@ TEST(IniFile, AFailureLeavesPathAndTimeOfTheLastSuccess) {
     EXPECT_EQ(document.fileTime, time);
 }
 
+TEST(IniFile, ADocumentMayBeReadAgainByItsOwnPath) {
+    const tIniFile file("[s]\nk=1");
+    nIni::tDocument document;
+    ASSERT_EQ(file.parseInto(document), 0);
+    file.write("[s]\nk=2");
+    ASSERT_EQ(parseFile(document, document.filePath.data()), 0);
+    EXPECT_EQ(describe(document), "[s]@1\nk=2@2\n");
+    EXPECT_EQ(document.filePath.data(), file.widePath());
+}
+
 TEST(IniFile, APathThatDoesNotFitLeavesItsFieldEmpty) {
     const std::size_t directorySize = tIniFile("", "").path().wstring().size();
     for (const std::size_t size : {255, 256}) {
@@ -108,6 +118,19 @@ TEST(IniFile, ADocumentMayBeUsedForOneFileAfterTheOther) {
     ASSERT_EQ(tIniFile("k=2\n[c]\nk=3\n").parseInto(document), 0);
     EXPECT_EQ(describe(document), "[c]@2\nk=3@3\n") << "no error line, no section, no current section is left";
     EXPECT_EQ(findSection(document, "b"), nullptr);
+}
+
+TEST(IniFile, LookUpsAfterASecondFileKnowNothingOfTheFirst) {
+    std::string text;
+    for (char name = 'a'; name <= 'z'; ++name) text.append("[").append(1, name).append("]\nk=v\n");
+    nIni::tDocument document;
+    ASSERT_EQ(tIniFile(text).parseInto(document), 0);
+    EXPECT_EQ(findSection(document, "c"), &document.sections[2]);
+    const std::string withoutTheFirst = text.substr(8);
+    ASSERT_EQ(tIniFile(withoutTheFirst).parseInto(document), 0);
+    ASSERT_EQ(document.sections.size(), 25U);
+    EXPECT_EQ(findSection(document, "c"), &document.sections[1]);
+    EXPECT_EQ(findSection(document, "a"), nullptr);
 }
 
 TEST(IniFile, AFileThatIsRefusedLeavesTheDocument) {
