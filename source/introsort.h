@@ -21,14 +21,14 @@ inline constexpr std::size_t insertionLimit = 32;
 /// towards the front for as long as it goes before its neighbour.
 template <class T, class Before>
 void insertionSort(std::span<T> range, Before& before) {
-    const auto first = range.begin();
     for (std::size_t i = 1; i < range.size(); ++i) {
         std::size_t place = 0;
         if (!before(range[i], range[0])) {
             place = i;
             while (place > 1 && before(range[i], range[place - 1])) --place;
         }
-        std::rotate(first + place, first + i, first + i + 1);
+        const std::span<T> passed = range.subspan(place, i + 1 - place);
+        std::rotate(passed.begin(), passed.end() - 1, passed.end());
     }
 }
 

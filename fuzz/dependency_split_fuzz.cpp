@@ -1,0 +1,47 @@
+// The dependencies of a plug-in against the rule written plainly: one byte after the other.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "source/nPluginData.h"
+
+namespace {
+
+bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
+
+std::vector<std::string> expected(std::string_view text) {
+    std::vector<std::string> list;
+    std::string name;
+    std::string blanks;  // those behind the name, which may turn out to lie inside
+    const auto finish = [&] {
+        if (!name.empty()) list.push_back(name);
+        name.clear();
+        blanks.clear();
+    };
+    for (const char c : text) {
+        if (c == ',') {
+            finish();
+        } else if (isSpace(c)) {
+            blanks += c;
+        } else {
+            if (!name.empty()) name += blanks;
+            name += c;
+            blanks.clear();
+        }
+    }
+    finish();
+    return list;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    std::vector<std::string> list{"dropped"};
+    nPluginData::splitDependencies(text, list);
+    if (list != expected(text)) std::abort();
+    return 0;
+}

@@ -1,0 +1,23 @@
+// Trimming a path against the rule written plainly: one character after the other.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "stdpath/stdpath.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using std::string_view_literals::operator""sv;
+    const std::string text(reinterpret_cast<const char*>(data), size);
+
+    std::string expected = text;
+    while (!expected.empty() && " \t\n\v\f\r\\\0"sv.find(expected.back()) != std::string_view::npos)
+        expected.pop_back();
+    while (!expected.empty() && " \t\n\v\f\r"sv.find(expected.front()) != std::string_view::npos) expected.erase(0, 1);
+
+    std::string trimmed = text;
+    nStdPath::trimPath(trimmed);
+    if (trimmed != expected) std::abort();
+    return 0;
+}
