@@ -14,7 +14,8 @@ constexpr std::uint32_t procedureNotFound = 127;
 }  // namespace
 
 Handle load(const char* path, std::uint32_t& osError) noexcept {
-    void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    // For dlopen an empty path is the program itself.
+    void* const library = *path == '\0' ? nullptr : dlopen(path, RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) osError = moduleNotFound;
     return library;
 }

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
 #include "tests/support/plugins.h"
 
 // What both twins promise.
@@ -64,6 +69,23 @@ TEST(LibraryLoading, GivesNullAndTheErrorNumberForAMissingFile) {
     std::uint32_t osError = untouched;
     EXPECT_EQ(nLibrary::load(support::pluginPath("no such library").c_str(), osError), nullptr);
     EXPECT_EQ(osError, moduleNotFound);
+}
+
+TEST(LibraryLoading, GivesNullAndAnErrorNumberForAnEmptyPath) {
+    std::uint32_t osError = untouched;
+    EXPECT_EQ(nLibrary::load("", osError), nullptr);
+    EXPECT_NE(osError, untouched);
+    EXPECT_NE(osError, 0U);
+}
+
+TEST(LibraryLoading, GivesNullAndAnErrorNumberForAFileThatIsNoLibrary) {
+    const std::string path = support::testProgramFolder() + "/no library.dll";
+    std::ofstream(path) << "MZ, but no more";
+    std::uint32_t osError = untouched;
+    EXPECT_EQ(nLibrary::load(path.c_str(), osError), nullptr);
+    EXPECT_NE(osError, untouched);
+    EXPECT_NE(osError, 0U);
+    std::remove(path.c_str());
 }
 
 TEST(LibraryLoading, GivesNullAndAnErrorNumberForALibraryThatRefuses) {
