@@ -20,17 +20,20 @@ struct tPluginEntry {
 };
 
 /// Starts, stops and cleans up the plug-ins on the caller's thread, one after another. One plug-in's failure stays its
-/// own: it is kept as a code in its entry, and only the plug-ins that depend on it fail with it.
+/// own: it is kept as a code in its entry, and only the plug-ins that depend on it fail with it. An exception out of a
+/// plug-in is such a failure if its type is known to zuerr::CurrentExceptionCode; any other passes through.
 class tPluginManager {
 public:
-    /// Starts the plug-ins in the order given and appends an entry for each. allowedMask: what this machine allows.
+    /// Starts the plug-ins in the order given and appends an entry for each, started or not. An init code of -52002:
+    /// nothing that it requires is in allowedMask; -52006: a dependency has not started in this call before it;
+    /// -52005: its library does not load or lacks an entry; otherwise the code is the plug-in's own.
     /// Throws zuerr::Exception (-52005) when a failed plug-in cannot be unloaded; its entry is then left out.
     void startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask);
 
     /// Calls every Stop entry, last started first.
     void stopAll();
 
-    /// Calls every Cleanup entry and unloads the library, last started first.
+    /// Calls every Cleanup entry and unloads the library, last started first. A library whose Cleanup throws stays.
     void cleanupAll();
 
     /// In start order.
