@@ -34,6 +34,17 @@ TEST(NameIndex, FoldsCaseAsTheCLocaleDoesByteForByte) {
     }
 }
 
+// The values come from another implementation: Python's hash of these bytes with PYTHONHASHSEED=0.
+TEST(NameIndex, HashesAsSipHash13DoesWithAKeyOfZeros) {
+    EXPECT_EQ(hashName("a", true), 0x407448D2B89B1813U);
+    EXPECT_EQ(hashName("1234567", true), 0xA33D651594FDAE81U);
+    EXPECT_EQ(hashName("12345678", true), 0x3489982430560A87U);
+    EXPECT_EQ(hashName("123456789", true), 0x0FBC0F0007965FCFU);
+    std::string longName;
+    for (char c = 1; c <= 40; ++c) longName += c;
+    EXPECT_EQ(hashName(longName, true), 0xC6CA83093413BF3CU);
+}
+
 TEST(NameIndex, NamesOfDifferentLengthDiffer) {
     std::set<std::uint64_t> hashes;
     for (std::size_t size = 0; size <= 40; ++size) {
