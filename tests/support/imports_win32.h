@@ -123,7 +123,8 @@ private:
 // reach their import pointer by way of a jump instruction, which the test program defines too.
 #define IMPORTS_BEHIND_A_JUMP(IMPORT) \
     IMPORT(L"msvcrt.dll", fclose)     \
-    IMPORT(L"msvcrt.dll", fread)
+    IMPORT(L"msvcrt.dll", fread)      \
+    IMPORT(L"msvcrt.dll", fwrite)
 
 #define DECLARE_IMPORT(library, name) extern Import<decltype(::name)> name;
 IMPORTS(DECLARE_IMPORT)
