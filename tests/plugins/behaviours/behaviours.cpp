@@ -2,6 +2,7 @@
 //
 // Each call appends "<library> <what happened>" to the file that the environment variable TEST_PLUGIN_LOG names, the
 // library being the file name without its extension. Copies of the file under other names are so told apart.
+// Those that wait do so at the gate (see gate.h) of the library's own path.
 
 #include <cstdint>
 #include <cstdio>
@@ -11,9 +12,15 @@
 #include <stdexcept>
 #include <string>
 
-#include "ownName.h"
+#include "../gate.h"
+#include "ownPath.h"
 
 namespace {
+
+std::string ownName() {
+    const std::u8string name = ownPath().stem().u8string();
+    return {name.begin(), name.end()};
+}
 
 void log(const char* event) {
     const char* const path = std::getenv("TEST_PLUGIN_LOG");
@@ -47,6 +54,11 @@ std::int32_t logged(const char* event, std::int32_t result) {
     return result;
 }
 
+void waitAtOwnGate(const char* event) {
+    log(event);
+    waitAtGate(ownPath());
+}
+
 [[noreturn]] void throwRuntimeError(const char* event) {
     log(event);
     throw std::runtime_error("an exception of the standard library");
@@ -74,6 +86,7 @@ extern "C" {
 std::int32_t InitOk() { return logged("InitOk", 0); }
 std::int32_t InitWarning3() { return logged("InitWarning3", 3); }
 std::int32_t InitFails7() { return logged("InitFails7", -7); }
+std::int32_t InitWaits() { return waitAtOwnGate("InitWaits"), 0; }
 std::int32_t InitThrowsRuntimeError() { throwRuntimeError("InitThrowsRuntimeError"); }
 std::int32_t InitThrowsBadAlloc() { throwBadAlloc("InitThrowsBadAlloc"); }
 std::int32_t InitThrowsOwnException() { throwOwnException("InitThrowsOwnException"); }
@@ -81,6 +94,7 @@ std::int32_t InitThrowsInt() { throwInt("InitThrowsInt"); }
 
 void StopOk() { log("StopOk"); }
 std::int32_t StopReturnsMinus9() { return logged("StopReturnsMinus9", -9); }
+void StopWaits() { waitAtOwnGate("StopWaits"); }
 void StopThrowsRuntimeError() { throwRuntimeError("StopThrowsRuntimeError"); }
 void StopThrowsBadAlloc() { throwBadAlloc("StopThrowsBadAlloc"); }
 void StopThrowsOwnException() { throwOwnException("StopThrowsOwnException"); }
