@@ -1,0 +1,155 @@
+#include <gmock/gmock.h>
+
+#include "tests/endtoend/harness/accessList.h"
+#include "tests/endtoend/harness/stage.h"
+
+namespace endtoend {
+namespace {
+
+class Foreground : public EndToEnd {
+protected:
+    /// Ctrl+C, which the product's handler has dealt with when this returns. After bindToWaitingFolder.
+    void interruptForSure() {
+        const tPath threads = executable().parent_path() / L"threads.ended";
+        const std::size_t before = readFile(threads).size();
+        process().interrupt();
+        waitFor("the end of the console's thread", [&] { return readFile(threads).size() > before; });
+    }
+};
+
+TEST_F(Foreground, RunsUntilCtrlC) {
+    addPlugin("A", {.stop = "StopOk", .cleanup = "CleanupOk"});
+    EXPECT_EQ(startPlugins().names(), "A");
+    EXPECT_TRUE(process().running());
+    EXPECT_EQ(calls(), "A loads\nA InitOk\n");
+    stop();
+    EXPECT_EQ(calls(), "A loads\nA InitOk\nA StopOk\nA CleanupOk\nA unloads\n");
+}
+
+TEST_F(Foreground, SaysNothingOnTheConsole) {
+    addPlugin("A");
+    describe(L"malformed.ini", "nonsense");
+    runThrough();
+    EXPECT_EQ(process().output() + process().errors(), "");
+}
+
+TEST_F(Foreground, CtrlBreakStopsItToo) {
+    addPlugin("A", {.cleanup = "CleanupOk"});
+    startPlugins();
+    if (!process().sendConsoleEvent(CTRL_BREAK_EVENT)) GTEST_SKIP() << "this system generates no Ctrl+Break";
+    process().exitCode();
+    EXPECT_THAT(calls(), testing::HasSubstr("A CleanupOk\nA unloads\n"));
+}
+
+TEST_F(Foreground, CtrlCDuringTheConstructionSkipsTheRunButNotTheStop) {
+    bindToWaitingFolder();
+    addPlugin("A");
+    const tGate gate = holdStatusWrite(1);
+    tStatusWrites writes;
+    start();
+    gate.waitUntilHeld();
+    interruptForSure();
+    gate.open();
+    process().exitCode();
+    writes.waitFor(2);  // at the beginning and at the end
+    EXPECT_EQ(tStatusFile::read().names(), "");
+    EXPECT_EQ(calls(), "");
+}
+
+TEST_F(Foreground, CtrlCDuringTheStartOfAPluginWaitsForAllPluginsToStart) {
+    bindToWaitingFolder();
+    addPlugin("A", {.initialize = "InitWaits", .stop = "StopOk"});
+    addPlugin("B", {.initialize = "InitOk", .stop = "StopOk"});
+    const tGate gate = holdPlugin("A");
+    start();
+    gate.waitUntilHeld();
+    interruptForSure();
+    gate.open();
+    process().exitCode();
+    EXPECT_EQ(calls(), "A loads\nA InitWaits\nB loads\nB InitOk\nB StopOk\nA StopOk\nB unloads\nA unloads\n");
+}
+
+TEST_F(Foreground, CtrlCBeforeTheWaitEndsItAtOnce) {
+    bindToWaitingFolder();
+    addPlugin("A", {.cleanup = "CleanupOk"});
+    const tGate gate = holdStatusWrite(3);
+    start();
+    gate.waitUntilHeld();
+    interruptForSure();
+    gate.open();
+    process().exitCode();
+    EXPECT_EQ(calls(), "A loads\nA InitOk\nA CleanupOk\nA unloads\n");
+}
+
+TEST_F(Foreground, FurtherCtrlCsDuringTheStopChangeNothing) {
+    bindToWaitingFolder();
+    addPlugin("A", {.stop = "StopWaits", .cleanup = "CleanupOk"});
+    addPlugin("B", {.stop = "StopOk", .cleanup = "CleanupOk"});
+    const tGate gate = holdPlugin("A");
+    startPlugins();
+    interruptForSure();
+    gate.waitUntilHeld();
+    interruptForSure();
+    interruptForSure();
+    EXPECT_TRUE(process().running());
+    gate.open();
+    process().exitCode();
+    EXPECT_THAT(calls(), testing::EndsWith("B StopOk\nA StopWaits\nB CleanupOk\nB unloads\nA CleanupOk\nA unloads\n"));
+}
+
+TEST_F(Foreground, EndsByItselfWithoutAPluginDirectory) {
+    std::filesystem::remove(descriptions());
+    start();
+    process().exitCode();
+    EXPECT_EQ(tStatusFile::read().messages, "Failed to open plugins directory.\n");
+}
+
+// Exit codes.
+
+class ForegroundExitCode : public Foreground {
+protected:
+    /// A copy of the product in which a call goes to a function that fails for its arguments.
+    DWORD whenCallFails(const char* import, const char* failing) {
+        rebindImport(executable(), import, failing);
+        addPlugin("A");
+        return start().exitCode();
+    }
+};
+
+TEST_F(ForegroundExitCode, IsTheLastErrorAfterTheStop) {
+    addPlugin("A");
+    std::filesystem::remove(makerFolder());
+    start();
+    waitFor("the plug-in", [&] { return calls() == "A loads\nA InitOk\n"; });
+    process().interrupt();
+    EXPECT_EQ(process().exitCode(), DWORD{ERROR_PATH_NOT_FOUND});
+}
+
+TEST_F(ForegroundExitCode, IsMinusOneWhenTheStartFails) {
+    EXPECT_EQ(whenCallFails("CreateEventA", "OpenEventA"), 0xFFFFFFFF);
+    EXPECT_EQ(calls(), "");
+    EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
+}
+
+TEST_F(ForegroundExitCode, IsTheDispatchersErrorUnlessItSaysThatThisIsNoService) {
+    // Systems differ in what they say of the wild impersonation level that this amounts to.
+    EXPECT_THAT(whenCallFails("StartServiceCtrlDispatcherA", "ImpersonateSelf"),
+                testing::AnyOf(DWORD{ERROR_BAD_IMPERSONATION_LEVEL}, DWORD{ERROR_INVALID_PARAMETER}));
+    EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
+}
+
+TEST_F(ForegroundExitCode, IsTheErrorOfTheFirstConsoleHandlersRegistration) {
+    EXPECT_EQ(whenCallFails("SetConsoleCtrlHandler", "GetConsoleMode"), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
+}
+
+// Who may look at the process.
+
+TEST_F(Foreground, EveryoneMayQueryTheProcessAndNothingElse) {
+    addPlugin("A");
+    startPlugins();
+    EXPECT_EQ(accessList(process().handle()), everyoneMayQuery);
+}
+
+}  // namespace
+}  // namespace endtoend

@@ -1,0 +1,138 @@
+#include "tests/endtoend/harness/system.h"
+
+// windows.h first: the others need its types.
+#include <aclapi.h>
+#include <psapi.h>
+#include <shlobj.h>
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "tests/endtoend/harness/wait.h"
+
+namespace endtoend {
+namespace {
+
+/// Whether the directory is gone afterwards. std::filesystem::remove_all stops at paths of more than 260 characters.
+bool removeTree(const std::wstring& directory) {
+    WIN32_FIND_DATAW entry{};
+    const HANDLE search = FindFirstFileW((directory + L"\\*").c_str(), &entry);
+    for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileW(search, &entry)) {
+        const std::wstring name = entry.cFileName;
+        if (name == L"." || name == L"..") continue;
+        const std::wstring path = directory + L"\\" + name;
+        (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? removeTree(path) : DeleteFileW(path.c_str());
+    }
+    if (search != INVALID_HANDLE_VALUE) FindClose(search);
+    return RemoveDirectoryW(directory.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND;
+}
+
+}  // namespace
+
+void failed(const std::string& call, DWORD error) {
+    throw std::runtime_error(call + " failed with error " + std::to_string(error));
+}
+
+std::wstring wide(std::string_view utf8) {
+    std::wstring result(utf8.size(), L'\0');
+    const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), result.data(),
+                                           static_cast<int>(result.size()));
+    result.resize(static_cast<std::size_t>(length));
+    return result;
+}
+
+std::string utf8(std::wstring_view wide) {
+    std::string result(3 * wide.size(), '\0');
+    const int length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), result.data(),
+                                           static_cast<int>(result.size()), nullptr, nullptr);
+    result.resize(static_cast<std::size_t>(length));
+    return result;
+}
+
+std::string readFile(const tPath& file) {
+    const HANDLE handle =
+        CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                    OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return {};
+    const tHandle owner(handle);
+    std::string bytes(GetFileSize(handle, nullptr), '\0');
+    DWORD read = 0;
+    ReadFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
+    bytes.resize(read);
+    return bytes;
+}
+
+void writeFile(const tPath& file, std::string_view bytes) {
+    const HANDLE handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    require(handle != INVALID_HANDLE_VALUE, "CreateFileW");
+    const tHandle owner(handle);
+    DWORD written = 0;
+    require(WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr), "WriteFile");
+}
+
+tPath ownExecutable() {
+    std::wstring name(1024, L'\0');
+    name.resize(GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
+    return name;
+}
+
+tPath makerFolder() {
+    wchar_t folder[MAX_PATH];
+    if (SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, 0, folder) != S_OK) failed("SHGetFolderPathW");
+    return tPath(folder) / L"Corvell";
+}
+
+bool processExists(DWORD id) {
+    const tHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Process32FirstW(snapshot.get(), &entry); more; more = Process32NextW(snapshot.get(), &entry)) {
+        if (entry.th32ProcessID == id) return true;
+    }
+    return false;
+}
+
+tHandle openDespiteAccessList(DWORD processId, DWORD access) {
+    // An owner may always change the access list, and one that is not there lets everybody in.
+    if (const tHandle owner(OpenProcess(WRITE_DAC, FALSE, processId)); owner) {
+        SetSecurityInfo(owner.get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr);
+    }
+    return tHandle(OpenProcess(access, FALSE, processId));
+}
+
+bool hasLoaded(HANDLE process, const wchar_t* library) {
+    HMODULE modules[256];
+    DWORD size = 0;
+    if (!K32EnumProcessModules(process, modules, sizeof modules, &size)) return false;
+    const auto isIt = [&](HMODULE module) {
+        wchar_t name[MAX_PATH];
+        return K32GetModuleBaseNameW(process, module, name, MAX_PATH) != 0 && _wcsicmp(name, library) == 0;
+    };
+    return std::any_of(modules, modules + std::min<std::size_t>(size / sizeof(HMODULE), std::size(modules)), isIt);
+}
+
+tTemporaryDirectory::tTemporaryDirectory() {
+    static int count = 0;
+    path_ = std::filesystem::temp_directory_path() /
+            (L"zuZiptraEndToEnd." + std::to_wstring(GetCurrentProcessId()) + L"." + std::to_wstring(++count));
+    std::filesystem::create_directories(path_);
+}
+
+tTemporaryDirectory::~tTemporaryDirectory() {
+    // A process that has just ended may hold its own file for another moment.
+    becomesTrue([&] { return removeTree(LR"(\\?\)" + path_.native()); }, std::chrono::seconds(5));
+}
+
+tEnvironmentVariable::tEnvironmentVariable(const wchar_t* name, const std::wstring& value) : name_(name) {
+    std::wstring before(32767, L'\0');
+    before.resize(GetEnvironmentVariableW(name, before.data(), static_cast<DWORD>(before.size())));
+    if (!before.empty()) before_ = before;
+    require(SetEnvironmentVariableW(name, value.c_str()), "SetEnvironmentVariableW");
+}
+
+tEnvironmentVariable::~tEnvironmentVariable() {
+    SetEnvironmentVariableW(name_.c_str(), before_ ? before_->c_str() : nullptr);
+}
+
+}  // namespace endtoend

@@ -1,0 +1,53 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "tests/endtoend/harness/process.h"
+#include "tests/endtoend/harness/registry.h"
+#include "tests/endtoend/harness/service.h"
+
+namespace {
+
+/// The tests write where the product keeps its own: they would end a real installation.
+bool productInstalled() { return endtoend::tInstalledService::installed() || endtoend::registry::hasSharedDirectory(); }
+
+bool forced() {
+    const char* const value = std::getenv("ZUZIPTRA_ENDTOEND_FORCE");
+    return value != nullptr && std::strcmp(value, "1") == 0;
+}
+
+/// Wine lets every process that asks for the role of a service wait ten seconds while the service process started last
+/// is alive, and that may be one of Wine's own. After this it is one that is over. (There is nothing to run without a
+/// shared directory, so the product stops by itself.)
+class ServiceStartedLastIsOver : public testing::Environment {
+    void SetUp() override {
+        endtoend::registry::removeValue();
+        endtoend::tInstalledService service(endtoend::ownExecutable().parent_path() / L"zuZiptraRemoteService.exe");
+        service.start();
+        service.control(SERVICE_CONTROL_STOP);
+        service.waitForEnd();
+    }
+};
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount == 4 && std::strcmp(arguments[1], endtoend::consoleEventArgument) == 0) {
+        return endtoend::generateConsoleEvent(std::strtoul(arguments[2], nullptr, 10),
+                                              std::strtoul(arguments[3], nullptr, 10));
+    }
+    testing::InitGoogleTest(&argumentCount, arguments);
+    if (productInstalled() && !forced()) {
+        std::fputs(
+            "The product, or the maker's shared directory, is installed on this machine, and these tests would\n"
+            "replace its service, its registry value and its status file. ZUZIPTRA_ENDTOEND_FORCE=1 lets them.\n",
+            stderr);
+        return 2;
+    }
+    // Inherited by the processes that are meant to die: no message box, no report.
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    testing::AddGlobalTestEnvironment(new ServiceStartedLastIsOver);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,9 @@
+// A plug-in that reports its failures as the host does its own.
+
+#include "err/Exception.h"
+
+extern "C" {
+
+std::int32_t InitRaisesOsFault() { zuerr::Raise(zuerr::osFault, {"raising.cpp", 1}); }
+std::int32_t InitRaisesInsufficientPermissions() { zuerr::Raise(zuerr::insufficientPermissions, {"raising.cpp", 2}); }
+}

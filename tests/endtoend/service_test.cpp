@@ -1,0 +1,170 @@
+#include <gmock/gmock.h>
+
+#include "tests/endtoend/harness/accessList.h"
+#include "tests/endtoend/harness/stage.h"
+
+namespace endtoend {
+namespace {
+
+// The service's reports. Type, state, controls accepted, exit code, service's exit code, checkpoint, wait hint.
+constexpr tServiceStatus startPending{16, 2, 0, 0, 0, 0, 0};
+constexpr tServiceStatus running{16, 4, 5, 0, 0, 0, 0};
+constexpr tServiceStatus stopRequested{16, 3, 0, 0, 0, 1, 5000};
+constexpr tServiceStatus stopping{16, 3, 0, 0, 0, 2, 5000};
+constexpr tServiceStatus stopped{16, 1, 0, 0, 0, 0, 0};
+constexpr tServiceStatus startFailed{16, 1, 0, 1066, 0xFFFFFFFF, 0, 0};
+
+class Service : public EndToEnd {};
+
+TEST_F(Service, AcceptsStopAndShutdownWhileItRuns) {
+    tInstalledService service(executable());
+    service.start();
+    service.waitForState(SERVICE_RUNNING);
+    EXPECT_EQ(service.status(), running);
+}
+
+TEST_F(Service, AcceptsNothingWhileItStarts) {
+    bindToWaitingFolder();
+    const tGate gate = holdStatusWrite(1);
+    tInstalledService service(executable());
+    service.start();
+    gate.waitUntilHeld();
+    EXPECT_EQ(service.status(), startPending);
+    EXPECT_NE(service.control(SERVICE_CONTROL_STOP), 0u);
+    gate.open();
+    EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);
+}
+
+TEST_F(Service, TellsTheManagerOfEachStepOfAStop) {
+    bindToWaitingFolder();
+    addPlugin("A", {.stop = "StopWaits"});
+    const tGate plugin = holdPlugin("A");
+    const tGate end = holdStatusWrite(5);
+    tInstalledService service(executable());
+    service.start();
+    service.waitForState(SERVICE_RUNNING);
+
+    EXPECT_EQ(service.control(SERVICE_CONTROL_STOP), 0u);
+    plugin.waitUntilHeld();
+    EXPECT_EQ(service.status(), stopRequested);
+    plugin.open();
+    end.waitUntilHeld();
+    EXPECT_EQ(service.status(), stopping);
+    end.open();
+    EXPECT_EQ(service.waitForEnd(), stopped);
+}
+
+TEST_F(Service, IsNotAskedToStopTwice) {
+    addPlugin("A", {.stop = "StopWaits", .cleanup = "CleanupThrowsRuntimeError"});
+    const tGate plugin = holdPlugin("A");
+    tInstalledService service(executable());
+    service.start();
+    service.waitForState(SERVICE_RUNNING);
+
+    EXPECT_EQ(service.control(SERVICE_CONTROL_STOP), 0u);
+    plugin.waitUntilHeld();
+    EXPECT_EQ(service.control(SERVICE_CONTROL_STOP), DWORD{ERROR_SERVICE_CANNOT_ACCEPT_CTRL});
+    EXPECT_EQ(service.status(), stopRequested);
+    plugin.open();
+    EXPECT_EQ(service.waitForEnd(), stopped);
+    EXPECT_EQ(tStatusFile::read().plugin("A").code("CleanupThrowsRuntimeError"), -52003);
+}
+
+TEST_F(Service, AStopDuringTheStartOfAPluginWaitsForAllPluginsToStart) {
+    addPlugin("A", {.initialize = "InitWaits"});
+    addPlugin("B", {.initialize = "InitWarning3", .cleanup = "CleanupThrowsRuntimeError"});
+    const tGate plugin = holdPlugin("A");
+    tInstalledService service(executable());
+    service.start();
+    plugin.waitUntilHeld();
+    EXPECT_EQ(service.status(), running);
+
+    EXPECT_EQ(service.control(SERVICE_CONTROL_STOP), 0u);
+    service.waitForState(SERVICE_STOP_PENDING);
+    EXPECT_EQ(service.status(), stopRequested);
+    plugin.open();
+    EXPECT_EQ(service.waitForEnd(), stopped);
+    const tStatusFile status = tStatusFile::read();
+    EXPECT_EQ(status.plugin("B").code("InitWarning3"), 3);
+    EXPECT_EQ(status.plugin("B").code("CleanupThrowsRuntimeError"), -52003);
+}
+
+TEST_F(Service, OtherControlsAreRefusedByTheManagerOrChangeNothing) {
+    tInstalledService service(executable());
+    service.start();
+    service.waitForState(SERVICE_RUNNING);
+    const DWORD refused = ERROR_INVALID_SERVICE_CONTROL;
+    const std::pair<DWORD, DWORD> answers[] = {{SERVICE_CONTROL_INTERROGATE, 0},
+                                               {SERVICE_CONTROL_PAUSE, refused},
+                                               {SERVICE_CONTROL_CONTINUE, refused},
+                                               {SERVICE_CONTROL_PARAMCHANGE, refused},
+                                               {SERVICE_CONTROL_NETBINDADD, refused},
+                                               {128, 0},
+                                               {255, 0}};
+    for (const auto& [code, answer] : answers) {
+        EXPECT_EQ(service.control(code), answer) << "control " << code;
+        EXPECT_EQ(service.status(), running) << "control " << code;
+    }
+    EXPECT_EQ(service.stop(), stopped);
+}
+
+TEST_F(Service, StopsByItselfWithoutAPluginDirectory) {
+    std::filesystem::remove(descriptions());
+    tInstalledService service(executable());
+    service.start();
+    EXPECT_EQ(service.waitForEnd(), stopped);
+    EXPECT_EQ(tStatusFile::read().messages, "Failed to open plugins directory.\n");
+}
+
+TEST_F(Service, AFailedStartIsReportedWithItsCode) {
+    // No event can be had: the call goes to a function that refuses these arguments.
+    rebindImport(executable(), "CreateEventA", "OpenEventA");
+    tInstalledService service(executable());
+    service.start();
+    EXPECT_EQ(service.waitForEnd(), startFailed);
+    EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
+}
+
+TEST_F(Service, StartsAgainAfterAStop) {
+    addPlugin("A");
+    tInstalledService service(executable());
+    for (int life = 1; life <= 2; ++life) {
+        tStatusWrites writes;
+        service.start();
+        EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running) << "life " << life;
+        writes.waitFor(3);
+        EXPECT_EQ(tStatusFile::read().names(), "A") << "life " << life;
+        EXPECT_EQ(service.stop(), stopped) << "life " << life;
+    }
+}
+
+TEST_F(Service, ItsProcessExitsWithZero) {
+    tInstalledService service(executable());
+    service.start();
+    service.waitForState(SERVICE_RUNNING);
+    const tHandle process = openDespiteAccessList(service.processId(), PROCESS_QUERY_INFORMATION);
+    ASSERT_TRUE(process);
+    service.stop();
+    DWORD exitCode = STILL_ACTIVE;
+    EXPECT_TRUE(GetExitCodeProcess(process.get(), &exitCode));
+    EXPECT_EQ(exitCode, 0u);
+}
+
+TEST_F(Service, EveryoneMayQueryItsProcessAndNothingElse) {
+    tInstalledService service(executable());
+    service.start();
+    service.waitForState(SERVICE_RUNNING);
+    const tHandle process(OpenProcess(READ_CONTROL, FALSE, service.processId()));
+    ASSERT_TRUE(process);
+    EXPECT_EQ(accessList(process.get()), everyoneMayQuery);
+}
+
+TEST_F(Service, TheArgumentsOfItsCommandLineAreNotLookedAt) {
+    tInstalledService service(executable(), L"x --help");
+    service.start();
+    EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);
+    EXPECT_EQ(service.stop(), stopped);
+}
+
+}  // namespace
+}  // namespace endtoend
