@@ -6,7 +6,7 @@ source scripts/dependencies.sh
 source scripts/wine.sh
 source scripts/results.sh
 
-all_layers=(lint native windows)
+all_layers=(lint native windows endtoend)
 usage() {
     cat <<TXT
 Usage: ./test.sh [layer ...]
@@ -17,6 +17,7 @@ The last line is the sum: N passed, N failed, N skipped.
   lint       format, static analysis, the house rules
   native     the portable core's unit tests under the sanitizers
   windows    the unit tests of the Windows build, under Wine
+  endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
 TXT
 }
 
@@ -42,7 +43,7 @@ for argument in "$@"; do
             usage
             exit 0
             ;;
-        lint | native | windows) layers+=("$argument") ;;
+        lint | native | windows | endtoend) layers+=("$argument") ;;
         *)
             usage >&2
             exit 2
