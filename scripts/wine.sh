@@ -3,6 +3,8 @@
 
 # use_prefix DIRECTORY: what Wine starts from here on lives in this prefix.
 use_prefix() {
+    # Names of files are UTF-8, whatever the user's locale.
+    export LC_ALL=C.UTF-8
     export WINEPREFIX=$PWD/$1 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml="
 }
 

@@ -1,0 +1,176 @@
+# Sourced by run.sh: installs the host in a Wine prefix, starts it, watches it and stops it. Needs wine.sh and what it
+# needs.
+# shellcheck shell=bash
+
+run=build/run
+drive=$run/prefix/drive_c
+program="$drive/Program Files/Corvell/ZiptraRemoteService"
+executable='C:\Program Files\Corvell\ZiptraRemoteService\zuZiptraRemoteService.exe'
+status=$drive/ProgramData/Corvell/zuZiptraRemoteService.status
+service=zuZiptraRemoteService
+interrupts=0 # Ctrl+C, so far
+
+# Ctrl+C reaches every process of a terminal's group. Wine's are in a session of their own: the host is asked to stop
+# once, by this script, and Wine's own services are left in peace.
+in_wine() (
+    trap '' INT TERM
+    exec setsid --wait wine "$@" </dev/null
+)
+
+# Ctrl+C on a terminal ends what this script has just called as well.
+pause() { sleep 0.1 || true; }
+
+heed_interrupts() { trap 'interrupts=$((interrupts + 1))' INT TERM; }
+
+only_one_run() {
+    writable "$run"
+    exec 9>"$run/lock"
+    flock --nonblock 9 || fail "another ./run.sh is at work in this folder; if it was killed, end what is left of it by:
+    WINEPREFIX=$PWD/$run/prefix wineserver --kill"
+}
+
+prepare_prefix() {
+    use_prefix "$run/prefix"
+    trap leave_prefix EXIT
+    make_prefix
+}
+
+# copy FILE... FOLDER
+copy() { cp "$@" || fail "cannot copy to ${*: -1}: is the disk full?"; }
+
+install_host() {
+    mkdir -p "$program" "$(dirname "$status")"
+    copy build/windows-release/bin/{zuZiptraRemoteService.exe,zusysapi.dll} "$program"
+}
+
+# share NAME: C:\Corvell\NAME becomes the maker's shared directory.
+share() {
+    plugins=$drive/Corvell/$1/ZiptraRemoteService/plugins
+    mkdir -p "$(dirname "$plugins")"
+    in_wine reg add 'HKLM\SOFTWARE\Corvell\Common\Installer' /v ZUSHAREDDIR64 /d "C:\\Corvell\\$1" /f >"$run/reg.log" 2>&1 ||
+        fail "the registry value cannot be written; see $run/reg.log"
+}
+
+install_examples() {
+    local built=build/windows-release/bin/examples name text
+    share examples
+    mkdir -p "$plugins"
+    copy $built/*.dll $built/*.txt "$plugins"
+    for name in Settings Transport Deployment; do
+        text=$(<"$built/$name.ini.in")
+        printf '%s\n' "${text//@folder@/C:\\Corvell\\examples\\ZiptraRemoteService\\plugins}" >"$plugins/$name.ini"
+    done
+}
+
+# link_plugins DIRECTORY: used as it is and where it is.
+link_plugins() {
+    share own
+    ln -sfn "$1" "$plugins"
+}
+
+# The host says in its status file how far it is: it shows every description, as a plug-in or as one that cannot be read.
+host_is_ready() {
+    local descriptions seen
+    [[ -e $status ]] || return
+    descriptions=$(find -L "$plugins" -maxdepth 1 -name '*.ini' -type f | wc -l)
+    seen=$(grep -cE '^(Loaded From: |Failed to parse )' "$status" || true)
+    ((seen >= descriptions))
+}
+
+indented() { sed -E 's/\r$//; s/^./   &/' || true; }
+
+# show_status TEXT
+show_status() {
+    say "$1; $status:"
+    indented <"$status"
+}
+
+start_host() {
+    rm -f "$status"
+    # Wine lets every program that may be a service wait ten seconds for the control pipe of the service started last.
+    # There is no pipe of this number.
+    in_wine reg add 'HKLM\System\CurrentControlSet\Control\ServiceCurrent' /ve /t REG_DWORD /d 1000000 /f >"$run/reg.log" 2>&1 || true
+    trap '' INT TERM # until the host is in a session of its own
+    setsid wine "$executable" </dev/null >"$run/host.log" 2>&1 &
+    host=$! host_code=0
+    heed_interrupts
+}
+
+host_is_alive() { kill -0 "$host" 2>/dev/null; }
+
+# Comes back early when Ctrl+C comes in.
+wait_for_host() { wait "$host" && host_code=0 || host_code=$?; }
+
+host_ended_by_itself() {
+    wait_for_host
+    tail -n 20 "$run/host.log" >&2
+    [[ ! -e $status ]] || show_status "the last that it said of itself" >&2
+    fail "the host ended by itself, with exit code $host_code"
+}
+
+# One Ctrl+C for the host, when it is there to hear it: its first status file is written under its console handler.
+stop_host() {
+    until [[ -e $status ]]; do
+        host_is_alive || host_ended_by_itself
+        pause
+    done
+    local before
+    before=$(stat --format=%y "$status")
+    say "stopping the host"
+    interrupts=0
+    kill -INT "$host"
+    while host_is_alive; do
+        wait_for_host
+        case $interrupts in
+            0) ;;
+            1) say "the plug-ins are still stopping; once more ends the host by force" ;;
+            *)
+                { kill -KILL "$host" && wait "$host"; } 2>/dev/null || true
+                fail "the host was ended by force before it had stopped"
+                ;;
+        esac
+    done
+    wait_for_host
+    # What it writes last takes the place of what was there.
+    [[ -e $status && $(stat --format=%y "$status") != "$before" ]] ||
+        fail "the host did not stop cleanly: it ended with exit code $host_code and wrote no last status file"
+}
+
+service_state() { in_wine sc query "$service" 2>/dev/null | sed -nE 's/^ *STATE *: [0-9]+ +([A-Z_]+).*/\1/p'; }
+
+start_service() {
+    rm -f "$status"
+    trap abandon_service EXIT
+    say "registering the service"
+    in_wine sc delete "$service" >/dev/null 2>&1 || true # what a run left that was killed
+    in_wine sc create "$service" binPath= "\"$executable\"" start= demand >"$run/service.log" 2>&1 ||
+        fail "the service cannot be registered; see $run/service.log"
+    say "starting it"
+    in_wine net start "$service" >>"$run/service.log" 2>&1 || fail "the service cannot be started; see $run/service.log"
+    until host_is_ready || ((interrupts)); do
+        [[ $(service_state) == RUNNING ]] || fail "the service ended by itself"
+        pause
+    done
+    in_wine sc query "$service" | indented
+}
+
+stop_service() {
+    say "stopping the service"
+    in_wine net stop "$service" >>"$run/service.log" 2>&1 || fail "the service cannot be stopped; see $run/service.log"
+    until [[ $(service_state) == STOPPED ]]; do pause; done
+    in_wine sc query "$service" | indented
+}
+
+unregister_service() {
+    trap leave_prefix EXIT
+    say "unregistering the service"
+    in_wine sc delete "$service" >>"$run/service.log" 2>&1 ||
+        fail "the service cannot be unregistered; see $run/service.log"
+}
+
+# However the run ends, the service is neither left running nor registered.
+abandon_service() {
+    in_wine net stop "$service" || true
+    in_wine sc delete "$service" || true
+    leave_prefix
+} >>"$run/service.log" 2>&1
