@@ -6,6 +6,7 @@
 #include <future>
 #include <vector>
 
+#include "source/nPluginData.h"
 #include "tests/support/callingPlugin.h"
 #include "tests/support/failingNew.h"
 #include "tests/support/framework.h"
@@ -154,6 +155,43 @@ TEST_F(ServiceRun, MakesTwoRecordsOfTwoFilesThatNameTheSamePlugin) {
     world.describe("3.ini", world.calling("Twice"));
     runWithoutWaiting();
     EXPECT_THAT(names(), ElementsAre("Between", "Twice", "Twice"));
+}
+
+/// In how many places reading the file fails for lack of memory.
+int placesToFailIn(const std::string& file) {
+    int places = 0;
+    bool failed = true;
+    for (int nth = 1; failed; ++nth) {
+        tPluginDescription description;
+        failingNew::start(nth, failingNew::tHowLong::once);
+        try {
+            nPluginData::readDescription(file, description);
+            failed = failingNew::stop();
+        } catch (const std::exception&) {
+            failed = failingNew::stop();
+            ++places;
+        }
+    }
+    return places;
+}
+
+TEST_F(ServiceRun, ALackOfMemoryWhileReadingAFileCostsThatFileAlone) {
+    const std::string file = world.describe("a.ini", world.calling("A"));
+    const std::string messages = "Failed to parse service description file: " + file + "\n" + noFramework;
+    bool failed = true;
+    int filesLost = 0;
+    for (int nth = 1; failed; ++nth) {
+        startService();
+        signalServiceStop();
+        failingNew::start(nth, failingNew::tHowLong::once);
+        runService();
+        failed = failingNew::stop();
+        if (gService->messages != messages) continue;
+        EXPECT_THAT(names(), IsEmpty());
+        ++filesLost;
+    }
+    EXPECT_GE(filesLost, placesToFailIn(file)) << "some of them ended the run";
+    EXPECT_GT(filesLost, 0);
 }
 
 // The order.
