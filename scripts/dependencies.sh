@@ -47,7 +47,7 @@ build_boost_for_windows() {
     quietly "$work/configure.log" cmake -S "$work/sources" -B "$work/build" -G Ninja \
         -DCMAKE_BUILD_TYPE=Release -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchain-mingw64.cmake" \
         -DCMAKE_INSTALL_PREFIX="$root/$prefix" -DBUILD_SHARED_LIBS=OFF \
-        -DCMAKE_CXX_FLAGS="-ffile-prefix-map=$root/$work/=" \
+        -DCMAKE_CXX_FLAGS="-D_WIN32_WINNT=0x0601 -ffile-prefix-map=$root/$work/=" \
         "-DBOOST_INCLUDE_LIBRARIES=filesystem;system;function;algorithm"
     quietly "$work/build.log" cmake --build "$work/build" --target install
     rm -rf "$work"
