@@ -83,7 +83,7 @@ void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std:
 }
 
 void getKnownFolder(std::int32_t csidl, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
-    if (status.failed() || !wideBuffer.resize(MAX_PATH, status)) return;
+    if (!wideBuffer.resize(MAX_PATH, status)) return;
     const HRESULT result = SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, asWide(wideBuffer.data()));
     if (result == S_OK) return;
     raiseSystemError(status, 293, {tSystemError::tKind::hresult, static_cast<std::uint32_t>(result)},

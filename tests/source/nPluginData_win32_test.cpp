@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <boost/filesystem/path.hpp>
+#include <locale>
+
 #include "err/Exception.h"
 #include "ini/document.h"
 #include "source/nPluginData.h"
@@ -60,6 +63,17 @@ TEST(OpenedDescription, HasTheVeryNameOfTheFileAlsoWhenThatIsNoUtf16) {
     tPluginDescription record;
     EXPECT_THROW(nPluginData::readDescription(nStdPath::pathToUtf8(path), record), zuerr::Exception);
     EXPECT_THAT(opened, testing::ElementsAre(path));
+}
+
+TEST(ListedDescriptions, AreNotConvertedByThePathLibrarysLocale) {
+    const support::tFolder folder;
+    const std::string file = folder.write(u"计划.ini");
+    std::vector<std::string> files;
+    // A locale that can convert no letter of it; Wine's own may know all of them.
+    const std::locale before = boost::filesystem::path::imbue(std::locale::classic());
+    nPluginData::listDescriptionFiles(folder.path().wstring(), L".ini", files);
+    boost::filesystem::path::imbue(before);
+    EXPECT_THAT(files, testing::ElementsAre(file));
 }
 
 /// Here `new` asks an allocator that a test can let fail.

@@ -101,6 +101,14 @@ TEST_F(SharedDirectory, IsReadWholeWhenItIsLongerThanTheFirstBuffer) {
     }
 }
 
+TEST_F(SharedDirectory, HasRoomForWhatIsAddedToIt) {
+    places.sharedDirectory = "D:\\Shared";
+    result = "";
+    result.shrink_to_fit();
+    read();
+    EXPECT_GE(result.capacity(), 256U);
+}
+
 TEST_F(SharedDirectory, MayBeWrittenInAnyScript) {
     places.sharedDirectory = text(u8"D:\\größe\\计划 🚀\\");
     EXPECT_EQ(read(), text(u8"D:\\größe\\计划 🚀"));

@@ -113,6 +113,7 @@ TEST(FileNames, GiveAReplacementCharacterForEachByteThatBeginsNoCharacter) {
     EXPECT_EQ(name("a\x80z"), u"a\uFFFDz");  // a tail without a head
     EXPECT_EQ(name("\xBF"), u"\uFFFD");
     EXPECT_EQ(name("\xC3"), u"\uFFFD");              // a head at the end
+    EXPECT_EQ(name({"\xC3\xA4", 1}), u"\uFFFD");     // a tail that belongs to somebody else
     EXPECT_EQ(name("\xC3z"), u"\uFFFDz");            // a head without a tail
     EXPECT_EQ(name("\xE8\xAE"), u"\uFFFD\uFFFD");    // a tail too short, at the end
     EXPECT_EQ(name("\xE8\xAEz"), u"\uFFFD\uFFFDz");  // and before another character

@@ -37,7 +37,7 @@ void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std:
 }
 
 void getKnownFolder(std::int32_t csidl, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
-    if (status.failed() || !wideBuffer.resize(260, status)) return;
+    if (!wideBuffer.resize(260, status)) return;
     const bool known = current != nullptr && csidl == 35;
     if (!known || !current->appDataFolder) {
         const auto error = static_cast<std::uint32_t>(known ? current->appDataFolderError : -2147024894);
