@@ -95,8 +95,10 @@ TEST(NameIndex, FindsTheFirstOfEqualNamesInShortAndLongLists) {
         records.push_back({"Twice"});
         records.push_back({"TWICE"});
         records.push_back({"1"});
+        records.push_back({"behind"});
         EXPECT_EQ(index.find(records, "twice", false), size);
         EXPECT_EQ(index.find(records, "1", false), 1U);
+        EXPECT_EQ(index.find(records, "behind", false), records.size() - 1);
         EXPECT_EQ(index.find(records, "TWICE", true), size + 1);
         EXPECT_EQ(index.find(records, "twice", true), records.size());
         EXPECT_EQ(index.find(records, "twice", false), size) << "and back to the other rule";
