@@ -1,5 +1,5 @@
 #include <windows.h>
-// Needs windows.h.
+// windows.h first: aclapi.h needs its types.
 #include <aclapi.h>
 
 #include <memory>

@@ -22,7 +22,8 @@ bool contain(Body body) {
 
 }  // namespace
 
-// The first status file tells that the service has started, the last one how it ended.
+// The first status file tells that the service has started, the last one how it ended. WriteStatus keeps its failures
+// to itself, so a service that has been built can always be destroyed.
 
 tService::tService() {
     nProcessAccess::grantQueryToEveryone();
@@ -33,7 +34,7 @@ tService::~tService() { WriteStatus(*this); }
 
 std::int32_t startService() {
     const bool started = contain([] {
-        tService* const service = new tService;
+        auto* const service = new tService;
         delete gService;
         gService = service;
     });

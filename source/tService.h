@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "quarks/synchronization.h"
 #include "source/tPluginManager.h"
@@ -17,7 +18,8 @@ public:
     tService& operator=(const tService&) = delete;
 
     /// Lists, reads, orders, loads and starts the plug-ins, waits for stopEvent, and stops and cleans them up.
-    /// Returns at once, with the reason in messages, when there is no plug-in directory.
+    /// Returns at once, with the reason in messages, when there is no plug-in directory. Throws what the manager throws
+    /// when a plug-in cannot be unloaded, and std::bad_alloc; the run ends there.
     void run();
 
     tEvent stopEvent;  ///< set once to end the run
