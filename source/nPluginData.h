@@ -32,7 +32,8 @@ void listDescriptionFiles(const boost::filesystem::path& directory, const boost:
 
 /// Reads one file (UTF-8 path). Throws the parser's code when it cannot be read, -52005 when a line is malformed; the
 /// record is then left as it was, and so it is, with nothing thrown, when there is no memory for a document. A key
-/// that is missing gives its field's default. "Requires" is read as by scanf: "-1" is 4294967295, "2x" is 2, "x" is 0.
+/// that is missing gives its field's default. "Requires" is read as scanf reads it: "-1" is 4294967295, "2x" is 2, "x"
+/// is 0, and what becomes of a number beyond 32 bits is the C library's affair.
 void readDescription(const std::string& filePath, tPluginDescription& record);
 
 /// Fills the list with the trimmed, non-empty pieces between the commas, in their order; what it held is dropped.
