@@ -1,24 +1,33 @@
 #!/usr/bin/env bash
-# Runs the tests: ./test.sh [layer ...]
+# Runs the tests: ./test.sh [layer ...] [--long SECONDS]
 cd "$(dirname "$0")"
 source scripts/common.sh
 source scripts/dependencies.sh
 source scripts/wine.sh
 source scripts/results.sh
 
-all_layers=(lint native windows endtoend)
+all_layers=(lint native windows endtoend fuzz)
+export fuzz_seconds=20 fuzz_keeps=0
 usage() {
     cat <<TXT
-Usage: ./test.sh [layer ...]
+Usage: ./test.sh [layer ...] [--long SECONDS]
 
 Runs the layers named, or all of them. What the programs say is kept in $logs.
 The last line is the sum: N passed, N failed, N skipped.
 
   lint       format, static analysis, the house rules
   native     the portable core's unit tests under the sanitizers
-  windows    the unit tests of the Windows build, under Wine
+  windows    the Windows build: its headers, its bytes, and the unit tests under Wine
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
+  fuzz       every fuzzer for $fuzz_seconds seconds
+
+  --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in fuzz/corpus
 TXT
+}
+
+misused() {
+    usage >&2
+    exit 2
 }
 
 run_layer() {
@@ -37,18 +46,21 @@ run_layer() {
 }
 
 layers=()
-for argument in "$@"; do
-    case $argument in
+while (($#)); do
+    case $1 in
         -h | --help)
             usage
             exit 0
             ;;
-        lint | native | windows | endtoend) layers+=("$argument") ;;
-        *)
-            usage >&2
-            exit 2
+        --long)
+            [[ ${2-} =~ ^[1-9][0-9]{0,6}$ ]] || misused
+            fuzz_seconds=$2 fuzz_keeps=1
+            shift
             ;;
+        lint | native | windows | endtoend | fuzz) layers+=("$1") ;;
+        *) misused ;;
     esac
+    shift
 done
 ((${#layers[@]})) || layers=("${all_layers[@]}")
 
