@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# Builds one preset: ./build.sh [preset]
+# Builds one preset, or some of its targets: ./build.sh [preset [target...]]
 cd "$(dirname "$0")"
 source scripts/common.sh
 source scripts/dependencies.sh
 
 usage() {
     cat <<TXT
-Usage: ./build.sh [preset]
+Usage: ./build.sh [preset [target...]]
 
-Builds build/<preset>; the default is windows-release, which gives
-build/windows-release/bin/zuZiptraRemoteService.exe.
+Builds build/<preset>, all of it or the CMake targets named; the default is
+windows-release, which gives build/windows-release/bin/zuZiptraRemoteService.exe.
 
 Presets: windows-release windows-debug windows-trace native-asan native-coverage native-fuzz
 TXT
@@ -32,12 +32,10 @@ case $preset in
         exit 2
         ;;
 esac
-(($# <= 1)) || {
-    usage >&2
-    exit 2
-}
+targets=("${@:2}")
+((${#targets[@]})) || targets=(all)
 
-say "building $preset"
+say "building $preset (some minutes the first time)"
 quietly "build/$preset/configure.log" cmake --preset "$preset"
-quietly "build/$preset/build.log" cmake --build --preset "$preset"
+quietly "build/$preset/build.log" cmake --build --preset "$preset" --target "${targets[@]}"
 say "built: build/$preset/bin"

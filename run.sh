@@ -85,7 +85,7 @@ fi
 
 trap 'exit 130' INT TERM
 only_one_run
-./build.sh
+./build.sh windows-release zuZiptraRemoteService zusysapi Settings Transport Deployment
 prepare_prefix
 install_host
 if ((own_plugins)); then
