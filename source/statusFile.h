@@ -3,8 +3,9 @@
 #include <cstdio>
 #include <string>
 
-/// What replacing the status file asks of the platform. Paths are UTF-8, of any length and in any script; a path that
-/// is not valid UTF-8 names no file, so every call with it fails.
+/// What replacing the status file asks of the platform. Paths are UTF-8 in any script, as long as the system lets them
+/// be (on Windows above 260 characters only where long paths are switched on); a path that is not valid UTF-8 names no
+/// file, so every call with it fails.
 namespace nStatusFile {
 
 /// Opens for writing as text, emptied if it exists, with sharing that denies nobody. The caller closes it. Null on
