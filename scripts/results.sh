@@ -14,7 +14,8 @@ verdict() {
     fi
 }
 
-# check NAME COMMAND...: one test. What the command says is shown only when it fails.
+# check NAME COMMAND...: one test. What the command says is shown only when it fails. (In a function that is checked, the
+# steps are chained by &&: what fails on its way would go unnoticed otherwise.)
 check() {
     local log="$logs/${1//[^A-Za-z0-9]/-}.log" began=$SECONDS code=0
     printf '%s' "   $1 ... "
@@ -42,7 +43,7 @@ googletest() {
     bad=$((${announced:-0} - good - left_out))
     if ((bad <= 0)); then bad=$((code != 0 || good == 0)); fi
     passed=$((passed + good)) failed=$((failed + bad)) skipped=$((skipped + left_out + ${disabled:-0}))
-    verdict "$bad" "$good of ${announced:-unknown} tests, $((SECONDS - began)) s, exit code $code" "$log" || {
+    verdict "$bad" "$good of ${announced:-unknown} tests passed, $((SECONDS - began)) s, exit code $code" "$log" || {
         grep -E '\[  FAILED  \] .* \([0-9]+ ms\)' "$log" || tail -n 40 "$log"
         ((code != 124)) || printf '%s\n' "stopped after $limit seconds"
         return 1

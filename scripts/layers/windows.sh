@@ -3,8 +3,9 @@
 
 product=build/windows-release/bin/zuZiptraRemoteService.exe
 
-# The same sources in another folder, whose path is longer, give the same bytes.
+# The same sources in another folder, whose path is longer, give the same bytes. A compiler cache would hide it if not.
 same_bytes_elsewhere() {
+    export CCACHE_DISABLE=1
     local elsewhere="$PWD/build/test/the same sources elsewhere"
     rm -rf "$elsewhere" &&
         mkdir -p "$elsewhere/build" &&
