@@ -8,13 +8,20 @@ namespace {
 /// The registry value, in whatever form it comes.
 class SharedDirectory : public EndToEnd {
 protected:
-    SharedDirectory() { addPlugin("A"); }
-
-    /// The plug-in is found there.
-    void expectFound() {
-        EXPECT_EQ(startPlugins().names(), "A");
-        stop();
+    SharedDirectory() {
+        addPlugin("A");
+        describe(L"bad.ini", "nonsense");
     }
+
+    /// The plug-ins are found there. How the directory is written shows in what is told of the bad one.
+    void expectFound(const std::wstring& directory) {
+        startPlugins();
+        const tStatusFile status = stop();
+        EXPECT_EQ(status.names(), "A");
+        EXPECT_EQ(status.messages, "Failed to parse service description file: " +
+                                       utf8(directory + L"ZiptraRemoteService\\plugins\\bad.ini\n"));
+    }
+    void expectFound() { expectFound(shared() + L"\\"); }
     /// Nothing is found, which the status file says, and the host ends by itself.
     void expectNotFound() {
         start().exitCode();
@@ -36,9 +43,9 @@ TEST_F(SharedDirectory, BlanksAtBothEndsAreDropped) {
     expectFound();
 }
 
-TEST_F(SharedDirectory, ASlashAtTheEndDoesNoHarm) {
+TEST_F(SharedDirectory, ASlashAtTheEndStays) {
     registry::setSharedDirectory(shared() + L"/");
-    expectFound();
+    expectFound(shared() + L"/");
 }
 
 TEST_F(SharedDirectory, AValueLongerThanTheFirstBufferIsReadWhole) {
