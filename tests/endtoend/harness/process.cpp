@@ -15,9 +15,10 @@ tHandle openForChild(const tPath& file, DWORD access, DWORD disposition) {
 PROCESS_INFORMATION create(const tPath& executable, std::wstring commandLine, DWORD flags, STARTUPINFOW& startup) {
     startup.cb = sizeof startup;
     PROCESS_INFORMATION information{};
-    require(CreateProcessW(executable.c_str(), commandLine.data(), nullptr, nullptr, startup.hStdOutput != nullptr,
-                           flags, nullptr, nullptr, &startup, &information),
-            "CreateProcessW");
+    requireStart("CreateProcessW", [&] {
+        return CreateProcessW(executable.c_str(), commandLine.data(), nullptr, nullptr, startup.hStdOutput != nullptr,
+                              flags, nullptr, nullptr, &startup, &information);
+    });
     CloseHandle(information.hThread);
     return information;
 }

@@ -1,7 +1,5 @@
 #include "tests/endtoend/harness/service.h"
 
-#include <gtest/gtest.h>
-
 #include <ostream>
 
 namespace endtoend {
@@ -51,11 +49,7 @@ tInstalledService::~tInstalledService() {
 }
 
 void tInstalledService::start() {
-    // Wine's manager fails about one start in a thousand with this error before anything of the product has run.
-    for (int attempt = 1; !StartServiceW(service_.get(), 0, nullptr); ++attempt) {
-        if (GetLastError() != ERROR_INTERNAL_ERROR || attempt == 3) failed("StartServiceW");
-        testing::Test::RecordProperty("FailedServiceStarts", attempt);
-    }
+    requireStart("StartServiceW", [&] { return StartServiceW(service_.get(), 0, nullptr); });
     processId_ = query(service_.get()).dwProcessId;
 }
 

@@ -2,6 +2,7 @@
 
 // windows.h first: the others need its types.
 #include <aclapi.h>
+#include <gtest/gtest.h>
 #include <psapi.h>
 #include <shlobj.h>
 #include <tlhelp32.h>
@@ -32,6 +33,14 @@ bool removeTree(const std::wstring& directory) {
 
 void failed(const std::string& call, DWORD error) {
     throw std::runtime_error(call + " failed with error " + std::to_string(error));
+}
+
+void requireStart(const char* call, const std::function<BOOL()>& start) {
+    constexpr int attempts = 3;
+    for (int failures = 1; !start(); ++failures) {
+        if (GetLastError() != ERROR_INTERNAL_ERROR || failures == attempts) failed(call);
+        testing::Test::RecordProperty("FailedStarts", failures);
+    }
 }
 
 std::wstring wide(std::string_view utf8) {

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +23,10 @@ using tHandle = std::unique_ptr<void, tHandleCloser>;
 inline void require(bool success, const char* call) {
     if (!success) failed(call);
 }
+
+/// Makes a call that starts a process. Wine fails in about one of a thousand with an internal error, before anything of
+/// the process has run; that is tried again, and counted in the test's report.
+void requireStart(const char* call, const std::function<BOOL()>& start);
 
 [[nodiscard]] std::wstring wide(std::string_view utf8);
 [[nodiscard]] std::string utf8(std::wstring_view wide);

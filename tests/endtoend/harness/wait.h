@@ -9,7 +9,7 @@
 namespace endtoend {
 
 /// Generous: a wait that reaches it means that the thing waited for never happens.
-inline constexpr std::chrono::milliseconds patience{60000};
+inline constexpr std::chrono::milliseconds patience{20000};
 
 /// True as soon as the condition holds; false when the time is over and it still does not.
 template <class Condition>
