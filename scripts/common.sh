@@ -10,18 +10,23 @@ fail() {
 
 # quietly LOG COMMAND...: runs a command whose output matters only when it fails.
 quietly() {
-    local log=$1
+    local log=$1 folder
+    folder=$(dirname "$log")
     shift
-    writable "$(dirname "$log")"
+    writable "$folder"
     "$@" >"$log" 2>&1 || {
+        ! grep -q 'No space left on device' "$log" || disk_full "$folder"
+        writable "$folder"
         tail -n 40 "$log" >&2
         fail "'$1' failed; everything it said is in $log"
     }
 }
 
-# writable DIRECTORY: makes it, and says in one line when nothing can be written there.
+disk_full() { fail "no room left for $1: make some and try again"; }
+
+# writable FOLDER: makes it, and says in one line when nothing can be written there.
 writable() {
-    { mkdir -p "$1" && printf '%s\n' "can be written" >"$1/.writable"; } 2>/dev/null ||
-        fail "cannot write to $1: is the disk full, or the folder somebody else's?"
+    mkdir -p "$1" 2>/dev/null && touch "$1/.writable" 2>/dev/null || fail "cannot write to $1: is it somebody else's?"
+    head -c 65536 /dev/zero >"$1/.writable" 2>/dev/null || disk_full "$1"
     rm -f "$1/.writable"
 }

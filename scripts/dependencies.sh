@@ -2,19 +2,33 @@
 
 dependencies=build/dependencies
 
-# install_packages PACKAGE...: from the system's package manager, only those that are missing.
-install_packages() {
-    local missing=() package
-    for package in "$@"; do
-        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+# need COMMAND... -- PACKAGE...: packages that are missing are installed by the system's package manager. A system that
+# has another one than Debian's is trusted to have the libraries, once the commands are there.
+need() {
+    local commands=() missing=() name
+    while [[ $1 != -- ]]; do
+        commands+=("$1")
+        shift
     done
-    ((${#missing[@]})) || return 0
-    command -v apt-get >/dev/null || fail "no apt-get here: install ${missing[*]} by hand and try again"
-    ((EUID == 0)) || fail "run this as root, or first: apt-get install ${missing[*]}"
-    say "installing ${missing[*]} (a minute or two)"
+    shift
+    if command -v dpkg-query >/dev/null; then
+        for name in "$@"; do
+            dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' || missing+=("$name")
+        done
+        ((${#missing[@]} == 0)) || install_packages "${missing[@]}"
+    fi
+    for name in "${commands[@]}"; do
+        command -v "$name" >/dev/null || fail "no $name here: install it (Debian's packages: $*) and try again"
+    done
+}
+
+install_packages() {
+    command -v apt-get >/dev/null || fail "no apt-get here: install $* by hand and try again"
+    ((EUID == 0)) || fail "run this as root, or first: apt-get install $*"
+    say "installing $* (a minute or two)"
     export DEBIAN_FRONTEND=noninteractive
     quietly "$dependencies/apt-update.log" apt-get update
-    quietly "$dependencies/apt-install.log" apt-get install -y --no-install-recommends "${missing[@]}"
+    quietly "$dependencies/apt-install.log" apt-get install -y --no-install-recommends "$@"
 }
 
 # The package sources of this machine once more, as sources of source code.
@@ -55,16 +69,20 @@ build_boost_for_windows() {
 }
 
 need_windows_compiler() {
-    install_packages cmake ninja-build g++-mingw-w64-x86-64-posix googletest nlohmann-json3-dev dpkg-dev xz-utils
+    need cmake ninja x86_64-w64-mingw32-g++-posix tar xz -- \
+        cmake ninja-build g++-mingw-w64-x86-64-posix googletest nlohmann-json3-dev dpkg-dev tar xz-utils
     build_boost_for_windows
 }
 
 need_native_compiler() {
-    install_packages cmake ninja-build g++ googletest libboost-filesystem1.81-dev libboost1.81-dev nlohmann-json3-dev
+    need cmake ninja g++ -- \
+        cmake ninja-build g++ googletest libboost-filesystem1.81-dev libboost1.81-dev nlohmann-json3-dev
 }
 
-need_clang() { install_packages clang libclang-rt-14-dev; }
+need_clang() { need clang clang++ -- clang libclang-rt-14-dev; }
 
-need_wine() { install_packages wine64 wine; }
+need_wine() { need wine wineboot wineserver -- wine64 wine; }
 
-need_linters() { install_packages clang-format clang-tidy shellcheck python3; }
+need_linters() {
+    need clang-format clang-tidy shellcheck python3 -- clang-format clang-tidy shellcheck python3
+}
