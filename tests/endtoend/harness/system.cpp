@@ -36,9 +36,11 @@ void failed(const std::string& call, DWORD error) {
 }
 
 void requireStart(const char* call, const std::function<BOOL()>& start) {
-    constexpr int attempts = 3;
+    constexpr int attempts = 5;
     for (int failures = 1; !start(); ++failures) {
-        if (GetLastError() != ERROR_INTERNAL_ERROR || failures == attempts) failed(call);
+        const DWORD error = GetLastError();
+        const bool isWines = error == ERROR_INTERNAL_ERROR || error == ERROR_SERVICE_REQUEST_TIMEOUT;
+        if (!isWines || failures == attempts) failed(call);
         testing::Test::RecordProperty("FailedStarts", failures);
     }
 }

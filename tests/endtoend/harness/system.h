@@ -25,7 +25,8 @@ inline void require(bool success, const char* call) {
 }
 
 /// Makes a call that starts a process. Wine fails in about one of a thousand with an internal error, before anything of
-/// the process has run; that is tried again, and counted in the test's report.
+/// the process has run, and now and then takes a service that ends at once for one that never answered. Both are tried
+/// again, and counted in the test's report.
 void requireStart(const char* call, const std::function<BOOL()>& start);
 
 [[nodiscard]] std::wstring wide(std::string_view utf8);
