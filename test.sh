@@ -6,7 +6,7 @@ source scripts/dependencies.sh
 source scripts/wine.sh
 source scripts/results.sh
 
-all_layers=(lint native windows endtoend fuzz)
+all_layers=(lint native windows endtoend fuzz sweep)
 export fuzz_seconds=20 fuzz_keeps=0
 usage() {
     cat <<TXT
@@ -20,6 +20,7 @@ The last line is the sum: N passed, N failed, N skipped.
   windows    the Windows build: its headers, its bytes, and the unit tests under Wine
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
   fuzz       every fuzzer for $fuzz_seconds seconds
+  sweep      every system call of whole lives fails in turn (SWEEP_ALL=1: at every occurrence)
 
   --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in fuzz/corpus
 TXT
@@ -57,7 +58,7 @@ while (($#)); do
             fuzz_seconds=$2 fuzz_keeps=1
             shift
             ;;
-        lint | native | windows | endtoend | fuzz) layers+=("$1") ;;
+        lint | native | windows | endtoend | fuzz | sweep) layers+=("$1") ;;
         *) misused ;;
     esac
     shift

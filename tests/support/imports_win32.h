@@ -53,6 +53,12 @@ public:
         remember();
     }
 
+    /// What the product's call does now, for a replacement that goes around another one.
+    [[nodiscard]] std::function<Result(Arguments...)> current() {
+        if (replacement_ != nullptr) return *replacement_;
+        return [this](Arguments... arguments) { return real(arguments...); };
+    }
+
     /// The system's own.
     Result real(Arguments... arguments) {
         if (real_ == nullptr) real_ = reinterpret_cast<Result (*)(Arguments...)>(systemAddress(library_, name_));
@@ -89,9 +95,11 @@ private:
     IMPORT(L"advapi32.dll", StartServiceCtrlDispatcherA) \
     IMPORT(L"kernel32.dll", CloseHandle)                 \
     IMPORT(L"kernel32.dll", CreateEventA)                \
+    IMPORT(L"kernel32.dll", CreateFileW)                 \
     IMPORT(L"kernel32.dll", FindClose)                   \
     IMPORT(L"kernel32.dll", FindFirstFileW)              \
     IMPORT(L"kernel32.dll", FormatMessageA)              \
+    IMPORT(L"kernel32.dll", FormatMessageW)              \
     IMPORT(L"kernel32.dll", FreeLibrary)                 \
     IMPORT(L"kernel32.dll", GetCurrentProcessId)         \
     IMPORT(L"kernel32.dll", GetCurrentThreadId)          \
@@ -123,6 +131,7 @@ private:
 // reach their import pointer by way of a jump instruction, which the test program defines too.
 #define IMPORTS_BEHIND_A_JUMP(IMPORT) \
     IMPORT(L"msvcrt.dll", fclose)     \
+    IMPORT(L"msvcrt.dll", ferror)     \
     IMPORT(L"msvcrt.dll", fread)      \
     IMPORT(L"msvcrt.dll", fwrite)
 

@@ -1,0 +1,230 @@
+#include "tests/sweep/life_win32.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+
+#include "source/serviceControl.h"
+#include "source/tService.h"
+#include "tests/support/imports_win32.h"
+#include "tests/support/plugins.h"
+
+int hostMain(int argumentCount, char** arguments);
+
+namespace sweep {
+namespace {
+
+constexpr const char* previousStatus = "what an earlier life has left\r\n";
+
+void* const statusHandle = reinterpret_cast<void*>(0x57A7);
+
+std::string description(const std::string& name, const std::string& library, const std::string& initialize,
+                        const std::string& more = "") {
+    return "[Service]\nName=" + name + "\nPath=" + support::pluginPath(library) + "\nInitialize=" + initialize +
+           "\nStop=StopOk\nCleanup=CleanupOk\n" + more;
+}
+
+/// Past all stand-ins. Empty when there is no such file.
+std::string contentOf(const std::filesystem::path& path) {
+    const HANDLE file = imports::CreateFileW.real(path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return {};
+    std::string content(64 * 1024, '\0');
+    DWORD size = 0;
+    ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &size, nullptr);
+    imports::CloseHandle.real(file);
+    content.resize(size);
+    return content;
+}
+
+std::string onDisk(const std::string& text) {
+    std::string content;
+    for (const char character : text) {
+        if (character == '\n') content += '\r';
+        content += character;
+    }
+    return content;
+}
+
+std::string toText(const SERVICE_STATUS& status) {
+    char text[96];
+    std::snprintf(text, sizeof(text), "%lu %lu %lu %lu %ld %lu %lu", status.dwServiceType, status.dwCurrentState,
+                  status.dwControlsAccepted, status.dwWin32ExitCode,
+                  static_cast<long>(status.dwServiceSpecificExitCode), status.dwCheckPoint, status.dwWaitHint);
+    return text;
+}
+
+}  // namespace
+
+tLives::tLives(const tScenario& scenario)
+    : scenario_(scenario),
+      control_([this] { standInForControl(); }),
+      books_([this] { keepLedger(ledger_); }),
+      faults_(ledger_) {
+    if (scenario_.plugins == noSharedDirectory) world_.places.sharedDirectory.reset();
+    describePlugins();
+    // Held, so that no life has to bring it in from the disk.
+    imports::LoadLibraryExA.real(support::pluginPath("behaviours").c_str(), nullptr, 0);
+    watch();
+    watchStatusFile();
+}
+
+tLives::~tLives() { imports::ImportBase::restoreAll(); }
+
+/// Every third plug-in depends on the one before it.
+void tLives::describePlugins() {
+    for (int i = 0; i < scenario_.plugins; ++i) {
+        const std::string name = std::string("P") + static_cast<char>('a' + i);
+        const std::string before = std::string("P") + static_cast<char>('a' + i - 1);
+        world_.describe(name + ".ini", description(name, "behaviours", i % 3 == 1 ? "InitWarning3" : "InitOk",
+                                                   (i % 3 == 2 ? "Dependencies=" + before + "\n" : "") +
+                                                       (i % 2 == 0 ? "Requires=3\n" : "")));
+    }
+    if (!scenario_.badFiles) return;
+    world_.describe("0 malformed.ini", "[Service]\nno equals sign here\n");
+    world_.describe("1 missing.ini", description("Missing", "no such library", "InitOk"));
+    world_.describe("2 refusing.ini", description("Refusing", "behaviours", "InitFails7"));
+    world_.describe("3 behind.ini", description("Behind", "behaviours", "InitOk", "Dependencies=Refusing\n"));
+    world_.describe("4 deploys.ini", description("Deploys", "behaviours", "InitOk", "Requires=2\n"));
+}
+
+/// The manager, the console, and whoever asks the product to stop.
+void tLives::standInForControl() {
+    imports::StartServiceCtrlDispatcherA.replace([this](const SERVICE_TABLE_ENTRYA* table) {
+        if (!scenario_.service) {
+            imports::SetLastError.real(ERROR_FAILED_SERVICE_CONTROLLER_CONNECT);
+            return FALSE;
+        }
+        char* arguments[] = {table->lpServiceName, nullptr};
+        table->lpServiceProc(1, arguments);
+        return TRUE;
+    });
+    imports::RegisterServiceCtrlHandlerA.replace(
+        [](auto...) { return static_cast<SERVICE_STATUS_HANDLE>(statusHandle); });
+    imports::SetServiceStatus.replace([this](SERVICE_STATUS_HANDLE, LPSERVICE_STATUS status) {
+        outcome_.reports.push_back(toText(*status));
+        return TRUE;
+    });
+    imports::SetConsoleCtrlHandler.replace([](auto...) { return TRUE; });
+    imports::SetSecurityInfo.replace([](auto...) { return DWORD{ERROR_SUCCESS}; });
+    imports::WaitForSingleObject.replace([this](HANDLE event, DWORD milliseconds) -> DWORD {
+        if (milliseconds != INFINITE || gService == nullptr)
+            return imports::WaitForSingleObject.real(event, milliseconds);
+        // A request may get lost with the call that carries it; whoever asked asks once more, and then gives up.
+        for (int request = 0; request < 2; ++request) {
+            if (scenario_.service) serviceControlHandler(SERVICE_CONTROL_STOP);
+            if (!scenario_.service) runConsoleHandler(CTRL_C_EVENT);
+            if (imports::WaitForSingleObject.real(event, 0) == WAIT_OBJECT_0) break;
+        }
+        return WAIT_OBJECT_0;
+    });
+}
+
+/// Around everything else, so that a call is seen that is made to fail.
+void tLives::watch() {
+    imports::WaitForSingleObject.replace(
+        [this, inner = imports::WaitForSingleObject.current()](HANDLE event, DWORD milliseconds) {
+            if (milliseconds == INFINITE && gService != nullptr) ++outcome_.waits;
+            return inner(event, milliseconds);
+        });
+    imports::SetConsoleCtrlHandler.replace(
+        [this, inner = imports::SetConsoleCtrlHandler.current()](PHANDLER_ROUTINE handler, BOOL add) {
+            const BOOL result = inner(handler, add);
+            outcome_.lastError = imports::GetLastError.real();
+            return result;
+        });
+    // The last writing of the status file asks for its folder when all else is done.
+    imports::SHGetFolderPathW.replace([this, inner = imports::SHGetFolderPathW.current()](auto... arguments) {
+        capture();
+        return inner(arguments...);
+    });
+}
+
+void tLives::watchStatusFile() {
+    imports::fwrite.replace(
+        [this, inner = imports::fwrite.current()](const void* text, std::size_t size, std::size_t count, FILE* file) {
+            written_.push_back(onDisk(std::string(static_cast<const char*>(text), size * count)));
+            const std::size_t result = inner(text, size, count, file);
+            lookAtStatus();
+            return result;
+        });
+    const auto lookAfter = [this](auto& door) {
+        door.replace([this, inner = door.current()](auto... arguments) {
+            const auto result = inner(arguments...);
+            const DWORD error = imports::GetLastError.real();
+            lookAtStatus();
+            imports::SetLastError.real(error);
+            return result;
+        });
+    };
+    lookAfter(imports::_wfsopen);
+    lookAfter(imports::_wremove);
+    lookAfter(imports::_wrename);
+    lookAfter(imports::fclose);
+}
+
+/// As a reader beside the service would.
+void tLives::lookAtStatus() {
+    const std::string content = contentOf(world_.statusFolder / "zuZiptraRemoteService.status");
+    const bool whole = content.empty() || content == previousStatus ||
+                       std::find(written_.begin(), written_.end(), content) != written_.end();
+    if (!whole) outcome_.statusWhole = false;
+}
+
+void tLives::capture() {
+    if (gService == nullptr) return;
+    outcome_.startedService = true;
+    outcome_.messages = gService->messages;
+    outcome_.mask = gService->allowedMask;
+    outcome_.plugins.clear();
+    for (const tPluginEntry& entry : gService->pluginManager.entries()) {
+        outcome_.plugins.push_back({entry.description.name, entry.description.dependencies, entry.initCode,
+                                    entry.stopCode, entry.cleanupCode});
+    }
+}
+
+void tLives::plantStatus() const {
+    std::filesystem::remove(world_.statusFolder / ".zuZiptraRemoteService.status.tmp");
+    std::ofstream(world_.statusFolder / "zuZiptraRemoteService.status", std::ios::binary) << previousStatus;
+}
+
+/// What the product was not let unload, and what a run that was cut short leaves to the end of its process.
+void tLives::releaseModules() {
+    for (const void* module : ledger_.open("module")) {
+        imports::FreeLibrary.real(static_cast<HMODULE>(const_cast<void*>(module)));
+    }
+}
+
+tOutcome tLives::live(std::size_t call, int nth, bool forEver) {
+    support::tScriptedFramework framework;
+    framework.setting = scenario_.deployment == tDeployment::forbidden ? 0 : 1;
+    if (scenario_.deployment == tDeployment::failing) framework.outcome = [](int, int step) { return step == 4; };
+    const bool missing = scenario_.deployment == tDeployment::missing;
+    world_.deployment.entry = missing ? nullptr : support::tScriptedFramework::instantiate;
+    gStatusLock = 0;
+    gConsoleInterrupted = 0;
+    plantStatus();
+    written_.clear();
+    ledger_.clear();
+    outcome_ = {};
+    faults_.arm(call, nth, forEver);
+
+    char program[] = "host.exe";
+    char* arguments[] = {program, nullptr};
+    outcome_.exitCode = hostMain(1, arguments);
+    outcome_.injected = faults_.injected();
+    outcome_.calls = faults_.calls();
+    faults_.disarm();
+
+    const std::string status = contentOf(world_.statusFolder / "zuZiptraRemoteService.status");
+    const std::string temporary = contentOf(world_.statusFolder / ".zuZiptraRemoteService.status.tmp");
+    outcome_.statusPresent = !status.empty();
+    outcome_.temporaryWhole = std::find(written_.begin(), written_.end(), temporary) != written_.end();
+    outcome_.statusCurrent = !written_.empty() && status == written_.back();
+    outcome_.leaks = ledger_.leaks();
+    outcome_.wrongClosings = ledger_.wrongClosings;
+    outcome_.referencesHeld = framework.held();
+    releaseModules();
+    return outcome_;
+}
+
+}  // namespace sweep
