@@ -1,0 +1,192 @@
+// Status records under random operations, with buffer managers that run out of memory, against a plain model.
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "err/StatusRecord.h"
+
+namespace {
+
+using zuerr::StatusRecord;
+
+/// How many requests for a larger buffer are still granted.
+int grants = 0;
+int modelGrants = 0;
+
+bool stingyManager(StatusRecord& record, std::uint32_t capacity) {
+    if (capacity > record.capacity && grants-- <= 0) return false;
+    return StatusRecord::reallocJsonDefault(record, capacity);
+}
+
+void check(bool holds, const char* what) {
+    if (holds) return;
+    std::fprintf(stderr, "%s\n", what);
+    std::abort();
+}
+
+struct Model {
+    bool stingy;
+    std::int32_t code = 0;
+    std::string text = "{}";
+    std::size_t capacity = 0;
+
+    bool grow(std::size_t wanted) {
+        if (wanted <= capacity) return true;
+        if (stingy && modelGrants-- <= 0) return false;
+        capacity = 512;
+        while (capacity < wanted) capacity *= 2;
+        return true;
+    }
+
+    void clear() { *this = {stingy}; }
+
+    bool setCode(std::int32_t next) {
+        if (!(code == 0 && next != 0) && !(code > 0 && next < 0)) return false;
+        code = next;
+        text = "{}";
+        return true;
+    }
+
+    /// Adds to the object that `depth` closing braces follow.
+    bool add(const std::string& member, std::size_t depth) {
+        const std::size_t at = text.size() - depth;
+        std::string next = text;
+        next.insert(at, (text[at - 1] == '{' ? "" : ",") + member);
+        while (next.size() + 2 > capacity) {
+            if (!grow(2 * capacity - 2)) return false;
+        }
+        text = next;
+        return true;
+    }
+
+    bool copy(Model& source) {
+        if (!setCode(source.code)) return false;
+        if (stingy == source.stingy) {
+            text = source.text;
+            capacity = source.capacity;
+            source.text = "{}";
+            source.capacity = 0;
+        } else if (grow(source.text.size() + 2)) {
+            text = source.text;
+        }
+        return true;
+    }
+};
+
+struct Subject {
+    explicit Subject(bool stingy) : model{stingy} {
+        if (stingy) record.reallocJson = stingyManager;
+    }
+
+    StatusRecord record;
+    Model model;
+};
+
+std::string quoted(const std::string& text) { return nlohmann::json(text).dump(); }
+
+/// Printable, or such as is escaped; sometimes long, so that buffers grow.
+std::string takeText(FuzzedDataProvider& data) {
+    const int repeats = data.ConsumeIntegralInRange(0, 7) == 0 ? data.ConsumeIntegralInRange(1, 3000) : 0;
+    std::string text = std::string(static_cast<std::size_t>(repeats), 'x') + data.ConsumeRandomLengthString(30);
+    for (char& character : text) {
+        if (character < ' ' || character > '~') character = "\b\t\n\f\r"[static_cast<unsigned char>(character) % 5];
+    }
+    return text;
+}
+
+void raise(FuzzedDataProvider& data, Subject& subject) {
+    const auto code = data.ConsumeIntegralInRange(-2, 2);
+    const std::string constant = takeText(data);
+    const std::string file = takeText(data);
+    const std::string component = takeText(data);
+    const auto line = data.ConsumeIntegral<std::int32_t>();
+    zuerr::RaiseInto(subject.record, code, constant.c_str(), {file.c_str(), line}, component.c_str());
+    Model& model = subject.model;
+    if (model.code < 0) return;
+    model.setCode(code);
+    static_cast<void>(model.grow(4) && model.add("\"error_constant\":" + quoted(constant), 1) &&
+                      model.add("\"file\":" + quoted(file), 1) && model.add("\"line\":" + std::to_string(line), 1) &&
+                      model.add("\"component\":" + quoted(component), 1));
+}
+
+void append(FuzzedDataProvider& data, Subject& subject) {
+    zuerr::JsonChain chain = zuerr::Append(subject.record);
+    bool goesOn = subject.model.grow(4);
+    std::size_t depth = 1;
+    for (int i = data.ConsumeIntegralInRange(1, 5); i > 0; --i) {
+        const std::string key = takeText(data);
+        std::string member = quoted(key) + ":";
+        switch (data.ConsumeIntegralInRange(0, 3)) {
+            case 0: {
+                const std::string value = takeText(data);
+                chain.AddString(key.c_str(), value.c_str());
+                goesOn = goesOn && subject.model.add(member + quoted(value), depth);
+                break;
+            }
+            case 1: {
+                const auto value = data.ConsumeIntegral<std::int32_t>();
+                chain.AddInt(key.c_str(), value);
+                goesOn = goesOn && subject.model.add(member + std::to_string(value), depth);
+                break;
+            }
+            case 2: {
+                const auto value = data.ConsumeIntegral<std::uint32_t>();
+                chain.AddUInt(key.c_str(), value);
+                goesOn = goesOn && subject.model.add(member + std::to_string(value), depth);
+                break;
+            }
+            default:
+                chain.EnterObject(key.c_str());
+                goesOn = goesOn && subject.model.add(member + "{}", depth++);
+                break;
+        }
+        check((chain.cursor() != nullptr) == goesOn, "the chain went on, or stopped, where it should not");
+    }
+}
+
+void checkSubject(const Subject& subject) {
+    const StatusRecord& record = subject.record;
+    const Model& model = subject.model;
+    check(record.code == model.code, "the code differs");
+    check(record.capacity == model.capacity, "the capacity differs");
+    check((record.json != nullptr) == (model.capacity != 0), "a buffer without capacity, or a capacity without buffer");
+    if (record.json == nullptr) return;
+    std::string expected = model.text;
+    expected.resize(model.capacity);
+    expected.back() = zuerr::jsonSentinel;
+    check(std::memcmp(record.json, expected.data(), expected.size()) == 0, "the buffer differs");
+    check(nlohmann::json::accept(model.text), "not the JSON that others read");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    FuzzedDataProvider data(bytes, size);
+    grants = modelGrants = data.ConsumeIntegralInRange(0, 10);
+    std::array<Subject, 3> subjects{Subject(true), Subject(true), Subject(false)};
+    while (data.remaining_bytes() > 0) {
+        Subject& subject = subjects[data.ConsumeIntegralInRange<std::size_t>(0, 2)];
+        Subject& other = subjects[data.ConsumeIntegralInRange<std::size_t>(0, 2)];
+        switch (data.ConsumeIntegralInRange(0, 4)) {
+            case 0: raise(data, subject); break;
+            case 1: append(data, subject); break;
+            case 2: check(Copy(subject.record, other.record) == subject.model.copy(other.model), "copied?"); break;
+            case 3: {
+                const auto code = data.ConsumeIntegralInRange(-2, 2);
+                check(SetCode(subject.record, code) == subject.model.setCode(code), "taken?");
+                break;
+            }
+            default:
+                Clear(subject.record);
+                subject.model.clear();
+                break;
+        }
+        for (const Subject& checked : subjects) checkSubject(checked);
+    }
+    return 0;
+}
