@@ -21,12 +21,7 @@ case $preset in
         usage
         exit 0
         ;;
-    windows-release | windows-debug | windows-trace) need_windows_compiler ;;
-    native-asan | native-coverage) need_native_compiler ;;
-    native-fuzz)
-        need_native_compiler
-        need_clang
-        ;;
+    windows-release | windows-debug | windows-trace | native-asan | native-coverage | native-fuzz) ;;
     *)
         usage >&2
         exit 2
@@ -34,6 +29,17 @@ case $preset in
 esac
 targets=("${@:2}")
 ((${#targets[@]})) || targets=(all)
+
+# One build at a time in this tree; others wait for it.
+writable build
+exec 8>build/lock
+flock --nonblock 8 || { say "waiting for another build" && flock 8; }
+
+case $preset in
+    windows-*) need_windows_compiler ;;
+    native-*) need_native_compiler ;;
+esac
+[[ $preset != native-fuzz ]] || need_clang
 
 say "building $preset (some minutes the first time)"
 quietly "build/$preset/configure.log" cmake --preset "$preset"

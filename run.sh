@@ -84,7 +84,7 @@ if ((own_plugins)); then
 fi
 
 trap 'exit 130' INT TERM
-only_one_run
+alone "$run"
 ./build.sh windows-release zuZiptraRemoteService zusysapi Settings Transport Deployment
 prepare_prefix
 install_host

@@ -65,8 +65,10 @@ while (($#)); do
 done
 ((${#layers[@]})) || layers=("${all_layers[@]}")
 
-writable "$logs"
 trap leave_prefix EXIT
+trap 'exit 130' INT TERM
+alone build/test
+writable "$logs"
 rows=() all_passed=0 all_failed=0 all_skipped=0
 for layer in "${layers[@]}"; do
     run_layer "$layer"

@@ -30,3 +30,11 @@ writable() {
     head -c 65536 /dev/zero >"$1/.writable" 2>/dev/null || disk_full "$1"
     rm -f "$1/.writable"
 }
+
+# alone FOLDER: ends this command if another one is at work there. The lock goes with the last process that has it.
+alone() {
+    writable "$1"
+    exec 9>"$1/lock"
+    flock --nonblock 9 || fail "another $0 is at work here (if it was killed, what is left of it ends by:" \
+        "WINEPREFIX=$PWD/$1/prefix wineserver --kill)"
+}

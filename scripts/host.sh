@@ -22,13 +22,6 @@ pause() { sleep 0.1 || true; }
 
 heed_interrupts() { trap 'interrupts=$((interrupts + 1))' INT TERM; }
 
-only_one_run() {
-    writable "$run"
-    exec 9>"$run/lock"
-    flock --nonblock 9 || fail "another ./run.sh is at work in this folder; if it was killed, end what is left of it by:
-    WINEPREFIX=$PWD/$run/prefix wineserver --kill"
-}
-
 prepare_prefix() {
     use_prefix "$run/prefix"
     trap leave_prefix EXIT

@@ -19,7 +19,7 @@ verdict() {
 check() {
     local log="$logs/${1//[^A-Za-z0-9]/-}.log" began=$SECONDS code=0
     printf '%s' "   $1 ... "
-    ("${@:2}") >"$log" 2>&1 || code=1
+    ("${@:2}") </dev/null >"$log" 2>&1 || code=1
     passed=$((passed + 1 - code)) failed=$((failed + code))
     verdict "$code" "$((SECONDS - began)) s" "$log" || {
         tail -n 60 "$log"
@@ -35,7 +35,7 @@ occurrences() { grep -cE "$1" "$2" || true; }
 googletest() {
     local name=$1 limit=$2 log="$logs/${1//[^A-Za-z0-9]/-}.log" began=$SECONDS code=0 announced good left_out disabled bad
     printf '%s' "   $name ... "
-    timeout --foreground --kill-after=5 "$limit" "${@:3}" >"$log" 2>&1 || code=$?
+    timeout --foreground --kill-after=5 "$limit" "${@:3}" </dev/null >"$log" 2>&1 || code=$?
     announced=$(sed -nE '1,20 s/^\[==========\] Running ([0-9]+) tests? .*/\1/p' "$log")
     disabled=$(sed -nE 's/.*YOU HAVE ([0-9]+) DISABLED TESTS?.*/\1/p' "$log")
     good=$(occurrences '\[       OK \] .* \([0-9]+ ms\)' "$log")
