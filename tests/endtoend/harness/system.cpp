@@ -125,9 +125,10 @@ bool hasLoaded(HANDLE process, const wchar_t* library) {
 
 tTemporaryDirectory::tTemporaryDirectory() {
     static int count = 0;
-    path_ = std::filesystem::temp_directory_path() /
-            (L"zuZiptraEndToEnd." + std::to_wstring(GetCurrentProcessId()) + L"." + std::to_wstring(++count));
-    std::filesystem::create_directories(path_);
+    const std::wstring name = L"zuZiptraEndToEnd." + std::to_wstring(GetCurrentProcessId()) + L".";
+    do {
+        path_ = std::filesystem::temp_directory_path() / (name + std::to_wstring(++count));
+    } while (!std::filesystem::create_directory(path_));  // one may be left of a run that was killed
 }
 
 tTemporaryDirectory::~tTemporaryDirectory() {

@@ -4,6 +4,8 @@
 
 extern "C" {
 
-std::int32_t InitRaisesOsFault() { zuerr::Raise(zuerr::osFault, {"raising.cpp", 1}); }
-std::int32_t InitRaisesInsufficientPermissions() { zuerr::Raise(zuerr::insufficientPermissions, {"raising.cpp", 2}); }
+__declspec(dllexport) std::int32_t InitRaisesOsFault() { zuerr::Raise(zuerr::osFault, {"raising.cpp", 1}); }
+__declspec(dllexport) std::int32_t InitRaisesInsufficientPermissions() {
+    zuerr::Raise(zuerr::insufficientPermissions, {"raising.cpp", 2});
+}
 }
