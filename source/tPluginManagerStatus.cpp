@@ -43,6 +43,8 @@ std::string tPluginManager::statusText() const {
     std::ostringstream text;
     // Numbers come out plain, whatever the global locale would do to them.
     text.imbue(std::locale::classic());
+    // A lack of memory is thrown; left to itself, the stream would end the text there.
+    text.exceptions(std::ios::badbit);
     for (const tPluginEntry& entry : entries_) writeEntry(text, entry);
     return text.str();
 }

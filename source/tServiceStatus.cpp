@@ -15,6 +15,7 @@ constexpr const char* sourceFile = ".\\source\\tService";
 std::string statusText(const tService& service) {
     std::ostringstream text;
     text.imbue(std::locale::classic());  // the same digits whatever the process's locale is
+    text.exceptions(std::ios::badbit);   // streams hide a lack of memory and end the text there
     text << "ZU-Ziptra Remote Configuration and Deployment status\n"
          << "Updated: " << nStatusFile::currentTimeText()  // brings its line break
          << "Allowed: 0x" << std::hex << service.allowedMask << std::dec << '\n';
@@ -49,7 +50,7 @@ void WriteStatus(const tService& service) {
         std::string directory;
         zuerr::StatusRecord status;
         nStdPath::getCommonAppDataDirectory(directory, status);
-        const bool known = !status.failed();
+        const bool known = !status.failed();  // not thrown, and yet to be heeded, while another exception propagates
         zuerr::ThrowIfFailed(status);
         if (known) WriteStatusFile(directory, "zuZiptraRemoteService.status", text);
     } catch (const std::exception&) {

@@ -2,9 +2,11 @@
 
 #include <locale>
 #include <map>
+#include <new>
 #include <string>
 
 #include "source/tPluginManager.h"
+#include "tests/support/failingNew.h"
 #include "tests/support/fakeClock.h"
 #include "tests/support/loader.h"
 
@@ -211,6 +213,22 @@ TEST_F(PluginStatus, PassesTextsOnAsTheyAre) {
     description.path = "\xE6\x8F\x92\xE4\xBB\xB6/a b.dll";
     EXPECT_EQ(textAfterStart(description),
               "%s \"Bl\xC3\xBCte\" (depends on )\nLoaded From: \xE6\x8F\x92\xE4\xBB\xB6/a b.dll\nRequires: 1\n\n");
+}
+
+TEST_F(PluginStatus, IsWholeOrNotAtAllWhereverMemoryRunsOut) {
+    const std::string whole = textAfterStart(alpha());
+    bool failed = true;
+    for (int nth = 1; failed; ++nth) {
+        std::string text = "not at all";
+        failingNew::start(nth, failingNew::tHowLong::once);
+        try {
+            text = manager_.statusText();
+        } catch (const std::bad_alloc&) {
+            // No text, then.
+        }
+        failed = failingNew::stop();
+        EXPECT_EQ(text, failed ? "not at all" : whole) << nth;
+    }
 }
 
 TEST_F(PluginStatus, ChangesNothing) {

@@ -1,14 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cctype>
 #include <fstream>
 #include <iterator>
+#include <locale>
 #include <string>
+#include <thread>
 
-#include "err/Exception.h"
 #include "source/tService.h"
+#include "tests/support/failingNew.h"
+#include "tests/support/failure.h"
 #include "tests/support/folder.h"
-#include "tests/support/report.h"
 #include "tests/support/serviceWorld.h"
 
 namespace {
@@ -19,19 +22,6 @@ constexpr const char* temporaryName = ".zuZiptraRemoteService.status.tmp";
 std::string content(const std::filesystem::path& path) {
     std::ifstream file(path);  // as text: line ends are plain on every platform
     return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// The record that a call throws: "code constant file line".
-template <class Call>
-std::string failureOf(Call call) {
-    try {
-        call();
-        return "none";
-    } catch (const zuerr::Exception& exception) {
-        const auto report = report::parsed(exception.what());
-        return std::to_string(exception.record.code) + " " + report.value("error_constant", "") + " " +
-               report.value("file", "") + " " + std::to_string(report.value("line", 0));
-    }
 }
 
 /// The text with every letter turned into A or a and every digit into 9; a day of one digit gets its second.
@@ -100,6 +90,28 @@ TEST_F(StatusText, ShowsTheTimeInDecimalBehindTheHexadecimalMask) {
     EXPECT_NE(written().find("Init Time 255 ms"), std::string::npos);
 }
 
+/// While it lives, numbers are grouped as some countries do.
+class tGroupingLocale {
+public:
+    tGroupingLocale() : before_(std::locale::global(std::locale(std::locale::classic(), new tPunctuation))) {}
+    ~tGroupingLocale() { std::locale::global(before_); }
+    tGroupingLocale(const tGroupingLocale&) = delete;
+    tGroupingLocale& operator=(const tGroupingLocale&) = delete;
+
+private:
+    struct tPunctuation : std::numpunct<char> {
+        [[nodiscard]] char do_thousands_sep() const override { return '.'; }
+        [[nodiscard]] std::string do_grouping() const override { return "\3"; }
+    };
+    std::locale before_;
+};
+
+TEST_F(StatusText, ShowsPlainDigitsWhateverTheLocale) {
+    const tGroupingLocale locale;
+    gService->initTimeMs = 1234567;
+    EXPECT_NE(written().find("\nAllowed: 0xffffffff\nInit Time 1234567 ms\n"), std::string::npos);
+}
+
 TEST_F(StatusText, ShowsTheMessagesAsTheyAreAndThePlugInsBelow) {
     gService->messages = "first\nsecond\n";
     tPluginDescription plugin;
@@ -125,6 +137,28 @@ TEST_F(StatusText, OfAnUnknownFolderStopsNothingAndKeepsTheOldFile) {
     world.places.appDataFolder.reset();
     EXPECT_NO_THROW(WriteStatus(*gService));
     EXPECT_EQ(content(world.statusFolder / fileName), before);
+}
+
+TEST_F(StatusText, StaysThatOfTheOldFileOrTheNewOneWhereverMemoryRunsOut) {
+    gService->messages = "a message that is longer than any string holds without memory of its own\n";
+    tPluginDescription plugin;
+    plugin.name = "Alpha";
+    gService->pluginManager.startAll({plugin}, 0);
+    const std::string before = written();
+    gService->allowedMask = 0;
+    bool failed = true;
+    for (int nth = 1; failed; ++nth) {
+        failingNew::start(nth, failingNew::tHowLong::once);
+        EXPECT_NO_THROW(WriteStatus(*gService));
+        failed = failingNew::stop();
+        const std::string text = content(world.statusFolder / fileName);
+        const bool isNew =
+            text.find("\nAllowed: 0x0\n") != std::string::npos && text.ends_with("\nInit Code: -52002\n\n");
+        // While the rename is prepared there may be neither: the temporary file is complete then.
+        const bool isWaiting = text.empty() && exists(world.statusFolder / temporaryName);
+        EXPECT_TRUE(text == before || isNew || isWaiting) << nth << "\n" << text;
+    }
+    EXPECT_FALSE(exists(world.statusFolder / temporaryName));
 }
 
 class StatusFileReplacement : public testing::Test {
@@ -165,28 +199,26 @@ TEST_F(StatusFileReplacement, OverwritesAStaleTemporaryFile) {
 
 TEST_F(StatusFileReplacement, FailsAtLine207WithoutAFileWhenTheDirectoryDoesNotExist) {
     const auto call = [this] { WriteStatusFile(folder.utf8("missing"), fileName, "text"); };
-    EXPECT_EQ(failureOf(call), "-52026 zukesterr_insufficientPermissions .\\source\\tService 207");
+    EXPECT_EQ(support::failureOf(call), support::openFailed);
     EXPECT_EQ(files(), 0U);
 }
 
 TEST_F(StatusFileReplacement, FailsAtLine207AndKeepsTheOldFileWhenTheTemporaryFileCannotBeOpened) {
     write("old\n");
     folder.makeFolder(".s.status.tmp");
-    EXPECT_EQ(failureOf([this] { write("new\n"); }),
-              "-52026 zukesterr_insufficientPermissions .\\source\\tService 207");
+    EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::openFailed);
     EXPECT_EQ(status(), "old\n");
 }
 
 TEST_F(StatusFileReplacement, FailsAtLine225AndLeavesTheCompleteTemporaryFileWhenTheNameIsTaken) {
     folder.makeFolder("s.status/occupied");
-    EXPECT_EQ(failureOf([this] { write("new\n"); }),
-              "-52026 zukesterr_insufficientPermissions .\\source\\tService 225");
+    EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::renameFailed);
     EXPECT_EQ(content(folder.path() / ".s.status.tmp"), "new\n");
 }
 
 TEST_F(StatusFileReplacement, RecoversOnceTheNameIsFreeAgain) {
     folder.makeFolder("s.status/occupied");
-    EXPECT_NE(failureOf([this] { write("first\n"); }), "none");
+    EXPECT_NE(support::failureOf([this] { write("first\n"); }), "none");
     remove_all(folder.path() / "s.status");
     write("second\n");
     EXPECT_EQ(status(), "second\n");
@@ -201,9 +233,34 @@ TEST_F(StatusFileReplacement, FindsADirectoryOfAnyScript) {
     EXPECT_FALSE(exists(folder.path() / name / temporaryName));
 }
 
+TEST_F(StatusFileReplacement, IsSeenWholeOrNotAtAllByAReaderBesideTheWriter) {
+    constexpr std::size_t size = 20'000;
+    std::atomic<int> whole = 0;
+    std::atomic<int> torn = 0;
+    std::atomic<bool> done = false;
+    std::thread reader([&] {
+        while (!done) {
+            std::ifstream file(folder.path() / "s.status", std::ios::binary);
+            if (!file) continue;  // between two files there is none for a moment
+            const std::string seen{std::istreambuf_iterator<char>(file), {}};
+            // Every text is one letter, so often.
+            const bool isWhole = seen.size() == size && seen.find_first_not_of(seen[0]) == std::string::npos;
+            ++(isWhole ? whole : torn);
+        }
+    });
+    // On Windows a reader may keep the name taken: the write fails then, and the file stays the old one.
+    for (int i = 0; i < 2000 && (i < 50 || whole < 20); ++i) {
+        support::failureOf([&] { write(std::string(size, static_cast<char>('a' + i % 26))); });
+    }
+    done = true;
+    reader.join();
+    EXPECT_EQ(torn, 0);
+    EXPECT_GE(whole, 20);
+}
+
 TEST_F(StatusFileReplacement, FailsForADirectoryThatIsNoUtf8) {
     const auto call = [this] { WriteStatusFile(folder.utf8() + "\\\xFF", fileName, "text"); };
-    EXPECT_EQ(failureOf(call), "-52026 zukesterr_insufficientPermissions .\\source\\tService 207");
+    EXPECT_EQ(support::failureOf(call), support::openFailed);
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <thread>
 
-#include "err/Exception.h"
 #include "source/tService.h"
+#include "tests/support/failure.h"
 #include "tests/support/folder.h"
 #include "tests/support/imports_win32.h"
 #include "tests/support/serviceWorld.h"
@@ -19,13 +17,9 @@ std::string bytes(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::int32_t codeOf(const support::tFolder& folder, const std::string& text) {
-    try {
-        WriteStatusFile(folder.utf8(), "s", text);
-        return 0;
-    } catch (const zuerr::Exception& exception) {
-        return exception.record.code;
-    }
+/// What writing the file "s" fails with.
+std::string failureOf(const support::tFolder& folder, const std::string& text) {
+    return support::failureOf([&] { WriteStatusFile(folder.utf8(), "s", text); });
 }
 
 TEST(StatusFileOnDisk, HasWindowsLineEndsAndNoDoubledCarriageReturns) {
@@ -57,18 +51,6 @@ TEST(StatusFileOnDisk, IsOpenedForTextWithSharingThatDeniesNobodyThenDeletedThen
     EXPECT_EQ(calls, L"open w 64\nremove\nrename\n");
 }
 
-TEST(StatusFileOnDisk, GoesByPathsThatWereConvertedFromUtf8) {
-    const support::tFolder folder;
-    int conversions = 0;
-    imports::MultiByteToWideChar.replace([&](UINT page, DWORD flags, LPCCH text, int size, LPWSTR wide, int room) {
-        EXPECT_EQ(page, 65001U);
-        ++conversions;
-        return imports::MultiByteToWideChar.real(page, flags, text, size, wide, room);
-    });
-    EXPECT_EQ(codeOf(folder, "text"), 0);
-    EXPECT_GE(conversions, 4);
-}
-
 TEST(StatusFileOnDisk, IsNotOpenedWhenItsPathCannotBeConverted) {
     const support::tFolder folder;
     bool opened = false;
@@ -77,7 +59,7 @@ TEST(StatusFileOnDisk, IsNotOpenedWhenItsPathCannotBeConverted) {
         return nullptr;
     });
     imports::MultiByteToWideChar.replace([](auto...) { return 0; });
-    EXPECT_EQ(codeOf(folder, "text"), -52026);
+    EXPECT_EQ(failureOf(folder, "text"), support::openFailed);
     EXPECT_FALSE(opened);
 }
 
@@ -92,7 +74,7 @@ TEST(StatusFileOnDisk, KeepsTheOldFileWhenTheNewOneIsCutShort) {
     imports::fwrite.replace([](const void* data, std::size_t size, std::size_t count, FILE* file) {
         return imports::fwrite.real(data, size, count - 1, file);
     });
-    EXPECT_EQ(codeOf(folder, "something new"), -52008);
+    EXPECT_EQ(failureOf(folder, "something new"), support::writeFailed);
     EXPECT_EQ(closed, 1U);
     EXPECT_EQ(bytes(folder.path() / "s"), "old");
 }
@@ -105,7 +87,7 @@ TEST(StatusFileOnDisk, WritesTheTextWithOneCall) {
         EXPECT_EQ(size * count, 100'000U);
         return imports::fwrite.real(data, size, count, file);
     });
-    EXPECT_EQ(codeOf(folder, std::string(100'000, 'x')), 0);
+    EXPECT_EQ(failureOf(folder, std::string(100'000, 'x')), "none");
     EXPECT_EQ(calls, 1);
 }
 
@@ -116,14 +98,14 @@ TEST(StatusFileOnDisk, KeepsTheOldFileWhenTheDiskIsFoundFullAtTheClose) {
         imports::fclose.real(file);
         return EOF;
     });
-    EXPECT_EQ(codeOf(folder, "new"), -52008);
+    EXPECT_EQ(failureOf(folder, "new"), support::writeFailed);
     EXPECT_EQ(bytes(folder.path() / "s"), "old");
 }
 
 TEST(StatusFileOnDisk, GoesOnWhenThereIsNothingToDelete) {
     const support::tFolder folder;
     imports::_wremove.replace([](const wchar_t*) { return -1; });
-    EXPECT_EQ(codeOf(folder, "new"), 0);
+    EXPECT_EQ(failureOf(folder, "new"), "none");
     EXPECT_EQ(bytes(folder.path() / "s"), "new");
 }
 
@@ -131,27 +113,9 @@ TEST(StatusFileOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
     const support::tFolder folder;
     folder.write("s", "old");
     imports::_wrename.replace([](auto...) { return -1; });
-    EXPECT_EQ(codeOf(folder, "new"), -52026);
+    EXPECT_EQ(failureOf(folder, "new"), support::renameFailed);
     EXPECT_FALSE(exists(folder.path() / "s"));
     EXPECT_EQ(bytes(folder.path() / ".s.tmp"), "new");
-}
-
-TEST(StatusFileOnDisk, IsSeenWholeOrNotAtAllByAReaderBesideTheWriter) {
-    const support::tFolder folder;
-    std::atomic<bool> done = false;
-    int torn = 0;
-    std::thread reader([&] {
-        while (!done) {
-            const std::string seen = bytes(folder.path() / "s");
-            // Every text is one letter, so often.
-            const bool whole = seen.empty() || (seen.size() == 20'000 && seen.find_first_not_of(seen[0]) == seen.npos);
-            torn += whole ? 0 : 1;
-        }
-    });
-    for (int i = 0; i < 200; ++i) codeOf(folder, std::string(20'000, static_cast<char>('a' + i % 26)));
-    done = true;
-    reader.join();
-    EXPECT_EQ(torn, 0);
 }
 
 TEST(StatusTextOnWindows, SurvivesATimeThatTheRuntimeHasNoTextFor) {
@@ -175,12 +139,57 @@ TEST(StatusTextOnWindows, ShowsTheTimeThatTheRuntimeGives) {
               std::string::npos);
 }
 
+TEST(StatusTextOnWindows, KeepsAFailedWriteToItself) {
+    const support::tServiceWorld world;
+    startService();
+    const std::string before = bytes(world.statusFolder / "zuZiptraRemoteService.status");
+    gService->allowedMask = 0;
+    imports::fwrite.replace([](auto...) -> std::size_t { return 0; });
+    EXPECT_NO_THROW(WriteStatus(*gService));
+    EXPECT_EQ(bytes(world.statusFolder / "zuZiptraRemoteService.status"), before);
+}
+
+/// Writes the status file while an exception propagates; gives how many files were opened for that.
+int opensWhileAnExceptionPropagates() {
+    static int opens;  // the service's end opens a file as well, after this function's
+    opens = 0;
+    imports::_wfsopen.replace([](auto... arguments) {
+        ++opens;
+        return imports::_wfsopen.real(arguments...);
+    });
+    struct tWriter {
+        ~tWriter() { WriteStatus(*gService); }
+    };
+    try {
+        const tWriter writer{};
+        throw 42;
+    } catch (int) {
+        return opens;
+    }
+}
+
+TEST(StatusTextOnWindows, IsWrittenAlsoWhileAnExceptionPropagates) {
+    const support::tServiceWorld world;
+    startService();
+    world.removeStatus();
+    EXPECT_EQ(opensWhileAnExceptionPropagates(), 1);
+    EXPECT_TRUE(exists(world.statusFolder / "zuZiptraRemoteService.status"));
+}
+
+// The failure cannot be thrown then, and the folder is of no use: one at the root of the drive, of anybody's making.
+TEST(StatusTextOnWindows, IsWrittenNowhereWhenTheFolderIsUnknownWhileAnExceptionPropagates) {
+    support::tServiceWorld world;
+    startService();
+    world.places.appDataFolder.reset();
+    EXPECT_EQ(opensWhileAnExceptionPropagates(), 0);
+}
+
 TEST(StatusTextOnWindows, LetsExceptionsThatAreNoStandardOnesPass) {
     const support::tServiceWorld world;
     startService();
     imports::_time64.replace([](__time64_t*) -> __time64_t { throw 42; });
     EXPECT_THROW(WriteStatus(*gService), int);
-    imports::ImportBase::restoreAll();
+    imports::_time64.replace([](__time64_t* now) { return imports::_time64.real(now); });
 }
 
 }  // namespace
