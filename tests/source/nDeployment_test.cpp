@@ -4,14 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstring>
-#include <memory>
 #include <stdexcept>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
+#include "source/tService.h"
 #include "tests/support/deployment.h"
 #include "tests/support/framework.h"
+#include "tests/support/serviceWorld.h"
 
 namespace {
 
@@ -257,85 +258,66 @@ TEST(DeploymentExceptions, CarryTheirFixedTexts) {
     EXPECT_TRUE((std::is_base_of_v<std::runtime_error, zuZiptraRemoteService::DeploymentSettingNotFound>));
 }
 
-// tHolder
+// ApplyDeploymentSetting
 
-/// One of several references to an object: they share its count, and its identity is the first of them.
-struct tFacet final : nZusysapi::Object {
-    explicit tFacet(tFacet* owner = nullptr) : owner_(owner == nullptr ? this : owner) {}
-
-    Result queryInterface(const nZusysapi::InterfaceId& id, void** object) override {
-        EXPECT_EQ(std::memcmp(&id, "\0\0\0\0\0\0\0\0\xC0\0\0\0\0\0\0\x46", 16), 0);
-        if (owner_->result < 0) return owner_->result;
-        addReference();
-        *object = static_cast<nZusysapi::Object*>(owner_);
-        return owner_->result;
+struct DeploymentSetting : testing::Test {
+    DeploymentSetting() {
+        world.deployment.entry = tScriptedFramework::instantiate;
+        startService();
     }
-    std::uint32_t addReference() override { return ++owner_->references; }
-    std::uint32_t release() override { return --owner_->references; }
 
-    std::uint32_t references = 0;
-    Result result = 0;
-
-private:
-    tFacet* owner_;
+    tScriptedFramework framework;
+    support::tServiceWorld world;
 };
 
-using tAnyHolder = nDeployment::tHolder<nZusysapi::Object>;
-
-TEST(Holder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
-    tFacet object;
-    {
-        tAnyHolder holder;
-        EXPECT_EQ(holder.get(), nullptr);
-        holder.assign(object);
-        EXPECT_EQ(holder.get(), &object);
-        EXPECT_EQ(object.references, 1U);
+TEST_F(DeploymentSetting, OfZeroClearsItsBitAndNoOther) {
+    framework.setting = 0;
+    for (const auto& [before, after] : {std::pair(0xFFFFFFFFU, 0xFFFFFFFDU), {6U, 4U}, {2U, 0U}, {5U, 5U}, {0U, 0U}}) {
+        gService->allowedMask = before;
+        nDeployment::ApplyDeploymentSetting(*gService);
+        EXPECT_EQ(gService->allowedMask, after) << before;
     }
-    EXPECT_EQ(object.references, 0U);
+    EXPECT_EQ(gService->messages, "");
 }
 
-TEST(Holder, ReleasesTheObjectThatItHeldBefore) {
-    tFacet earlier;
-    tFacet later;
-    tAnyHolder holder;
-    holder.assign(earlier);
-    holder.assign(later);
-    EXPECT_EQ(holder.get(), &later);
-    EXPECT_EQ(earlier.references, 0U);
-    EXPECT_EQ(later.references, 1U);
-}
-
-TEST(Holder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
-    tFacet object;
-    tFacet otherReference(&object);
-    tAnyHolder holder;
-    holder.assign(object);
-    holder.assign(otherReference);
-    EXPECT_EQ(holder.get(), &object);
-    EXPECT_EQ(object.references, 1U);
-}
-
-TEST(Holder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdentity) {
-    for (const Result refusal : {-1, 1}) {
-        tFacet object;
-        tFacet other;
-        object.result = refusal;
-        other.result = refusal;
-        EXPECT_TRUE(nDeployment::isSameObject(object, object));
-        EXPECT_FALSE(nDeployment::isSameObject(object, other));
-        EXPECT_EQ(object.references, 0U);
-        EXPECT_EQ(other.references, 0U);
+TEST_F(DeploymentSetting, OfAnythingElseLeavesTheMaskAsItIs) {
+    for (const std::uint32_t mask : {0xFFFFFFFFU, 2U, 5U}) {
+        framework.setting = 7;
+        gService->allowedMask = mask;
+        nDeployment::ApplyDeploymentSetting(*gService);
+        EXPECT_EQ(gService->allowedMask, mask);
     }
+    EXPECT_EQ(gService->messages, "");
 }
 
-TEST(Holder, KeepsWhatItHeldWhenACallFails) {
-    tFacet held;
-    tAnyHolder holder;
-    holder.assign(held);
-    EXPECT_FALSE(holder.receive([](nZusysapi::Object**) { return -1; }));
-    EXPECT_FALSE(holder.receive([](nZusysapi::Object**) { return 0; }));
-    EXPECT_EQ(holder.get(), &held);
-    EXPECT_EQ(held.references, 1U);
+TEST_F(DeploymentSetting, ThatCannotBeReachedIsALineBehindTheOthersAndLeavesTheMask) {
+    framework.outcome = [](int, int step) { return step == 3 ? 1 : 0; };
+    gService->messages = "earlier\n";
+    nDeployment::ApplyDeploymentSetting(*gService);
+    EXPECT_EQ(gService->messages, "earlier\nCannot init system framework\n");
+    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
+}
+
+TEST_F(DeploymentSetting, ThatCannotBeReadIsALineAndLeavesTheMask) {
+    framework.setting = 0;
+    framework.outcome = [](int, int step) { return step == 6 ? 1 : 0; };
+    nDeployment::ApplyDeploymentSetting(*gService);
+    EXPECT_EQ(gService->messages, "Deployment setting not found\n");
+    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
+}
+
+TEST_F(DeploymentSetting, TakesTheTextOfAnyOtherStandardException) {
+    framework.outcome = [](int, int) -> Result { throw std::logic_error("broken framework"); };
+    nDeployment::ApplyDeploymentSetting(*gService);
+    EXPECT_EQ(gService->messages, "broken framework\n");
+    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
+}
+
+TEST_F(DeploymentSetting, LetsExceptionsThatAreNoStandardOnesPassWithNothingHeld) {
+    framework.outcome = [](int, int step) -> Result { return step == 6 ? throw 42 : 0; };
+    EXPECT_THROW(nDeployment::ApplyDeploymentSetting(*gService), int);
+    EXPECT_EQ(gService->messages, "");
+    EXPECT_EQ(framework.held(), 0U);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "source/statusFile.h"
 #include "tests/support/imports_win32.h"
 
@@ -42,6 +44,26 @@ TEST_F(InvalidPath, IsTheOnlyReasonForNotCalling) {
     EXPECT_FALSE(nStatusFile::remove("C:\\missing\\a"));
     EXPECT_FALSE(nStatusFile::rename("C:\\missing\\a", "C:\\missing\\b"));
     EXPECT_EQ(calls, 3);
+}
+
+TEST(StatusFilePath, IsConvertedWholeFromUtf8AndRefusedWhenInvalid) {
+    std::string calls;
+    const std::string path = "C:\\missing\\\xE4\xB8\xAD";
+    imports::MultiByteToWideChar.replace([&](UINT page, DWORD flags, LPCCH text, int size, LPWSTR wide, int room) {
+        EXPECT_EQ(page, 65001U);
+        EXPECT_EQ(flags, 8U);  // MB_ERR_INVALID_CHARS
+        EXPECT_EQ(std::string(text, static_cast<std::size_t>(size)), path);
+        calls += wide == nullptr ? "size " : "text ";
+        EXPECT_EQ(room, wide == nullptr ? 0 : 12);
+        return imports::MultiByteToWideChar.real(page, flags, text, size, wide, room);
+    });
+    imports::_wremove.replace([&](const wchar_t* wide) {
+        calls += "remove ";
+        EXPECT_EQ(std::wstring(wide), L"C:\\missing\\\x4E2D");
+        return 0;
+    });
+    EXPECT_TRUE(nStatusFile::remove(path));
+    EXPECT_EQ(calls, "size text remove ");
 }
 
 }  // namespace
