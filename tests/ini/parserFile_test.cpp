@@ -1,10 +1,14 @@
 // What parseFile makes of a file as a whole.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "tests/support/iniFile.h"
 
@@ -151,6 +155,62 @@ TEST(IniFile, TheOptionsAreNotTouched) {
     EXPECT_EQ(document.mergeDuplicates, 0);
     EXPECT_EQ(document.caseSensitive, 1);
     EXPECT_EQ(document.lastKeyLine, 7);
+}
+
+/// Appends the lines "k0=0", "k1=1", ... for as long as it lives, each in one piece, and no more than `most` of them.
+class tGrowth {
+public:
+    tGrowth(const std::filesystem::path& path, int most)
+        : file_(path, std::ios::binary | std::ios::app), thread_([this, most] {
+              for (int i = 0; i < most && !done_; ++i) append(std::to_string(i));
+          }) {}
+    ~tGrowth() {
+        done_ = true;
+        thread_.join();
+    }
+    tGrowth(const tGrowth&) = delete;
+    tGrowth& operator=(const tGrowth&) = delete;
+
+    std::atomic<std::size_t> lines = 0;
+
+private:
+    void append(const std::string& number) {
+        file_ << std::string("k").append(number).append("=").append(number).append("\n") << std::flush;
+        ++lines;
+    }
+
+    std::ofstream file_;
+    std::atomic<bool> done_ = false;
+    std::thread thread_;
+};
+
+/// Checks that the document holds the first so many lines of a tGrowth. The last one may be cut short, and is then
+/// malformed if its value was not reached.
+void expectFirstLines(const nIni::tDocument& document) {
+    ASSERT_EQ(document.sections.size(), 1U);
+    const std::vector<nIni::tKey>& keys = document.sections[0].keys;
+    const auto count = static_cast<std::int32_t>(keys.size());
+    for (std::int32_t i = 0; i < count; ++i) {
+        const std::string number = std::to_string(i);
+        const nIni::tKey& key = keys[static_cast<std::size_t>(i)];
+        ASSERT_EQ(key.name, std::string("k").append(number));
+        ASSERT_TRUE(key.value == number || (i == count - 1 && number.starts_with(key.value))) << key.value;
+        ASSERT_EQ(key.line, i + 2);
+    }
+    EXPECT_TRUE(document.firstErrorLine == -1 || document.firstErrorLine == count + 2) << document.firstErrorLine;
+}
+
+TEST(IniFile, AFileThatGrowsWhileItIsReadIsReadUpToWhereItWasSeenToEnd) {
+    constexpr int lines = 20'000;
+    const tIniFile file("[s]\n");
+    const tGrowth growth(file.path(), lines);
+    nIni::tDocument document;
+    std::size_t before = 0;
+    for (; before < lines; before = growth.lines) {
+        ASSERT_EQ(file.parseInto(document), 0);
+        expectFirstLines(document);
+        ASSERT_GE(document.sections[0].keys.size(), before);
+    }
 }
 
 }  // namespace
