@@ -12,6 +12,7 @@ Builds build/<preset>, all of it or the CMake targets named; the default is
 windows-release, which gives build/windows-release/bin/zuZiptraRemoteService.exe.
 
 Presets: windows-release windows-debug windows-trace native-asan native-coverage native-fuzz
+         native-bench windows-bench
 TXT
 }
 
@@ -21,7 +22,8 @@ case $preset in
         usage
         exit 0
         ;;
-    windows-release | windows-debug | windows-trace | native-asan | native-coverage | native-fuzz) ;;
+    windows-release | windows-debug | windows-trace | windows-bench) ;;
+    native-asan | native-coverage | native-fuzz | native-bench) ;;
     *)
         usage >&2
         exit 2
@@ -40,6 +42,7 @@ case $preset in
     native-*) need_native_compiler ;;
 esac
 [[ $preset != native-fuzz ]] || need_clang
+[[ $preset != *-bench ]] || need_benchmarks
 
 say "building $preset (some minutes the first time)"
 quietly "build/$preset/configure.log" cmake --preset "$preset"

@@ -81,6 +81,14 @@ need_native_compiler() {
 
 need_clang() { need clang clang++ -- clang libclang-rt-14-dev; }
 
+need_benchmarks() {
+    local peer
+    need pkg-config -- libbenchmark-dev pkg-config
+    for peer in libinih-dev libsimpleini-dev libglib2.0-dev rapidjson-dev; do
+        (need -- "$peer") || say "going on without $peer: what is compared with it is missing from the table"
+    done
+}
+
 need_wine() { need wine wineboot wineserver -- wine64 wine; }
 
 need_linters() {

@@ -7,7 +7,7 @@ files_like() {
 }
 
 format() { files_like -name '*.cpp' -o -name '*.h' -o -name '*.c' | xargs clang-format --dry-run -Werror; }
-commands() { shellcheck --external-sources ./*.sh .ci/run scripts/fuzz scripts/lint-tidy scripts/lint-executable scripts/layers/*.sh; }
+commands() { shellcheck --external-sources ./*.sh bench/*.sh .ci/run scripts/fuzz scripts/lint-tidy scripts/lint-executable scripts/layers/*.sh; }
 
 layer_lint() {
     check "the tools" need_linters || return

@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Measures against peers: ./bench.sh [group ...] [--quick]
+cd "$(dirname "$0")"
+source scripts/common.sh
+source scripts/dependencies.sh
+source scripts/wine.sh
+
+all_groups=(host ini order report status process)
+results=build/bench
+usage() {
+    cat <<TXT
+Usage: ./bench.sh [group ...] [--quick]
+
+Measures the groups named, or all of them (some minutes), and prints a table: ours, the peer, their ratio, the goal.
+What was measured is kept in $results/*.json, the table in $results/table.md, the plots of cost against size in
+$results/*.svg. Use an otherwise idle machine. bench/goals.txt says what each row compares.
+
+  host      a whole life of the host with up to 4,000 plug-ins, against a bare loop of the same system calls
+  ini       the parser, natively and under Wine, against other parsers
+  order     ordering and dependency check of the descriptions
+  report    one error's report
+  status    replacing the status file
+  process   start, size, memory, idling
+
+  --quick   small sizes and few pairs, in under three minutes: the checks on results run, no goal is judged
+TXT
+}
+
+# native GROUP: the group's native rows.
+native() {
+    ./build.sh native-bench native_bench
+    say "measuring $1 natively"
+    pinned build/native-bench/bin/native_bench --benchmark_filter="^$1/" --benchmark_out="$results/$1-native.json" \
+        --benchmark_out_format=json >"$results/$1-native.log" 2>&1 ||
+        fail "the benchmarks of $1 have ended early; what they said is in $results/$1-native.log"
+}
+
+# pinned COMMAND...: on one core, so that both sides of a pair find the same caches and no move comes between.
+pinned() { taskset --cpu-list "$(($(nproc) - 1))" "$@"; }
+
+groups=()
+while (($#)); do
+    case $1 in
+        -h | --help)
+            usage
+            exit 0
+            ;;
+        --quick) export BENCH_QUICK=1 ;;
+        host | ini | order | report | status | process) groups+=("$1") ;;
+        *)
+            usage >&2
+            exit 2
+            ;;
+    esac
+    shift
+done
+((${#groups[@]})) || groups=("${all_groups[@]}")
+
+alone "$results"
+trap leave_prefix EXIT
+for group in "${groups[@]}"; do
+    rm -f "$results/$group"-*.json
+    # shellcheck source=/dev/null
+    source "bench/$group.sh"
+    "bench_$group"
+done
+need -- python3-matplotlib
+bench/table "${groups[@]}"

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Each adds the native rows of one group.
+void addIniRows();

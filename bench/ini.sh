@@ -1,0 +1,6 @@
+# Sourced by bench.sh: the INI parser.
+# shellcheck shell=bash
+
+bench_ini() {
+    native ini
+}

@@ -1,0 +1,234 @@
+// Group ini, natively: the parser against one pass over the bytes, against other parsers, and against itself.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <numeric>
+#include <random>
+#include <vector>
+
+#include "bench/groups.h"
+#include "bench/pairs.h"
+#include "bench/peers.h"
+#include "ini/parser.h"
+
+namespace {
+
+using nBench::demand;
+
+/// A text in memory with a path to open it by.
+class tMemoryFile {
+public:
+    explicit tMemoryFile(std::string text) : text_(std::move(text)), descriptor_(memfd_create("ini", 0)) {
+        for (std::size_t done = 0; done < text_.size();) {
+            const ssize_t count = write(descriptor_, text_.data() + done, text_.size() - done);
+            demand(count > 0, "no memory for the text");
+            done += static_cast<std::size_t>(count);
+        }
+    }
+    ~tMemoryFile() { close(descriptor_); }
+    tMemoryFile(const tMemoryFile&) = delete;
+    tMemoryFile& operator=(const tMemoryFile&) = delete;
+
+    [[nodiscard]] const std::string& text() const { return text_; }
+    [[nodiscard]] std::wstring path() const { return L"/proc/self/fd/" + std::to_wstring(descriptor_); }
+
+private:
+    std::string text_;
+    int descriptor_;
+};
+
+using tText = std::shared_ptr<const tMemoryFile>;
+
+/// The numbers below `count`, shuffled, the same at every run.
+std::vector<std::size_t> shuffled(std::size_t count) {
+    std::vector<std::size_t> numbers(count);
+    std::iota(numbers.begin(), numbers.end(), 0);
+    std::shuffle(numbers.begin(), numbers.end(), std::mt19937_64(1));
+    return numbers;
+}
+
+/// One section of that many keys, each once, about thirty bytes a line.
+tText textOfKeys(std::int64_t count) {
+    std::string text = "[Service]\n";
+    for (const std::size_t number : shuffled(static_cast<std::size_t>(count))) {
+        const std::string digits = std::to_string(number);
+        text.append("Setting").append(digits).append("=value of ").append(digits) += '\n';
+    }
+    return std::make_shared<tMemoryFile>(text);
+}
+
+/// That many sections of three keys.
+tText textOfSections(std::int64_t count) {
+    std::string text;
+    for (const std::size_t number : shuffled(static_cast<std::size_t>(count))) {
+        text.append("[Section").append(std::to_string(number)).append("]\nName=one\nPath=two\nStartup=three\n");
+    }
+    return std::make_shared<tMemoryFile>(text);
+}
+
+void parseInto(nIni::tDocument& document, const std::wstring& path) {
+    document.flags = nIni::acceptEmptyValues | nIni::stripDoubleQuotes;
+    demand(parseFile(document, path.c_str()) == 0 && document.firstErrorLine == -1, "the text is not taken");
+}
+
+/// What is timed: everything from opening the file to freeing the document.
+void parse(const std::wstring& path) {
+    nIni::tDocument document;
+    parseInto(document, path);
+}
+
+void parse(const tMemoryFile& text) { parse(text.path()); }
+
+nBench::tKeyValues keysOf(const nIni::tSection& section) {
+    nBench::tKeyValues keys;
+    for (const nIni::tKey& key : section.keys) keys.emplace_back(key.name, key.value);
+    return keys;
+}
+
+nBench::tKeyValues readKeys(const tMemoryFile& text) {
+    nIni::tDocument document;
+    parseInto(document, text.path());
+    demand(document.sections.size() == 1, "not one section");
+    return keysOf(document.sections.front());
+}
+
+std::size_t countSections(const tMemoryFile& text) {
+    nIni::tDocument document;
+    parseInto(document, text.path());
+    return document.sections.size();
+}
+
+/// What any reader of lines does at least: one pass over the bytes that finds the end of each.
+std::int64_t countLines(std::string_view text) {
+    std::int64_t lines = 0;
+    while (const void* const end = std::memchr(text.data(), '\n', text.size())) {
+        text.remove_prefix(static_cast<std::size_t>(static_cast<const char*>(end) - text.data()) + 1);
+        ++lines;
+    }
+    return lines;
+}
+
+/// The same without stopping: for a byte that is not there.
+void lookAtEveryByte(const std::string& text) {
+    demand(std::memchr(text.data(), 0, text.size()) == nullptr, "there is a zero byte");
+}
+
+nBench::tPair againstMemchr(std::int64_t count) {
+    const tText text = textOfKeys(count);
+    demand(readKeys(*text).size() == static_cast<std::size_t>(count), "keys are lost");
+    return {[text] { parse(*text); },
+            [text, count] { demand(countLines(text->text()) == count + 1, "not all lines"); }};
+}
+
+nBench::tPair againstEveryByte(std::int64_t count) {
+    const tText text = textOfKeys(count);
+    return {[text] { parse(*text); }, [text] { lookAtEveryByte(text->text()); }};
+}
+
+const nBench::tIniPeer& peerNamed(const std::string& name) {
+    const nBench::tIniPeer* const peer = nBench::findIniPeer(name);
+    demand(peer != nullptr, "not measured: " + name + " is not installed");
+    return *peer;
+}
+
+nBench::tPair againstPeer(const std::string& name, std::int64_t count) {
+    const nBench::tIniPeer& peer = peerNamed(name);
+    const tText text = textOfKeys(count);
+    nBench::tKeyValues ours = readKeys(*text);
+    nBench::tKeyValues theirs = peer.read(text->text());
+    std::sort(ours.begin(), ours.end());
+    std::sort(theirs.begin(), theirs.end());
+    demand(ours == theirs, name + " finds other keys");
+    return {[text] { parse(*text); }, [text, peer] { peer.parse(text->text()); }};
+}
+
+/// A folder of description files.
+class tDescriptionFiles {
+public:
+    explicit tDescriptionFiles(std::int64_t count)
+        : folder_(std::filesystem::temp_directory_path() / ("bench-ini-" + std::to_string(getpid()))) {
+        create_directory(folder_);
+        for (std::int64_t i = 0; i < count; ++i) {
+            const std::filesystem::path path = folder_ / (std::to_string(i) + ".ini");
+            std::ofstream(path, std::ios::binary) << description(i);
+            paths_.push_back(path);
+            widePaths_.push_back(path.wstring());
+        }
+    }
+    ~tDescriptionFiles() { remove_all(folder_); }
+    tDescriptionFiles(const tDescriptionFiles&) = delete;
+    tDescriptionFiles& operator=(const tDescriptionFiles&) = delete;
+
+    static std::string description(std::int64_t number) {
+        const std::string name = "Plugin" + std::to_string(number);
+        return "[Service]\r\nName=" + name + "\r\nPath=C:\\Program Files\\Plug-ins\\" + name +
+               ".dll\r\nStartup=Startup\r\nShutdown=Shutdown\r\nCleanup=Cleanup\r\n"
+               "Dependencies=Settings, Transport\r\nRequires=1\r\n";
+    }
+
+    void parseAll() const {
+        for (const std::wstring& path : widePaths_) parse(path);
+    }
+    void parseAllWith(const nBench::tIniPeer& peer) const {
+        for (const std::string& path : paths_) peer.parseFile(path.c_str());
+    }
+
+private:
+    std::filesystem::path folder_;
+    std::vector<std::string> paths_;
+    std::vector<std::wstring> widePaths_;
+};
+
+nBench::tPair smallFilesAgainst(const std::string& name, std::int64_t count) {
+    const nBench::tIniPeer& peer = peerNamed(name);
+    nBench::tKeyValues ours = readKeys(tMemoryFile(tDescriptionFiles::description(7)));
+    nBench::tKeyValues theirs = peer.read(tDescriptionFiles::description(7));
+    std::sort(ours.begin(), ours.end());
+    std::sort(theirs.begin(), theirs.end());
+    demand(ours.size() == 7 && ours == theirs, name + " finds other keys");
+    const auto files = std::make_shared<const tDescriptionFiles>(count);
+    return {[files] { files->parseAll(); }, [files, peer] { files->parseAllWith(peer); }};
+}
+
+nBench::tPair keysAgainstATenth(std::int64_t count) {
+    const tText many = textOfKeys(count);
+    const tText few = textOfKeys(count / 10);
+    demand(readKeys(*many).size() == 10 * readKeys(*few).size(), "keys are lost");
+    return {[many] { parse(*many); }, [few] { parse(*few); }};
+}
+
+nBench::tPair sectionsAgainstATenth(std::int64_t count) {
+    const tText many = textOfSections(count);
+    const tText few = textOfSections(count / 10);
+    demand(countSections(*many) == 10 * countSections(*few), "sections are lost");
+    return {[many] { parse(*many); }, [few] { parse(*few); }};
+}
+
+/// The rows that cost against size is drawn from, from a hundredth of the judged size on.
+void addCurve(const std::string& name, const std::string& axis, std::int64_t judgedSize,
+              const std::function<nBench::tPair(std::int64_t)>& prepare) {
+    const std::int64_t last = nBench::quick() ? judgedSize / 100 : judgedSize;
+    for (std::int64_t size = judgedSize / 100; size <= last; size *= 10) {
+        nBench::addRow({name, axis, size, [prepare, size] { return prepare(size); }});
+    }
+}
+
+}  // namespace
+
+void addIniRows() {
+    addCurve("ini/memchr", "keys", 1'000'000, againstMemchr);
+    addCurve("ini/every-byte", "keys", 1'000'000, againstEveryByte);
+    for (const char* const peer : {"inih", "simpleini", "gkeyfile", "propertytree"}) {
+        addCurve(std::string("ini/") + peer, "keys", 1'000'000,
+                 [peer](std::int64_t size) { return againstPeer(peer, size); });
+    }
+    addCurve("ini/simpleini-files", "files", 10'000,
+             [](std::int64_t size) { return smallFilesAgainst("simpleini", size); });
+    const std::int64_t size = nBench::quick() ? 10'000 : 1'000'000;
+    nBench::addRow({"ini/ten-times-the-keys", "", size, [size] { return keysAgainstATenth(size); }});
+    nBench::addRow({"ini/ten-times-the-sections", "", size / 10, [size] { return sectionsAgainstATenth(size / 10); }});
+}

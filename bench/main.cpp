@@ -1,0 +1,12 @@
+// The native benchmarks. ./bench.sh builds, runs and judges them.
+#include <benchmark/benchmark.h>
+
+#include "bench/groups.h"
+
+int main(int count, char** arguments) {
+    addIniRows();
+    benchmark::Initialize(&count, arguments);
+    if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

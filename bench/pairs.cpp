@@ -1,0 +1,81 @@
+#include "bench/pairs.h"
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+namespace nBench {
+namespace {
+
+/// At least 21: fewer do not tell five percent from nothing.
+int numberOfPairs() { return quick() ? 3 : 21; }
+
+double seconds(const std::function<void()>& work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// One pair of a row for each repetition that the library asks for.
+class tRowRun {
+public:
+    explicit tRowRun(tRow row) : row_(std::move(row)) {}
+
+    void operator()(benchmark::State& state) {
+        try {
+            if (done_ == 0) pair_ = row_.prepare();
+            demand(failure_.empty(), failure_);
+            for ([[maybe_unused]] auto iteration : state) runPair(state);
+        } catch (const std::exception& failure) {
+            failure_ = failure.what();
+            state.SkipWithError(failure.what());
+        }
+        if (++done_ == numberOfPairs()) pair_ = {};
+    }
+
+private:
+    /// The two take turns in being first.
+    void runPair(benchmark::State& state) {
+        const bool oursFirst = done_ % 2 == 0;
+        const double first = seconds(oursFirst ? pair_.ours : pair_.peer);
+        const double second = seconds(oursFirst ? pair_.peer : pair_.ours);
+        state.SetIterationTime(first + second);
+        state.counters["ours"] = oursFirst ? first : second;
+        state.counters["peer"] = oursFirst ? second : first;
+        state.counters["size"] = static_cast<double>(row_.size);
+        state.SetLabel(row_.axis);
+    }
+
+    tRow row_;
+    tPair pair_;
+    std::string failure_;
+    int done_ = 0;
+};
+
+}  // namespace
+
+void addRow(const tRow& row) {
+    const auto run = std::make_shared<tRowRun>(row);
+    benchmark::RegisterBenchmark((row.name + "/" + std::to_string(row.size)).c_str(),
+                                 [run](benchmark::State& state) { (*run)(state); })
+        ->Iterations(1)
+        ->Repetitions(numberOfPairs())
+        ->UseManualTime();
+}
+
+bool quick() { return std::getenv("BENCH_QUICK") != nullptr; }
+
+void demand(bool truth, const std::string& text) {
+    if (!truth) throw std::runtime_error(text);
+}
+
+std::function<void()> repeat(int times, const std::function<void()>& work) {
+    return [times, work] {
+        for (int i = 0; i < times; ++i) work();
+    };
+}
+
+}  // namespace nBench
