@@ -6,7 +6,7 @@ source scripts/dependencies.sh
 source scripts/wine.sh
 source scripts/results.sh
 
-all_layers=(lint native windows endtoend fuzz sweep)
+all_layers=(lint native windows endtoend fuzz sweep soak kill race)
 export fuzz_seconds=20 fuzz_keeps=0
 usage() {
     cat <<TXT
@@ -21,6 +21,9 @@ The last line is the sum: N passed, N failed, N skipped.
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
   fuzz       every fuzzer for $fuzz_seconds seconds
   sweep      every system call of whole lives fails in turn (SWEEP_ALL=1: at every occurrence)
+  soak       the plug-ins loaded and unloaded SOAK_CYCLES times (500), the service started for SOAK_SECONDS (25)
+  kill       the executable killed KILLS times (55) step by step of replacing the status file, and as often at random
+  race       stop requests from many sides: every interleaving, RACE_ROUNDS in one process, RACE_SECONDS (24) outside
 
   --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in fuzz/corpus
 TXT
@@ -58,7 +61,7 @@ while (($#)); do
             fuzz_seconds=$2 fuzz_keeps=1
             shift
             ;;
-        lint | native | windows | endtoend | fuzz | sweep) layers+=("$1") ;;
+        lint | native | windows | endtoend | fuzz | sweep | soak | kill | race) layers+=("$1") ;;
         *) misused ;;
     esac
     shift

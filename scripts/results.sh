@@ -49,3 +49,9 @@ googletest() {
         return 1
     }
 }
+
+# figures NAME: the table of what the program of that name has counted.
+figures() {
+    sed -nE 's/\r$//; s/^FIGURE (.*): ([^:]*)$/\1\t\2/p' "$logs/${1//[^A-Za-z0-9]/-}.log" |
+        awk -F '\t' '{ printf "   %-90s %12s\n", $1, $2 }'
+}

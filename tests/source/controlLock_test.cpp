@@ -160,8 +160,8 @@ std::string faultOf(tBreak broken) {
         for (int requests = 1; requests <= 2; ++requests) {
             const tModel model = explored(requests, run, broken);
             if (model.faulty == 0) continue;
-            std::cout << "FIGURE faulty interleavings of a broken control lock: " << model.faulty << " of "
-                      << model.interleavings << ": " << model.fault << '\n';
+            std::cout << "FIGURE interleavings of a broken control lock in which " << model.fault << ", of "
+                      << model.interleavings << ": " << model.faulty << '\n';
             return model.fault;
         }
     }

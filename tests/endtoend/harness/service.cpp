@@ -49,7 +49,11 @@ tInstalledService::~tInstalledService() {
 }
 
 void tInstalledService::start() {
-    requireStart("StartServiceW", [&] { return StartServiceW(service_.get(), 0, nullptr); });
+    requireStart("StartServiceW", [&] {
+        const BOOL started = StartServiceW(service_.get(), 0, nullptr);
+        if (!started) ++failedStarts_;
+        return started;
+    });
     processId_ = query(service_.get()).dwProcessId;
 }
 
@@ -84,6 +88,11 @@ tServiceStatus tInstalledService::waitForEnd(std::chrono::milliseconds timeout) 
 tServiceStatus tInstalledService::stop() {
     if (const DWORD error = control(SERVICE_CONTROL_STOP); error != 0) failed("ControlService", error);
     return waitForEnd();
+}
+
+bool tInstalledService::endedByManager() const {
+    const SERVICE_STATUS_PROCESS status = query(service_.get());
+    return status.dwCurrentState != SERVICE_STOPPED && status.dwProcessId == 0;
 }
 
 bool tInstalledService::installed() {

@@ -38,6 +38,8 @@ public:
     tInstalledService& operator=(const tInstalledService&) = delete;
 
     void start();
+    /// How many starts have failed with the manager's own error, and were tried again.
+    [[nodiscard]] int failedStarts() const noexcept { return failedStarts_; }
 
     /// Sends a control. The error with which the manager refuses it, or 0.
     DWORD control(DWORD code);
@@ -50,6 +52,11 @@ public:
     /// Waits until the service has stopped by itself and its process is gone.
     tServiceStatus waitForEnd(std::chrono::milliseconds timeout = patience) const;
 
+    /// Wine's manager ends the process of a service at the first control after a stop control if the last report is
+    /// still that it runs; Windows never does. It shows in no other way: from then on the service has no process, and
+    /// has not stopped.
+    [[nodiscard]] bool endedByManager() const;
+
     [[nodiscard]] DWORD processId() const noexcept { return processId_; }
     [[nodiscard]] bool processRunning() const { return processId_ != 0 && processExists(processId_); }
 
@@ -59,6 +66,7 @@ private:
     tServiceHandle manager_;
     tServiceHandle service_;
     DWORD processId_ = 0;
+    int failedStarts_ = 0;
 };
 
 }  // namespace endtoend

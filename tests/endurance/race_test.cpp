@@ -1,0 +1,164 @@
+// The executable with stop requests from many sides while it comes to its end.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/endtoend/harness/stage.h"
+#include "tests/endurance/figures.h"
+
+namespace endurance {
+namespace {
+
+using endtoend::tHandle;
+using endtoend::tInstalledService;
+using endtoend::tServiceStatus;
+using tClock = std::chrono::steady_clock;
+
+class Race : public endtoend::EndToEnd {
+protected:
+    Race() { addPlugin("A", {.cleanup = "CleanupOk"}); }
+
+    /// One life after the other: in every other one stop controls come without a pause, in the others there is one, at
+    /// a random moment, which Wine's manager must leave alone.
+    void hammer(const std::string& what) {
+        tInstalledService service(executable());
+        int lives = 0;
+        for (; tClock::now() < end_ || lives < 4; ++lives) {
+            const bool once = lives % 2 == 1;
+            const int endedBefore = endedByManager_;
+            ASSERT_NO_FATAL_FAILURE(live(service, once)) << (once ? "one stop control" : "many stop controls");
+            if (once) {
+                ASSERT_EQ(endedByManager_, endedBefore);
+            }
+        }
+        EXPECT_EQ(backwards_, 0);
+        figure(what + ": lives", lives);
+        figure(what + ": of these with many stop controls", (lives + 1) / 2);
+        figure(what + ": controls sent", sent_.load());
+        figure(what + ": stop controls accepted", accepted_.load());
+        figure(what + ": reports that came too late", backwards_);
+        figure(what + ": lives that Wine's manager ended at a control after the stop", endedByManager_);
+    }
+
+    int accepted() const { return accepted_; }
+
+private:
+    void live(tInstalledService& service, bool once) {
+        service.start();
+        const tHandle process = endtoend::openDespiteAccessList(service.processId(), PROCESS_QUERY_INFORMATION);
+        std::atomic<bool> over = false;
+        std::vector<std::thread> requesters;
+        if (once) {
+            requesters.emplace_back([&] { stopOnce(service, over); });
+        } else {
+            for (const DWORD control : {SERVICE_CONTROL_STOP, SERVICE_CONTROL_INTERROGATE, SERVICE_CONTROL_STOP}) {
+                requesters.emplace_back([&, control] {
+                    while (!over) send(service, control);
+                });
+            }
+        }
+        const bool ended = watch(service);
+        over = true;
+        for (std::thread& requester : requesters) requester.join();
+        expectGoodEnd(service, process, ended);
+    }
+
+    bool send(tInstalledService& service, DWORD control) {
+        ++sent_;
+        const bool accepted = service.control(control) == 0;
+        if (accepted && control == SERVICE_CONTROL_STOP) ++accepted_;
+        return accepted;
+    }
+
+    /// Keeps the control handler busy with what the service ignores, up to some moment of its life.
+    void stopOnce(tInstalledService& service, const std::atomic<bool>& over) {
+        const auto moment = tClock::now() + std::chrono::microseconds(random_() % 4000);
+        while (!over && tClock::now() < moment) send(service, SERVICE_CONTROL_INTERROGATE);
+        while (!over && !send(service, SERVICE_CONTROL_STOP)) {
+        }
+    }
+
+    /// Follows the reports to the end of the life; false when it does not end.
+    bool watch(const tInstalledService& service) {
+        bool checkpoint2 = false;
+        for (const auto end = tClock::now() + endtoend::patience; tClock::now() < end;) {
+            const tServiceStatus status = service.status();
+            if (status.state == SERVICE_STOPPED || service.endedByManager()) return true;
+            if (status.checkpoint == 2) checkpoint2 = true;
+            if (status.checkpoint != 2 && checkpoint2) ++backwards_;
+        }
+        return false;
+    }
+
+    void expectGoodEnd(const tInstalledService& service, const tHandle& process, bool ended) {
+        ASSERT_TRUE(ended) << "the stop was lost: " << testing::PrintToString(service.status())
+                           << (service.processRunning() ? ", with its process" : ", without a process");
+        ASSERT_TRUE(endtoend::becomesTrue([&] { return !service.processRunning(); }));
+        DWORD code = 0;
+        if (process) GetExitCodeProcess(process.get(), &code);  // null: it was over before it could be opened
+        EXPECT_EQ(code, 0u);
+        if (service.endedByManager()) {
+            ++endedByManager_;
+            return;
+        }
+        const tServiceStatus last = service.status();
+        EXPECT_EQ(last.win32ExitCode, 0u);
+        EXPECT_EQ(last.checkpoint, 0u);
+    }
+
+protected:
+    /// A third of the time for each of the tests.
+    tClock::time_point end_ = tClock::now() + std::chrono::milliseconds(1000 * setting("RACE_SECONDS", 24) / 3);
+
+private:
+    std::mt19937 random_{std::random_device{}()};
+    std::atomic<int> sent_ = 0;
+    std::atomic<int> accepted_ = 0;
+    int backwards_ = 0;
+    int endedByManager_ = 0;
+};
+
+TEST_F(Race, StopControlsFromManySidesEndAServiceThatWaits) {
+    ASSERT_NO_FATAL_FAILURE(hammer("race, a service that waits"));
+    EXPECT_GE(accepted(), 4) << "nothing else ends it";
+}
+
+TEST_F(Race, StopControlsFromManySidesMeetAServiceThatStopsByItself) {
+    std::filesystem::remove_all(descriptions());
+    ASSERT_NO_FATAL_FAILURE(hammer("race, a service that stops by itself"));
+}
+
+TEST_F(Race, ConsoleEventsFromManySidesEndAForegroundRun) {
+    int lives = 0;
+    std::atomic<int> events = 0;
+    for (; tClock::now() < end_ || lives < 3; ++lives) {
+        startPlugins();
+        std::vector<std::thread> senders;
+        for (const DWORD event : {CTRL_C_EVENT, CTRL_BREAK_EVENT, CTRL_C_EVENT}) {
+            senders.emplace_back([&, event] {
+                while (process().running()) {
+                    if (process().sendConsoleEvent(event)) ++events;
+                }
+            });
+        }
+        const bool ended = endtoend::becomesTrue([&] { return !process().running(); });
+        if (!ended) TerminateProcess(process().handle(), 1);
+        for (std::thread& sender : senders) sender.join();
+        ASSERT_TRUE(ended) << "the stop was lost";
+        // A last error of the system; what ends a process by force, or a crash, has other codes.
+        EXPECT_LT(process().exitCode(), 0x10000u);
+        ASSERT_EQ(endtoend::tStatusFile::read().names(), "A");
+    }
+    figure("race, a foreground run: lives", lives);
+    figure("race, a foreground run: console events", events.load());
+}
+
+}  // namespace
+}  // namespace endurance
