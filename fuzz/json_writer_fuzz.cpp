@@ -1,13 +1,15 @@
-// The JSON writer, at every kind of cursor and in every size of buffer, against a model that edits a std::string.
+// The JSON writer, at every kind of cursor, in every size of buffer, and in one that grows, against a model that edits
+// a std::string. Another JSON library reads what it writes.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "check.h"
 #include "err/JsonReport.h"
 
 namespace {
@@ -45,17 +47,26 @@ struct Model {
     }
 };
 
-void check(bool holds, const char* what) {
-    if (holds) return;
-    std::fprintf(stderr, "%s\n", what);
-    std::abort();
-}
-
 void checkBuffer(const std::vector<char>& buffer, const Model& model) {
     std::vector<char> expected(model.text.begin(), model.text.end());
     expected.resize(model.capacity);
     expected.back() = zuerr::jsonSentinel;
-    check(buffer == expected, "the buffer is not text, terminator, zero fill and sentinel");
+    check(buffer == expected, "text, terminator, zero fill and sentinel");
+}
+
+/// Other readers take no control characters, and UTF-8 only.
+bool isReadable(char character) { return character >= ' ' && character <= '~'; }
+
+/// The other library takes the text, once what it does not take is replaced.
+void checkWithOtherLibrary(std::string text) {
+    for (char& character : text) character = isReadable(character) ? character : '?';
+    check(nlohmann::json::accept(text), "JSON");
+}
+
+/// A lone control character is an error for FindEnd.
+void checkEnd(std::vector<char>& buffer, const Model& model) {
+    const bool valid = std::none_of(model.text.begin(), model.text.end(), [](char c) { return c >= 0 && c < ' '; });
+    check(zuerr::FindEnd(buffer.data()) == (valid ? buffer.data() + model.text.size() - 1 : nullptr), "the end");
 }
 
 /// Text without a zero: any bytes, or such as every JSON reader takes.
@@ -63,46 +74,76 @@ std::string takeText(FuzzedDataProvider& data, bool readable) {
     std::string text = data.ConsumeRandomLengthString(40);
     for (char& character : text) {
         const bool isEscaped = character != 0 && std::strchr("\b\t\n\f\r", character) != nullptr;
-        if (character == 0 || (readable && !isEscaped && (character < ' ' || character > '~'))) character = 'x';
+        if (character == 0 || (readable && !isEscaped && !isReadable(character))) character = 'x';
     }
     return text;
 }
 
-/// One write of a random kind, in the buffer and in the model. False when there was no room for it.
-bool writeMember(FuzzedDataProvider& data, bool readable, bool inArray, std::size_t offset, std::vector<char>& buffer,
-                 Model& model) {
-    const std::string keyText = takeText(data, readable);
-    const char* const key = inArray ? nullptr : keyText.c_str();
-    std::string member = inArray ? "" : "\"" + escaped(keyText) + "\":";
-    char* const cursor = buffer.data() + offset;
-    char* behind = nullptr;
-    switch (data.ConsumeIntegralInRange(0, 3)) {
-        case 0: {
-            const std::string value = takeText(data, readable);
-            member += "\"" + escaped(value) + "\"";
-            behind = zuerr::AddString(cursor, key, value.c_str());
-            break;
-        }
-        case 1: {
-            const auto value = data.ConsumeIntegral<std::int32_t>();
-            member += std::to_string(value);
-            behind = zuerr::AddInt(cursor, key, value);
-            break;
-        }
-        case 2: {
-            const auto value = data.ConsumeIntegral<std::uint32_t>();
-            member += std::to_string(value);
-            behind = zuerr::AddUInt(cursor, key, value);
-            break;
-        }
-        default:
-            member += "{}";
-            behind = zuerr::AddObject(cursor, key);
-            break;
+/// What is to be written.
+struct Member {
+    Member(FuzzedDataProvider& data, bool readable, bool inArray, std::size_t number)
+        : hasKey(!inArray),
+          key(hasKey ? (readable ? std::to_string(number) + " " : "") + takeText(data, readable) : ""),
+          kind(data.ConsumeIntegralInRange(0, 3)),
+          text(kind == 0 ? takeText(data, readable) : ""),
+          value(kind == 1 || kind == 2 ? data.ConsumeIntegral<std::uint32_t>() : 0) {}
+
+    [[nodiscard]] std::string asText() const {
+        const std::string values[] = {"\"" + escaped(text) + "\"", std::to_string(static_cast<std::int32_t>(value)),
+                                      std::to_string(value), "{}"};
+        return (hasKey ? "\"" + escaped(key) + "\":" : "") + values[kind];
     }
-    const bool fits = model.insert(offset, member);
-    check(behind == (fits ? buffer.data() + model.behindLast : nullptr), "the cursor returned is another");
+
+    char* write(char* cursor) const {
+        const char* const name = hasKey ? key.c_str() : nullptr;
+        switch (kind) {
+            case 0: return zuerr::AddString(cursor, name, text.c_str());
+            case 1: return zuerr::AddInt(cursor, name, static_cast<std::int32_t>(value));
+            case 2: return zuerr::AddUInt(cursor, name, value);
+            default: return zuerr::AddObject(cursor, name);
+        }
+    }
+
+    bool hasKey;
+    std::string key;
+    int kind;
+    std::string text;
+    std::uint32_t value;
+};
+
+struct Place {
+    std::size_t offset;
+    bool inArray;
+};
+
+/// The start of the text, its end, inside the object written last if it was one, or behind the value written last.
+Place takePlace(FuzzedDataProvider& data, const Model& model, bool array, bool lastIsInArray) {
+    switch (data.ConsumeIntegralInRange(0, 3)) {
+        case 0: return {0, array};
+        case 1: return {model.text.size() - 1, array};
+        case 2:
+            if (model.behindLast < 2 || model.text.substr(model.behindLast - 2, 2) != "{}") break;
+            return {model.behindLast - 1, false};
+        default: break;
+    }
+    return {model.behindLast, lastIsInArray};
+}
+
+/// Writes into the buffer and into the model. False when there was no room.
+bool write(const Member& member, std::size_t offset, std::vector<char>& buffer, Model& model) {
+    const bool fits = model.insert(offset, member.asText());
+    char* const behind = member.write(buffer.data() + offset);
+    check(behind == (fits ? buffer.data() + model.behindLast : nullptr), "the cursor returned");
+    checkBuffer(buffer, model);
     return fits;
+}
+
+void grow(std::vector<char>& buffer, Model& model) {
+    const std::vector<char> old = buffer;
+    model.capacity *= 2;
+    buffer.assign(model.capacity, '#');
+    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), old.data()), "room in the larger");
+    checkBuffer(buffer, model);
 }
 
 }  // namespace
@@ -111,38 +152,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     FuzzedDataProvider data(bytes, size);
     const bool readable = data.ConsumeBool();
     const bool array = data.ConsumeBool();
+    const bool grows = data.ConsumeBool();
     Model model{array ? "[]" : "{}", data.ConsumeIntegralInRange<std::size_t>(4, 600)};
     model.behindLast = 1;
     std::vector<char> buffer(model.capacity, '#');
-    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), model.text.c_str()), "no room");
+    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), model.text.c_str()), "room");
 
     bool lastIsInArray = array;
-    while (data.remaining_bytes() > 0) {
-        std::size_t offset = model.behindLast;
-        bool inArray = lastIsInArray;
-        switch (data.ConsumeIntegralInRange(0, 3)) {
-            case 0:
-                offset = 0;
-                inArray = array;
-                break;
-            case 1:
-                offset = model.text.size() - 1;
-                inArray = array;
-                break;
-            case 2:
-                // Into the object that was written last, if it was one.
-                if (model.behindLast < 2 || model.text.substr(model.behindLast - 2, 2) != "{}") break;
-                --offset;
-                inArray = false;
-                break;
-            default: break;
+    for (std::size_t number = 0; data.remaining_bytes() > 0; ++number) {
+        const Place place = takePlace(data, model, array, lastIsInArray);
+        const Member member(data, readable, place.inArray, number);
+        bool written = write(member, place.offset, buffer, model);
+        while (grows && !written) {
+            grow(buffer, model);
+            written = write(member, place.offset, buffer, model);
         }
-        if (writeMember(data, readable, inArray, offset, buffer, model)) lastIsInArray = inArray;
-        checkBuffer(buffer, model);
+        if (!written) continue;
+        lastIsInArray = place.inArray;
+        checkWithOtherLibrary(model.text);
     }
-    if (readable) {
-        check(nlohmann::json::accept(model.text), "not the JSON that others read");
-        check(zuerr::FindEnd(buffer.data()) == buffer.data() + model.text.size() - 1, "no end is found");
-    }
+    // No two keys are the same then.
+    if (readable) check(nlohmann::ordered_json::parse(model.text).dump() == model.text, "the values that others read");
+    checkEnd(buffer, model);
     return 0;
 }

@@ -1,53 +1,89 @@
-// The sort with answers that the input chooses, and the plug-ins' first order with names and dependencies that it
-// chooses: nothing is lost, up to 32 elements are inserted, and the order is that of the predicate.
+// The sort with answers that the input chooses, consistent or not, and the plug-ins' first order with names and
+// dependencies that it chooses: nothing is lost, nothing outside is touched, the same input gives the same order, the
+// time is not quadratic, and up to 32 elements are inserted.
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <iterator>
 #include <numeric>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "check.h"
 #include "source/introsort.h"
 #include "source/nPluginOrder.h"
 
 namespace {
 
-void require(bool truth) {
-    if (!truth) std::abort();
+using tElements = std::vector<std::size_t>;
+
+/// The bits of the input, over and over again, are the answers.
+class tAnswers {
+public:
+    enum class tKind { toPair, toCall };
+    struct tThrown {};
+
+    tAnswers(std::span<const std::uint8_t> bits, std::size_t count, tKind kind, std::size_t lastCall)
+        : bits_(bits), count_(count), kind_(kind), lastCall_(lastCall) {}
+
+    /// The same answer whenever it is asked about the same two, or another one at each call.
+    bool operator()(std::size_t a, std::size_t b) {
+        check(a < count_ && b < count_, "what is compared");
+        if (calls_ == lastCall_) throw tThrown();
+        const std::size_t bit = (kind_ == tKind::toPair ? a * count_ + b : calls_) % (bits_.size() * 8);
+        ++calls_;
+        return (bits_[bit / 8] >> bit % 8 & 1) != 0;
+    }
+
+    [[nodiscard]] std::size_t calls() const { return calls_; }
+
+private:
+    std::span<const std::uint8_t> bits_;
+    std::size_t count_;
+    tKind kind_;
+    std::size_t lastCall_;
+    std::size_t calls_ = 0;
+};
+
+tElements sorted(std::size_t count, tAnswers& answers) {
+    tElements elements(count);
+    std::iota(elements.begin(), elements.end(), 0);
+    try {
+        nIntrosort::sort(std::span(elements), [&](std::size_t a, std::size_t b) { return answers(a, b); });
+    } catch (const tAnswers::tThrown&) {
+    }
+    return elements;
 }
 
 /// Insertion by the rule written plainly.
-template <class Before>
-std::vector<std::size_t> inserted(std::size_t count, Before before) {
-    std::vector<std::size_t> result;
+tElements inserted(std::size_t count, tAnswers answers) {
+    tElements result;
     for (std::size_t value = 0; value < count; ++value) {
         auto place = result.end();
-        if (!result.empty() && before(value, result.front())) {
+        if (!result.empty() && answers(value, result.front())) {
             place = result.begin();
         } else {
-            while (place != result.begin() && before(value, *std::prev(place))) --place;
+            while (std::distance(result.begin(), place) > 1 && answers(value, *std::prev(place))) --place;
         }
         result.insert(place, value);
     }
     return result;
 }
 
-/// The bits of the input answer: bit a * count + b of it, over and over again, tells whether a goes before b.
-void sortByBits(std::span<const std::uint8_t> bits, std::size_t count) {
-    const auto before = [=](std::size_t a, std::size_t b) {
-        const std::size_t bit = (a * count + b) % (bits.size() * 8);
-        return (bits[bit / 8] >> bit % 8 & 1) != 0;
-    };
-    std::vector<std::size_t> values(count);
-    std::iota(values.begin(), values.end(), 0);
-    std::vector<std::size_t> sorted = values;
-    nIntrosort::sort(std::span(sorted), before);
-    if (count <= 32) require(sorted == inserted(count, before));
-    std::sort(sorted.begin(), sorted.end());
-    require(sorted == values);
+void checkPermutation(tElements elements) {
+    std::sort(elements.begin(), elements.end());
+    for (std::size_t i = 0; i < elements.size(); ++i) check(elements[i] == i, "a permutation");
+}
+
+void sortByAnswers(const tAnswers& answers, std::size_t count) {
+    tAnswers first = answers;
+    const tElements elements = sorted(count, first);
+    checkPermutation(elements);
+    check(first.calls() <= count * (32 + 6 * static_cast<std::size_t>(std::bit_width(count))), "number of comparisons");
+    tAnswers second = answers;
+    check(sorted(count, second) == elements, "the same order again");
 }
 
 /// A byte for each name, and one for how many follow that are its dependencies.
@@ -67,25 +103,56 @@ std::vector<tPluginDescription> toPlugins(std::span<const std::uint8_t> bytes) {
     return plugins;
 }
 
+bool names(const tPluginDescription& dependant, const tPluginDescription& other) {
+    const std::vector<std::string>& list = dependant.dependencies;
+    return std::find(list.begin(), list.end(), other.name) != list.end();
+}
+
+/// The predicate by its rule, with unsigned bytes.
+bool goesBefore(const tPluginDescription& a, const tPluginDescription& b) {
+    const bool first = names(b, a);
+    const bool second = names(a, b);
+    return first != second ? first : static_cast<unsigned char>(a.name[0]) < static_cast<unsigned char>(b.name[0]);
+}
+
 void orderPlugins(std::span<const std::uint8_t> bytes) {
     std::vector<tPluginDescription> plugins = toPlugins(bytes);
     const std::vector<tPluginDescription> copies = plugins;
     std::vector<const tPluginDescription*> expected;
     for (const tPluginDescription& plugin : copies) expected.push_back(&plugin);
-    nIntrosort::sort(std::span(expected),
-                     [](const auto* a, const auto* b) { return nPluginOrder::goesBefore(*a, *b); });
+    nIntrosort::sort(std::span(expected), [](const auto* a, const auto* b) {
+        check(nPluginOrder::goesBefore(*a, *b) == goesBefore(*a, *b), "goesBefore");
+        return goesBefore(*a, *b);
+    });
 
     nPluginOrder::sort(plugins);
-    require(plugins.size() == expected.size());
-    for (std::size_t i = 0; i < plugins.size(); ++i) require(plugins[i].path == expected[i]->path);
+    check(plugins.size() == expected.size(), "number of plug-ins");
+    for (std::size_t i = 0; i < plugins.size(); ++i) {
+        check(plugins[i].path == expected[i]->path, "order");
+        check(plugins[i].name == expected[i]->name, "name");
+        check(plugins[i].dependencies == expected[i]->dependencies, "dependencies");
+    }
 }
 
 }  // namespace
 
+/// How many elements; which call of the predicate throws, if any; then the answers, and the plug-ins.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size < 2) return 0;
-    const std::span<const std::uint8_t> bytes(data + 1, size - 1);
-    sortByBits(bytes, data[0]);
-    orderPlugins(bytes);
+    if (size < 3) return 0;
+    const std::size_t count = data[0] < 224 ? data[0] % 64 : (data[0] - 192) * 4U;
+    const std::span<const std::uint8_t> bytes(data + 2, size - 2);
+    if (data[1] % 2 == 0) {
+        orderPlugins(bytes);
+        return 0;
+    }
+    constexpr std::size_t never = SIZE_MAX;
+    const std::size_t lastCall = data[1] < 128 ? never : std::size_t{data[1]} * count / 32;
+    for (const auto kind : {tAnswers::tKind::toPair, tAnswers::tKind::toCall}) {
+        const tAnswers answers(bytes, count, kind, lastCall);
+        sortByAnswers(answers, count);
+        if (count > 32 || lastCall != never) continue;
+        tAnswers again = answers;
+        check(sorted(count, again) == inserted(count, answers), "insertion");
+    }
     return 0;
 }

@@ -1,11 +1,14 @@
-// The trace prefix in every size of buffer, against the same line put together with std::string.
+// The trace prefix in every size of buffer, up to one that leaves room, against the same line put together with
+// std::string.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "check.h"
 #include "trace/prefix.h"
 
 namespace {
@@ -22,34 +25,52 @@ std::string lastFourDigits(std::uint32_t line) {
 
 std::string takeText(FuzzedDataProvider& data) { return data.ConsumeRandomLengthString(50).c_str(); }
 
+/// More than the longest buffer holds is as good as that.
+constexpr std::uint32_t deepest = 100;
+
+struct Line {
+    std::string component;
+    std::string file;
+    std::uint32_t number;
+    std::uint32_t depth = 0;
+
+    [[nodiscard]] std::string text() const {
+        return "[" + aligned(component, 10) + "|" + aligned(file, 32) + "|" + lastFourDigits(number) + "] " +
+               std::string(std::min(depth, deepest), ' ');
+    }
+};
+
+void checkInBuffer(std::size_t room, const Line& line, const std::string& text, const nTrace::IndentationTable& table,
+                   std::uint32_t thread) {
+    std::vector<char> buffer(room, '#');
+    const nTrace::Site site{line.file.c_str(), line.component.c_str(), line.number};
+    const char* const end = nTrace::writePrefix(buffer.data(), room, site, table, thread);
+
+    const std::string_view expected = std::string_view(text).substr(0, room - 1);
+    check(buffer.data() == expected, "text");
+    check(end == buffer.data() + expected.size(), "end");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     FuzzedDataProvider data(bytes, size);
-    const auto room = data.ConsumeIntegralInRange<std::size_t>(1, 120);
-    const auto line = data.ConsumeIntegral<std::uint32_t>();
+    Line line;
+    line.number = data.ConsumeIntegral<std::uint32_t>();
     nTrace::IndentationTable table{};
-    std::uint32_t depth = 0;
     const auto thread = data.ConsumeIntegralInRange<std::uint32_t>(0, 3);
     // The first slot in use counts; filled from the back, it is the last one that this loop meets.
     for (auto slot = table.rbegin(); slot != table.rend(); ++slot) {
         *slot = {data.ConsumeIntegralInRange<std::uint32_t>(0, 3), data.ConsumeIntegral<std::uint32_t>(),
                  data.ConsumeIntegralInRange<std::uint32_t>(0, 2)};
-        if (slot->inUse != 0 && slot->threadId == thread) depth = slot->depth;
+        if (data.ConsumeBool()) slot->depth %= deepest;
+        if (slot->inUse != 0 && slot->threadId == thread) line.depth = slot->depth;
     }
-    const std::string component = takeText(data);
-    const std::string file = takeText(data);
-
-    std::vector<char> buffer(room, '#');
-    const char* const end =
-        nTrace::writePrefix(buffer.data(), room, {file.c_str(), component.c_str(), line}, table, thread);
-
-    const std::string whole = "[" + aligned(component, 10) + "|" + aligned(file, 32) + "|" + lastFourDigits(line) +
-                              "] " + std::string(depth < room ? depth : room, ' ');
-    const std::string expected = whole.substr(0, room - 1);
-    if (buffer.data() != expected || end != buffer.data() + expected.size()) {
-        std::fprintf(stderr, "'%s', expected '%s'\n", buffer.data(), expected.c_str());
-        std::abort();
-    }
+    line.component = takeText(data);
+    line.file = takeText(data);
+    // One byte of room for the zero, and some more than is needed unless the depth is beyond all measure.
+    const std::string text = line.text();
+    const std::size_t largest = line.depth < deepest ? text.size() + 3 : text.size();
+    for (std::size_t room = 1; room <= largest; ++room) checkInBuffer(room, line, text, table, thread);
     return 0;
 }

@@ -6,13 +6,36 @@ verdict_of_fuzzer() {
     tail -n 40 "build/native-fuzz/logs/$1" && grep -qx 'exit code 0' "build/native-fuzz/logs/$1"
 }
 
-# What a long run has found that the committed inputs do not reach is added to them.
-keep_found() { "build/native-fuzz/bin/$1_fuzz" -merge=1 "fuzz/corpus/$1" "build/native-fuzz/found/$1"; }
+# Inputs with which a long search has reached code that the committed ones do not are added to them.
+keep_found() {
+    "build/native-fuzz/bin/$1_fuzz" -merge=1 -use_counters=0 "fuzz/corpus/$1" "build/native-fuzz/found/$1"
+}
+
+# Of each fuzzer what it counted itself: inputs tried, edges of the product's code and, finer, what it calls features.
+table_of_fuzzers() {
+    awk '
+        FNR == 1 { name = FILENAME; sub(".*/", "", name); runs = edges = features = 0 }
+        /^stat::number_of_executed_units:/ { runs = $2 }
+        / cov: [0-9]+ ft: [0-9]+ / {
+            for (i = 1; i < NF; ++i) {
+                if ($i == "cov:") edges = $(i + 1)
+                if ($i == "ft:") features = $(i + 1)
+            }
+        }
+        /^exit code / {
+            found = $3 != 0
+            printf "   %-20s %12d %8d %9d %9d\n", name, runs, edges, features, found
+            all_runs += runs; all_edges += edges; all_features += features; all_found += found
+        }
+        BEGIN { printf "   %-20s %12s %8s %9s %9s\n", "fuzzer", "executions", "edges", "features", "findings" }
+        END { printf "   %-20s %12d %8d %9d %9d\n", "all", all_runs, all_edges, all_features, all_found }
+    ' "${@/#/build/native-fuzz/logs/}"
+}
 
 layer_fuzz() {
     check "the build native-fuzz" ./build.sh native-fuzz || return
     local names name
-    mapfile -t names < <(cd build/native-fuzz/bin && printf '%s\n' *_fuzz | sed 's/_fuzz$//')
+    mapfile -t names < <(sed -nE 's/^zuziptra_fuzzer\((\w+)\)$/\1/p' fuzz/CMakeLists.txt)
     say "${#names[@]} fuzzers, two at a time, $fuzz_seconds seconds each"
     rm -rf build/native-fuzz/logs
     printf '%s\n' "${names[@]}" | xargs -I '{}' -P 2 scripts/fuzz '{}' "$fuzz_seconds"
@@ -20,4 +43,5 @@ layer_fuzz() {
         check "fuzz $name" verdict_of_fuzzer "$name" || continue
         ((!fuzz_keeps)) || check "keep what $name has found" keep_found "$name"
     done
+    table_of_fuzzers "${names[@]}"
 }
