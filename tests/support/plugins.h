@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -27,5 +28,7 @@ private:
 void setEnvironment(const char* name, const char* value);
 std::string testProgramFolder();
 extern const char* const libraryExtension;
+/// So many files a test makes in one folder: on Windows fewer, as Wine looks at all of them before it makes one more.
+extern const std::size_t manyFiles;
 
 }  // namespace support

@@ -7,6 +7,7 @@
 namespace support {
 
 const char* const libraryExtension = ".so";
+const std::size_t manyFiles = 10'000;
 
 void setEnvironment(const char* name, const char* value) { setenv(name, value, 1); }
 

@@ -1,0 +1,79 @@
+// Runs over plug-in directories that only a file system with links and names of any bytes can hold.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <string>
+
+#include "tests/support/descriptionReads.h"
+#include "tests/support/serviceWorld.h"
+
+namespace {
+
+class HostileDirectory : public testing::Test {
+protected:
+    HostileDirectory() { startService(); }
+
+    static void run() {
+        signalServiceStop();
+        runService();
+    }
+
+    static std::vector<std::string> names() {
+        std::vector<std::string> names;
+        for (const tPluginEntry& entry : gService->pluginManager.entries()) names.push_back(entry.description.name);
+        return names;
+    }
+
+    static std::string messagesAbout(const std::string& path) {
+        return "Failed to parse service description file: " + path + "\nCannot init system framework\n";
+    }
+
+    support::tServiceWorld world;
+};
+
+TEST_F(HostileDirectory, WhatIsNoRegularFileIsPassedOverWithoutAWord) {
+    const std::filesystem::path outside = world.statusFolder / "outside";
+    world.describe("a.ini", world.calling("A"));
+    std::filesystem::create_directory(outside);
+    std::filesystem::create_symlink("missing", world.plugins / "nowhere.ini");
+    std::filesystem::create_symlink("loop.ini", world.plugins / "loop.ini");
+    std::filesystem::create_symlink(outside, world.plugins / "folder.ini");
+    std::filesystem::create_symlink("/dev/full", world.plugins / "device.ini");
+    ASSERT_EQ(mkfifo((world.plugins / "pipe.ini").c_str(), 0600), 0);  // opening it would block for ever
+    run();
+    EXPECT_THAT(names(), testing::ElementsAre("A"));
+    EXPECT_EQ(gService->messages, "Cannot init system framework\n");
+}
+
+TEST_F(HostileDirectory, AFileThatBecomesALinkToNothingCostsItsPluginAlone) {
+    const std::string link = world.describe("link.ini", world.calling("Link"));
+    world.describe("a.ini", world.calling("A"));
+    const support::tDescriptionReads reads([&](const std::string& path) {
+        if (path != link) return;
+        std::filesystem::remove(link);
+        std::filesystem::create_symlink("missing", link);
+    });
+    run();
+    EXPECT_THAT(names(), testing::ElementsAre("A"));
+    EXPECT_EQ(gService->messages, messagesAbout(link));
+}
+
+TEST_F(HostileDirectory, FileNamesMayHoldQuotesAndControlCharacters) {
+    world.describe("\"'\x01\t\x1B[31m\x7F.ini", world.calling("A"));
+    world.describe("two\nlines.ini", world.calling("B"));
+    const std::string bad = world.describe("\"bad\n\x02.ini", "nonsense");
+    run();
+    EXPECT_THAT(names(), testing::ElementsAre("A", "B"));
+    EXPECT_EQ(gService->messages, messagesAbout(bad));
+}
+
+TEST_F(HostileDirectory, AFileNameThatIsNoTextCostsItsPluginAlone) {
+    const std::string bad = world.describe("\xFF\xC0\x80.ini", world.calling("Bad"));
+    world.describe("a.ini", world.calling("A"));
+    run();
+    EXPECT_THAT(names(), testing::ElementsAre("A"));
+    EXPECT_EQ(gService->messages, messagesAbout(bad));
+}
+
+}  // namespace
