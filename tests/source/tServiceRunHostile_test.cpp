@@ -58,7 +58,7 @@ std::string numbered(std::size_t number) { return std::to_string(100'000 + numbe
 
 // Many.
 
-TEST_F(HostileInput, OfThousandsOfDescriptionFilesEachGoodOneStartsAndEachBadOneIsNamed) {
+TEST_F(HostileInput, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIsNamed) {
     std::vector<std::string> started;
     std::vector<std::string> messages{"Cannot init system framework"};
     std::string before;

@@ -8,7 +8,7 @@
 namespace support {
 
 const char* const libraryExtension = ".dll";
-const std::size_t manyFiles = 2'000;
+const std::size_t manyFiles = 1'000;
 
 // The runtime's own copy of the environment, which is what getenv reads.
 void setEnvironment(const char* name, const char* value) { _putenv_s(name, value); }

@@ -1,17 +1,131 @@
-// Throws what the host knows how to catch, made by a C++ runtime and a copy of the error model that are not the host's.
+// Throws all that there is to throw, made by a C++ runtime and a copy of the error model that are not the host's.
+//
+// Each function serves as any of the three entry points: what it gives never matters, as it never returns.
+#include <array>
 #include <cstdint>
+#include <exception>
+#include <ios>
 #include <new>
 #include <stdexcept>
+#include <string>
+#include <system_error>
+#include <typeinfo>
 
 #include "err/Exception.h"
 
+namespace {
+
+struct EmptyText : std::exception {
+    [[nodiscard]] const char* what() const noexcept override { return ""; }
+};
+
+struct OwnBadAlloc : std::bad_alloc {};
+
+/// Out of memory and out of range at once.
+struct BadAllocAndMore : std::bad_alloc, private std::out_of_range {
+    BadAllocAndMore() : std::out_of_range("private") {}
+};
+
+struct Large : std::exception {
+    std::array<char, 1'000'000> bytes{};
+};
+
+/// What a std::exception would be if it could be told which of the two.
+struct TwoExceptions : std::runtime_error, std::logic_error {
+    TwoExceptions() : std::runtime_error("one"), std::logic_error("two") {}
+};
+
+struct NoException {
+    std::string text = "a text that is too long for a string's small buffer, so that it is released in its library";
+};
+
+/// Throws and catches while it is destroyed by an exception on its way.
+struct Busy {
+    Busy() = default;
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+    ~Busy() {
+        try {
+            throw NoException();
+        } catch (const NoException&) {
+            // All is well here.
+        }
+    }
+};
+
+void throwFromBelow(int levels) {
+    const Busy busy;
+    if (levels == 0) throw std::runtime_error("from below");
+    throwFromBelow(levels - 1);
+}
+
+void throwWithCode(std::int32_t code) {
+    zuerr::ExceptionBase exception;
+    zuerr::RaiseInto(exception.record, code, "plugin", {"throwing", 8}, nullptr);
+    throw zuerr::ExceptionBase(exception);
+}
+
+}  // namespace
+
 extern "C" {
 
+// Standard exceptions.
+void ThrowException() { throw std::exception(); }
 void ThrowRuntimeError() { throw std::runtime_error("an exception of the standard library"); }
+void ThrowLongText() { throw std::runtime_error(std::string(1'000'000, 'x')); }
+void ThrowOddText() { throw std::logic_error("%s%n\xFF\x01\"\n"); }
+void ThrowEmptyText() { throw EmptyText(); }
+void ThrowSystemError() { throw std::system_error(std::make_error_code(std::errc::io_error)); }
+void ThrowIosFailure() { throw std::ios_base::failure("stream"); }
+void ThrowBadCast() { throw std::bad_cast(); }
+void ThrowBadException() { throw std::bad_exception(); }
+void ThrowLarge() { throw Large(); }
+void ThrowFromBelow() { throwFromBelow(50); }
 
+/// Thrown while another one is being handled, and carrying it along.
+void ThrowNested() {
+    try {
+        throw NoException();
+    } catch (...) {
+        std::throw_with_nested(std::runtime_error("nested"));
+    }
+}
+
+/// The same object each time.
+void ThrowStored() {
+    static const std::exception_ptr stored = std::make_exception_ptr(std::runtime_error("stored"));
+    std::rethrow_exception(stored);
+}
+
+void ThrowAgain() {
+    try {
+        ThrowStored();
+    } catch (...) {
+        throw;
+    }
+}
+
+// A lack of memory.
 void ThrowBadAlloc() { throw std::bad_alloc(); }
+void ThrowBadArrayNewLength() { throw std::bad_array_new_length(); }
+void ThrowOwnBadAlloc() { throw OwnBadAlloc(); }
+void ThrowBadAllocAndMore() { throw BadAllocAndMore(); }
 
+// The program's own.
 void ThrowOsFault() { zuerr::Raise(zuerr::osFault, {"throwing", 7}); }
+void ThrowBaseAlone() { throwWithCode(-7); }
+void ThrowSmallestCode() { throwWithCode(INT32_MIN); }
+void ThrowWarning() { throwWithCode(5); }
+void ThrowNoCode() { throw zuerr::Exception(); }
+
+// What is no std::exception.
+void ThrowInt() { throw 7; }
+void ThrowText() { throw "text"; }
+void ThrowString() { throw std::string(1000, 'x'); }
+void ThrowNull() { throw nullptr; }
+void ThrowFunction() { throw &ThrowInt; }
+void ThrowObject() { throw NoException(); }
+void ThrowTwoExceptions() { throw TwoExceptions(); }
 
 /// Nothing leaves the library; gives the code that it finds itself.
 std::int32_t CatchOwnOsFault() {

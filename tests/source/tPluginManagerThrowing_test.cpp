@@ -1,0 +1,212 @@
+// Plug-ins that throw everything there is to throw, from every entry. See tests/plugins/throwing, which brings its own
+// C++ runtime and its own copy of the error model.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "err/Exception.h"
+#include "source/tPluginManager.h"
+#include "tests/support/plugins.h"
+
+namespace {
+
+struct tThrow {
+    const char* entry;
+    std::int32_t code;  ///< what the host makes of it
+};
+
+constexpr tThrow known[] = {
+    {"ThrowException", -52003},
+    {"ThrowRuntimeError", -52003},
+    {"ThrowLongText", -52003},
+    {"ThrowOddText", -52003},
+    {"ThrowEmptyText", -52003},
+    {"ThrowSystemError", -52003},
+    {"ThrowIosFailure", -52003},
+    {"ThrowBadCast", -52003},
+    {"ThrowBadException", -52003},
+    {"ThrowLarge", -52003},
+    {"ThrowFromBelow", -52003},
+    {"ThrowNested", -52003},
+    {"ThrowStored", -52003},
+    {"ThrowAgain", -52003},
+    {"ThrowBadAlloc", -52000},
+    {"ThrowBadArrayNewLength", -52000},
+    {"ThrowOwnBadAlloc", -52000},
+    {"ThrowBadAllocAndMore", -52000},
+    {"ThrowOsFault", -52008},
+    {"ThrowBaseAlone", -7},
+    {"ThrowSmallestCode", INT32_MIN},
+    {"ThrowWarning", 5},
+    {"ThrowNoCode", 0},
+};
+
+constexpr const char* unknown[] = {"ThrowInt",      "ThrowText",   "ThrowString",       "ThrowNull",
+                                   "ThrowFunction", "ThrowObject", "ThrowTwoExceptions"};
+
+tPluginDescription plugin(const std::string& initialize, const std::string& stop = "",
+                          const std::string& cleanup = "") {
+    tPluginDescription description;
+    description.path = support::pluginPath("throwing");
+    description.initialize = initialize;
+    description.stop = stop;
+    description.cleanup = cleanup;
+    return description;
+}
+
+class ThrowingPlugins : public testing::Test {
+protected:
+    ~ThrowingPlugins() override {
+        // A library whose clean-up threw is the test's to unload.
+        for (tPluginEntry entry : manager.entries()) entry.library.close();
+    }
+
+    [[nodiscard]] const tPluginEntry& last() const { return manager.entries().back(); }
+
+    tPluginManager manager;
+};
+
+/// Whether failures are thrown inside the host where nothing is propagating, and are not where something is.
+void expectTheHostToJudgeRightly() {
+    tPluginManager manager;
+    manager.startAll({plugin("NoSuchEntry")}, 1);
+    EXPECT_EQ(manager.entries().at(0).initCode, -52005);
+    EXPECT_FALSE(zuerr::ExceptionIsPropagating());
+    struct CleanUp {
+        ~CleanUp() { EXPECT_TRUE(zuerr::ExceptionIsPropagating()); }
+    };
+    EXPECT_THROW(
+        {
+            const CleanUp cleanUp;
+            throw std::runtime_error("propagating");
+        },
+        std::runtime_error);
+}
+
+TEST_F(ThrowingPlugins, FromInitializeFailWithTheCodeOfWhatTheyThrowAndAreUnloaded) {
+    for (const tThrow& each : known) {
+        manager.startAll({plugin(each.entry, "ThrowInt", "ThrowInt")}, 1);
+        EXPECT_EQ(last().initCode, each.code) << each.entry;
+        EXPECT_EQ(last().library.loaded, 0) << each.entry;
+    }
+    manager.stopAll();
+    manager.cleanupAll();
+    for (const tPluginEntry& entry : manager.entries()) {
+        EXPECT_EQ(entry.stopCode, 0) << entry.description.initialize << " is stopped by the built-in entry";
+        EXPECT_EQ(entry.cleanupCode, 0) << entry.description.initialize;
+    }
+    expectTheHostToJudgeRightly();
+}
+
+TEST_F(ThrowingPlugins, FromInitializeFailTheirDependantsWhateverTheCode) {
+    for (const tThrow& each : known) {
+        tPluginDescription first = plugin(each.entry);
+        first.name = "first";
+        tPluginDescription second = plugin("");
+        second.dependencies = {"first"};
+        manager.startAll({first, second}, 1);
+        EXPECT_EQ(last().initCode, -52006) << each.entry;
+    }
+}
+
+TEST_F(ThrowingPlugins, FromStopKeepTheCodeOfWhatTheyThrowAndAreCleanedUpAllTheSame) {
+    for (const tThrow& each : known) manager.startAll({plugin("", each.entry)}, 1);
+    manager.stopAll();
+    manager.cleanupAll();
+    for (std::size_t i = 0; i < std::size(known); ++i) {
+        const tPluginEntry& entry = manager.entries()[i];
+        EXPECT_EQ(entry.initCode, 0) << known[i].entry;
+        EXPECT_EQ(entry.stopCode, known[i].code) << known[i].entry;
+        EXPECT_EQ(entry.cleanupCode, 0) << known[i].entry;
+        EXPECT_EQ(entry.library.loaded, 0) << known[i].entry;
+    }
+    expectTheHostToJudgeRightly();
+}
+
+TEST_F(ThrowingPlugins, FromCleanupKeepTheCodeOfWhatTheyThrowAndStayLoaded) {
+    for (const tThrow& each : known) manager.startAll({plugin("", "", each.entry)}, 1);
+    manager.stopAll();
+    manager.cleanupAll();
+    for (std::size_t i = 0; i < std::size(known); ++i) {
+        const tPluginEntry& entry = manager.entries()[i];
+        EXPECT_EQ(entry.stopCode, 0) << known[i].entry;
+        EXPECT_EQ(entry.cleanupCode, known[i].code) << known[i].entry;
+        EXPECT_EQ(entry.library.loaded, 1) << known[i].entry;
+    }
+    expectTheHostToJudgeRightly();
+}
+
+TEST_F(ThrowingPlugins, HundredsOfTimesInOneLifeEachHaveTheirOwnCodes) {
+    constexpr std::size_t rounds = 20;
+    constexpr std::size_t kinds = std::size(known);
+    std::vector<tPluginDescription> plugins;
+    for (std::size_t i = 0; i < rounds * kinds; ++i) {
+        plugins.push_back(plugin(known[i % kinds].entry));
+        plugins.push_back(plugin("NoSuchEntry"));
+        plugins.push_back(plugin("", known[(i + 1) % kinds].entry, known[(i + 2) % kinds].entry));
+    }
+    manager.startAll(plugins, 1);
+    manager.stopAll();
+    manager.cleanupAll();
+    for (std::size_t i = 0; i < rounds * kinds; ++i) {
+        EXPECT_EQ(manager.entries()[3 * i].initCode, known[i % kinds].code) << i;
+        EXPECT_EQ(manager.entries()[3 * i + 1].initCode, -52005) << i;
+        const tPluginEntry& started = manager.entries()[3 * i + 2];
+        EXPECT_EQ(started.initCode, 0) << i;
+        EXPECT_EQ(started.stopCode, known[(i + 1) % kinds].code) << i;
+        EXPECT_EQ(started.cleanupCode, known[(i + 2) % kinds].code) << i;
+    }
+    expectTheHostToJudgeRightly();
+}
+
+/// Calls what must let something out that is no std::exception. That is caught outside of the product here, so the test
+/// has to book it.
+template <class Call>
+void expectPassedOn(Call call, const char* what) {
+    const zuerr::ForeignCall guard;
+    try {
+        call();
+        ADD_FAILURE() << what << " was kept";
+    } catch (const std::exception&) {
+        ADD_FAILURE() << what << " is a standard exception";
+    } catch (...) {
+        // As it should be.
+    }
+}
+
+TEST_F(ThrowingPlugins, OfUnknownThingsFromInitializePassThemOnAndLeaveWhatHasStarted) {
+    for (const char* const entry : unknown) {
+        const std::size_t before = manager.entries().size();
+        expectPassedOn([&] { manager.startAll({plugin(""), plugin(entry), plugin("")}, 1); }, entry);
+        EXPECT_EQ(manager.entries().size(), before + 1) << entry;
+        EXPECT_EQ(last().library.loaded, 1);
+    }
+    manager.stopAll();
+    manager.cleanupAll();
+    for (const tPluginEntry& entry : manager.entries()) EXPECT_EQ(entry.library.loaded, 0);
+    expectTheHostToJudgeRightly();
+    // The libraries that threw are still loaded, once each, without an entry that knows of it.
+    std::uint32_t osError = 0;
+    const nLibrary::Handle library = nLibrary::load(support::pluginPath("throwing").c_str(), osError);
+    for (std::size_t i = 0; i < std::size(unknown) + 1; ++i) EXPECT_TRUE(nLibrary::unload(library, osError)) << i;
+}
+
+TEST_F(ThrowingPlugins, OfUnknownThingsFromStopOrCleanupPassThemOn) {
+    for (const char* const entry : unknown) {
+        tPluginManager own;
+        own.startAll({plugin("", entry, entry)}, 1);
+        expectPassedOn([&] { own.stopAll(); }, entry);
+        expectPassedOn([&] { own.cleanupAll(); }, entry);
+        EXPECT_EQ(own.entries()[0].stopCode, 0) << entry;
+        EXPECT_EQ(own.entries()[0].cleanupCode, 0) << entry;
+        EXPECT_EQ(own.entries()[0].library.loaded, 1) << entry;
+        tPluginEntry(own.entries()[0]).library.close();
+    }
+    expectTheHostToJudgeRightly();
+}
+
+}  // namespace
