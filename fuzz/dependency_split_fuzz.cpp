@@ -1,11 +1,11 @@
 // The dependencies of a plug-in against the rule written plainly: one byte after the other.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "check.h"
 #include "source/nPluginData.h"
 
 namespace {
@@ -42,6 +42,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     std::vector<std::string> list{"dropped"};
     nPluginData::splitDependencies(text, list);
-    if (list != expected(text)) std::abort();
+    check(list == expected(text), "list");
     return 0;
 }

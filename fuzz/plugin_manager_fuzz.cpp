@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <new>
 #include <optional>
 #include <set>
@@ -15,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "check.h"
 #include "err/Exception.h"
 #include "source/tPluginManager.h"
 #include "tests/support/fakePlugins.h"
@@ -189,21 +188,15 @@ tPluginDescription anyDescription(FuzzedDataProvider& data) {
     return description;
 }
 
-void check(bool holds, const char* what) {
-    if (holds) return;
-    std::fprintf(stderr, "%s\n", what);
-    std::abort();
-}
-
 void compare(const tPluginManager& manager, const support::tFakePlugins& plugins, const tModel& model) {
-    check(plugins.calls == model.calls, "other calls than expected");
-    check(manager.entries().size() == model.entries.size(), "another number of entries than expected");
+    check(plugins.calls == model.calls, "calls");
+    check(manager.entries().size() == model.entries.size(), "number of entries");
     for (std::size_t i = 0; i < model.entries.size(); ++i) {
         const tPluginEntry& entry = manager.entries()[i];
         const std::array codes{entry.initCode, entry.stopCode, entry.cleanupCode};
-        check(codes == model.entries[i].codes, "other codes than expected");
-        check((entry.library.loaded == 1) == model.entries[i].loaded, "loaded or not, against expectation");
-        check(entry.description.name == model.entries[i].description.name, "another order than expected");
+        check(codes == model.entries[i].codes, "codes");
+        check((entry.library.loaded == 1) == model.entries[i].loaded, "loaded");
+        check(entry.description.name == model.entries[i].description.name, "order");
     }
 }
 
@@ -212,7 +205,7 @@ bool starts(tPluginManager& manager, const std::vector<tPluginDescription>& desc
         manager.startAll(descriptions, allowedMask);
         return true;
     } catch (const zuerr::Exception& exception) {
-        check(exception.record.code == loaderFailure, "startAll throws another code");
+        check(exception.record.code == loaderFailure, "what startAll throws");
         return false;
     }
 }
@@ -224,7 +217,7 @@ void startBoth(FuzzedDataProvider& data, tPluginManager& manager, tModel& model)
     }
     const auto allowedMask = data.ConsumeIntegralInRange(0U, 7U);
     check(starts(manager, descriptions, allowedMask) == model.startAll(descriptions, allowedMask),
-          "startAll throws, or does not, against expectation");
+          "whether startAll throws");
 }
 
 }  // namespace

@@ -1,27 +1,27 @@
 // Both ways between UTF-16 and UTF-8. The input is taken for UTF-16 first and for UTF-8 then.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "check.h"
 #include "stdpath/utf.h"
 
 namespace {
 
-void require(bool truth) {
-    if (!truth) std::abort();
-}
-
-/// The code points of a text that the system keeps, by the rule written plainly.
-std::vector<std::uint32_t> codePoints(const std::u16string& text) {
+/// The code points of UTF-16 by the rule written plainly. A high surrogate is joined with whatever follows it, or with
+/// a low surrogate only.
+std::vector<std::uint32_t> codePoints(const std::u16string& text, bool withLowOnly) {
     std::vector<std::uint32_t> result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         std::uint32_t codePoint = text[i];
         if (codePoint >= 0xD800 && codePoint <= 0xDBFF && i + 1 < text.size()) {
-            codePoint = codePoint * 1024 + text[++i] - 0x35FDC00;
+            const std::uint32_t next = text[i + 1];
+            const bool joined = !withLowOnly || (next >= 0xDC00 && next <= 0xDFFF);
+            if (joined) codePoint = codePoint * 1024 + next - 0x35FDC00;
+            if (joined) ++i;
         }
         result.push_back(codePoint);
     }
@@ -34,14 +34,42 @@ std::vector<std::uint32_t> decoded(std::string_view utf8) {
     for (std::size_t i = 0; i < utf8.size();) {
         const auto lead = static_cast<std::uint8_t>(utf8[i++]);
         const int tail = lead < 0x80 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
-        require(lead < 0x80 || (lead >= 0xC2 && lead < 0xF8));
+        check(lead < 0x80 || (lead >= 0xC2 && lead < 0xF8), "first byte");
         std::uint32_t codePoint = tail == 0 ? lead : lead & (0x3FU >> tail);
         for (int left = tail; left > 0; --left) {
-            require(i < utf8.size() && (static_cast<std::uint8_t>(utf8[i]) & 0xC0) == 0x80);
+            check(i < utf8.size() && (static_cast<std::uint8_t>(utf8[i]) & 0xC0) == 0x80, "next byte");
             codePoint = codePoint << 6 | (static_cast<std::uint8_t>(utf8[i++]) & 0x3F);
         }
-        require(tail == (codePoint < 0x80 ? 0 : codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3));
+        check(tail == (codePoint < 0x80 ? 0 : codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3), "shortest form");
         result.push_back(codePoint);
+    }
+    return result;
+}
+
+/// How many bytes the character at the beginning of the text has, by the table of its well-formed sequences (to which
+/// single surrogates are added); 0 when there is none.
+std::size_t characterSize(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0; };
+    const auto isTail = [&](std::size_t i) { return byte(i) >= 0x80 && byte(i) <= 0xBF; };
+    if (byte(0) <= 0x7F) return 1;
+    if (byte(0) >= 0xC2 && byte(0) <= 0xDF) return isTail(1) ? 2 : 0;
+    if (byte(0) >= 0xE0 && byte(0) <= 0xEF) {
+        return isTail(1) && isTail(2) && (byte(0) != 0xE0 || byte(1) >= 0xA0) ? 3 : 0;
+    }
+    const bool second = (byte(0) == 0xF0 && byte(1) >= 0x90 && isTail(1)) || (byte(0) == 0xF4 && byte(1) <= 0x8F) ||
+                        (byte(0) >= 0xF1 && byte(0) <= 0xF3);
+    return second && isTail(1) && isTail(2) && isTail(3) ? 4 : 0;
+}
+
+/// Each character in its units; each byte that begins none as U+FFFD.
+std::u16string expectedUnits(std::string_view text) {
+    std::u16string result;
+    while (!text.empty()) {
+        const std::size_t size = characterSize(text);
+        const std::uint32_t codePoint = size == 0 ? 0xFFFD : decoded(text.substr(0, size))[0];
+        if (codePoint >= 0x10000) result += static_cast<char16_t>((codePoint - 0x10000) / 1024 + 0xD800);
+        result += static_cast<char16_t>(codePoint < 0x10000 ? codePoint : codePoint % 1024 + 0xDC00);
+        text.remove_prefix(size == 0 ? 1 : size);
     }
     return result;
 }
@@ -56,14 +84,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     std::string text;
     nStdPath::wideToUtf8(wide.data(), wide.data() + wide.size(), text);
-    require(decoded(text) == codePoints(units));
+    check(decoded(text) == codePoints(units, false), "the text of a wide text");
 
-    require(nStdPath::fileNameFromUtf8(nStdPath::fileNameToUtf8(units)) == units);
+    const std::string name = nStdPath::fileNameToUtf8(units);
+    check(decoded(name) == codePoints(units, true), "the text of a file name");
+    check(nStdPath::fileNameFromUtf8(name) == units, "the file name that comes back");
 
-    // A text that is no UTF-8 becomes one, and stays what it is from then on.
-    const std::u16string name = nStdPath::fileNameFromUtf8({reinterpret_cast<const char*>(data), size});
-    const std::string shown = nStdPath::fileNameToUtf8(name);
-    decoded(shown);
-    require(nStdPath::fileNameFromUtf8(shown) == name);
+    const std::vector<char> narrow(reinterpret_cast<const char*>(data), reinterpret_cast<const char*>(data) + size);
+    const std::string_view bytes(narrow.data(), narrow.size());
+    const std::u16string fromBytes = nStdPath::fileNameFromUtf8(bytes);
+    check(fromBytes == expectedUnits(bytes), "the file name of any bytes");
+    // Halves of a pair, each with three bytes of its own, become one character.
+    check(decoded(nStdPath::fileNameToUtf8(fromBytes)) == codePoints(fromBytes, true), "the text of that file name");
     return 0;
 }
