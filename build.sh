@@ -11,7 +11,7 @@ Usage: ./build.sh [preset [target...]]
 Builds build/<preset>, all of it or the CMake targets named; the default is
 windows-release, which gives build/windows-release/bin/zuZiptraRemoteService.exe.
 
-Presets: windows-release windows-debug windows-trace native-asan native-coverage native-fuzz
+Presets: windows-release windows-debug windows-trace native-asan native-tsan native-coverage native-fuzz
          native-bench windows-bench
 TXT
 }
@@ -23,7 +23,7 @@ case $preset in
         exit 0
         ;;
     windows-release | windows-debug | windows-trace | windows-bench) ;;
-    native-asan | native-coverage | native-fuzz | native-bench) ;;
+    native-asan | native-tsan | native-coverage | native-fuzz | native-bench) ;;
     *)
         usage >&2
         exit 2

@@ -21,9 +21,9 @@ The last line is the sum: N passed, N failed, N skipped.
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
   fuzz       every fuzzer for $fuzz_seconds seconds
   sweep      every system call of whole lives fails in turn (SWEEP_ALL=1: at every occurrence)
-  soak       the plug-ins loaded and unloaded SOAK_CYCLES times (500), the service started for SOAK_SECONDS (25)
+  soak       the plug-ins loaded and unloaded SOAK_CYCLES times (500), the service started for SOAK_SECONDS (15)
   kill       the executable killed KILLS times (55) step by step of replacing the status file, and as often at random
-  race       stop requests from many sides: every interleaving, RACE_ROUNDS in one process, RACE_SECONDS (24) outside
+  race       stop requests from many sides: every interleaving, RACE_ROUNDS in one process, RACE_SECONDS (18) outside
 
   --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in fuzz/corpus
 TXT

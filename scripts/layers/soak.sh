@@ -5,7 +5,7 @@ layer_soak() {
     check "the build windows-release" ./build.sh windows-release || return
     use_prefix build/test/prefix
     check "a fresh Wine prefix" make_fresh_prefix || return
-    googletest "plug-ins and the service, again and again" $((${SOAK_SECONDS:-25} + ${SOAK_CYCLES:-500} + 120)) \
+    googletest "plug-ins and the service, again and again" $((${SOAK_SECONDS:-15} + ${SOAK_CYCLES:-500} + 120)) \
         wine build/windows-release/bin/endurance_tests.exe --gtest_filter='Soak.*'
     figures "plug-ins and the service, again and again"
     leave_prefix

@@ -115,7 +115,7 @@ private:
 
 protected:
     /// A third of the time for each of the tests.
-    tClock::time_point end_ = tClock::now() + std::chrono::milliseconds(1000 * setting("RACE_SECONDS", 24) / 3);
+    tClock::time_point end_ = tClock::now() + std::chrono::milliseconds(1000 * setting("RACE_SECONDS", 18) / 3);
 
 private:
     std::mt19937 random_{std::random_device{}()};

@@ -111,7 +111,7 @@ TEST_F(Soak, TenPluginsLoadedAndUnloadedAgainAndAgainLeaveNothingBehind) {
 
 TEST_F(Soak, TheServiceStartsAndStopsAgainAndAgain) {
     addTenPlugins();
-    const auto end = tClock::now() + std::chrono::seconds(setting("SOAK_SECONDS", 25));
+    const auto end = tClock::now() + std::chrono::seconds(setting("SOAK_SECONDS", 15));
     endtoend::tInstalledService service(executable());
     std::set<std::size_t> handles;
     int cycles = 0;
