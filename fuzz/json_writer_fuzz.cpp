@@ -2,7 +2,6 @@
 // a std::string. Another JSON library reads what it writes.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -11,22 +10,9 @@
 
 #include "check.h"
 #include "err/JsonReport.h"
+#include "jsonText.h"
 
 namespace {
-
-std::string escaped(const std::string& text) {
-    std::string result;
-    for (const char character : text) {
-        const std::size_t found = std::string("\b\t\n\f\r\"\\").find(character);
-        if (found == std::string::npos) {
-            result += character;
-        } else {
-            result += '\\';
-            result += "btnfr\"\\"[found];
-        }
-    }
-    return result;
-}
 
 /// A container's text, its buffer's room, and the offset behind the last value written: what the buffer must show.
 struct Model {
@@ -54,18 +40,9 @@ void checkBuffer(const std::vector<char>& buffer, const Model& model) {
     check(buffer == expected, "text, terminator, zero fill and sentinel");
 }
 
-/// Other readers take no control characters, and UTF-8 only.
-bool isReadable(char character) { return character >= ' ' && character <= '~'; }
-
-/// The other library takes the text, once what it does not take is replaced.
-void checkWithOtherLibrary(std::string text) {
-    for (char& character : text) character = isReadable(character) ? character : '?';
-    check(nlohmann::json::accept(text), "JSON");
-}
-
 /// A lone control character is an error for FindEnd.
 void checkEnd(std::vector<char>& buffer, const Model& model) {
-    const bool valid = std::none_of(model.text.begin(), model.text.end(), [](char c) { return c >= 0 && c < ' '; });
+    const bool valid = !jsonText::holdsControlCharacter(model.text);
     check(zuerr::FindEnd(buffer.data()) == (valid ? buffer.data() + model.text.size() - 1 : nullptr), "the end");
 }
 
@@ -74,7 +51,7 @@ std::string takeText(FuzzedDataProvider& data, bool readable) {
     std::string text = data.ConsumeRandomLengthString(40);
     for (char& character : text) {
         const bool isEscaped = character != 0 && std::strchr("\b\t\n\f\r", character) != nullptr;
-        if (character == 0 || (readable && !isEscaped && !isReadable(character))) character = 'x';
+        if (character == 0 || (readable && !isEscaped && !jsonText::isReadable(character))) character = 'x';
     }
     return text;
 }
@@ -89,9 +66,9 @@ struct Member {
           value(kind == 1 || kind == 2 ? data.ConsumeIntegral<std::uint32_t>() : 0) {}
 
     [[nodiscard]] std::string asText() const {
-        const std::string values[] = {"\"" + escaped(text) + "\"", std::to_string(static_cast<std::int32_t>(value)),
+        const std::string values[] = {jsonText::quoted(text), std::to_string(static_cast<std::int32_t>(value)),
                                       std::to_string(value), "{}"};
-        return (hasKey ? "\"" + escaped(key) + "\":" : "") + values[kind];
+        return (hasKey ? jsonText::quoted(key) + ":" : "") + values[kind];
     }
 
     char* write(char* cursor) const {
@@ -169,7 +146,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         }
         if (!written) continue;
         lastIsInArray = place.inArray;
-        checkWithOtherLibrary(model.text);
+        jsonText::check(model.text);
     }
     // No two keys are the same then.
     if (readable) check(nlohmann::ordered_json::parse(model.text).dump() == model.text, "the values that others read");

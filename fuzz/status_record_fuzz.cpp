@@ -4,11 +4,11 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "check.h"
 #include "err/StatusRecord.h"
+#include "jsonText.h"
 
 namespace {
 
@@ -46,13 +46,16 @@ struct Model {
         return true;
     }
 
+    /// Whether members can be added at all.
+    bool begin() { return grow(4) && !jsonText::holdsControlCharacter(text); }
+
     /// Adds to the object that `depth` closing braces follow.
     bool add(const std::string& member, std::size_t depth) {
         const std::size_t at = text.size() - depth;
         std::string next = text;
         next.insert(at, (text[at - 1] == '{' ? "" : ",") + member);
         while (next.size() + 2 > capacity) {
-            if (!grow(2 * capacity - 2)) return false;
+            if (!grow(2 * capacity - 2) || jsonText::holdsControlCharacter(text)) return false;
         }
         text = next;
         return true;
@@ -81,14 +84,14 @@ struct Subject {
     Model model;
 };
 
-std::string quoted(const std::string& text) { return nlohmann::json(text).dump(); }
-
-/// Printable, or such as is escaped; sometimes long, so that buffers grow.
+/// Printable, or such as is escaped; seldom another control character, which makes the text invalid; sometimes long, so
+/// that buffers grow.
 std::string takeText(FuzzedDataProvider& data) {
     const int repeats = data.ConsumeIntegralInRange(0, 7) == 0 ? data.ConsumeIntegralInRange(1, 600) : 0;
     std::string text = std::string(static_cast<std::size_t>(repeats), 'x') + data.ConsumeRandomLengthString(30);
     for (char& character : text) {
-        if (character < ' ' || character > '~') character = "\b\t\n\f\r"[static_cast<unsigned char>(character) % 5];
+        if (jsonText::isReadable(character) || character == 1) continue;
+        character = "\b\t\n\f\r"[static_cast<unsigned char>(character) % 5];
     }
     return text;
 }
@@ -103,23 +106,24 @@ void raise(FuzzedDataProvider& data, Subject& subject) {
     Model& model = subject.model;
     if (model.code < 0) return;
     model.setCode(code);
-    static_cast<void>(model.grow(4) && model.add("\"error_constant\":" + quoted(constant), 1) &&
-                      model.add("\"file\":" + quoted(file), 1) && model.add("\"line\":" + std::to_string(line), 1) &&
-                      model.add("\"component\":" + quoted(component), 1));
+    static_cast<void>(model.begin() && model.add("\"error_constant\":" + jsonText::quoted(constant), 1) &&
+                      model.add("\"file\":" + jsonText::quoted(file), 1) &&
+                      model.add("\"line\":" + std::to_string(line), 1) &&
+                      model.add("\"component\":" + jsonText::quoted(component), 1));
 }
 
 void append(FuzzedDataProvider& data, Subject& subject) {
     zuerr::JsonChain chain = zuerr::Append(subject.record);
-    bool goesOn = subject.model.grow(4);
+    bool goesOn = subject.model.begin();
     std::size_t depth = 1;
     for (int i = data.ConsumeIntegralInRange(1, 5); i > 0; --i) {
         const std::string key = takeText(data);
-        std::string member = quoted(key) + ":";
+        std::string member = jsonText::quoted(key) + ":";
         switch (data.ConsumeIntegralInRange(0, 3)) {
             case 0: {
                 const std::string value = takeText(data);
                 chain.AddString(key.c_str(), value.c_str());
-                goesOn = goesOn && subject.model.add(member + quoted(value), depth);
+                goesOn = goesOn && subject.model.add(member + jsonText::quoted(value), depth);
                 break;
             }
             case 1: {
@@ -154,7 +158,7 @@ void checkSubject(const Subject& subject) {
     expected.resize(model.capacity);
     expected.back() = zuerr::jsonSentinel;
     check(std::memcmp(record.json, expected.data(), expected.size()) == 0, "text, terminator, zero fill and sentinel");
-    check(nlohmann::json::accept(model.text), "JSON");
+    jsonText::check(model.text);
 }
 
 }  // namespace
