@@ -1,7 +1,7 @@
+#include <array>
+#include <charconv>
 #include <cstdio>
-#include <locale>
 #include <memory>
-#include <sstream>
 
 #include "err/Exception.h"
 #include "source/statusFile.h"
@@ -12,17 +12,19 @@ namespace {
 
 constexpr const char* sourceFile = ".\\source\\tService";
 
+std::string hexadecimal(std::uint32_t value) {
+    std::array<char, 2 * sizeof value> digits{};
+    return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr};
+}
+
 std::string statusText(const tService& service) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());  // the same digits whatever the process's locale is
-    text.exceptions(std::ios::badbit);   // streams hide a lack of memory and end the text there
-    text << "ZU-Ziptra Remote Configuration and Deployment status\n"
-         << "Updated: " << nStatusFile::currentTimeText()  // brings its line break
-         << "Allowed: 0x" << std::hex << service.allowedMask << std::dec << '\n';
+    std::string text = "ZU-Ziptra Remote Configuration and Deployment status\n";
+    text.append("Updated: ").append(nStatusFile::currentTimeText());  // brings its line break
+    text.append("Allowed: 0x").append(hexadecimal(service.allowedMask)).append("\n");
     // 32 bits, as in the lines of the plug-ins: after 49.7 days the number starts over.
-    if (service.initTimeMs != 0) text << "Init Time " << static_cast<std::uint32_t>(service.initTimeMs) << " ms\n";
-    text << '\n' << service.messages << service.pluginManager.statusText();
-    return text.str();
+    const std::string initTime = std::to_string(static_cast<std::uint32_t>(service.initTimeMs));
+    if (service.initTimeMs != 0) text.append("Init Time ").append(initTime).append(" ms\n");
+    return text.append("\n").append(service.messages).append(service.pluginManager.statusText());
 }
 
 struct CloseFile {
@@ -50,7 +52,7 @@ void WriteStatus(const tService& service) {
         std::string directory;
         zuerr::StatusRecord status;
         nStdPath::getCommonAppDataDirectory(directory, status);
-        const bool known = !status.failed();  // not thrown, and yet to be heeded, while another exception propagates
+        const bool known = !status.failed();
         zuerr::ThrowIfFailed(status);
         if (known) WriteStatusFile(directory, "zuZiptraRemoteService.status", text);
     } catch (const std::exception&) {

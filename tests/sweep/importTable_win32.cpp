@@ -80,6 +80,9 @@ constexpr std::string_view runtime[] = {
     "abort",
     "exit",
     "signal",
+    // Loading shell32.dll when it is first called. Should that fail, the process ends, as it otherwise would not begin.
+    "LoadLibraryA",
+    "LocalAlloc",
     // Exceptions.
     "AddVectoredExceptionHandler",
     "RemoveVectoredExceptionHandler",
