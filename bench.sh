@@ -35,6 +35,29 @@ native() {
         fail "the benchmarks of $1 have ended early; what they said is in $results/$1-native.log"
 }
 
+# on_windows GROUP: the group's rows under Wine.
+on_windows() {
+    ./build.sh windows-bench windows_bench zuZiptraRemoteService
+    start_wine
+    say "measuring $1 under Wine"
+    pinned wine build/windows-bench/bin/windows_bench.exe "$1" "$results/$1-windows.json" \
+        >"$results/$1-windows.log" 2>&1 ||
+        fail "the benchmarks of $1 have ended early; what they said is in $results/$1-windows.log"
+}
+
+# Wine's server is on the same core as its clients: every system call is a way to it and back.
+start_wine() {
+    [[ -z ${WINEPREFIX-} ]] || return 0
+    use_prefix "$results/prefix"
+    make_prefix
+    leave_prefix
+    pinned wineserver --persistent
+    # Wine lets every program that may be a service wait ten seconds for the control pipe of the service started last.
+    # There is no pipe of this number.
+    quietly "$results/wine.log" pinned wine reg add 'HKLM\System\CurrentControlSet\Control\ServiceCurrent' \
+        /ve /t REG_DWORD /d 1000000 /f
+}
+
 # pinned COMMAND...: on one core, so that both sides of a pair find the same caches and no move comes between.
 pinned() { taskset --cpu-list "$(($(nproc) - 1))" "$@"; }
 

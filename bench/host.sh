@@ -1,6 +1,6 @@
-# Sourced by bench.sh.
+# Sourced by bench.sh: whole lives of the host.
 # shellcheck shell=bash
 
 bench_host() {
-    say "nothing is measured for host yet"
+    on_windows host
 }

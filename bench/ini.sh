@@ -3,4 +3,5 @@
 
 bench_ini() {
     native ini
+    on_windows ini
 }

@@ -1,6 +1,6 @@
-# Sourced by bench.sh.
+# Sourced by bench.sh: replacing the status file.
 # shellcheck shell=bash
 
 bench_status() {
-    say "nothing is measured for status yet"
+    on_windows status
 }
