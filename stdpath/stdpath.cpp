@@ -1,7 +1,6 @@
 #include "stdpath/stdpath.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "err/Exception.h"
 #include "stdpath/path.h"
@@ -13,8 +12,11 @@ namespace {
 constexpr std::int32_t commonAppData = 35;  // CSIDL_COMMON_APPDATA
 constexpr std::size_t usualPathLength = 256;
 
-bool isSpace(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
-bool endsNoPath(char character) { return isSpace(character) || character == 0 || character == '\\'; }
+/// What isspace says in the C locale. The function itself goes by the locale of the moment, which a plug-in may have
+/// set for the whole process, and then the last byte of a letter may be a space.
+constexpr bool isSpace(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
+
+constexpr bool endsNoPath(char character) { return isSpace(character) || character == 0 || character == '\\'; }
 
 void assignTrimmed(std::string& result, const tWideBuffer& wide) {
     result.clear();

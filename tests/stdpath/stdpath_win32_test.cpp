@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <clocale>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -320,6 +322,16 @@ TEST(KnownFolders, IncludeTheMachinesApplicationData) {
     EXPECT_EQ(status.code, 0);
     EXPECT_TRUE(directory.ends_with("\\Corvell"));
     EXPECT_GT(directory.size(), std::strlen("C:\\\\Corvell"));
+}
+
+// The C library is everybody's in this process, and a plug-in may set its locale.
+TEST(TrimPathInALocale, KeepsTheLastByteOfALetterThatTheLocaleTakesForASpace) {
+    ASSERT_NE(std::setlocale(LC_ALL, "German_Germany.1252"), nullptr);
+    EXPECT_NE(std::isspace(0xA0), 0) << "this locale shows nothing";
+    std::string path = " \xC2\xA0 voil\xC3\xA0 ";
+    nStdPath::trimPath(path);
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(path, "\xC2\xA0 voil\xC3\xA0");
 }
 
 }  // namespace
