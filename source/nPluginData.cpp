@@ -67,7 +67,10 @@ void listPlugins(std::vector<std::string>& files) {
 void listDescriptionFiles(const boost::filesystem::path& directory, const boost::filesystem::path& extension,
                           std::vector<std::string>& files) {
     boost::system::error_code ignored;
-    if (!boost::filesystem::is_directory(directory, ignored)) {
+    // Zeros come from registry values of several texts. The system would take the path for what stands before the zero.
+    const bool hasZero =
+        directory.native().find(boost::filesystem::path::value_type{}) != boost::filesystem::path::string_type::npos;
+    if (hasZero || !boost::filesystem::is_directory(directory, ignored)) {
         nTrace::trace(nTrace::descriptions, "Directory does not exist.");
         zuerr::Raise(zuerr::softwareFault, {sourceFile, 138});
     }

@@ -168,6 +168,19 @@ TEST_F(HostileInput, ASharedDirectoryOf5000CharactersCannotBeOpened) {
     }
 }
 
+TEST_F(HostileInput, ASharedDirectoryWithAZeroInItIsNotTakenForWhatStandsBeforeTheZero) {
+    // As a registry value is that holds several texts.
+    const std::string shared = *world.places.sharedDirectory;
+    std::ofstream(shared + "/astray.ini") << world.calling("Astray");
+    for (const std::string& behind : {std::string("D:\\Other"), std::string("x")}) {
+        world.places.sharedDirectory = shared + '\0' + behind + std::string(2, '\0');
+        gService->messages.clear();
+        run();
+        EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n");
+        EXPECT_THAT(outcome(), testing::IsEmpty());
+    }
+}
+
 TEST_F(HostileInput, AStatusFolderOf5000CharactersIsNoFolder) {
     std::string folder = world.statusFolder.string();
     while (folder.size() < 5000) folder += "\\folder";
