@@ -47,10 +47,10 @@ void ThrowIfFailed(PlatformStatus& record);
 /// Whether an exception is unwinding this thread's stack.
 [[nodiscard]] bool ExceptionIsPropagating() noexcept;
 
-/// Stands around a call into a plug-in and the handler of what that throws. A plug-in that brings its own C++ runtime
-/// counts its throws in that runtime while the catch is counted in ours, which leaves our std::uncaught_exceptions()
-/// one short for good. The guard's end, reached when the exception has been handled, books the difference so that
-/// ExceptionIsPropagating stays right on this thread. Guards may be nested.
+/// Stands around a call into foreign code, such as a plug-in, and the handler of what that throws. A library that
+/// brings its own C++ runtime counts its throws in that runtime while the catch is counted in ours, which leaves our
+/// std::uncaught_exceptions() one short for good. The guard's end, reached when the exception has been handled, books
+/// the difference so that ExceptionIsPropagating stays right on this thread. Guards may be nested.
 class ForeignCall {
 public:
     ForeignCall() noexcept;

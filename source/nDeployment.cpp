@@ -1,5 +1,6 @@
 #include "source/nDeployment.h"
 
+#include "err/Exception.h"
 #include "source/tService.h"
 
 namespace nDeployment {
@@ -74,10 +75,12 @@ bool IsDeploymentAllowed() {
 }
 
 void ApplyDeploymentSetting(tService& service) {
+    const zuerr::ForeignCall guard;  // what the framework throws comes from another C++ runtime
     try {
         if (!IsDeploymentAllowed()) service.allowedMask &= ~deploymentFeature;
     } catch (const std::exception& exception) {
-        service.messages.append(exception.what()).append("\n");
+        const char* const text = exception.what();
+        service.messages.append(text == nullptr ? "" : text).append("\n");
     }
 }
 

@@ -9,9 +9,12 @@
 #include <type_traits>
 #include <utility>
 
+#include "err/Exception.h"
+#include "quarks/library.h"
 #include "source/tService.h"
 #include "tests/support/deployment.h"
 #include "tests/support/framework.h"
+#include "tests/support/plugins.h"
 #include "tests/support/serviceWorld.h"
 
 namespace {
@@ -318,6 +321,54 @@ TEST_F(DeploymentSetting, LetsExceptionsThatAreNoStandardOnesPassWithNothingHeld
     EXPECT_THROW(nDeployment::ApplyDeploymentSetting(*gService), int);
     EXPECT_EQ(gService->messages, "");
     EXPECT_EQ(framework.held(), 0U);
+}
+
+/// A framework library with a C++ runtime of its own that throws instead of answering. See plugins/throwing.
+class ThrowingFramework : public testing::Test {
+protected:
+    ThrowingFramework() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {
+        startService();
+    }
+    ~ThrowingFramework() override { nLibrary::unload(library_, osError_); }
+
+    void expectMessage(const char* entry, const std::string& message) {
+        void* const address = nLibrary::symbol(library_, entry, osError_);
+        ASSERT_NE(address, nullptr) << entry;
+        world.deployment.entry = reinterpret_cast<nZusysapi::InstantiateFramework2>(address);
+        gService->messages.clear();
+        nDeployment::ApplyDeploymentSetting(*gService);
+        EXPECT_EQ(gService->messages, message) << entry;
+        EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU) << entry;
+    }
+
+    support::tServiceWorld world;
+
+private:
+    std::uint32_t osError_ = 0;
+    nLibrary::Handle library_;
+};
+
+TEST_F(ThrowingFramework, IsALineWithTheTextOfWhatItThrows) {
+    expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
+    expectMessage("ThrowOddText", "%s%n\xFF\x01\"\n\n");
+    expectMessage("ThrowEmptyText", "\n");
+    expectMessage("ThrowLongText", std::string(1'000'000, 'x') + "\n");
+}
+
+TEST_F(ThrowingFramework, IsAnEmptyLineWhenWhatItThrowsHasNoTextAtAll) { expectMessage("ThrowNoText", "\n"); }
+
+TEST_F(ThrowingFramework, DoesNotBlurWhetherAnExceptionIsPropagating) {
+    for (int i = 0; i < 3; ++i) expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
+    EXPECT_FALSE(zuerr::ExceptionIsPropagating());
+    struct CleanUp {
+        ~CleanUp() { EXPECT_TRUE(zuerr::ExceptionIsPropagating()); }
+    };
+    EXPECT_THROW(
+        {
+            const CleanUp cleanUp;
+            throw std::runtime_error("propagating");
+        },
+        std::runtime_error);
 }
 
 }  // namespace

@@ -25,6 +25,7 @@ constexpr tThrow known[] = {
     {"ThrowLongText", -52003},
     {"ThrowOddText", -52003},
     {"ThrowEmptyText", -52003},
+    {"ThrowNoText", -52003},
     {"ThrowSystemError", -52003},
     {"ThrowIosFailure", -52003},
     {"ThrowBadCast", -52003},

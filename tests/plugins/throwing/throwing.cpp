@@ -19,6 +19,10 @@ struct EmptyText : std::exception {
     [[nodiscard]] const char* what() const noexcept override { return ""; }
 };
 
+struct NoText : std::exception {
+    [[nodiscard]] const char* what() const noexcept override { return nullptr; }
+};
+
 struct OwnBadAlloc : std::bad_alloc {};
 
 /// Out of memory and out of range at once.
@@ -75,6 +79,7 @@ void ThrowRuntimeError() { throw std::runtime_error("an exception of the standar
 void ThrowLongText() { throw std::runtime_error(std::string(1'000'000, 'x')); }
 void ThrowOddText() { throw std::logic_error("%s%n\xFF\x01\"\n"); }
 void ThrowEmptyText() { throw EmptyText(); }
+void ThrowNoText() { throw NoText(); }
 void ThrowSystemError() { throw std::system_error(std::make_error_code(std::errc::io_error)); }
 void ThrowIosFailure() { throw std::ios_base::failure("stream"); }
 void ThrowBadCast() { throw std::bad_cast(); }
