@@ -37,7 +37,7 @@ native() {
 
 # on_windows GROUP: the group's rows under Wine.
 on_windows() {
-    ./build.sh windows-bench windows_bench zuZiptraRemoteService
+    ./build.sh windows-bench windows_bench
     start_wine
     say "measuring $1 under Wine"
     pinned wine build/windows-bench/bin/windows_bench.exe "$1" "$results/$1-windows.json" \

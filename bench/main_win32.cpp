@@ -1,13 +1,22 @@
-// The benchmarks on Windows: windows_bench GROUP FILE. ./bench.sh builds, runs and judges them.
+// The benchmarks on Windows. ./bench.sh builds, runs and judges them.
+//   windows_bench GROUP FILE     measures the group
+//   windows_bench stage COUNT    makes plug-ins, and the host find them
 #include <cstdio>
+#include <cstdlib>
+#include <string_view>
 
 #include "bench/groups.h"
+#include "bench/hostStage_win32.h"
 #include "bench/pairs_win32.h"
 
 int main(int count, char** arguments) {
     if (count != 3) {
-        std::fputs("Usage: windows_bench GROUP FILE\n", stderr);
+        std::fputs("Usage: windows_bench GROUP FILE | stage COUNT\n", stderr);
         return 2;
+    }
+    if (std::string_view(arguments[1]) == "stage") {
+        stageHost(tDescriptions(std::atoi(arguments[2])));
+        return 0;
     }
     addHostRows();
     addDescriptionFileRows();

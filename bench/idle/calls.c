@@ -1,0 +1,19 @@
+/* The same after the system calls that the host cannot do without, which load most of what it has in memory: it asks
+   whether it is a service, and where the status file belongs. */
+#include <windows.h>
+#include <shlobj.h>
+
+static void WINAPI serviceMain(DWORD count, char** arguments) {
+    (void)count;
+    (void)arguments;
+}
+
+int main(void) {
+    char name[] = "calls";
+    const SERVICE_TABLE_ENTRYA table[] = {{name, serviceMain}, {NULL, NULL}};
+    wchar_t folder[MAX_PATH];
+    StartServiceCtrlDispatcherA(table);
+    SHGetFolderPathW(NULL, CSIDL_COMMON_APPDATA, NULL, SHGFP_TYPE_CURRENT, folder);
+    Sleep(INFINITE);
+    return 0;
+}
