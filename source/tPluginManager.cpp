@@ -2,45 +2,33 @@
 
 #include <algorithm>
 #include <boost/function.hpp>
-#include <functional>
 #include <optional>
-#include <set>
 #include <utility>
 
 #include "err/Exception.h"
+#include "source/tStartedNames.h"
 #include "time/stopwatch.h"
 
 namespace {
-
-using tNames = std::set<std::string>;
 
 constexpr const char* sourceFile = ".\\source\\tPluginManager";
 constexpr zuerr::RaiseSite featureSite{sourceFile, 41};
 constexpr zuerr::RaiseSite dependencySite{sourceFile, 48};
 constexpr zuerr::RaiseSite initializeSite{sourceFile, 55};
 
-/// Whether all dependencies have started. Each started plug-in stands for one mention, so a list that names a plug-in
-/// twice never passes; nor does one out of order.
-bool haveStarted(const std::vector<std::string>& dependencies, const tNames& started) {
-    const bool ascending =
-        std::adjacent_find(dependencies.begin(), dependencies.end(), std::greater_equal<>()) == dependencies.end();
-    return ascending && std::all_of(dependencies.begin(), dependencies.end(),
-                                    [&](const std::string& name) { return started.contains(name); });
-}
-
 /// Starts the plug-in and adds it to the started ones. Throws when it cannot be started; its library may be loaded
 /// then.
-void start(tPluginEntry& entry, std::uint32_t allowedMask, tNames& started) {
+void start(tPluginEntry& entry, std::uint32_t allowedMask, tStartedNames& started) {
     const tPluginDescription& description = entry.description;
     if ((description.requiresMask & allowedMask) == 0) zuerr::Raise(zuerr::featureUnsupported, featureSite);
-    if (!haveStarted(description.dependencies, started)) zuerr::Raise(zuerr::resourceNotFound, dependencySite);
+    if (!started.haveStarted(description.dependencies)) zuerr::Raise(zuerr::resourceNotFound, dependencySite);
     entry.library.open(description);
     entry.initCode = entry.library.initialize();
     if (entry.initCode < 0) {
         entry.library.close();
         zuerr::Raise(entry.initCode, "pluginStatus", initializeSite, zuerr::hostComponent);
     }
-    started.insert(description.name);
+    started.add(description.name);
 }
 
 /// Makes a call that may lead into a plug-in; gives the code of the exception that comes out of it, if one does.
@@ -71,7 +59,7 @@ void callBackwards(std::vector<tPluginEntry>& entries, const boost::function<voi
 
 void tPluginManager::startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask) {
     entries_.reserve(entries_.size() + descriptions.size());
-    tNames started;
+    tStartedNames started(descriptions.size());
     for (const tPluginDescription& description : descriptions) {
         const nTime::tStopwatch stopwatch;
         tPluginEntry entry;

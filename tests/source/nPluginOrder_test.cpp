@@ -110,20 +110,62 @@ TEST(FirstOrder, LooksAtNoIndirectDependency) {
     EXPECT_THAT(ordered({plugin("a", {"b"}), plugin("c"), plugin("b", {"c"})}), ElementsAre("b", "a", "c"));
 }
 
+/// The paths of the descriptions as the predicate orders them when the sort asks it itself.
+std::vector<std::string> pathsByPredicate(const std::vector<tPluginDescription>& plugins) {
+    std::vector<const tPluginDescription*> expected;
+    for (const tPluginDescription& description : plugins) expected.push_back(&description);
+    nIntrosort::sort(std::span(expected),
+                     [](const auto* a, const auto* b) { return nPluginOrder::goesBefore(*a, *b); });
+    std::vector<std::string> paths;
+    for (const tPluginDescription* const description : expected) paths.push_back(description->path);
+    return paths;
+}
+
+std::vector<std::string> orderedPaths(std::vector<tPluginDescription> plugins) {
+    nPluginOrder::sort(plugins);
+    std::vector<std::string> paths;
+    for (const tPluginDescription& description : plugins) paths.push_back(description.path);
+    return paths;
+}
+
 TEST(FirstOrder, IsThatOfThePredicateWhateverTheDigestsOfTheNames) {
     std::mt19937 random(1);
     for (std::size_t round = 0; round < 2000; ++round) {
         const std::vector<tPluginDescription> plugins = randomPlugins(random, round % 80);
-        std::vector<const tPluginDescription*> expected;
-        for (const tPluginDescription& description : plugins) expected.push_back(&description);
-        nIntrosort::sort(std::span(expected),
-                         [](const auto* a, const auto* b) { return nPluginOrder::goesBefore(*a, *b); });
-
-        std::vector<tPluginDescription> actual = plugins;
-        nPluginOrder::sort(actual);
-        ASSERT_EQ(actual.size(), expected.size());
-        for (std::size_t i = 0; i < actual.size(); ++i) ASSERT_EQ(actual[i].path, expected[i]->path) << round;
+        ASSERT_EQ(orderedPaths(plugins), pathsByPredicate(plugins)) << round;
     }
+}
+
+TEST(FirstOrder, IsThatOfThePredicateWhateverTheNamesBeginAndEndWith) {
+    const std::string zero(1, '\0');
+    std::mt19937 random(4);
+    for (const std::string& front : {std::string(), std::string("Maker's plug-in "), zero, std::string("\xC3\xA4")}) {
+        for (const std::string& back : {std::string(), zero, zero + zero, std::string("\xFF of eight bytes")}) {
+            // Some names get what goes behind, so that names differ only there.
+            const auto dress = [&](const std::string& name) { return front + name + (name[0] == 'a' ? back : ""); };
+            for (std::size_t round = 0; round < 40; ++round) {
+                std::vector<tPluginDescription> plugins = randomPlugins(random, 60);
+                for (tPluginDescription& description : plugins) {
+                    description.name = dress(description.name);
+                    for (std::string& name : description.dependencies) name = dress(name);
+                    std::sort(description.dependencies.begin(), description.dependencies.end());
+                }
+                ASSERT_EQ(orderedPaths(plugins), pathsByPredicate(plugins)) << front << ' ' << back << ' ' << round;
+            }
+        }
+    }
+}
+
+TEST(FirstOrder, TellsNamesApartThatDifferBehindEightBytes) {
+    EXPECT_THAT(ordered({plugin("x12345678b"), plugin("y"), plugin("x12345678"), plugin("x12345678a")}),
+                ElementsAre("x12345678", "x12345678a", "x12345678b", "y"));
+}
+
+TEST(FirstOrder, HeedsADependencyOnOneOfTheSameName) {
+    // The first one waits for a plug-in of its own name, which the other one is; the other one waits for nothing.
+    std::vector<tPluginDescription> plugins{plugin("a", {"a"}), plugin("a")};
+    plugins[0].path = "dependant";
+    EXPECT_THAT(orderedPaths(plugins), ElementsAre("", "dependant"));
 }
 
 TEST(FirstOrder, KeepsEveryDescriptionWhateverItNames) {
