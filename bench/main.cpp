@@ -5,6 +5,7 @@
 
 int main(int count, char** arguments) {
     addIniRows();
+    addOrderRows();
     benchmark::Initialize(&count, arguments);
     if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 1;
     benchmark::RunSpecifiedBenchmarks();

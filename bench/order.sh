@@ -1,6 +1,6 @@
-# Sourced by bench.sh.
+# Sourced by bench.sh: ordering and dependency check.
 # shellcheck shell=bash
 
 bench_order() {
-    say "nothing is measured for order yet"
+    native order
 }

@@ -40,7 +40,9 @@ private:
     /// The two take turns in being first.
     void runPair(benchmark::State& state) {
         const bool oursFirst = done_ % 2 == 0;
+        pair_.reset();
         const double first = seconds(oursFirst ? pair_.ours : pair_.peer);
+        pair_.reset();
         const double second = seconds(oursFirst ? pair_.peer : pair_.ours);
         state.SetIterationTime(first + second);
         state.counters["ours"] = oursFirst ? first : second;

@@ -12,6 +12,7 @@ namespace nBench {
 struct tPair {
     std::function<void()> ours;
     std::function<void()> peer;
+    std::function<void()> reset = [] {};  ///< before each side's turn, and not timed
 };
 
 /// Makes the input and both sides, and compares what they give. Throws std::runtime_error, or calls `demand`, when that

@@ -24,7 +24,9 @@ std::vector<tTimedRow>& rows() {
 std::function<tTimes()> inTurns(const tPair& pair) {
     return [pair, oursFirst = false]() mutable {
         oursFirst = !oursFirst;
+        pair.reset();
         const double first = seconds(oursFirst ? pair.ours : pair.peer);
+        pair.reset();
         const double second = seconds(oursFirst ? pair.peer : pair.ours);
         return oursFirst ? tTimes{first, second} : tTimes{second, first};
     };
