@@ -61,7 +61,8 @@ bool SetCode(StatusRecord& record, std::int32_t code) noexcept {
     if (!fromSuccess && !fromWarning) return false;
     record.code = code;
     if (record.json == nullptr) return true;
-    if (record.capacity < sizeof("{}") && !record.reallocJson(record, sizeof("{}"))) return true;
+    if (record.capacity < sizeof("{}")) record.reallocJson(record, sizeof("{}"));
+    if (record.capacity < sizeof("{}")) return true;
     std::memcpy(record.json, "{}", sizeof("{}"));
     CopyText(record.json, record.capacity, nullptr);
     return true;
@@ -86,7 +87,7 @@ bool Copy(StatusRecord& destination, StatusRecord& source) noexcept {
 }
 
 JsonChain Append(StatusRecord& record) noexcept {
-    const bool hasText = record.reallocJson(record, emptyReportSize);
+    const bool hasText = record.reallocJson(record, emptyReportSize) && record.json != nullptr;
     return {hasText ? FindEnd(record.json) : nullptr, growRecord, &record};
 }
 

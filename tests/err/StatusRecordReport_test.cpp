@@ -165,6 +165,14 @@ TEST_F(StatusRecordManager, IsNotAskedForEverWhenItSaysYesAndGivesNothing) {
     EXPECT_THAT(record.json, StrEq(R"({"a":1})"));
 }
 
+TEST(RaiseInto, KeepsTheCodeAloneWhenTheManagerSaysYesAndGivesNothing) {
+    StatusRecord record;
+    record.reallocJson = [](StatusRecord& /*self*/, std::uint32_t /*capacity*/) { return true; };
+    RaiseInto(record, -52008, "zukesterr_osFault", site, "zuZiptraRemoteService");
+    EXPECT_EQ(record.code, -52008);
+    EXPECT_EQ(record.json, nullptr);
+}
+
 TEST_F(StatusRecordManager, IsAskedForTwiceTheCapacityLess2UpToAgainst2Gigabytes) {
     const auto requestsAt = [](std::uint32_t capacity) {
         StatusRecord record;

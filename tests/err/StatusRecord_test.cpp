@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -133,6 +134,18 @@ TEST_F(StatusRecordManager, LeavesTheOldTextWhenThatIsRefused) {
     EXPECT_TRUE(SetCode(record, -1));
     EXPECT_EQ(record.code, -1);
     EXPECT_THAT(record.json, StrEq(""));
+}
+
+TEST_F(StatusRecordManager, LeavesTheOldTextWhenItSaysYesAndGivesNothing) {
+    std::array<char, 3> buffer{0, zuerr::jsonSentinel, '!'};
+    StatusRecord record;
+    record.reallocJson = [](StatusRecord& /*self*/, std::uint32_t /*capacity*/) { return true; };
+    record.json = buffer.data();
+    record.capacity = 2;
+    EXPECT_TRUE(SetCode(record, -1));
+    EXPECT_EQ(record.code, -1);
+    EXPECT_THAT(record.json, StrEq(""));
+    EXPECT_EQ(buffer[2], '!') << "behind the buffer";
 }
 
 // The default buffer manager
