@@ -10,7 +10,9 @@ std::uint32_t readTimeIncrement() noexcept {
     DWORD increment = 0;
     BOOL adjustmentDisabled = FALSE;
     const BOOL known = GetSystemTimeAdjustment(&adjustment, &increment, &adjustmentDisabled);
-    return known != FALSE && increment != 0 ? increment : usualIncrement;
+    if (known != FALSE && increment != 0) return increment;
+    // Both readings of a duration have to count the same ticks.
+    return gClockSettings.initialised ? static_cast<std::uint32_t>(gClockSettings.tickLength / 100) : usualIncrement;
 }
 
 std::uint64_t readTickCount() noexcept { return GetTickCount64(); }

@@ -60,6 +60,15 @@ TEST_F(ClockCalls, GiveOneTickForOneMillisecondAndSixtyFourForASecond) {
     EXPECT_EQ(NowTicks(), 64U);
 }
 
+TEST_F(ClockCalls, ThatFailForAMomentDoNotDisturbADurationThatIsBeingMeasured) {
+    setIncrement(100'000);
+    milliseconds = 1'000'000;
+    const nTime::tStopwatch stopwatch;
+    milliseconds += 50;
+    imports::GetSystemTimeAdjustment.replace([](auto...) { return FALSE; });
+    EXPECT_EQ(stopwatch.elapsedMs(), 50U);
+}
+
 TEST_F(ClockCalls, FillTheSettingsOnInitialisation) {
     nTime::InitialiseClock();
     EXPECT_EQ(gClockSettings.tickLength, 15'625'000U);
