@@ -133,5 +133,47 @@ TEST_F(UnknownException, EndsAServiceToo) {
     EXPECT_TRUE(becomesTrue([&] { return !service.processRunning(); }));
 }
 
+// So does what is no C++ exception at all: nothing in the host takes it for one, and its code is the exit code.
+
+struct tStructured {
+    const char* entry;
+    DWORD code;
+};
+
+class StructuredException : public EndToEnd, public testing::WithParamInterface<tStructured> {
+protected:
+    /// Ends by the exception. What the status file showed before is what it shows in the end.
+    void expectDeathWhenStopped(const tPlugin& plugin) {
+        addPlugin("A", {.initialize = "InitWarning3"});
+        addPlugin("B", plugin);
+        const std::string before = startPlugins().bytes;
+        process().interrupt();
+        EXPECT_EQ(process().exitCode(), GetParam().code);
+        EXPECT_EQ(tStatusFile::read().bytes, before);
+    }
+};
+
+TEST_P(StructuredException, FromInitializeEndsTheProcessAndLeavesTheStatusFileOfThePreparation) {
+    addPlugin("A", {.initialize = "InitWarning3"});
+    addPlugin("B", {.initialize = GetParam().entry, .library = L"raising.dll"});
+    EXPECT_EQ(start().exitCode(), GetParam().code);
+    EXPECT_EQ(tStatusFile::read().names(), "");
+    EXPECT_EQ(tStatusFile::read().allowed, "0xffffffff");
+}
+
+TEST_P(StructuredException, FromStopEndsTheProcessAndLosesNothingOfTheStatusFile) {
+    expectDeathWhenStopped({.initialize = "", .stop = GetParam().entry, .library = L"raising.dll"});
+}
+
+TEST_P(StructuredException, FromCleanupEndsTheProcessAndLosesNothingOfTheStatusFile) {
+    expectDeathWhenStopped({.initialize = "", .cleanup = GetParam().entry, .library = L"raising.dll"});
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, StructuredException,
+                         testing::Values(tStructured{"Faults", EXCEPTION_ACCESS_VIOLATION},
+                                         tStructured{"RaisesItsOwnCode", 0xE0000001},
+                                         tStructured{"RaisesAnotherCompilersException", 0xE06D7363}),
+                         [](const auto& test) { return std::string(test.param.entry); });
+
 }  // namespace
 }  // namespace endtoend

@@ -1,6 +1,23 @@
-// A plug-in that reports its failures as the host does its own.
+// A plug-in that reports its failures as the host does its own, and one that fails by structured exceptions.
+
+#include <windows.h>
 
 #include "err/Exception.h"
+
+namespace {
+
+/// In place of the system's crash report, when nobody has handled the exception.
+LONG CALLBACK endWithTheExceptionsCode(EXCEPTION_POINTERS* exception) {
+    TerminateProcess(GetCurrentProcess(), exception->ExceptionRecord->ExceptionCode);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+void raiseStructured(DWORD code) {
+    SetUnhandledExceptionFilter(endWithTheExceptionsCode);
+    RaiseException(code, 0, 0, nullptr);
+}
+
+}  // namespace
 
 extern "C" {
 
@@ -8,4 +25,14 @@ __declspec(dllexport) std::int32_t InitRaisesOsFault() { zuerr::Raise(zuerr::osF
 __declspec(dllexport) std::int32_t InitRaisesInsufficientPermissions() {
     zuerr::Raise(zuerr::insufficientPermissions, {"raising.cpp", 2});
 }
+
+/// Uses memory that is not there. As any of the three entries, like those that follow.
+__declspec(dllexport) void Faults() {
+    SetUnhandledExceptionFilter(endWithTheExceptionsCode);
+    volatile int* volatile nowhere = nullptr;
+    *nowhere = 0;
+}
+__declspec(dllexport) void RaisesItsOwnCode() { raiseStructured(0xE0000001); }
+/// As what another compiler makes of a throw.
+__declspec(dllexport) void RaisesAnotherCompilersException() { raiseStructured(0xE06D7363); }
 }
