@@ -2,6 +2,7 @@
 
 #include <windows.h>
 // windows.h first: the others need its types.
+#include <io.h>
 #include <share.h>
 #include <shlobj.h>
 
@@ -125,12 +126,12 @@ void tBareHost::live() const {
 }
 
 void readBarely(const wchar_t* path) {
-    std::array<char, 4096> bytes{};
-    WIN32_FIND_DATAW found;
+    std::array<char, 4096> bytes;
+    FILETIME time;
     std::FILE* const file = _wfopen(path, L"rb");
     while (std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size()) {
     }
-    FindClose(FindFirstFileW(path, &found));
+    GetFileTime(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))), nullptr, nullptr, &time);
     std::fclose(file);
 }
 

@@ -153,8 +153,8 @@ int parseStream(tDocument& document, std::FILE* file) {
     return 0;
 }
 
-void rememberFile(tDocument& document, const wchar_t* widePath) {
-    document.fileTime = lastWriteTime(widePath).value_or(0);
+void rememberFile(tDocument& document, const wchar_t* widePath, std::FILE* file) {
+    document.fileTime = lastWriteTime(file);
     // By way of a copy: the path may be the document's own from the parse before.
     const std::wstring_view path(widePath);
     decltype(document.filePath) kept{};
@@ -166,9 +166,9 @@ void rememberFile(tDocument& document, const wchar_t* widePath) {
 
 int parseFile(tDocument& document, const wchar_t* widePath) noexcept try {
     const tFile file = openFile(widePath);
-    if (!file) return lastWriteTime(widePath) ? fileNotOpened : fileNotFound;
+    if (!file) return exists(widePath) ? fileNotOpened : fileNotFound;
     const int result = parseStream(document, file.get());
-    if (result == 0) rememberFile(document, widePath);
+    if (result == 0) rememberFile(document, widePath, file.get());
     return result;
 } catch (const std::bad_alloc&) {
     return outOfMemory;

@@ -143,7 +143,6 @@ constexpr std::string_view runtime[] = {
     "GetFileAttributesW",
     "GetFileInformationByHandle",
     "GetEnvironmentVariableW",
-    "GetFileTime",
     "GetFullPathNameW",
     "GetModuleHandleW",
     "GetWindowsDirectoryW",
@@ -205,6 +204,9 @@ constexpr std::string_view runtime[] = {
     "fputs",
     "printf",
     "vfprintf",
+    // The system's handle of an open stream, which it has.
+    "_fileno",
+    "_get_osfhandle",
     // Streams, of which the product has those in memory alone.
     "_close",
     "_read",
