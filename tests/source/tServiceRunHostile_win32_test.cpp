@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "tests/support/allocations.h"
 #include "tests/support/imports_win32.h"
 #include "tests/support/serviceWorld.h"
 
@@ -100,6 +101,15 @@ TEST_F(HostilePlaces, ADescriptionThatCannotBeReadToItsEndCostsItsPluginAlone) {
     EXPECT_EQ(outcome(), "Whole 3\n");
     EXPECT_EQ(gService->messages,
               "Failed to parse service description file: " + torn + "\nCannot init system framework\n");
+}
+
+TEST_F(HostilePlaces, ALineThatIsTooLargeForTheMemoryCostsItsPluginAlone) {
+    const std::string large = world.describe("large.ini", "[Service]\nName=" + std::string(50'000'000, 'x'));
+    world.describe("free.ini", world.calling("Free"));
+    EXPECT_GT(allocations::refused(10'000'000, run), 0);
+    EXPECT_EQ(outcome(), "Free 3\n");
+    EXPECT_EQ(gService->messages,
+              "Failed to parse service description file: " + large + "\nCannot init system framework\n");
 }
 
 }  // namespace
