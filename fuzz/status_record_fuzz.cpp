@@ -1,4 +1,5 @@
-// Status records under random operations, with buffer managers that run out of memory, against a plain model.
+// Status records under random calls, with buffer managers that run out of memory and may not say so, against a model.
+// plain model.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <array>
@@ -17,9 +18,11 @@ using zuerr::StatusRecord;
 /// How many requests for a larger buffer are still granted.
 int grants = 0;
 int modelGrants = 0;
+/// Whether a request that is not granted is answered with yes nevertheless, which must make no difference.
+bool lies = false;
 
 bool stingyManager(StatusRecord& record, std::uint32_t capacity) {
-    if (capacity > record.capacity && grants-- <= 0) return false;
+    if (capacity > record.capacity && grants-- <= 0) return lies;
     return StatusRecord::reallocJsonDefault(record, capacity);
 }
 
@@ -166,6 +169,7 @@ void checkSubject(const Subject& subject) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     FuzzedDataProvider data(bytes, size);
     grants = modelGrants = data.ConsumeIntegralInRange(0, 10);
+    lies = data.ConsumeBool();
     std::array<Subject, 3> subjects{Subject(true), Subject(true), Subject(false)};
     while (data.remaining_bytes() > 0) {
         Subject& subject = subjects[data.ConsumeIntegralInRange<std::size_t>(0, 2)];
