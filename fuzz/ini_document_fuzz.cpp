@@ -122,7 +122,8 @@ std::string textFromParts(std::string_view bytes) {
 
 /// A comment that brings what follows it to an end of what a reader may read at once. One input in eight gets one.
 std::string padding(unsigned code) {
-    constexpr std::array<std::size_t, 8> sizes{4 + 2084, 2084, 4096, 4 + 2084, 4 + 2 * 2084, 8192, 4 + 2084, 65536};
+    constexpr std::array<std::size_t, 8> sizes{4 + 2084, 2084, 4 + 2 * 2084,  31 * 2084,
+                                               4096,     8192, 4 + 31 * 2084, 65536};
     return code < 224 ? "" : std::string(sizes[code % 8] - 1 - code / 8 % 4 * 3, ';') + '\n';
 }
 
