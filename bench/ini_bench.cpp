@@ -166,7 +166,7 @@ public:
     static std::string description(std::int64_t number) {
         const std::string name = "Plugin" + std::to_string(number);
         return "[Service]\r\nName=" + name + "\r\nPath=C:\\Program Files\\Plug-ins\\" + name +
-               ".dll\r\nStartup=Startup\r\nShutdown=Shutdown\r\nCleanup=Cleanup\r\n"
+               ".dll\r\nInitialize=initialize\r\nStop=stop\r\nCleanup=cleanup\r\n"
                "Dependencies=Settings, Transport\r\nRequires=1\r\n";
     }
 

@@ -3,10 +3,10 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
 #include <vector>
 
+#include "ini/lineReader.h"
 #include "ini/nameIndex.h"
 
 /// INI files in memory: sections of keys, in file order. Names ignore case unless the document says otherwise.
@@ -18,15 +18,16 @@ inline constexpr std::uint32_t stripDoubleQuotes = 2;
 inline constexpr std::uint32_t stripSingleQuotes = 4;
 inline constexpr std::uint32_t colonSeparates = 8;  ///< ":" parts key and value as "=" does, and so does ":="
 
+/// Names and values are parts of the document's text.
 struct tKey {
-    std::string name;
-    std::string value;
+    std::string_view name;
+    std::string_view value;
     char quote = 0;          ///< the quote character that was stripped from the value, or 0
     std::int32_t line = -1;  ///< where the value came from, counted from 1
 };
 
 struct tSection {
-    std::string name;
+    std::string_view name;
     std::vector<tKey> keys;
     std::int32_t line = -1;  ///< of its header, the last one if there are several; -1 for a section made without one
     tNameIndex keyIndex;     ///< for findKey; to be reset by whoever changes the keys but at their end
@@ -39,6 +40,7 @@ struct tDocument {
     tDocument(const tDocument&) = delete;
     tDocument& operator=(const tDocument&) = delete;
 
+    tText text;
     std::vector<tSection> sections;
     tSection* currentSection = nullptr;  ///< found or parsed last, tried first by the next look-up; borrowed
     std::int32_t mergeDuplicates = 1;    ///< a repeated header reopens its section, a repeated key replaces the value

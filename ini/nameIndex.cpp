@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstring>
+#include <numeric>
 
 namespace nIni {
 namespace {
@@ -20,10 +22,12 @@ constexpr std::uint64_t foldCase(std::uint64_t characters) noexcept {
     return characters | (((fromA ^ behindZ) & ~characters & 0x80 * each) >> 2U);
 }
 
-/// SipHash-1-3, a hash for which nobody knows how to make many values equal. Its key need not be secret here: equal
-/// low bits, which anybody can find by trying, do no harm to the index.
+/// SipHash-1-3, a hash for which nobody knows how to make many values equal. Its key need not be secret here: names
+/// that agree in some bits, which anybody can find by trying, do so for one key.
 class tSipHash {
 public:
+    explicit tSipHash(std::uint64_t key) noexcept : v0_(0x736F6D6570736575U ^ key), v2_(0x6C7967656E657261U ^ key) {}
+
     void add(std::uint64_t word) noexcept {
         v3_ ^= word;
         round();
@@ -50,12 +54,48 @@ private:
         v2_ = std::rotl(v2_, 32);
     }
 
-    // The start values for a key of zeros.
-    std::uint64_t v0_ = 0x736F6D6570736575U;
+    std::uint64_t v0_;
     std::uint64_t v1_ = 0x646F72616E646F6DU;
-    std::uint64_t v2_ = 0x6C7967656E657261U;
+    std::uint64_t v2_;
     std::uint64_t v3_ = 0x7465646279746573U;
 };
+
+/// A hash for names that nobody has chosen with care.
+class tQuickHash {
+public:
+    void add(std::uint64_t word) noexcept {
+        value_ = (value_ ^ word) * 0x9E3779B97F4A7C15U;
+        value_ ^= value_ >> 32U;
+    }
+
+    [[nodiscard]] std::uint64_t finish() const noexcept { return value_; }
+
+private:
+    std::uint64_t value_ = 0;
+};
+
+/// Adds a name in words of eight characters; the last word has what is left, with the size above it.
+template <class tHash>
+std::uint64_t hashWords(tHash hash, std::string_view name, bool caseSensitive) noexcept {
+    constexpr std::size_t wordSize = sizeof(std::uint64_t);
+    const auto fold = [caseSensitive](std::uint64_t word) { return caseSensitive ? word : foldCase(word); };
+    std::size_t position = 0;
+    std::uint64_t word = 0;
+    for (; name.size() - position >= wordSize; position += wordSize) {
+        std::memcpy(&word, name.data() + position, wordSize);
+        hash.add(fold(word));
+    }
+    // The last eight characters end with those that are left.
+    if (position > 0) {
+        std::memcpy(&word, name.data() + name.size() - wordSize, wordSize);
+    } else {
+        for (const char c : name) word = word >> 8U | std::uint64_t{static_cast<unsigned char>(c)} << 56U;
+    }
+    const std::size_t left = name.size() - position;
+    const std::uint64_t rest = left == 0 ? 0 : fold(word) >> 8 * (wordSize - left);
+    hash.add(rest | std::uint64_t{name.size()} << 56U);
+    return hash.finish();
+}
 
 }  // namespace
 
@@ -65,30 +105,44 @@ bool sameName(std::string_view a, std::string_view b, bool caseSensitive) noexce
                       [](char left, char right) { return foldCase(left) == foldCase(right); });
 }
 
-std::uint64_t hashName(std::string_view name, bool caseSensitive) noexcept {
-    constexpr std::size_t wordSize = sizeof(std::uint64_t);
-    const auto wordAt = [&](std::size_t position) {
-        std::array<char, wordSize> bytes{};
-        name.copy(bytes.data(), wordSize, position);
-        const auto word = std::bit_cast<std::uint64_t>(bytes);
-        return caseSensitive ? word : foldCase(word);
-    };
-    tSipHash hash;
-    std::size_t position = 0;
-    for (; name.size() - position >= wordSize; position += wordSize) hash.add(wordAt(position));
-    hash.add(wordAt(position) | std::uint64_t{name.size()} << 56U);
-    return hash.finish();
+std::uint64_t hashName(std::string_view name, bool caseSensitive, std::uint64_t seed) noexcept {
+    if (seed == 0) return hashWords(tQuickHash(), name, caseSensitive);
+    return hashWords(tSipHash(seed - 1), name, caseSensitive);
 }
 
-/// Keeps room for one more node and at least as many slots as nodes.
-void tNameIndex::makeRoom() {
-    if (nodes_.size() < slots_.size()) return;
-    std::vector<std::uint32_t> slots(std::max(2 * shortList, 2 * slots_.size()), none);
-    nodes_.reserve(slots.size());
+/// Where a search begins: the greater the hash, the farther on.
+std::size_t tNameIndex::home(std::uint32_t hash) const noexcept { return hash * std::uint64_t{slots_.size()} >> 32U; }
+
+std::uint32_t tNameIndex::hash(std::string_view name) const noexcept {
+    return static_cast<std::uint32_t>(hashName(name, caseSensitive_, seed_));
+}
+
+/// For that many records, and an empty slot for each.
+void tNameIndex::makeRoom(std::size_t count) {
+    if (2 * count <= slots_.size()) return;
+    std::vector<tSlot> slots(std::max({slotsAtFirst, 2 * count, 2 * slots_.size()}));
     slots_.swap(slots);
-    for (tNode& node : nodes_) node.next = {none, none};
-    std::uint32_t number = 0;
-    for (const tNode& node : nodes_) findLink(node.hash, [](std::uint32_t) { return false; }) = number++;
+    indexed_ = 0;
+}
+
+/// All records are to be added again.
+void tNameIndex::takeAnotherSeed() noexcept {
+    ++seed_;
+    std::fill(slots_.begin(), slots_.end(), tSlot{});
+    indexed_ = 0;
+    stepsLeft_ = stepsAtFirst;
+}
+
+/// Keeps the order of those that have it in common.
+void tNameIndex::sortByFirstByte(std::vector<tSlot>& entries) {
+    constexpr auto firstByte = [](const tSlot& entry) { return entry.hash >> 24U; };
+    std::array<std::size_t, 256> counts{};
+    for (const tSlot& entry : entries) ++counts[firstByte(entry)];
+    std::array<std::size_t, 256> places{};
+    std::exclusive_scan(counts.begin(), counts.end(), places.begin(), std::size_t{0});
+    std::vector<tSlot> sorted(entries.size());
+    for (const tSlot& entry : entries) sorted[places[firstByte(entry)]++] = entry;
+    entries.swap(sorted);
 }
 
 }  // namespace nIni

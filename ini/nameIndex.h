@@ -1,9 +1,9 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -12,14 +12,16 @@ namespace nIni {
 /// Whether two names are the same. Without regard to case, the letters A to Z alone are folded.
 [[nodiscard]] bool sameName(std::string_view a, std::string_view b, bool caseSensitive) noexcept;
 
-/// Equal for names that are the same; for others different, as far as chance goes.
-[[nodiscard]] std::uint64_t hashName(std::string_view name, bool caseSensitive) noexcept;
+/// Equal for names that are the same; for others different, as far as chance goes. Seed 0 gives a quick hash, for which
+/// anybody can make up names that it takes for one. Every other seed gives a strong one, and each a different one.
+[[nodiscard]] std::uint64_t hashName(std::string_view name, bool caseSensitive, std::uint64_t seed = 0) noexcept;
 
 /// Finds records by name: what a search from the first record on finds, at a cost that does not depend on how many
 /// there are. The list may grow at its end between two searches; whoever changes it otherwise resets the index.
 ///
-/// It is a hash table by the low bits of the names' hashes. Records that share a slot form a binary tree that branches
-/// by the high bits, so names chosen to share slots still part: no file can make the searches slow.
+/// It is a hash table in one array, half of it empty at least. Names chosen to crowd into a part of it are noticed by
+/// the steps that it takes to add them, and hashed by another seed: no file can make it slow. Many names at once are
+/// added in the order of their places in the array, as jumping about in large memory costs more than all the rest.
 class tNameIndex {
 public:
     /// The position of the first record of that name, or the number of records. Short lists are searched through and
@@ -27,79 +29,149 @@ public:
     template <class tRecord>
     std::size_t find(const std::vector<tRecord>& records, std::string_view name, bool caseSensitive) noexcept;
 
+    /// Removes each record whose name an earlier one has, after `merge(first, record)`. No name may be empty. Throws
+    /// std::bad_alloc before anything is changed.
+    template <class tRecord, class tMerge>
+    void removeRepeated(std::vector<tRecord>& records, bool caseSensitive, tMerge merge);
+
     void reset() noexcept { *this = {}; }
 
 private:
     static constexpr std::size_t shortList = 8;
+    static constexpr std::size_t slotsAtFirst = 32;
+    static constexpr std::ptrdiff_t stepsAtFirst = 64;
+    static constexpr std::ptrdiff_t stepsPerSearch = 4;  // several times what chance takes
+    static constexpr std::size_t many = 4096;
     static constexpr std::uint32_t none = UINT32_MAX;
 
-    struct tNode {
-        std::uint64_t hash;
-        std::uint32_t position;  ///< of the first record of a name; four thousand million do not fit in memory
-        std::array<std::uint32_t, 2> next{none, none};
+    struct tSlot {
+        std::uint32_t hash = 0;
+        std::uint32_t position = none;  ///< of a record; four thousand million do not fit in memory
+    };
+    struct tRepeated {
+        std::uint32_t first;
+        std::uint32_t position;
     };
 
     template <class tRecord>
-    static std::size_t searchThrough(const std::vector<tRecord>& records, std::string_view name, bool caseSensitive);
+    static std::size_t search(const std::vector<tRecord>& records, std::size_t count, std::string_view name,
+                              bool caseSensitive) noexcept;
     template <class tRecord>
-    void addNewRecords(const std::vector<tRecord>& records);
+    std::vector<tRepeated> findRepeated(const std::vector<tRecord>& records);
+    template <class tRecord>
+    std::vector<tRepeated> addNewRecords(const std::vector<tRecord>& records);
+    template <class tRecord>
+    [[nodiscard]] std::vector<tSlot> hashNewRecords(const std::vector<tRecord>& records) const;
     template <class tMatch>
-    std::uint32_t& findLink(std::uint64_t hash, tMatch matches);
-    void makeRoom();
+    tSlot& findSlot(std::uint32_t hash, tMatch matches) noexcept;
+    [[nodiscard]] std::size_t home(std::uint32_t hash) const noexcept;
+    [[nodiscard]] std::uint32_t hash(std::string_view name) const noexcept;
+    void makeRoom(std::size_t count);
+    void takeAnotherSeed() noexcept;
+    static void sortByFirstByte(std::vector<tSlot>& entries);
 
-    std::vector<tNode> nodes_;
-    std::vector<std::uint32_t> slots_;  ///< roots of the trees; their number is a power of two
-    std::size_t indexed_ = 0;           ///< this many records have been looked at
+    std::vector<tSlot> slots_;
+    std::size_t indexed_ = 0;                  ///< this many records have been looked at
+    std::ptrdiff_t stepsLeft_ = stepsAtFirst;  ///< below zero, the slots are crowded
+    std::uint64_t seed_ = 0;
     bool caseSensitive_ = false;
 };
 
 template <class tRecord>
 std::size_t tNameIndex::find(const std::vector<tRecord>& records, std::string_view name, bool caseSensitive) noexcept {
-    if (records.size() <= shortList) return searchThrough(records, name, caseSensitive);
+    if (records.size() <= shortList) return search(records, records.size(), name, caseSensitive);
     if (caseSensitive != caseSensitive_) reset();
     caseSensitive_ = caseSensitive;
     try {
         addNewRecords(records);
     } catch (const std::bad_alloc&) {
-        return searchThrough(records, name, caseSensitive);
+        return search(records, records.size(), name, caseSensitive);
     }
-    const std::uint32_t link = findLink(hashName(name, caseSensitive), [&](std::uint32_t position) {
-        return sameName(records[position].name, name, caseSensitive);
-    });
-    return link == none ? records.size() : nodes_[link].position;
+    const auto matches = [&](std::uint32_t other) { return sameName(records[other].name, name, caseSensitive); };
+    const std::uint32_t position = findSlot(hash(name), matches).position;
+    return position == none ? records.size() : position;
 }
 
+template <class tRecord, class tMerge>
+void tNameIndex::removeRepeated(std::vector<tRecord>& records, bool caseSensitive, tMerge merge) {
+    reset();
+    caseSensitive_ = caseSensitive;
+    const std::vector<tRepeated> repeated = findRepeated(records);
+    if (repeated.empty()) return;
+    for (const auto& [first, position] : repeated) {
+        merge(records[first], records[position]);
+        records[position].name = {};
+    }
+    std::erase_if(records, [](const tRecord& record) { return record.name.empty(); });
+    reset();
+}
+
+/// In the order of the list, as far as one name is concerned.
 template <class tRecord>
-std::size_t tNameIndex::searchThrough(const std::vector<tRecord>& records, std::string_view name, bool caseSensitive) {
+std::vector<tNameIndex::tRepeated> tNameIndex::findRepeated(const std::vector<tRecord>& records) {
+    if (records.size() > shortList) return addNewRecords(records);
+    std::vector<tRepeated> repeated;
+    for (std::uint32_t position = 1; position < records.size(); ++position) {
+        const std::size_t first = search(records, position, records[position].name, caseSensitive_);
+        if (first != position) repeated.push_back({static_cast<std::uint32_t>(first), position});
+    }
+    return repeated;
+}
+
+/// The first one of that name among so many, or their number.
+template <class tRecord>
+std::size_t tNameIndex::search(const std::vector<tRecord>& records, std::size_t count, std::string_view name,
+                               bool caseSensitive) noexcept {
     std::size_t position = 0;
-    while (position < records.size() && !sameName(records[position].name, name, caseSensitive)) ++position;
+    while (position < count && !sameName(records[position].name, name, caseSensitive)) ++position;
     return position;
 }
 
+/// Gives the new ones whose name an earlier one has. When memory runs out, the new ones still count as such.
 template <class tRecord>
-void tNameIndex::addNewRecords(const std::vector<tRecord>& records) {
-    for (; indexed_ < records.size(); ++indexed_) {
-        makeRoom();
-        const std::string_view name = records[indexed_].name;
-        const std::uint64_t hash = hashName(name, caseSensitive_);
-        std::uint32_t& link = findLink(
-            hash, [&](std::uint32_t position) { return sameName(records[position].name, name, caseSensitive_); });
-        if (link != none) continue;  // an earlier record has the name
-        link = static_cast<std::uint32_t>(nodes_.size());
-        nodes_.push_back({hash, static_cast<std::uint32_t>(indexed_)});
+std::vector<tNameIndex::tRepeated> tNameIndex::addNewRecords(const std::vector<tRecord>& records) {
+    std::vector<tRepeated> repeated;
+    while (indexed_ < records.size() || stepsLeft_ < 0) {
+        if (stepsLeft_ < 0) takeAnotherSeed();
+        repeated.clear();
+        makeRoom(records.size());
+        for (const tSlot& entry : hashNewRecords(records)) {
+            tSlot& slot = findSlot(entry.hash, [&](std::uint32_t other) {
+                return sameName(records[other].name, records[entry.position].name, caseSensitive_);
+            });
+            if (slot.position == none) {
+                slot = entry;
+            } else {
+                repeated.push_back({slot.position, entry.position});
+            }
+            if (stepsLeft_ < 0) break;
+        }
+        if (stepsLeft_ >= 0) indexed_ = records.size();
     }
+    return repeated;
 }
 
-/// The link to the node of that hash whose record matches or, when there is none, the empty link where it belongs.
-template <class tMatch>
-std::uint32_t& tNameIndex::findLink(std::uint64_t hash, tMatch matches) {
-    std::uint32_t* link = &slots_[hash & (slots_.size() - 1)];
-    for (std::uint64_t bits = hash; *link != none; bits <<= 1U) {
-        tNode& node = nodes_[*link];
-        if (node.hash == hash && matches(node.position)) break;
-        link = &node.next[bits >> 63U];
+/// In the order of their places in the array if they are many.
+template <class tRecord>
+std::vector<tNameIndex::tSlot> tNameIndex::hashNewRecords(const std::vector<tRecord>& records) const {
+    std::vector<tSlot> entries;
+    entries.reserve(records.size() - indexed_);
+    for (std::size_t i = indexed_; i < records.size(); ++i) {
+        entries.push_back({hash(records[i].name), static_cast<std::uint32_t>(i)});
     }
-    return *link;
+    if (entries.size() > many) sortByFirstByte(entries);
+    return entries;
+}
+
+/// The slot of the record of that hash that matches or, when there is none, the empty slot where it belongs.
+template <class tMatch>
+tNameIndex::tSlot& tNameIndex::findSlot(std::uint32_t hash, tMatch matches) noexcept {
+    stepsLeft_ += stepsPerSearch;
+    for (std::size_t number = home(hash);; number = number + 1 == slots_.size() ? 0 : number + 1) {
+        tSlot& slot = slots_[number];
+        if (slot.position == none || (slot.hash == hash && matches(slot.position))) return slot;
+        --stepsLeft_;
+    }
 }
 
 }  // namespace nIni

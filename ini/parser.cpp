@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <numeric>
 
 #include "ini/file.h"
 #include "ini/lineReader.h"
@@ -13,11 +14,13 @@ namespace {
 constexpr bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::string_view trimStart(std::string_view text) {
-    return {std::find_if_not(text.begin(), text.end(), isSpace), text.end()};
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    return text;
 }
 
 std::string_view trimEnd(std::string_view text) {
-    return {text.begin(), std::find_if_not(text.rbegin(), text.rend(), isSpace).base()};
+    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 std::string_view trim(std::string_view text) { return trimEnd(trimStart(text)); }
@@ -29,7 +32,7 @@ void openSection(tDocument& document, std::string_view name, std::int32_t line) 
             return;
         }
     }
-    document.sections.push_back({std::string(name), {}, line, {}});
+    document.sections.push_back({name, {}, line, {}});
     document.currentSection = &document.sections.back();
 }
 
@@ -49,17 +52,8 @@ void addKey(tDocument& document, std::string_view name, std::string_view value, 
         if ((document.flags & colonSeparates) == 0) return;
         openSection(document, "(null)", -1);
     }
-    tSection& section = *document.currentSection;
     const char quote = stripQuotes(value, document.flags);
-    if (document.mergeDuplicates != 0) {
-        if (tKey* const key = findKey(section, document.caseSensitive != 0, name)) {
-            key->value = value;
-            key->quote = quote;
-            key->line = line;
-            return;
-        }
-    }
-    section.keys.push_back({std::string(name), std::string(value), quote, line});
+    document.currentSection->keys.push_back({name, value, quote, line});
 }
 
 /// `line` begins with "[". False when it is malformed.
@@ -75,11 +69,10 @@ bool parseHeader(tDocument& document, std::string_view line, std::int32_t lineNu
 /// False when the line is malformed. Quotes with nothing between them are no empty value: something follows the "=".
 bool parseKey(tDocument& document, std::string_view line, std::int32_t lineNumber) {
     const bool colon = (document.flags & colonSeparates) != 0;
-    const auto separator =
-        std::find_if(line.begin(), line.end(), [colon](char c) { return c == '=' || (colon && c == ':'); });
-    if (separator == line.end()) return false;
-    const std::string_view name = trimEnd({line.begin(), separator});
-    const std::string_view rest(separator, line.end());
+    const std::size_t separator = colon ? line.find_first_of("=:") : line.find('=');
+    if (separator == std::string_view::npos) return false;
+    const std::string_view name = trimEnd(line.substr(0, separator));
+    const std::string_view rest = line.substr(separator);
     const std::string_view value = trim(rest.substr(rest.starts_with(":=") ? 2 : 1));
     if (name.empty()) return false;
     if (value.empty() && (document.flags & acceptEmptyValues) == 0) return false;
@@ -111,31 +104,55 @@ std::optional<tContinuation> splitContinuation(std::string_view name) {
     return tContinuation{markEnd - mark.size(), digits.substr(std::min(digits.find_first_not_of('0'), digits.size()))};
 }
 
+/// The last one's value takes the place of the first one's.
+void mergeRepeatedKeys(tSection& section, bool caseSensitive) {
+    section.keyIndex.removeRepeated(section.keys, caseSensitive, [](tKey& first, const tKey& repeated) {
+        first.value = repeated.value;
+        first.quote = repeated.quote;
+        first.line = repeated.line;
+    });
+}
+
+using tKeyIterator = std::vector<tKey>::iterator;
+
+/// The values of the keys, one behind the other, as a block of the text.
+std::string_view joinValues(tText& text, tKeyIterator first, tKeyIterator last) {
+    const std::size_t size = std::accumulate(first, last, std::size_t{0},
+                                             [](std::size_t sum, const tKey& key) { return sum + key.value.size(); });
+    char* const block = text.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
+    char* end = block;
+    for (; first != last; ++first) end += first->value.copy(end, first->value.size());
+    return {block, size};
+}
+
+bool startsRun(std::string_view name) {
+    if (!name.ends_with('1')) return false;
+    const std::optional<tContinuation> continuation = splitContinuation(name);
+    return continuation && continuation->number == "1";
+}
+
+bool goesOnWithRun(std::string_view name) { return splitContinuation(name) && !startsRun(name); }
+
 /// Joins each run of continuation keys into its first key, which keeps its line and quote. A run begins with number 1
 /// and lasts while such keys follow, whatever their stems and numbers are, up to the next number 1.
-void joinContinuations(tSection& section) {
-    tKey* run = nullptr;
+void joinContinuations(tText& text, tSection& section) {
+    const auto end = section.keys.end();
     auto kept = section.keys.begin();
-    for (tKey& key : section.keys) {
-        const std::optional<tContinuation> continuation = splitContinuation(key.name);
-        const bool first = continuation && continuation->number == "1";
-        if (run != nullptr && continuation && !first) {
-            run->value += key.value;
-            continue;
-        }
-        if (&key != &*kept) *kept = std::move(key);
-        run = first ? &*kept : nullptr;
-        if (first) {
-            kept->name.resize(continuation->stemSize);
+    for (auto key = kept; key != end; ++kept) {
+        const auto first = key++;
+        if (startsRun(first->name)) {
+            while (key != end && goesOnWithRun(key->name)) ++key;
+            first->name = first->name.substr(0, splitContinuation(first->name)->stemSize);
             section.keyIndex.reset();
+            if (key - first > 1) first->value = joinValues(text, first, key);
         }
-        ++kept;
+        if (kept != first) *kept = *first;
     }
-    section.keys.erase(kept, section.keys.end());
+    section.keys.erase(kept, end);
 }
 
 int parseStream(tDocument& document, std::FILE* file) {
-    tLineReader lines(file);
+    tLineReader lines(file, document.text);
     const bool narrow = lines.skipByteOrderMark();
     if (lines.failed()) return fileNotRead;
     if (!narrow) return wideText;
@@ -143,13 +160,17 @@ int parseStream(tDocument& document, std::FILE* file) {
     document.currentSection = nullptr;
     document.sections.clear();
     document.sectionIndex.reset();
+    document.text.clear();
     document.firstErrorLine = -1;
     while (const std::optional<std::string_view> line = lines.next()) {
         const bool wellFormed = parseLine(document, *line, lines.lineNumber());
         if (!wellFormed && document.firstErrorLine == -1) document.firstErrorLine = lines.lineNumber();
     }
+    if (document.mergeDuplicates != 0) {
+        for (tSection& section : document.sections) mergeRepeatedKeys(section, document.caseSensitive != 0);
+    }
     if (lines.failed()) return fileNotRead;
-    std::for_each(document.sections.begin(), document.sections.end(), joinContinuations);
+    for (tSection& section : document.sections) joinContinuations(document.text, section);
     return 0;
 }
 

@@ -26,7 +26,7 @@ std::string lookUp(nIni::tDocument& document, const char* name) {
     const nIni::tKey* const key = nIni::findKey(*section, document.caseSensitive != 0, name);
     if (key == nullptr) return {};
     document.lastKeyLine = key->line;
-    return key->value;
+    return std::string(key->value);
 }
 
 /// The C library's reading of "%u" is the rule: a sign wraps around, what follows the digits does not matter.

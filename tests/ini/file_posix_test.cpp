@@ -81,7 +81,8 @@ TEST(IniFilePosix, WhatAFailedReadGaveIsNotUsed) {
     std::FILE* const file = fopencookie(&source, "rb", {readAndFail, nullptr, nullptr, nullptr});
     ASSERT_NE(file, nullptr);
     setvbuf(file, nullptr, _IONBF, 0);
-    nIni::tLineReader reader(file);
+    nIni::tText text;
+    nIni::tLineReader reader(file, text);
     EXPECT_TRUE(reader.skipByteOrderMark());
     EXPECT_EQ(reader.next(), "one");
     EXPECT_FALSE(reader.failed());

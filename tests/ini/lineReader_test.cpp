@@ -17,14 +17,17 @@ using std::string_view_literals::operator""sv;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The reader asks for four bytes first and then for chunks of this size.
-constexpr std::size_t firstChunkEnd = 4 + 2084;
+/// The reader asks for four bytes first and then for chunks of this size, until a block of 65536 is full.
+constexpr std::size_t chunkSize = 2084;
+constexpr std::size_t firstChunkEnd = 4 + chunkSize;
+constexpr std::size_t firstBlockEnd = 4 + (65536 - 4) / chunkSize * chunkSize;
 
 nIni::tFile open(const tIniFile& file) { return nIni::openFile(file.widePath().c_str()); }
 
 std::vector<std::string> readLines(const tIniFile& file) {
     const nIni::tFile stream = open(file);
-    tLineReader reader(stream.get());
+    nIni::tText text;
+    tLineReader reader(stream.get(), text);
     EXPECT_TRUE(reader.skipByteOrderMark());
     std::vector<std::string> lines;
     while (const auto line = reader.next()) lines.emplace_back(*line);
@@ -115,7 +118,7 @@ TEST(LineReader, EveryMixOfTerminatorsReadsAlikeAtTheStartAndAcrossChunkEnds) {
     for (std::size_t code = 0; code < 4 * 4 * 4; ++code) {
         std::string mix;
         for (std::size_t rest = code, i = 0; i < 3; ++i, rest /= 4) mix += alphabet[rest % 4];
-        for (const std::size_t before : {std::size_t{0}, firstChunkEnd - 1}) {
+        for (const std::size_t before : {std::size_t{0}, firstChunkEnd - 1, firstBlockEnd - 1}) {
             const std::string text = std::string(before, 'x') + mix + "y";
             file.write(text);
             ASSERT_EQ(readLines(file), expectedLines(text)) << "mix " << code << " behind " << before;
@@ -124,25 +127,41 @@ TEST(LineReader, EveryMixOfTerminatorsReadsAlikeAtTheStartAndAcrossChunkEnds) {
 }
 
 TEST(LineReader, APairMayBeSplitByTheEndOfAChunk) {
-    for (std::size_t size = firstChunkEnd - 3; size <= firstChunkEnd + 1; ++size) {
-        const std::string longLine(size, 'x');
-        EXPECT_THAT(linesOf(longLine + "\r\nb\r\n"), ElementsAre(longLine, "b"));
-        EXPECT_THAT(linesOf(longLine + "\n\nb"), ElementsAre(longLine, "", "b"));
-        EXPECT_THAT(linesOf(longLine + "\r\n"), ElementsAre(longLine));
-        EXPECT_THAT(linesOf(longLine), ElementsAre(longLine));
+    for (const std::size_t end : {firstChunkEnd, firstBlockEnd}) {
+        for (std::size_t size = end - 3; size <= end + 1; ++size) {
+            const std::string longLine(size, 'x');
+            EXPECT_THAT(linesOf(longLine + "\r\nb\r\n"), ElementsAre(longLine, "b"));
+            EXPECT_THAT(linesOf(longLine + "\n\nb"), ElementsAre(longLine, "", "b"));
+            EXPECT_THAT(linesOf(longLine + "\r\n"), ElementsAre(longLine));
+            EXPECT_THAT(linesOf(longLine), ElementsAre(longLine));
+        }
     }
 }
 
 TEST(LineReader, LinesOfAnyLengthAreWhole) {
     std::vector<std::string> lines;
     std::string text;
-    for (const std::size_t size : {1, 255, 256, 257, 2083, 2084, 2085, 5000, 100'000, 3}) {
+    for (const std::size_t size : {1, 2083, 2084, 2085, 5000, 65535, 65536, 65537, 131'072, 300'000, 3}) {
         std::string line(size, 'x');
         for (std::size_t i = 0; i < size; i += 7) line[i] = static_cast<char>('a' + i % 26);
         text += line + '\n';
         lines.push_back(line);
     }
     EXPECT_EQ(linesOf(text), lines);
+}
+
+TEST(LineReader, LinesStayWhereTheyAreWhileOthersAreRead) {
+    std::string content;
+    for (int i = 0; i < 50'000; ++i) content += std::to_string(i) + '\n';
+    const tIniFile file(content);
+    const nIni::tFile stream = open(file);
+    nIni::tText text;
+    tLineReader reader(stream.get(), text);
+    ASSERT_TRUE(reader.skipByteOrderMark());
+    std::vector<std::string_view> lines;
+    while (const auto line = reader.next()) lines.push_back(*line);
+    ASSERT_EQ(lines.size(), 50'000U);
+    for (std::size_t i = 0; i < lines.size(); ++i) ASSERT_EQ(lines[i], std::to_string(i));
 }
 
 TEST(LineReader, TheMarkOfUtf8IsSkippedOnce) {
@@ -168,7 +187,8 @@ TEST(LineReader, WideMarksAreRefused) {
          {"\xFF\xFE"sv, "\xFE\xFF"sv, "\xFF\xFEx"sv, "\xFF\xFE\0\0"sv, "\0\0\xFE\xFF"sv, "\xFE\xFF\0[\0s"sv}) {
         const tIniFile file(start);
         const nIni::tFile stream = open(file);
-        tLineReader reader(stream.get());
+        nIni::tText text;
+        tLineReader reader(stream.get(), text);
         EXPECT_FALSE(reader.skipByteOrderMark()) << testing::PrintToString(start);
     }
 }
@@ -176,7 +196,8 @@ TEST(LineReader, WideMarksAreRefused) {
 TEST(LineReader, TheLineNumberStaysAtTheLargestOne) {
     const tIniFile file("a\nb\nc");
     const nIni::tFile stream = open(file);
-    tLineReader reader(stream.get(), std::numeric_limits<std::int32_t>::max() - 1);
+    nIni::tText text;
+    tLineReader reader(stream.get(), text, std::numeric_limits<std::int32_t>::max() - 1);
     for (const char* const line : {"a", "b", "c"}) {
         EXPECT_EQ(reader.next(), line);
         EXPECT_EQ(reader.lineNumber(), std::numeric_limits<std::int32_t>::max());
@@ -186,7 +207,8 @@ TEST(LineReader, TheLineNumberStaysAtTheLargestOne) {
 TEST(LineReader, WhatIsAppendedBehindTheEndIsNotRead) {
     const tIniFile file("a\nb");
     const nIni::tFile stream = open(file);
-    tLineReader reader(stream.get());
+    nIni::tText text;
+    tLineReader reader(stream.get(), text);
     EXPECT_EQ(reader.next(), "a");
     file.write("a\nbc\nd\n");
     EXPECT_EQ(reader.next(), "b");

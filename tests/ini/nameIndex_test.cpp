@@ -35,14 +35,20 @@ TEST(NameIndex, FoldsCaseAsTheCLocaleDoesByteForByte) {
 }
 
 // The values come from another implementation: Python's hash of these bytes with PYTHONHASHSEED=0.
-TEST(NameIndex, HashesAsSipHash13DoesWithAKeyOfZeros) {
-    EXPECT_EQ(hashName("a", true), 0x407448D2B89B1813U);
-    EXPECT_EQ(hashName("1234567", true), 0xA33D651594FDAE81U);
-    EXPECT_EQ(hashName("12345678", true), 0x3489982430560A87U);
-    EXPECT_EQ(hashName("123456789", true), 0x0FBC0F0007965FCFU);
+TEST(NameIndex, HashesBySeedOneAsSipHash13DoesWithAKeyOfZeros) {
+    EXPECT_EQ(hashName("a", true, 1), 0x407448D2B89B1813U);
+    EXPECT_EQ(hashName("1234567", true, 1), 0xA33D651594FDAE81U);
+    EXPECT_EQ(hashName("12345678", true, 1), 0x3489982430560A87U);
+    EXPECT_EQ(hashName("123456789", true, 1), 0x0FBC0F0007965FCFU);
     std::string longName;
     for (char c = 1; c <= 40; ++c) longName += c;
-    EXPECT_EQ(hashName(longName, true), 0xC6CA83093413BF3CU);
+    EXPECT_EQ(hashName(longName, true, 1), 0xC6CA83093413BF3CU);
+}
+
+TEST(NameIndex, HashesOtherwiseByEverySeed) {
+    std::set<std::uint64_t> hashes;
+    for (std::uint64_t seed = 0; seed < 100; ++seed) hashes.insert(hashName("Service", false, seed));
+    EXPECT_EQ(hashes.size(), 100U);
 }
 
 TEST(NameIndex, NamesOfDifferentLengthDiffer) {
@@ -115,16 +121,91 @@ TEST(NameIndex, AListThatWasChangedInsideIsIndexedAnewAfterAReset) {
     EXPECT_EQ(index.find(records, "0", false), records.size());
 }
 
-TEST(NameIndex, NamesThatShareASlotAreToldApart) {
-    constexpr std::uint64_t lowBits = 0x3FF;
-    tNameIndex index;
+/// That many names whose hashes by that seed lie in one part of so many: in a table they would all be neighbours.
+std::vector<tRecord> crowdedBy(std::uint64_t seed, std::size_t parts, std::size_t count) {
     std::vector<tRecord> records;
-    for (std::size_t i = 0; records.size() < 200; ++i) {
-        const std::string name = std::to_string(i);
-        if ((hashName(name, false) & lowBits) == 0) records.push_back({name});
+    for (std::size_t i = 0; records.size() < count; ++i) {
+        std::string name = std::to_string(i);
+        const std::uint64_t hash = hashName(name, false, seed) & UINT32_MAX;
+        if (hash * parts >> 32U == parts / 2) records.push_back({std::move(name)});
     }
+    return records;
+}
+
+void expectAllFound(const std::vector<tRecord>& records) {
+    tNameIndex index;
     for (std::size_t i = 0; i < records.size(); ++i) ASSERT_EQ(index.find(records, records[i].name, false), i);
     EXPECT_EQ(index.find(records, "none of them", false), records.size());
+}
+
+TEST(NameIndex, NamesThatCrowdIntoOnePartAreToldApart) {
+    expectAllFound(crowdedBy(0, 1000, 2000));
+    expectAllFound(crowdedBy(0, 1 << 20, 50));
+}
+
+TEST(NameIndex, NamesThatCrowdByTheFirstTwoSeedsAreToldApart) {
+    std::vector<tRecord> records = crowdedBy(0, 1000, 1000);
+    const std::vector<tRecord> others = crowdedBy(1, 1000, 1000);
+    records.insert(records.end(), others.begin(), others.end());
+    expectAllFound(records);
+}
+
+/// The names of the records, as removeRepeated leaves them, with the number of those that were merged into each.
+std::vector<std::string> withoutRepeated(const std::vector<std::string>& names, bool caseSensitive) {
+    struct tCounted {
+        std::string name;
+        int merged = 0;
+    };
+    std::vector<tCounted> records;
+    for (const std::string& name : names) records.push_back({name});
+    tNameIndex index;
+    index.removeRepeated(records, caseSensitive, [](tCounted& first, const tCounted&) { ++first.merged; });
+    std::vector<std::string> left;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        EXPECT_EQ(index.find(records, records[i].name, caseSensitive), i);
+        left.push_back(records[i].name + ' ' + std::to_string(records[i].merged));
+    }
+    return left;
+}
+
+TEST(NameIndex, TheFirstOfEachRepeatedNameIsKept) {
+    EXPECT_EQ(withoutRepeated({}, false), (std::vector<std::string>{}));
+    EXPECT_EQ(withoutRepeated({"a", "b", "A", "a", "c"}, false), (std::vector<std::string>{"a 2", "b 0", "c 0"}));
+    EXPECT_EQ(withoutRepeated({"a", "b", "A", "a", "c"}, true), (std::vector<std::string>{"a 1", "b 0", "A 0", "c 0"}));
+}
+
+TEST(NameIndex, TheFirstOfEachRepeatedNameIsKeptInLongLists) {
+    // Few enough to be added as they come, and so many that they are sorted before.
+    for (const int count : {10, 1000, 20'000}) {
+        std::vector<std::string> names;
+        std::vector<std::string> expected;
+        for (int i = 0; i < count; ++i) {
+            names.push_back("Name" + std::to_string(i));
+            if (i % 3 == 0) names.push_back("NAME" + std::to_string(i / 2));
+        }
+        for (int i = 0; i < count; ++i) {
+            // Those that are half of a multiple of three, by a division that rounds down.
+            int merged = 0;
+            for (const int twice : {2 * i, 2 * i + 1}) merged += twice % 3 == 0 && twice < count ? 1 : 0;
+            expected.push_back("Name" + std::to_string(i) + ' ' + std::to_string(merged));
+        }
+        EXPECT_EQ(withoutRepeated(names, false), expected) << count;
+    }
+}
+
+TEST(NameIndex, RepeatedNamesAreMergedInTheirOrder) {
+    struct tRecordWithNumber {
+        std::string name;
+        int number;
+    };
+    std::vector<tRecordWithNumber> records;
+    for (int i = 0; i < 30'000; ++i) records.push_back({std::to_string(i % 100), i});
+    tNameIndex index;
+    index.removeRepeated(records, false, [](tRecordWithNumber& first, const tRecordWithNumber& repeated) {
+        EXPECT_EQ(first.number + 100, repeated.number);
+        first.number = repeated.number;
+    });
+    EXPECT_EQ(records.size(), 100U);
 }
 
 /// Whether the index finds what it should while a list grows record by record, none of which needs memory.
