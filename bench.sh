@@ -34,8 +34,8 @@ keep_memory=glibc.malloc.mmap_max=0:glibc.malloc.trim_threshold=4000000000
 native() {
     ./build.sh native-bench native_bench
     say "measuring $1 natively"
-    GLIBC_TUNABLES=$keep_memory pinned build/native-bench/bin/native_bench --benchmark_filter="^$1/" --benchmark_out="$results/$1-native.json" \
-        --benchmark_out_format=json >"$results/$1-native.log" 2>&1 ||
+    GLIBC_TUNABLES=$keep_memory pinned build/native-bench/bin/native_bench --benchmark_filter="^$1/" \
+        --benchmark_out="$results/$1-native.json" --benchmark_out_format=json >"$results/$1-native.log" 2>&1 ||
         fail "the benchmarks of $1 have ended early; what they said is in $results/$1-native.log"
 }
 

@@ -1,11 +1,16 @@
 // Group ini, natively: the parser against one pass over the bytes, against other parsers, and against itself.
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -57,6 +62,21 @@ tText textOfKeys(std::int64_t count) {
     for (const std::size_t number : shuffled(static_cast<std::size_t>(count))) {
         const std::string digits = std::to_string(number);
         text.append("Setting").append(digits).append("=value of ").append(digits) += '\n';
+    }
+    return std::make_shared<tMemoryFile>(text);
+}
+
+/// That many keys, tried in the order of their numbers, of which one in 64 is taken. Crowding: those that the parser's
+/// table would put into a 64th of its room. Otherwise: every 64th.
+tText textOfTriedKeys(std::int64_t count, bool crowding) {
+    constexpr std::uint64_t parts = 64;
+    std::string text = "[Service]\n";
+    for (std::uint64_t number = 0; count > 0; ++number) {
+        const std::string name = "Setting" + std::to_string(number);
+        const std::uint64_t hash = nIni::hashName(name, false) & UINT32_MAX;
+        if (crowding ? hash * parts >> 32U != 0 : number % parts != 0) continue;
+        text.append(name) += "=value\n";
+        --count;
     }
     return std::make_shared<tMemoryFile>(text);
 }
@@ -149,12 +169,12 @@ nBench::tPair againstPeer(const std::string& name, std::int64_t count) {
 /// A folder of description files.
 class tDescriptionFiles {
 public:
-    explicit tDescriptionFiles(std::int64_t count)
+    explicit tDescriptionFiles(std::int64_t count, int otherKeys = 0)
         : folder_(std::filesystem::temp_directory_path() / ("bench-ini-" + std::to_string(getpid()))) {
         create_directory(folder_);
         for (std::int64_t i = 0; i < count; ++i) {
             const std::filesystem::path path = folder_ / (std::to_string(i) + ".ini");
-            std::ofstream(path, std::ios::binary) << description(i);
+            std::ofstream(path, std::ios::binary) << description(i, otherKeys);
             paths_.push_back(path);
             widePaths_.push_back(path.wstring());
         }
@@ -163,13 +183,30 @@ public:
     tDescriptionFiles(const tDescriptionFiles&) = delete;
     tDescriptionFiles& operator=(const tDescriptionFiles&) = delete;
 
-    static std::string description(std::int64_t number) {
+    /// The seven keys, and others.
+    static std::string description(std::int64_t number, int otherKeys) {
         const std::string name = "Plugin" + std::to_string(number);
-        return "[Service]\r\nName=" + name + "\r\nPath=C:\\Program Files\\Plug-ins\\" + name +
-               ".dll\r\nInitialize=initialize\r\nStop=stop\r\nCleanup=cleanup\r\n"
-               "Dependencies=Settings, Transport\r\nRequires=1\r\n";
+        std::string text = "[Service]\r\nName=" + name + "\r\nPath=C:\\Program Files\\Plug-ins\\" + name +
+                           ".dll\r\nInitialize=initialize\r\nStop=stop\r\nCleanup=cleanup\r\n"
+                           "Dependencies=Settings, Transport\r\nRequires=1\r\n";
+        for (int i = 0; i < otherKeys; ++i) {
+            const std::string digits = std::to_string(i);
+            text.append("Setting").append(digits).append("=value of ").append(digits) += "\r\n";
+        }
+        return text;
     }
 
+    /// The system calls of parseAll alone.
+    void readAll() const {
+        std::array<char, 2084> chunk{};
+        struct stat status {};
+        for (const std::string& path : paths_) {
+            const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+            demand(std::fread(chunk.data(), 1, 4, file.get()) == 4, "a file is gone");
+            while (std::fread(chunk.data(), 1, chunk.size(), file.get()) == chunk.size()) continue;
+            demand(fstat(fileno(file.get()), &status) == 0, "no time");
+        }
+    }
     void parseAll() const {
         for (const std::wstring& path : widePaths_) parse(path);
     }
@@ -183,15 +220,21 @@ private:
     std::vector<std::wstring> widePaths_;
 };
 
-nBench::tPair smallFilesAgainst(const std::string& name, std::int64_t count) {
+nBench::tPair smallFilesAgainst(const std::string& name, std::int64_t count, int otherKeys) {
     const nBench::tIniPeer& peer = peerNamed(name);
-    nBench::tKeyValues ours = readKeys(tMemoryFile(tDescriptionFiles::description(7)));
-    nBench::tKeyValues theirs = peer.read(tDescriptionFiles::description(7));
+    const std::string text = tDescriptionFiles::description(7, otherKeys);
+    nBench::tKeyValues ours = readKeys(tMemoryFile(text));
+    nBench::tKeyValues theirs = peer.read(text);
     std::sort(ours.begin(), ours.end());
     std::sort(theirs.begin(), theirs.end());
-    demand(ours.size() == 7 && ours == theirs, name + " finds other keys");
-    const auto files = std::make_shared<const tDescriptionFiles>(count);
+    demand(ours.size() == static_cast<std::size_t>(7 + otherKeys) && ours == theirs, name + " finds other keys");
+    const auto files = std::make_shared<const tDescriptionFiles>(count, otherKeys);
     return {[files] { files->parseAll(); }, [files, peer] { files->parseAllWith(peer); }};
+}
+
+nBench::tPair smallFilesAgainstReading(std::int64_t count) {
+    const auto files = std::make_shared<const tDescriptionFiles>(count);
+    return {[files] { files->parseAll(); }, [files] { files->readAll(); }};
 }
 
 nBench::tPair keysAgainstATenth(std::int64_t count) {
@@ -206,6 +249,13 @@ nBench::tPair sectionsAgainstATenth(std::int64_t count) {
     const tText few = textOfSections(count / 10);
     demand(countSections(*many) == 10 * countSections(*few), "sections are lost");
     return {[many] { parse(*many); }, [few] { parse(*few); }};
+}
+
+nBench::tPair collidingAgainstOthers(std::int64_t count) {
+    const tText colliding = textOfTriedKeys(count, true);
+    const tText others = textOfTriedKeys(count, false);
+    demand(readKeys(*colliding).size() == readKeys(*others).size(), "keys are lost");
+    return {[colliding] { parse(*colliding); }, [others] { parse(*others); }};
 }
 
 /// The rows that cost against size is drawn from, from a hundredth of the judged size on.
@@ -227,8 +277,13 @@ void addIniRows() {
                  [peer](std::int64_t size) { return againstPeer(peer, size); });
     }
     addCurve("ini/simpleini-files", "files", 10'000,
-             [](std::int64_t size) { return smallFilesAgainst("simpleini", size); });
+             [](std::int64_t size) { return smallFilesAgainst("simpleini", size, 0); });
+    addCurve("ini/files-bare", "files", 10'000, smallFilesAgainstReading);
+    const std::int64_t files = nBench::quick() ? 100 : 10'000;
+    nBench::addRow(
+        {"ini/simpleini-larger-files", "", files, [files] { return smallFilesAgainst("simpleini", files, 93); }});
     const std::int64_t size = nBench::quick() ? 10'000 : 1'000'000;
     nBench::addRow({"ini/ten-times-the-keys", "", size, [size] { return keysAgainstATenth(size); }});
     nBench::addRow({"ini/ten-times-the-sections", "", size / 10, [size] { return sectionsAgainstATenth(size / 10); }});
+    nBench::addRow({"ini/colliding", "", size, [size] { return collidingAgainstOthers(size); }});
 }
