@@ -11,8 +11,8 @@ Usage: ./build.sh [preset [target...]]
 Builds build/<preset>, all of it or the CMake targets named; the default is
 windows-release, which gives build/windows-release/bin/zuZiptraRemoteService.exe.
 
-Presets: windows-release windows-debug windows-trace native-asan native-tsan native-coverage native-fuzz
-         native-bench windows-bench
+Presets: windows-release windows-debug windows-trace windows-coverage windows-bench
+         native-asan native-tsan native-coverage native-fuzz native-bench
 TXT
 }
 
@@ -22,7 +22,7 @@ case $preset in
         usage
         exit 0
         ;;
-    windows-release | windows-debug | windows-trace | windows-bench) ;;
+    windows-release | windows-debug | windows-trace | windows-coverage | windows-bench) ;;
     native-asan | native-tsan | native-coverage | native-fuzz | native-bench) ;;
     *)
         usage >&2

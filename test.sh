@@ -12,7 +12,7 @@ usage() {
     cat <<TXT
 Usage: ./test.sh [layer ...] [--long SECONDS]
 
-Runs the layers named, or all of them. What the programs say is kept in $logs.
+Runs the layers named; without a name all but coverage, and with "all" that too. What the programs say is kept in $logs.
 The last line is the sum: N passed, N failed, N skipped.
 
   lint       format, static analysis, the house rules
@@ -24,6 +24,7 @@ The last line is the sum: N passed, N failed, N skipped.
   soak       the plug-ins loaded and unloaded SOAK_CYCLES times (500), the service started for SOAK_SECONDS (15)
   kill       the executable killed KILLS times (55) step by step of replacing the status file, and as often at random
   race       stop requests from many sides: every interleaving, RACE_ROUNDS in one process, RACE_SECONDS (18) outside
+  coverage   lines and branches of the product that the unit tests reach, natively and on Windows, with floors
 
   --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in fuzz/corpus
 TXT
@@ -61,7 +62,8 @@ while (($#)); do
             fuzz_seconds=$2 fuzz_keeps=1
             shift
             ;;
-        lint | native | windows | endtoend | fuzz | sweep | soak | kill | race) layers+=("$1") ;;
+        all) layers+=("${all_layers[@]}" coverage) ;;
+        lint | native | windows | endtoend | fuzz | sweep | soak | kill | race | coverage) layers+=("$1") ;;
         *) misused ;;
     esac
     shift

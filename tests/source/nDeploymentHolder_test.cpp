@@ -77,6 +77,16 @@ TEST(Holder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdentity) {
     }
 }
 
+TEST(Holder, TellsObjectsApartByTheirReferencesWhenOneOfThemHidesItsIdentity) {
+    tFacet open;
+    tFacet hiding;
+    hiding.result = -1;
+    EXPECT_FALSE(nDeployment::isSameObject(open, hiding));
+    EXPECT_FALSE(nDeployment::isSameObject(hiding, open));
+    EXPECT_EQ(open.references, 0U);
+    EXPECT_EQ(hiding.references, 0U);
+}
+
 TEST(Holder, KeepsWhatItHeldWhenACallFails) {
     tFacet held;
     tAnyHolder holder;
