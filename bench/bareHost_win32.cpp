@@ -2,7 +2,6 @@
 
 #include <windows.h>
 // windows.h first: the others need its types.
-#include <io.h>
 #include <share.h>
 #include <shlobj.h>
 
@@ -126,12 +125,12 @@ void tBareHost::live() const {
 }
 
 void readBarely(const wchar_t* path) {
-    std::array<char, 4096> bytes;
-    FILETIME time;
+    std::array<char, 4096> bytes{};
+    WIN32_FIND_DATAW found;
     std::FILE* const file = _wfopen(path, L"rb");
     while (std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size()) {
     }
-    GetFileTime(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))), nullptr, nullptr, &time);
+    FindClose(FindFirstFileW(path, &found));
     std::fclose(file);
 }
 

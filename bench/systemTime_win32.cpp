@@ -94,7 +94,6 @@ void turnAll(bool on) {
     tCall<"FindFirstFileW", decltype(FindFirstFileW)>::turn(on);
     tCall<"FreeLibrary", decltype(FreeLibrary)>::turn(on);
     tCall<"GetFileAttributesW", decltype(GetFileAttributesW)>::turn(on);
-    tCall<"GetFileTime", decltype(GetFileTime)>::turn(on);
     tCall<"GetModuleHandleA", decltype(GetModuleHandleA)>::turn(on);
     tCall<"GetProcAddress", decltype(GetProcAddress)>::turn(on);
     tCall<"GetSystemTimeAdjustment", decltype(GetSystemTimeAdjustment)>::turn(on);

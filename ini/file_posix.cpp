@@ -1,7 +1,7 @@
 // Never shipped: lets the parser run under native tools.
-#include <sys/stat.h>
-
+#include <chrono>
 #include <filesystem>
+#include <ratio>
 #include <string>
 #include <string_view>
 
@@ -25,18 +25,16 @@ std::filesystem::path narrow(const wchar_t* path) {
 
 tFile openFile(const wchar_t* path) { return tFile(std::fopen(narrow(path).c_str(), "rb")); }
 
-bool exists(const wchar_t* path) {
-    std::error_code ignored;
-    return std::filesystem::exists(std::filesystem::symlink_status(narrow(path), ignored));
-}
-
-std::uint64_t lastWriteTime(std::FILE* file) {
-    constexpr std::int64_t perSecond = 10'000'000;
-    constexpr std::int64_t secondsFrom1601To1970 = 11'644'473'600;
-    struct stat status {};
-    if (fstat(fileno(file), &status) != 0) return 0;
-    const std::int64_t since1601 = status.st_mtim.tv_sec + secondsFrom1601To1970;
-    return static_cast<std::uint64_t>(since1601 * perSecond + status.st_mtim.tv_nsec / 100);
+std::optional<std::uint64_t> lastWriteTime(const wchar_t* path) {
+    // As on Windows, a link that leads nowhere is a file too. Its time is not to be had, which reads as 0.
+    std::error_code error;
+    if (!exists(std::filesystem::symlink_status(narrow(path), error))) return std::nullopt;
+    const auto time = std::filesystem::last_write_time(narrow(path), error);
+    if (error) return 0;
+    using tFileTime = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
+    const auto since1970 = std::chrono::file_clock::to_sys(time).time_since_epoch();
+    const tFileTime from1601To1970 = std::chrono::seconds(11'644'473'600);
+    return static_cast<std::uint64_t>((std::chrono::floor<tFileTime>(since1970) + from1601To1970).count());
 }
 
 }  // namespace nIni

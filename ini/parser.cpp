@@ -174,8 +174,8 @@ int parseStream(tDocument& document, std::FILE* file) {
     return 0;
 }
 
-void rememberFile(tDocument& document, const wchar_t* widePath, std::FILE* file) {
-    document.fileTime = lastWriteTime(file);
+void rememberFile(tDocument& document, const wchar_t* widePath) {
+    document.fileTime = lastWriteTime(widePath).value_or(0);
     // By way of a copy: the path may be the document's own from the parse before.
     const std::wstring_view path(widePath);
     decltype(document.filePath) kept{};
@@ -187,9 +187,9 @@ void rememberFile(tDocument& document, const wchar_t* widePath, std::FILE* file)
 
 int parseFile(tDocument& document, const wchar_t* widePath) noexcept try {
     const tFile file = openFile(widePath);
-    if (!file) return exists(widePath) ? fileNotOpened : fileNotFound;
+    if (!file) return lastWriteTime(widePath) ? fileNotOpened : fileNotFound;
     const int result = parseStream(document, file.get());
-    if (result == 0) rememberFile(document, widePath, file.get());
+    if (result == 0) rememberFile(document, widePath);
     return result;
 } catch (const std::bad_alloc&) {
     return outOfMemory;

@@ -103,7 +103,6 @@ private:
     IMPORT(L"kernel32.dll", FreeLibrary)                 \
     IMPORT(L"kernel32.dll", GetCurrentProcessId)         \
     IMPORT(L"kernel32.dll", GetCurrentThreadId)          \
-    IMPORT(L"kernel32.dll", GetFileTime)                 \
     IMPORT(L"kernel32.dll", GetLastError)                \
     IMPORT(L"kernel32.dll", GetModuleHandleA)            \
     IMPORT(L"kernel32.dll", GetProcAddress)              \

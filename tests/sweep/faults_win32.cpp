@@ -96,7 +96,7 @@ void tFaults::addPlaces() {
 
 void tFaults::addFiles() {
     refuses(CALL(CreateFileW), cost::listing, ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
-    refuses(CALL(FindFirstFileW), cost::nothing, ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
+    refuses(CALL(FindFirstFileW), cost::listing, ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
     complains(CALL(FindClose), cost::nothing, ERROR_INVALID_HANDLE, FALSE);
     refuses(CALL(_wfopen), cost::descriptions, ERROR_ACCESS_DENIED, nullptr);
     row(CALL(fread), cost::descriptions, [this](const auto& /*inner*/, auto...) -> std::size_t {
@@ -108,7 +108,6 @@ void tFaults::addFiles() {
         const int failed = inner(stream);
         return brokenStream_ ? std::exchange(brokenStream_, false), 1 : failed;
     });
-    refuses(CALL(GetFileTime), cost::nothing, ERROR_INVALID_FUNCTION, FALSE);
     refuses(CALL(MultiByteToWideChar), cost::statusFile | cost::listing, ERROR_NO_UNICODE_TRANSLATION, 0);
     refuses(CALL(_wfsopen), cost::statusFile, ERROR_ACCESS_DENIED, nullptr);
     row(CALL(fwrite), cost::statusFile,

@@ -143,6 +143,7 @@ constexpr std::string_view runtime[] = {
     "GetFileAttributesW",
     "GetFileInformationByHandle",
     "GetEnvironmentVariableW",
+    "GetFileTime",
     "GetFullPathNameW",
     "GetModuleHandleW",
     "GetWindowsDirectoryW",
@@ -204,9 +205,6 @@ constexpr std::string_view runtime[] = {
     "fputs",
     "printf",
     "vfprintf",
-    // The system's handle of an open stream, which it has.
-    "_fileno",
-    "_get_osfhandle",
     // Streams, of which the product has those in memory alone.
     "_close",
     "_read",
