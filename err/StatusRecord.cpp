@@ -87,7 +87,7 @@ bool Copy(StatusRecord& destination, StatusRecord& source) noexcept {
 }
 
 JsonChain Append(StatusRecord& record) noexcept {
-    const bool hasText = record.reallocJson(record, emptyReportSize) && record.json != nullptr;
+    const bool hasText = record.reallocJson(record, emptyReportSize) && record.capacity >= emptyReportSize;
     return {hasText ? FindEnd(record.json) : nullptr, growRecord, &record};
 }
 

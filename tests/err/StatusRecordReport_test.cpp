@@ -173,6 +173,16 @@ TEST(RaiseInto, KeepsTheCodeAloneWhenTheManagerSaysYesAndGivesNothing) {
     EXPECT_EQ(record.json, nullptr);
 }
 
+TEST(Append, WritesNothingIntoABufferWithoutRoomForTheMarker) {
+    std::string buffer("{}\0\0\0\0\0\0\0\0\0\0J", 13);
+    StatusRecord record;
+    record.reallocJson = [](StatusRecord& /*self*/, std::uint32_t /*capacity*/) { return true; };
+    record.json = buffer.data();
+    record.capacity = 3;  // what lies behind is somebody else's
+    Append(record).AddInt("a", 1);
+    EXPECT_EQ(buffer, std::string("{}\0\0\0\0\0\0\0\0\0\0J", 13));
+}
+
 TEST_F(StatusRecordManager, IsAskedForTwiceTheCapacityLess2UpToAgainst2Gigabytes) {
     const auto requestsAt = [](std::uint32_t capacity) {
         StatusRecord record;

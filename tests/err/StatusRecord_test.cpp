@@ -126,6 +126,16 @@ TEST_F(StatusRecordManager, IsAskedForThreeBytesWhenTheBufferIsTooSmallForAnEmpt
     EXPECT_TRUE(wellLaidOut(record));
 }
 
+TEST_F(StatusRecordManager, MayGiveNoMoreThanTheThreeBytesOfAnEmptyReport) {
+    StatusRecord record;
+    record.reallocJson = exact;
+    record.json = static_cast<char*>(std::calloc(2, 1));
+    record.capacity = 2;
+    EXPECT_TRUE(SetCode(record, -1));
+    EXPECT_EQ(record.capacity, 3U);
+    EXPECT_THAT(record.json, StrEq("{}"));
+}
+
 TEST_F(StatusRecordManager, LeavesTheOldTextWhenThatIsRefused) {
     StatusRecord record;
     record.reallocJson = refuse;

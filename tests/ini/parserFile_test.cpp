@@ -53,6 +53,15 @@ TEST(IniFile, AMissingFileGivesMinus22) {
     EXPECT_EQ(parseFile(document, L""), -22);
 }
 
+TEST(IniFile, APathThatCanNameNoFileGivesMinus22) {
+    const std::wstring folder = tIniFile("").widePath();
+    nIni::tDocument document;
+    for (const std::wstring& name : {std::wstring(5000, L'x'), std::wstring(100'000, L'/'), std::wstring(L"a\x1/b"),
+                                     std::wstring(L"\"/\""), std::wstring(L"\xD800/x"), std::wstring(L"\xDC00/x")}) {
+        EXPECT_EQ(parseFile(document, (folder + L"/" + name).c_str()), -22) << name.size();
+    }
+}
+
 TEST(IniFile, PathAndTimeAreKeptOnSuccess) {
     const tIniFile file("[s]\nbad");
     using std::chrono::sys_days, std::chrono::year, std::chrono::hours, std::chrono::seconds;
