@@ -6,7 +6,7 @@ source scripts/dependencies.sh
 source scripts/wine.sh
 source scripts/results.sh
 
-all_layers=(lint native windows endtoend fuzz sweep soak kill race)
+all_layers=(lint native windows endtoend fuzz sweep soak kill race bench)
 export fuzz_seconds=20 fuzz_keeps=0
 usage() {
     cat <<TXT
@@ -24,6 +24,7 @@ The last line is the sum: N passed, N failed, N skipped.
   soak       the plug-ins loaded and unloaded SOAK_CYCLES times (500), the service started for SOAK_SECONDS (15)
   kill       the executable killed KILLS times (55) step by step of replacing the status file, and as often at random
   race       stop requests from many sides: every interleaving, RACE_ROUNDS in one process, RACE_SECONDS (18) outside
+  bench      the benchmarks in small: their results, not their times
   coverage   lines and branches of the product that the unit tests reach, natively and on Windows, with floors
 
   --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in fuzz/corpus
@@ -63,7 +64,7 @@ while (($#)); do
             shift
             ;;
         all) layers+=("${all_layers[@]}" coverage) ;;
-        lint | native | windows | endtoend | fuzz | sweep | soak | kill | race | coverage) layers+=("$1") ;;
+        lint | native | windows | endtoend | fuzz | sweep | soak | kill | race | bench | coverage) layers+=("$1") ;;
         *) misused ;;
     esac
     shift
