@@ -246,11 +246,22 @@ std::vector<std::string> alike(std::uint64_t mask, std::size_t count,
     return names;
 }
 
-TEST(IniNames, ThatShareASlotOfTheIndexAreAllFound) {
+TEST(IniNames, ThatAgreeInAnyBitsOfTheirHashAreAllFound) {
     const auto hash = [](const std::string& name) { return nIni::hashName(name, false); };
-    expectAllFound(alike(0xFFF, 1000, hash));
-    expectAllFound(alike(std::uint64_t{0xFFF} << 52U, 1000, hash));
-    expectAllFound(alike(0x3F | std::uint64_t{0x3F} << 58U, 1000, hash));
+    for (const int shift : {0, 10, 22, 32, 43, 54}) expectAllFound(alike(std::uint64_t{0x3FF} << shift, 1000, hash));
+}
+
+TEST(IniNames, ThatCrowdUnderSeveralSeedsOfTheHashAreAllFound) {
+    // Those of an eighth of the table under each of the first three, wherever the table takes the place from.
+    for (const int shift : {0, 29, 61}) {
+        const auto hash = [shift](const std::string& name) {
+            std::uint64_t bits = 0;
+            for (const std::uint64_t seed : {0, 1, 2})
+                bits = bits << 3 | (nIni::hashName(name, false, seed) >> shift & 7);
+            return bits;
+        };
+        expectAllFound(alike(0x1FF, 2000, hash));
+    }
 }
 
 TEST(IniNames, ThatShareASlotOfTheUsualTablesAreAllFound) {
