@@ -1,6 +1,7 @@
 // Runs over plug-in directories that only a file system with links and names of any bytes can hold.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <string>
@@ -57,6 +58,21 @@ TEST_F(HostileDirectory, AFileThatBecomesALinkToNothingCostsItsPluginAlone) {
     run();
     EXPECT_THAT(names(), testing::ElementsAre("A"));
     EXPECT_EQ(gService->messages, messagesAbout(link));
+}
+
+TEST_F(HostileDirectory, AFileThatCannotBeOpenedCostsItsPluginAlone) {
+    const std::string unreadable = world.describe("unreadable.ini", world.calling("Unreadable"));
+    world.describe("a.ini", world.calling("A"));
+    world.describe("z.ini", world.calling("Z"));
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit none{0, limit.rlim_max};  // rights do not keep everybody who may run tests from reading
+    const support::tDescriptionReads reads(
+        [&](const std::string& path) { setrlimit(RLIMIT_NOFILE, path == unreadable ? &none : &limit); });
+    world.deployment.onPause = [&limit] { setrlimit(RLIMIT_NOFILE, &limit); };  // all files have been read then
+    run();
+    EXPECT_THAT(names(), testing::ElementsAre("A", "Z"));
+    EXPECT_EQ(gService->messages, messagesAbout(unreadable));
 }
 
 TEST_F(HostileDirectory, FileNamesMayHoldQuotesAndControlCharacters) {
