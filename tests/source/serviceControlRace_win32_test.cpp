@@ -16,15 +16,11 @@
 
 #include "source/serviceControl.h"
 #include "tests/support/framework.h"
+#include "tests/support/hammer.h"
 #include "tests/support/imports_win32.h"
 #include "tests/support/serviceWorld.h"
 
 namespace {
-
-/// Passes a little time without asking the system.
-void spin(int turns) {
-    for (volatile int left = turns; left > 0;) left = left - 1;
-}
 
 /// RACE_ROUNDS lets the tests go on for longer; 0 without it.
 int wantedRounds() {
@@ -110,10 +106,10 @@ TEST_F(ServiceControlRace, NoRequestIsReportedOnceTheServiceMainReportsTheStop) 
         for (const unsigned long control : {SERVICE_CONTROL_STOP, SERVICE_CONTROL_SHUTDOWN}) {
             requesters.emplace_back([this, control, &over, &requests] {
                 while (!running) std::this_thread::yield();
-                while (!over) {
+                for (int sent = 0; !over; ++sent) {
                     serviceControlHandler(control);
                     ++requests;
-                    spin(1'000);  // the lock must be free at times, or the service main never gets it
+                    support::pauseAfterRequest(sent);
                 }
             });
         }
@@ -136,7 +132,7 @@ TEST_F(ServiceControlRace, ASingleRequestIsNeverLostWheneverItComes) {
         const std::future<void> service = std::async(std::launch::async, runServiceMain);
         while (!running) std::this_thread::yield();
         // From right at the start to well into the wait.
-        spin(round % 20 * 20'000);
+        support::spin(static_cast<unsigned>(round) % 20 * 20'000);
         serviceControlHandler(SERVICE_CONTROL_STOP);
         if (service.wait_for(std::chrono::seconds(5)) != std::future_status::ready) {
             signalServiceStop();

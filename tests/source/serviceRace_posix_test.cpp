@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -16,6 +15,7 @@
 #include <vector>
 
 #include "source/serviceControl.h"
+#include "tests/support/hammer.h"
 #include "tests/support/posix/windows.h"
 #include "tests/support/serviceWorld.h"
 
@@ -89,11 +89,6 @@ std::atomic<bool> running = false;
 void (*controlHandler)(DWORD) = nullptr;
 thread_local DWORD lastErrorOfThread = NO_ERROR;
 
-/// Passes a little time without asking the system.
-void spin(unsigned turns) {
-    for (volatile unsigned left = turns; left > 0;) left = left - 1;
-}
-
 class ServiceRace : public testing::Test {
 protected:
     ServiceRace() {
@@ -124,13 +119,7 @@ protected:
                 for (int sent = 0; !over; ++sent) {
                     controlHandler(control);
                     requests_.fetch_add(1, std::memory_order_relaxed);
-                    // The lock must be free at times, or the service main never gets it: on a machine that lets the
-                    // service main wait for its turn, for longer.
-                    if (sent < 10'000) {
-                        spin(1'000);
-                    } else {
-                        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-                    }
+                    support::pauseAfterRequest(sent);
                 }
             });
         }
@@ -151,10 +140,10 @@ protected:
         for (unsigned i = 0; i < 3; ++i) {
             const unsigned delay = (lives_ * 7 + i * 3) % 20 * 50'000;
             senders.emplace_back([this, delay, &over] {
-                spin(delay);
+                support::spin(delay);
                 while (!over) {
                     if (console_.event()) requests_.fetch_add(1, std::memory_order_relaxed);
-                    spin(1'000);
+                    support::spin(1'000);
                 }
             });
         }
