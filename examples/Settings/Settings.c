@@ -46,6 +46,8 @@ static int readAll(FILE* file) {
         if (text[at] == '\r' || text[at] == '\n') text[at] = 0;
     }
     text[length] = 0;
+    /* The mark that some editors put before UTF-8 becomes three empty lines. */
+    if (strncmp(text, "\xEF\xBB\xBF", 3) == 0) text[0] = text[1] = text[2] = 0;
     return started;
 }
 

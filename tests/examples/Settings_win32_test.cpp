@@ -52,6 +52,17 @@ TEST_F(SettingsExample, TakesLineEndsOfEveryKindAndNoneBehindTheLastLine) {
     EXPECT_EQ(value("A") + value("B") + value("C") + value("D"), "1234");
 }
 
+TEST_F(SettingsExample, SkipsTheMarkThatSomeEditorsPutBeforeUtf8) {
+    EXPECT_EQ(start("\xEF\xBB\xBF"
+                    "Name=value\nOther=\xEF\xBB\xBF\n"),
+              0);
+    EXPECT_EQ(value("Name"), "value");
+    EXPECT_EQ(value("Other"), "\xEF\xBB\xBF");
+    settings.cleanup();
+    EXPECT_EQ(start("\xEF\xBB\xBF"), 0);
+    EXPECT_EQ(value(""), "otherwise");
+}
+
 TEST_F(SettingsExample, TakesAnEmptyFile) {
     EXPECT_EQ(start(""), 0);
     EXPECT_EQ(value("Name"), "otherwise");
