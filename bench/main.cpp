@@ -6,6 +6,7 @@
 int main(int count, char** arguments) {
     addIniRows();
     addOrderRows();
+    addReportRows("");
     benchmark::Initialize(&count, arguments);
     if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 1;
     benchmark::RunSpecifiedBenchmarks();

@@ -21,6 +21,7 @@ int main(int count, char** arguments) {
     addHostRows();
     addDescriptionFileRows();
     addStatusRows();
+    addReportRows("wine-");
     nBench::runRows(arguments[1], arguments[2]);
     return 0;
 }

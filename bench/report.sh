@@ -1,6 +1,7 @@
-# Sourced by bench.sh.
+# Sourced by bench.sh: one error's report.
 # shellcheck shell=bash
 
 bench_report() {
-    say "nothing is measured for report yet"
+    native report
+    on_windows report
 }

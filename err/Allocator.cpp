@@ -12,7 +12,7 @@ void* Reallocate(void* block, std::size_t bytes, StatusRecord& status) noexcept 
     }
     void* const grown = std::realloc(block, bytes);
     if (grown == nullptr) {
-        RaiseInto(status, outOfMemory.code, outOfMemory.text, {"zubrx/err/Allocator", 31}, hostComponent);
+        RaiseInto(status, outOfMemory.code, {outOfMemory, {"zubrx/err/Allocator", 31}});
     }
     return grown;
 }

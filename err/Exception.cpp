@@ -21,14 +21,12 @@ const char* Exception::what() const noexcept {
     return text == nullptr ? "{}" : text;
 }
 
-void Raise(std::int32_t code, const char* constant, const RaiseSite& site, const char* component) {
-    Exception exception;
-    RaiseInto(exception.record, code, constant, site, component);
-    throw Exception(exception);
-}
+void Raise(const RaiseReport& report) { Raise(report, report.code()); }
 
-void Raise(const ErrorConstant& constant, const RaiseSite& site) {
-    Raise(constant.code, constant.text, site, hostComponent);
+void Raise(const RaiseReport& report, std::int32_t code) {
+    Exception exception;
+    RaiseInto(exception.record, code, report);
+    throw Exception(exception);
 }
 
 void ThrowIfFailed(StatusRecord& record) {

@@ -31,9 +31,9 @@ public:
     [[nodiscard]] const char* what() const noexcept override;
 };
 
-/// Throws an Exception with this code and a report as RaiseInto writes it.
-[[noreturn]] void Raise(std::int32_t code, const char* constant, const RaiseSite& site, const char* component);
-[[noreturn]] void Raise(const ErrorConstant& constant, const RaiseSite& site);
+/// Throws an Exception with this report, and with the code that belongs to it or the one given.
+[[noreturn]] void Raise(const RaiseReport& report);
+[[noreturn]] void Raise(const RaiseReport& report, std::int32_t code);
 
 /// Throws what the record holds if it is an error and no other exception is propagating: clean-up never throws over
 /// the failure that caused it. The record is cleared in every case.

@@ -3,35 +3,22 @@
 #include <algorithm>
 #include <array>
 #include <bitset>
-#include <cstdio>
+#include <charconv>
 #include <cstring>
+#include <string_view>
 
 namespace zuerr {
 namespace {
 
-/// The letter behind the backslash for a character that is written escaped, 0 for any other.
-constexpr char escapeLetter(char character) noexcept {
-    switch (character) {
-        case '\b': return 'b';
-        case '\t': return 't';
-        case '\n': return 'n';
-        case '\f': return 'f';
-        case '\r': return 'r';
-        case '"': return '"';
-        case '\\': return '\\';
-        default: return 0;
-    }
-}
-
 std::size_t escapedLength(const char* text) noexcept {
     std::size_t length = 0;
-    for (; *text != 0; ++text) length += escapeLetter(*text) == 0 ? 1 : 2;
+    for (; *text != 0; ++text) length += jsonEscapeLetter(*text) == 0 ? 1 : 2;
     return length;
 }
 
 char* writeEscaped(char* out, const char* text) noexcept {
     for (; *text != 0; ++text) {
-        const char letter = escapeLetter(*text);
+        const char letter = jsonEscapeLetter(*text);
         if (letter != 0) *out++ = '\\';
         *out++ = letter == 0 ? *text : letter;
     }
@@ -75,10 +62,8 @@ char* makeRoom(char* cursor, std::size_t bytes) noexcept {
     const std::size_t needed = bytes + (alone ? 0 : 1);
 
     const std::size_t rest = std::strlen(insertion);
-    const char* const fill = insertion + rest + 1;
-    std::size_t room = 0;
-    while (room < needed && fill[room] == 0) ++room;
-    if (room != needed) return nullptr;
+    // From the terminator on to the sentinel: too little room if that comes too soon.
+    if (std::memchr(insertion + rest + 1, jsonSentinel, needed) != nullptr) return nullptr;
 
     std::memmove(insertion + needed, insertion, rest + 1);
     if (alone) return insertion;
@@ -105,9 +90,16 @@ char* addMember(char* cursor, const char* key, std::size_t valueLength, Write wr
 }
 
 /// Adds a text that needs no escaping and no quotes.
-char* addLiteral(char* cursor, const char* key, const char* literal) noexcept {
-    const std::size_t length = std::strlen(literal);
-    return addMember(cursor, key, length, [=](char* out) noexcept { return std::copy_n(literal, length, out); });
+char* addLiteral(char* cursor, const char* key, std::string_view literal) noexcept {
+    return addMember(cursor, key, literal.size(),
+                     [=](char* out) noexcept { return std::copy(literal.begin(), literal.end(), out); });
+}
+
+template <class Number>
+char* addNumber(char* cursor, const char* key, Number value) noexcept {
+    std::array<char, 16> digits{};
+    const char* const end = std::to_chars(digits.begin(), digits.end(), value).ptr;
+    return addLiteral(cursor, key, {digits.begin(), end});
 }
 
 /// Walks a JSON text. Each step returns false, or stops, at the first byte that does not fit.
@@ -247,17 +239,9 @@ char* AddString(char* cursor, const char* key, const char* value) noexcept {
                      [=](char* out) noexcept { return writeQuoted(out, value); });
 }
 
-char* AddInt(char* cursor, const char* key, std::int32_t value) noexcept {
-    std::array<char, 16> digits{};
-    std::snprintf(digits.data(), digits.size(), "%i", value);
-    return addLiteral(cursor, key, digits.data());
-}
+char* AddInt(char* cursor, const char* key, std::int32_t value) noexcept { return addNumber(cursor, key, value); }
 
-char* AddUInt(char* cursor, const char* key, std::uint32_t value) noexcept {
-    std::array<char, 16> digits{};
-    std::snprintf(digits.data(), digits.size(), "%u", value);
-    return addLiteral(cursor, key, digits.data());
-}
+char* AddUInt(char* cursor, const char* key, std::uint32_t value) noexcept { return addNumber(cursor, key, value); }
 
 char* AddObject(char* cursor, const char* key) noexcept { return addLiteral(cursor, key, "{}"); }
 

@@ -15,6 +15,20 @@ namespace zuerr {
 
 inline constexpr char jsonSentinel = 'J';
 
+/// The letter behind the backslash for a character that is written escaped, 0 for any other.
+constexpr char jsonEscapeLetter(char character) noexcept {
+    switch (character) {
+        case '\b': return 'b';
+        case '\t': return 't';
+        case '\n': return 'n';
+        case '\f': return 'f';
+        case '\r': return 'r';
+        case '"': return '"';
+        case '\\': return '\\';
+        default: return 0;
+    }
+}
+
 /// Writes "key":"value"; with a null key only "value" (an array element).
 /// Backspace, tab, line feed, form feed, carriage return, quote and backslash are escaped, all else is copied.
 char* AddString(char* cursor, const char* key, const char* value) noexcept;

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 namespace zuerr {
 namespace {
@@ -25,6 +26,22 @@ char* growRecord(void* argument, const char* cursor) {
     // A manager that answers yes and gives nothing would be asked for ever.
     if (!record.reallocJson(record, 2 * before - 2) || record.capacity <= before) return nullptr;
     return FindEnd(record.json) == nullptr ? nullptr : record.json + offset;
+}
+
+/// Puts a text in the place of "{}" if that is what there is, and if there is room.
+bool replaceEmpty(char* json, std::string_view text) noexcept {
+    if (std::strcmp(json, "{}") != 0) return false;
+    // As for any member: the room lies between the terminator and the sentinel.
+    const std::size_t needed = text.size() + 1 - sizeof("{}");
+    if (std::memchr(json + sizeof("{}"), jsonSentinel, needed) != nullptr) return false;
+    text.copy(json, text.size());
+    return true;
+}
+
+void addMembers(JsonChain chain, const char* constant, const RaiseSite& site, const char* component) noexcept {
+    if (constant != nullptr) chain.AddString("error_constant", constant);
+    chain.AddString("file", site.file).AddInt("line", site.line);
+    if (component != nullptr) chain.AddString("component", component);
 }
 
 }  // namespace
@@ -95,10 +112,15 @@ void RaiseInto(StatusRecord& record, std::int32_t code, const char* constant, co
                const char* component) noexcept {
     if (record.failed()) return;
     SetCode(record, code);
-    JsonChain chain = Append(record);
-    if (constant != nullptr) chain.AddString("error_constant", constant);
-    chain.AddString("file", site.file).AddInt("line", site.line);
-    if (component != nullptr) chain.AddString("component", component);
+    addMembers(Append(record), constant, site, component);
+}
+
+void RaiseInto(StatusRecord& record, std::int32_t code, const RaiseReport& report) noexcept {
+    if (record.failed()) return;
+    SetCode(record, code);
+    if (!record.reallocJson(record, emptyReportSize)) return;
+    if (replaceEmpty(record.json, report.text())) return;
+    addMembers(Append(record), report.constant(), report.site(), report.component());
 }
 
 }  // namespace zuerr

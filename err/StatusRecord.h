@@ -4,6 +4,7 @@
 
 #include "err/ErrorConstants.h"
 #include "err/JsonReport.h"
+#include "err/RaiseReport.h"
 
 namespace zuerr {
 
@@ -50,5 +51,8 @@ JsonChain Append(StatusRecord& record) noexcept;
 /// constant or component is left out. Does nothing when the record holds an error already.
 void RaiseInto(StatusRecord& record, std::int32_t code, const char* constant, const RaiseSite& site,
                const char* component) noexcept;
+
+/// The same with a report that is ready.
+void RaiseInto(StatusRecord& record, std::int32_t code, const RaiseReport& report) noexcept;
 
 }  // namespace zuerr

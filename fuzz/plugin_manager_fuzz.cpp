@@ -33,7 +33,7 @@ struct tBehaviour {
         if (!throws) return code;
         if (code == -52000) throw std::bad_alloc();
         if (code == -52003) throw std::runtime_error("of a plug-in");
-        zuerr::Raise(code, "own", {"file", 1}, nullptr);
+        zuerr::Raise({"own", {"file", 1}, nullptr}, code);
     }
 };
 

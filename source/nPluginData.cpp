@@ -39,10 +39,10 @@ std::uint32_t toRequiresMask(const std::string& value) {
 void parse(nIni::tDocument& document, const std::string& filePath) {
     document.flags = nIni::acceptEmptyValues | nIni::stripDoubleQuotes;
     const int result = nIni::parseFile(document, nStdPath::widePathFromUtf8(filePath).c_str());
-    if (result < 0) zuerr::Raise(result, "result", {sourceFile, 261}, zuerr::hostComponent);
+    if (result < 0) zuerr::Raise({"result", {sourceFile, 261}}, result);
     if (document.firstErrorLine == -1) return;
     nTrace::trace(nTrace::descriptions, "Parse error %s:%i", filePath.c_str(), document.firstErrorLine);
-    zuerr::Raise(zuerr::invalidParameter, {sourceFile, 268});
+    zuerr::Raise({zuerr::invalidParameter, {sourceFile, 268}});
 }
 
 tPluginDescription describe(nIni::tDocument& document) {
@@ -72,7 +72,7 @@ void listDescriptionFiles(const boost::filesystem::path& directory, const boost:
         directory.native().find(boost::filesystem::path::value_type{}) != boost::filesystem::path::string_type::npos;
     if (hasZero || !boost::filesystem::is_directory(directory, ignored)) {
         nTrace::trace(nTrace::descriptions, "Directory does not exist.");
-        zuerr::Raise(zuerr::softwareFault, {sourceFile, 138});
+        zuerr::Raise({zuerr::softwareFault, {sourceFile, 138}});
     }
     for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(directory)) {
         if (!boost::filesystem::is_regular_file(entry.status(ignored))) continue;

@@ -12,21 +12,21 @@
 namespace {
 
 constexpr const char* sourceFile = ".\\source\\tPluginManager";
-constexpr zuerr::RaiseSite featureSite{sourceFile, 41};
-constexpr zuerr::RaiseSite dependencySite{sourceFile, 48};
-constexpr zuerr::RaiseSite initializeSite{sourceFile, 55};
+constexpr zuerr::RaiseReport featureMissing{zuerr::featureUnsupported, {sourceFile, 41}};
+constexpr zuerr::RaiseReport dependencyMissing{zuerr::resourceNotFound, {sourceFile, 48}};
+constexpr zuerr::RaiseReport initializeFailed{"pluginStatus", {sourceFile, 55}};
 
 /// Starts the plug-in and adds it to the started ones. Throws when it cannot be started; its library may be loaded
 /// then.
 void start(tPluginEntry& entry, std::uint32_t allowedMask, tStartedNames& started) {
     const tPluginDescription& description = entry.description;
-    if ((description.requiresMask & allowedMask) == 0) zuerr::Raise(zuerr::featureUnsupported, featureSite);
-    if (!started.haveStarted(description.dependencies)) zuerr::Raise(zuerr::resourceNotFound, dependencySite);
+    if ((description.requiresMask & allowedMask) == 0) zuerr::Raise(featureMissing);
+    if (!started.haveStarted(description.dependencies)) zuerr::Raise(dependencyMissing);
     entry.library.open(description);
     entry.initCode = entry.library.initialize();
     if (entry.initCode < 0) {
         entry.library.close();
-        zuerr::Raise(entry.initCode, "pluginStatus", initializeSite, zuerr::hostComponent);
+        zuerr::Raise(initializeFailed, entry.initCode);
     }
     started.add(description.name);
 }

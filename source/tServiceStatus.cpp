@@ -34,14 +34,14 @@ struct CloseFile {
 /// Leaves a complete file behind or throws.
 void writeTextFile(const std::string& path, std::string text) {
     std::unique_ptr<std::FILE, CloseFile> file(nStatusFile::open(path));
-    if (!file) zuerr::Raise(zuerr::insufficientPermissions, {sourceFile, 207});
+    if (!file) zuerr::Raise({zuerr::insufficientPermissions, {sourceFile, 207}});
 
     std::erase(text, '\r');  // the text mode puts one before every line feed, and would double those that are there
-    constexpr zuerr::RaiseSite writing{sourceFile, 217};
-    if (std::fwrite(text.data(), 1, text.size(), file.get()) < text.size()) zuerr::Raise(zuerr::osFault, writing);
+    constexpr zuerr::RaiseReport writing{zuerr::osFault, {sourceFile, 217}};
+    if (std::fwrite(text.data(), 1, text.size(), file.get()) < text.size()) zuerr::Raise(writing);
     // What the stream still holds goes to the disk now, so a full one may show no earlier. A file that ends in the
     // middle must not take the place of a whole one.
-    if (std::fclose(file.release()) != 0) zuerr::Raise(zuerr::osFault, writing);
+    if (std::fclose(file.release()) != 0) zuerr::Raise(writing);
 }
 
 }  // namespace
@@ -65,5 +65,5 @@ void WriteStatusFile(const std::string& directory, const std::string& name, cons
     const std::string temporaryPath = directory + "\\." + name + ".tmp";
     writeTextFile(temporaryPath, text);
     nStatusFile::remove(path);  // there may be none
-    if (!nStatusFile::rename(temporaryPath, path)) zuerr::Raise(zuerr::insufficientPermissions, {sourceFile, 225});
+    if (!nStatusFile::rename(temporaryPath, path)) zuerr::Raise({zuerr::insufficientPermissions, {sourceFile, 225}});
 }

@@ -114,7 +114,7 @@ TEST(Exception, IsDestroyedWholeThroughItsBase) {
 
 TEST(Raise, ThrowsTheCodeWithItsReport) {
     try {
-        Raise(zuerr::osFault, site);
+        Raise({zuerr::osFault, site});
         FAIL() << "nothing thrown";
     } catch (const std::exception& exception) {
         EXPECT_THAT(exception.what(), StrEq(R"({"error_constant":"zukesterr_osFault","file":".\\source\\tService",)"
@@ -128,7 +128,7 @@ TEST(Raise, ThrowsTheCodeWithItsReport) {
 
 TEST(Raise, LeavesOutAConstantOrComponentThatIsNotGiven) {
     try {
-        Raise(-7, nullptr, {"a", 1}, nullptr);
+        Raise({nullptr, {"a", 1}, nullptr}, -7);
     } catch (const Exception& exception) {
         EXPECT_EQ(exception.record.code, -7);
         EXPECT_THAT(exception.what(), StrEq(R"({"file":"a","line":1})"));
@@ -140,7 +140,7 @@ TEST(Raise, ThrowsTheCodeWhenThereIsNoMemoryForItsReport) {
     bool hasReport = true;
     try {
         // The language's own memory for the thrown object is below this.
-        allocations::refused(512, [] { Raise(zuerr::osFault, site); });
+        allocations::refused(512, [] { Raise({zuerr::osFault, site}); });
     } catch (const Exception& exception) {
         code = exception.record.code;
         hasReport = exception.report() != nullptr;
@@ -152,7 +152,7 @@ TEST(Raise, ThrowsTheCodeWhenThereIsNoMemoryForItsReport) {
 TEST(Raise, ThrowsAnExceptionThatOutlivesAPointerToIt) {
     std::exception_ptr kept;
     try {
-        Raise(zuerr::osFault, site);
+        Raise({zuerr::osFault, site});
     } catch (...) {
         kept = std::current_exception();
     }
@@ -258,8 +258,8 @@ TEST(CurrentExceptionCode, IsMinus52000ForABadAlloc) {
 }
 
 TEST(CurrentExceptionCode, IsTheCodeOfTheProgramsOwnExceptions) {
-    EXPECT_EQ(codeOf([] { Raise(zuerr::osFault, site); }), -52008);
-    EXPECT_EQ(codeOf([] { Raise(5, "warning", site, nullptr); }), 5);
+    EXPECT_EQ(codeOf([] { Raise({zuerr::osFault, site}); }), -52008);
+    EXPECT_EQ(codeOf([] { Raise({"warning", site, nullptr}, 5); }), 5);
     EXPECT_EQ(codeOf([] {
                   ExceptionBase base;
                   base.record.code = -3;
@@ -286,7 +286,7 @@ TEST(CurrentExceptionCode, LetsAnExceptionOfAnyOtherTypeThrough) {
 
 TEST(CurrentExceptionCode, LeavesTheHandledExceptionAsItIs) {
     try {
-        Raise(zuerr::osFault, site);
+        Raise({zuerr::osFault, site});
     } catch (const Exception& exception) {
         const std::string before = exception.what();
         EXPECT_EQ(CurrentExceptionCode(), -52008);

@@ -64,7 +64,7 @@ TEST_F(PluginFailures, AFailedPluginIsNeitherStoppedNorCleanedUp) {
 TEST_F(PluginFailures, AnExceptionFromInitializeFailsThePluginWithItsCode) {
     plugins_.plugin("A").initialize = []() -> std::int32_t { throw std::runtime_error("A"); };
     plugins_.plugin("B").initialize = []() -> std::int32_t { throw std::bad_alloc(); };
-    plugins_.plugin("C").initialize = []() -> std::int32_t { zuerr::Raise(-9, "own", {"file", 1}, nullptr); };
+    plugins_.plugin("C").initialize = []() -> std::int32_t { zuerr::Raise({"own", {"file", 1}, nullptr}, -9); };
     start({describe("A"), describe("B"), describe("C"), describe("D", {"A"}), describe("E")});
     EXPECT_THAT(initCodes(), ElementsAre(-52003, -52000, -9, -52006, 0));
     EXPECT_THAT(plugins_.callsOf("unload"), ElementsAre("A", "B", "C"));

@@ -29,7 +29,7 @@ TEST_F(PluginStop, StopsAndCleansUpTheLastStartedFirst) {
 TEST_F(PluginStop, AnExceptionFromStopBecomesItsStopCodeAndGoesNoFurther) {
     plugins_.plugin("A").stop = [] { throw std::runtime_error("A"); };
     plugins_.plugin("B").stop = [] { throw std::bad_alloc(); };
-    plugins_.plugin("C").stop = [] { zuerr::Raise(zuerr::osFault, {"file", 1}); };
+    plugins_.plugin("C").stop = [] { zuerr::Raise({zuerr::osFault, {"file", 1}}); };
     start({describe("A"), describe("B"), describe("C"), describe("D")});
     manager_.stopAll();
     EXPECT_THAT(stopCodes(), ElementsAre(-52003, -52000, -52008, 0));

@@ -21,9 +21,9 @@ void raiseStructured(DWORD code) {
 
 extern "C" {
 
-__declspec(dllexport) std::int32_t InitRaisesOsFault() { zuerr::Raise(zuerr::osFault, {"raising.cpp", 1}); }
+__declspec(dllexport) std::int32_t InitRaisesOsFault() { zuerr::Raise({zuerr::osFault, {"raising.cpp", 1}}); }
 __declspec(dllexport) std::int32_t InitRaisesInsufficientPermissions() {
-    zuerr::Raise(zuerr::insufficientPermissions, {"raising.cpp", 2});
+    zuerr::Raise({zuerr::insufficientPermissions, {"raising.cpp", 2}});
 }
 
 /// Uses memory that is not there. As any of the three entries, like those that follow.

@@ -117,7 +117,7 @@ void ThrowOwnBadAlloc() { throw OwnBadAlloc(); }
 void ThrowBadAllocAndMore() { throw BadAllocAndMore(); }
 
 // The program's own.
-void ThrowOsFault() { zuerr::Raise(zuerr::osFault, {"throwing", 7}); }
+void ThrowOsFault() { zuerr::Raise({zuerr::osFault, {"throwing", 7}}); }
 void ThrowBaseAlone() { throwWithCode(-7); }
 void ThrowSmallestCode() { throwWithCode(INT32_MIN); }
 void ThrowWarning() { throwWithCode(5); }
