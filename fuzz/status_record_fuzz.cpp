@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -20,10 +21,22 @@ int grants = 0;
 int modelGrants = 0;
 /// Whether a request that is not granted is answered with yes nevertheless, which must make no difference.
 bool lies = false;
+/// Whether no more is given than is asked for.
+bool exact = false;
+
+bool giveExactly(StatusRecord& record, std::uint32_t capacity) {
+    char* const buffer = static_cast<char*>(std::malloc(capacity));
+    zuerr::CopyText(buffer, capacity, record.json == nullptr ? "{}" : record.json);
+    std::free(record.json);
+    record.json = buffer;
+    record.capacity = capacity;
+    return true;
+}
 
 bool stingyManager(StatusRecord& record, std::uint32_t capacity) {
-    if (capacity > record.capacity && grants-- <= 0) return lies;
-    return StatusRecord::reallocJsonDefault(record, capacity);
+    if (capacity <= record.capacity) return StatusRecord::reallocJsonDefault(record, capacity);
+    if (grants-- <= 0) return lies;
+    return exact ? giveExactly(record, capacity) : StatusRecord::reallocJsonDefault(record, capacity);
 }
 
 struct Model {
@@ -35,7 +48,7 @@ struct Model {
     bool grow(std::size_t wanted) {
         if (wanted <= capacity) return true;
         if (stingy && modelGrants-- <= 0) return false;
-        capacity = 512;
+        capacity = stingy && exact ? wanted : 512;
         while (capacity < wanted) capacity *= 2;
         return true;
     }
@@ -168,8 +181,9 @@ void checkSubject(const Subject& subject) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     FuzzedDataProvider data(bytes, size);
-    grants = modelGrants = data.ConsumeIntegralInRange(0, 10);
+    grants = modelGrants = data.ConsumeIntegralInRange(0, 20);
     lies = data.ConsumeBool();
+    exact = data.ConsumeBool();
     std::array<Subject, 3> subjects{Subject(true), Subject(true), Subject(false)};
     while (data.remaining_bytes() > 0) {
         Subject& subject = subjects[data.ConsumeIntegralInRange<std::size_t>(0, 2)];
