@@ -1,18 +1,109 @@
 #include "tests/support/allocations.h"
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <new>
+#include <utility>
+
+#include "err/Exception.h"
 
 namespace allocations {
 namespace {
 
-std::size_t smallestRefused = SIZE_MAX;
-int refusals = 0;
+constinit std::size_t smallestRefused = SIZE_MAX;
+constinit int refusals = 0;
+
+// In static memory, as all this may be called before any constructor has run.
+constinit bool counting = false;
+constinit int failingRequest = 0;
+constinit tHowLong duration = tHowLong::once;
+constinit tCounts counts{0, 0};
+
+/// A set of addresses that asks for no memory: each one lies at the place that its value gives, or in the row behind
+/// it.
+class tBlocks {
+public:
+    void clear() noexcept {
+        blocks_.fill(nullptr);
+        size_ = 0;
+    }
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+
+    void add(void* block) noexcept {
+        if (2 * ++size_ > blocks_.size()) std::abort();
+        std::size_t at = homeOf(block);
+        while (blocks_[at] != nullptr) at = next(at);
+        blocks_[at] = block;
+    }
+
+    void remove(void* block) noexcept {
+        std::size_t at = homeOf(block);
+        while (blocks_[at] != nullptr && blocks_[at] != block) at = next(at);
+        if (blocks_[at] == nullptr) return;
+        blocks_[at] = nullptr;
+        --size_;
+        // The rest of the row may have lost its way.
+        for (at = next(at); blocks_[at] != nullptr; at = next(at)) {
+            void* const moved = blocks_[at];
+            blocks_[at] = nullptr;
+            --size_;
+            add(moved);
+        }
+    }
+
+private:
+    [[nodiscard]] static std::size_t homeOf(const void* block) noexcept {
+        return (reinterpret_cast<std::uintptr_t>(block) / 16 * 0x9E3779B97F4A7C15U) >> 48U;
+    }
+    [[nodiscard]] static std::size_t next(std::size_t at) noexcept { return (at + 1) % 0x10000; }
+
+    std::array<void*, 0x10000> blocks_{};
+    std::size_t size_ = 0;
+};
+
+constinit tBlocks blocks;
+
+bool isWatched() noexcept { return counting && tPause::count == 0; }
 
 bool refuses(std::size_t bytes) noexcept {
-    if (bytes < smallestRefused) return false;
-    ++refusals;
-    return true;
+    if (bytes >= smallestRefused) {
+        ++refusals;
+        return true;
+    }
+    if (!isWatched()) return false;
+    ++counts.requests;
+    const bool due = counts.requests == failingRequest ||
+                     (duration == tHowLong::forEver && failingRequest != 0 && counts.requests > failingRequest);
+    if (due) ++counts.refused;
+    return due;
+}
+
+void* remembered(void* block) noexcept {
+    if (block != nullptr && isWatched()) blocks.add(block);
+    return block;
+}
+
+void fail(int nth, tHowLong howLong) noexcept {
+    blocks.clear();
+    counts = {0, 0};
+    failingRequest = nth;
+    duration = howLong;
+    counting = true;
+}
+
+/// With a thread's first exception, and with the first one that finds no memory for itself, the language's own
+/// libraries ask for memory that they keep, and end the process without it.
+void settleLibraries() noexcept {
+    static bool settled = false;
+    if (std::exchange(settled, true)) return;
+    fail(1, tHowLong::once);
+    try {
+        throw std::bad_alloc();
+    } catch (const std::bad_alloc&) {
+        stopFailing();
+        static_cast<void>(zuerr::ExceptionIsPropagating());
+    }
 }
 
 }  // namespace
@@ -27,15 +118,43 @@ int stopRefusing() noexcept {
     return refusals;
 }
 
+void startFailing(int nth, tHowLong howLong) noexcept {
+    settleLibraries();
+    fail(nth, howLong);
+}
+
+tCounts stopFailing() noexcept {
+    counting = false;
+    return counts;
+}
+
+std::size_t held() noexcept { return blocks.size(); }
+
 }  // namespace allocations
 
 extern "C" {
 void* __real_malloc(std::size_t bytes);
+void* __real_calloc(std::size_t count, std::size_t bytes);
 void* __real_realloc(void* block, std::size_t bytes);
+void __real_free(void* block);
 
-void* __wrap_malloc(std::size_t bytes) { return allocations::refuses(bytes) ? nullptr : __real_malloc(bytes); }
+void* __wrap_malloc(std::size_t bytes) {
+    return allocations::refuses(bytes) ? nullptr : allocations::remembered(__real_malloc(bytes));
+}
+
+void* __wrap_calloc(std::size_t count, std::size_t bytes) {
+    return allocations::refuses(count * bytes) ? nullptr : allocations::remembered(__real_calloc(count, bytes));
+}
 
 void* __wrap_realloc(void* block, std::size_t bytes) {
-    return allocations::refuses(bytes) ? nullptr : __real_realloc(block, bytes);
+    if (allocations::refuses(bytes)) return nullptr;
+    void* const resized = __real_realloc(block, bytes);
+    if (resized != nullptr) allocations::blocks.remove(block);
+    return allocations::remembered(resized);
+}
+
+void __wrap_free(void* block) {
+    if (block != nullptr) allocations::blocks.remove(block);
+    __real_free(block);
 }
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 
-/// Lets memory run out in a test. The linker sends every malloc and realloc of the product through here, and on Windows
-/// those of the test's own `new` as well: expectations belong behind the action, not into it.
+/// Lets memory run out in a test. The linker sends every malloc, calloc, realloc and free of the test program through
+/// here, and with them every `new`: on Windows those of the language's own libraries as well. One thread at a time.
+/// Expectations belong behind the action, not into it.
 namespace allocations {
 
 /// From now on requests for at least `bytes` are refused and counted.
@@ -22,5 +24,45 @@ int refused(std::size_t bytes, Action action) {
     action();
     return stopRefusing();
 }
+
+enum class tHowLong { once, forEver };
+
+/// From now on requests are counted, their blocks are remembered, and the `nth` request, counted from 1, is refused,
+/// with all behind it if that is wanted. 0: none.
+void startFailing(int nth, tHowLong howLong) noexcept;
+
+struct tCounts {
+    int requests;
+    int refused;
+};
+
+/// Ends it.
+tCounts stopFailing() noexcept;
+
+/// How many of the blocks remembered since the last start have not been freed.
+std::size_t held() noexcept;
+
+/// While one lives, what asks for memory is the test's own: it is neither counted nor refused. Any thread.
+class tPause {
+public:
+    tPause() noexcept { ++count; }
+    ~tPause() { --count; }
+    tPause(const tPause&) = delete;
+    tPause& operator=(const tPause&) = delete;
+
+    inline static constinit std::atomic<int> count{0};
+};
+
+/// Ends all pauses while it lives: a stand-in calls the product.
+class tProductCall {
+public:
+    tProductCall() noexcept : pauses_(tPause::count.exchange(0)) {}
+    ~tProductCall() { tPause::count += pauses_; }
+    tProductCall(const tProductCall&) = delete;
+    tProductCall& operator=(const tProductCall&) = delete;
+
+private:
+    int pauses_;
+};
 
 }  // namespace allocations

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "err/Exception.h"
+#include "tests/support/allocations.h"
 
 namespace support {
 namespace {
@@ -20,6 +21,7 @@ std::int32_t realCurrentExceptionCode() asm("__real__ZN5zuerr20CurrentExceptionC
 std::int32_t wrappedCurrentExceptionCode() asm("__wrap__ZN5zuerr20CurrentExceptionCodeEv");
 std::int32_t wrappedCurrentExceptionCode() {
     if (current != nullptr) {
+        const allocations::tPause pause;
         try {
             throw;
         } catch (const zuerr::ExceptionBase& exception) {

@@ -1,5 +1,6 @@
 // Never shipped: where there is no framework library, nDeployment's platform is whatever a test says.
 #include "source/nDeployment.h"
+#include "tests/support/allocations.h"
 #include "tests/support/deployment.h"
 
 namespace {
@@ -24,6 +25,7 @@ nZusysapi::InstantiateFramework2 bindFramework() noexcept { return current == nu
 
 void pause(std::uint32_t milliseconds) noexcept {
     if (current == nullptr) return;
+    const allocations::tPause pause;
     current->pauses.push_back(milliseconds);
     if (current->onPause) current->onPause();
 }

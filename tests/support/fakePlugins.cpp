@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "tests/support/allocations.h"
+
 namespace support {
 namespace {
 
@@ -68,16 +70,19 @@ std::vector<std::string> tFakePlugins::callsOf(const std::string& verb) const {
 }
 
 nLibrary::Handle tFakePlugins::load(const char* path, std::uint32_t& osError) {
+    const allocations::tPause pause;
+    osError = 126;
+    if (*path == '\0') return nullptr;
     calls.push_back(std::string("load ") + path);
     tFakePlugin& loading = plugin(path);
     loading.onLoad();
-    osError = 126;
     if (!loading.loads) return nullptr;
     ++loading.references;
     return &loading;
 }
 
 bool tFakePlugins::unload(nLibrary::Handle library, std::uint32_t& osError) {
+    const allocations::tPause pause;
     auto& unloading = *static_cast<tFakePlugin*>(library);
     const std::string path = pathOf(static_cast<std::size_t>(&unloading - plugins_.data()));
     calls.push_back("unload " + path);
@@ -93,6 +98,7 @@ bool tFakePlugins::unload(nLibrary::Handle library, std::uint32_t& osError) {
 }
 
 void* tFakePlugins::symbol(nLibrary::Handle library, const char* name, std::uint32_t& osError) {
+    const allocations::tPause pause;
     const auto index = static_cast<std::size_t>(static_cast<tFakePlugin*>(library) - plugins_.data());
     calls.push_back("symbol " + pathOf(index) + " " + name);
     osError = 127;
@@ -104,6 +110,7 @@ void* tFakePlugins::symbol(nLibrary::Handle library, const char* name, std::uint
 }
 
 tFakePlugin& tFakePlugins::enter(std::size_t index, const char* entry) {
+    const allocations::tPause pause;
     calls.push_back("call " + pathOf(index) + " " + entry);
     if (plugins_[index].references == 0) giveUp("called while it is not loaded", pathOf(index));
     return plugins_[index];

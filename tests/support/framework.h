@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "source/zusysapi.h"
+#include "tests/support/allocations.h"
 
 namespace support {
 
@@ -94,6 +95,7 @@ private:
 };
 
 inline void tCounted::note(const std::string& call) {
+    const allocations::tPause pause;
     script_.calls.push_back(name_ + "." + call);
     EXPECT_GT(references_, 0U) << name_ << "." << call << " after the last release";
 }
@@ -188,7 +190,7 @@ public:
     Result connect(const char16_t* target, std::uint32_t flag, nZusysapi::Options* options,
                    nZusysapi::Connection** connection) override {
         note("connect");
-        EXPECT_EQ(std::u16string(target), u"//localhost");
+        EXPECT_TRUE(std::u16string_view(target) == u"//localhost");
         EXPECT_EQ(flag, 1U);
         EXPECT_NE(dynamic_cast<tScriptedOptions*>(options), nullptr);
         return script_.give<tScriptedConnection>(4, "connection", connection);
@@ -206,6 +208,7 @@ public:
 
 template <class Implementation, class Interface>
 nZusysapi::Result tScriptedFramework::give(int step, const char* name, Interface** out) {
+    const allocations::tPause pause;
     EXPECT_EQ(*out, nullptr) << "the out pointer of step " << step << " starts as null";
     const Result result = outcome(attempts, step);
     if (step == nullStep) return result;
@@ -225,6 +228,7 @@ nZusysapi::Result tScriptedFramework::give(int step, const char* name, Interface
 
 inline nZusysapi::Result tScriptedFramework::instantiate(std::uint32_t first, std::uint32_t second,
                                                          nZusysapi::Framework** framework) {
+    const allocations::tPause pause;
     tScriptedFramework& script = *current_;
     ++script.attempts;
     script.calls.emplace_back("instantiate");

@@ -11,6 +11,8 @@
 #include <functional>
 #include <utility>
 
+#include "tests/support/allocations.h"
+
 /// Stand-ins for system calls. The test program defines the import pointers (__imp_NAME) of the calls listed below, so
 /// every call that the product makes through them comes here first: to a test's replacement if there is one, otherwise
 /// on to the system. The product has no seam for this.
@@ -67,7 +69,9 @@ public:
 
     /// What the product's call does.
     Result call(Arguments... arguments) {
-        return replacement_ == nullptr ? real(arguments...) : (*replacement_)(arguments...);
+        if (replacement_ == nullptr) return real(arguments...);
+        const allocations::tPause pause;  // what a test does here is no affair of the product's memory
+        return (*replacement_)(arguments...);
     }
 
 private:

@@ -4,11 +4,17 @@
 
 #include "stdpath/stdpath.h"
 #include "stdpath/utf.h"
+#include "tests/support/allocations.h"
 #include "tests/support/stdpath.h"
 
 namespace {
 
 support::tSharedPlaces* current = nullptr;
+
+std::u16string wide(const std::string& text) {
+    const allocations::tPause pause;  // it is the system that has this text
+    return nStdPath::fileNameFromUtf8(text);
+}
 
 }  // namespace
 
@@ -32,7 +38,7 @@ void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std:
                          "RegQueryValue failed");
         return;
     }
-    const std::u16string value = fileNameFromUtf8(*current->sharedDirectory);
+    const std::u16string value = wide(*current->sharedDirectory);
     if (wideBuffer.resize(value.size(), status)) std::copy(value.begin(), value.end(), wideBuffer.data());
 }
 
@@ -44,7 +50,7 @@ void getKnownFolder(std::int32_t csidl, tWideBuffer& wideBuffer, zuerr::StatusRe
         raiseSystemError(status, 293, {tSystemError::tKind::hresult, error}, "SHGetFolderPathW failed");
         return;
     }
-    const std::u16string folder = fileNameFromUtf8(*current->appDataFolder);
+    const std::u16string folder = wide(*current->appDataFolder);
     std::copy_n(folder.begin(), std::min<std::size_t>(folder.size(), 259), wideBuffer.data());
 }
 
