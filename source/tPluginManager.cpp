@@ -17,25 +17,28 @@ constexpr zuerr::RaiseReport dependencyMissing{zuerr::resourceNotFound, {sourceF
 constexpr zuerr::RaiseReport initializeFailed{"pluginStatus", {sourceFile, 55}};
 
 /// Starts the plug-in and adds it to the started ones. Throws when it cannot be started; its library may be loaded
-/// then.
-void start(tPluginEntry& entry, std::uint32_t allowedMask, tStartedNames& started) {
-    const tPluginDescription& description = entry.description;
+/// then. All memory is asked for before the plug-in's own code runs: it is never initialised and then given up.
+void start(tPluginEntry& entry, const tPluginDescription& description, std::uint32_t allowedMask,
+           tStartedNames& started) {
+    entry.description = description;
     if ((description.requiresMask & allowedMask) == 0) zuerr::Raise(featureMissing);
     if (!started.haveStarted(description.dependencies)) zuerr::Raise(dependencyMissing);
+    std::string name = description.name;
     entry.library.open(description);
     entry.initCode = entry.library.initialize();
     if (entry.initCode < 0) {
         entry.library.close();
         zuerr::Raise(initializeFailed, entry.initCode);
     }
-    started.add(description.name);
+    started.add(std::move(name));
 }
 
 /// Makes a call that may lead into a plug-in; gives the code of the exception that comes out of it, if one does.
 ///
 /// That exception may have been made by a plug-in, and its destructor is then code in the plug-in's library. It is
 /// gone when this returns: the library may be unloaded after that, not before.
-std::optional<std::int32_t> failureOf(const boost::function<void()>& call) {
+template <class tCall>
+std::optional<std::int32_t> failureOf(const tCall& call) {
     const zuerr::ForeignCall guard;
     try {
         call();
@@ -63,8 +66,7 @@ void tPluginManager::startAll(const std::vector<tPluginDescription>& description
     for (const tPluginDescription& description : descriptions) {
         const nTime::tStopwatch stopwatch;
         tPluginEntry entry;
-        entry.description = description;
-        if (const auto failure = failureOf([&] { start(entry, allowedMask, started); })) {
+        if (const auto failure = failureOf([&] { start(entry, description, allowedMask, started); })) {
             entry.library.close();
             entry.initCode = *failure;
         }

@@ -26,8 +26,10 @@ class tPluginManager {
 public:
     /// Starts the plug-ins in the order given and appends an entry for each, started or not. An init code of -52002:
     /// nothing that it requires is in allowedMask; -52006: a dependency has not started in this call before it;
-    /// -52005: its library does not load or lacks an entry; otherwise the code is the plug-in's own.
-    /// Throws zuerr::Exception (-52005) when a failed plug-in cannot be unloaded; its entry is then left out.
+    /// -52005: its library does not load or lacks an entry; -52000: memory ran out, and the entry may lack parts of the
+    /// description; otherwise the code is the plug-in's own.
+    /// Throws zuerr::Exception (-52005) when a failed plug-in cannot be unloaded; its entry is then left out. Throws
+    /// std::bad_alloc, with nothing started, when there is no memory for the entries.
     void startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask);
 
     /// Calls every Stop entry, last started first.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -14,11 +15,11 @@ std::uint32_t tagOf(std::size_t hash) { return static_cast<std::uint32_t>(std::u
 
 tStartedNames::tStartedNames(std::size_t room) : slots_(std::bit_ceil(2 * room + 1)) { names_.reserve(room); }
 
-void tStartedNames::add(const std::string& name) {
+void tStartedNames::add(std::string name) noexcept {
     const std::size_t hash = hashOf(name);
     tSlot& slot = slots_[find(hash, name)];
     if (slot.number != 0) return;
-    names_.push_back(name);
+    names_.push_back(std::move(name));
     slot = {tagOf(hash), static_cast<std::uint32_t>(names_.size())};
 }
 

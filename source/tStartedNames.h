@@ -14,8 +14,8 @@ public:
     /// There is room for so many names; std::bad_alloc if there is not.
     explicit tStartedNames(std::size_t room);
 
-    /// A name that is there already is not added again. Nothing has changed when memory runs out (std::bad_alloc).
-    void add(const std::string& name);
+    /// As often as there is room. A name that is there already is not added again. Asks for no memory.
+    void add(std::string name) noexcept;
 
     /// Whether all dependencies have started. Each started plug-in stands for one mention, so a list that names a
     /// plug-in twice never passes; nor does one out of order.

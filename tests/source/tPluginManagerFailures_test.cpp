@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "err/Exception.h"
+#include "tests/support/allocations.h"
 #include "tests/support/managerTest.h"
 
 namespace {
@@ -17,6 +18,35 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 class PluginFailures : public support::tManagerTest {};
+
+// Memory that runs out, at each request in turn.
+
+TEST_F(PluginFailures, APluginThatMemoryRunsOutForFailsAloneAndBeforeItIsInitialised) {
+    std::vector<tPluginDescription> descriptions = {describe("A"), describe("B")};
+    for (tPluginDescription& description : descriptions) description.name += ", and more than a small buffer holds";
+    int lost = 0;
+    bool struck = true;
+    for (int nth = 1; struck; ++nth) {
+        tPluginManager manager;
+        plugins_.calls.clear();
+        allocations::startFailing(nth, allocations::tHowLong::once);
+        try {
+            manager.startAll(descriptions, 1);
+        } catch (const std::bad_alloc&) {
+            EXPECT_THAT(plugins_.calls, IsEmpty()) << "there was no memory for the entries";
+        }
+        struck = allocations::stopFailing().refused > 0;
+        std::vector<std::string> initialised;
+        for (const tPluginEntry& entry : manager.entries()) {
+            if (entry.initCode == 0) initialised.push_back(entry.description.path + " Init");
+            if (entry.initCode == -52000) ++lost;
+        }
+        EXPECT_EQ(plugins_.callsOf("call"), initialised) << nth;
+        manager.cleanupAll();
+        EXPECT_EQ(plugins_.plugin("A").references + plugins_.plugin("B").references, 0) << nth;
+    }
+    EXPECT_GE(lost, 2);
+}
 
 // Libraries and Initialize entries that fail.
 
