@@ -5,7 +5,7 @@
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/operations.hpp>
-#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 #include "err/Exception.h"
@@ -29,11 +29,12 @@ std::string lookUp(nIni::tDocument& document, const char* name) {
     return std::string(key->value);
 }
 
-/// The C library's reading of "%u" is the rule: a sign wraps around, what follows the digits does not matter.
+/// The C library's reading of "%u" is the rule: a sign wraps around, what follows the digits does not matter. Its scanf
+/// reads numbers with strtoul; called directly, that does not need the memory which the scanf of one Windows compiler
+/// takes for granted.
 std::uint32_t toRequiresMask(const std::string& value) {
     if (value.empty()) return tPluginDescription{}.requiresMask;
-    std::uint32_t mask = 0;
-    return std::sscanf(value.c_str(), "%u", &mask) == 1 ? mask : 0;
+    return static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 10));
 }
 
 void parse(nIni::tDocument& document, const std::string& filePath) {

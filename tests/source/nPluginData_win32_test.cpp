@@ -109,6 +109,28 @@ TEST_F(DescriptionWithoutMemory, IsAnErrorWithTheParsersCodeWhenMemoryRunsOutLat
     EXPECT_EQ(record.name, "earlier");
 }
 
+TEST_F(DescriptionWithoutMemory, IsReadOrAnErrorAtEachRequestForMemoryThatIsRefused) {
+    const std::string small = folder.write("b.ini", "[Service]\nName=B\nRequires=6\n");
+    bool struck = true;
+    for (int nth = 1; struck; ++nth) {
+        record = {};
+        bool thrown = false;
+        allocations::startFailing(nth, allocations::tHowLong::once);
+        try {
+            nPluginData::readDescription(small, record);
+        } catch (const std::exception&) {
+            thrown = true;
+        }
+        struck = allocations::stopFailing().refused > 0;
+        // Nothing is thrown when there is no memory for a document.
+        if (!record.name.empty() || !struck) {
+            EXPECT_EQ(record.requiresMask, 6U) << nth;
+        }
+        EXPECT_FALSE(thrown && !record.name.empty()) << nth;
+    }
+    EXPECT_EQ(record.name, "B");
+}
+
 TEST(UnreadableDescription, IsAnErrorWithTheParsersCode) {
     const support::tFolder folder;
     tPluginDescription record;
