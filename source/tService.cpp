@@ -33,6 +33,9 @@ tService::tService() {
 tService::~tService() { WriteStatus(*this); }
 
 std::int32_t startService() {
+    // A thread that asks this for the first time needs memory with some compilers, and their libraries end the process
+    // when there is none: better now than in the middle of a run.
+    static_cast<void>(zuerr::ExceptionIsPropagating());
     const bool started = contain([] {
         auto* const service = new tService;
         delete gService;
