@@ -8,6 +8,7 @@
 #include <set>
 
 #include "tests/support/plugins.h"
+#include "tests/sweep/figures.h"
 #include "tests/sweep/importTable_win32.h"
 #include "tests/sweep/life_win32.h"
 
@@ -32,14 +33,9 @@ constexpr sweep::tScenario scenarios[] = {
 };
 
 /// What really ran, over all scenarios.
-struct tFigures {
-    int lives = 0;
-    int injected = 0;
-    int leaks = 0;
-    int torn = 0;
-    int hangs = 0;
-    std::map<std::string, int> byCall;
-} figures;
+std::map<std::string, int> faultsByCall;
+
+const char* kindOf(bool forEver) { return forEver ? "a system call, from then on" : "a system call, once"; }
 
 std::vector<std::string> reportsOf(bool started, bool stopRequested) {
     std::vector<std::string> reports{"16 2 0 0 0 0 0"};
@@ -83,6 +79,10 @@ public:
 
 private:
     [[nodiscard]] bool may(unsigned what) const { return (call_.mayCost & what) != 0; }
+    void count(sweep::tFigures figures) const {
+        figures.runs = 0;  // this one is counted already
+        sweep::count(kindOf(forEver_), figures);
+    }
     /// The run gave up before it had plug-ins, was not begun, or was ended by a library that cannot be unloaded.
     [[nodiscard]] bool endedEarly() const { return seen_.waits == 0; }
 
@@ -93,14 +93,14 @@ private:
         }
         EXPECT_EQ(seen_.wrongClosings, 0);
         EXPECT_EQ(seen_.referencesHeld, 0U);
-        figures.leaks += left ? 0 : static_cast<int>(seen_.leaks.size());
+        if (!left) count({.leaks = seen_.leaks.size()});
     }
 
     void checkStatusFile() const {
         EXPECT_TRUE(seen_.statusWhole);
         EXPECT_TRUE(seen_.statusPresent || (may(cost::statusFile) && seen_.temporaryWhole));
         const bool torn = !seen_.statusWhole || (!seen_.statusPresent && !seen_.temporaryWhole);
-        figures.torn += torn ? 1 : 0;
+        if (torn) count({.torn = 1});
         if (seen_.startedService && !may(cost::statusFile)) {
             EXPECT_TRUE(seen_.statusCurrent);
         }
@@ -126,7 +126,7 @@ private:
             EXPECT_GE(seen_.waits, 1);
         }
         EXPECT_LE(seen_.waits, 1) << "the run waits once";
-        if (seen_.waits > 1) ++figures.hangs;
+        if (seen_.waits > 1) count({.hangs = 1});
         if (scenario_.service) {
             EXPECT_EQ(seen_.exitCode, 0);
             if (!may(cost::waiting)) {
@@ -218,13 +218,9 @@ const bool takesAll = std::getenv("SWEEP_ALL") != nullptr;
 
 class SystemCalls : public testing::TestWithParam<sweep::tScenario> {
 public:
-    static void SetUpTestSuite() { figures = {}; }
-
     static void TearDownTestSuite() {
         std::printf("%-28s %8s\n", "system call", "faults");
-        for (const auto& [call, faults] : figures.byCall) std::printf("%-28s %8d\n", call.c_str(), faults);
-        std::printf("system calls: %d faults in %d lives, %d leaks, %d hangs, %d torn files\n", figures.injected,
-                    figures.lives, figures.leaks, figures.hangs, figures.torn);
+        for (const auto& [call, faults] : faultsByCall) std::printf("%-28s %8d\n", call.c_str(), faults);
     }
 };
 
@@ -244,9 +240,8 @@ TEST_P(SystemCalls, EachMayFailAtEachOccurrenceOnceAndFromThenOn) {
                 const tOutcome seen = lives.live(i, nth, forEver);
                 EXPECT_GE(seen.injected, 1);
                 Comparison(GetParam(), usual, seen, call, forEver).check();
-                ++figures.lives;
-                figures.injected += seen.injected;
-                figures.byCall[call.name] += seen.injected;
+                sweep::count(kindOf(forEver), {.faults = seen.injected});
+                faultsByCall[call.name] += seen.injected;
             }
         }
     }

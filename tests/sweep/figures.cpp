@@ -1,0 +1,42 @@
+#include "tests/sweep/figures.h"
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <map>
+
+namespace sweep {
+namespace {
+
+std::map<std::string, tFigures>& rows() {
+    static std::map<std::string, tFigures> rows;
+    return rows;
+}
+
+/// In the form that test.sh puts into its table.
+class PrintAtTheEnd : public testing::Environment {
+    void TearDown() override {
+        for (const auto& [kind, seen] : rows()) {
+            const std::string start = "FIGURE " + kind + ", ";
+            std::cout << start << "faults: " << seen.faults << '\n'
+                      << start << "runs: " << seen.runs << '\n'
+                      << start << "leaks, hangs and torn files: "
+                      << seen.leaks + static_cast<std::size_t>(seen.hangs + seen.torn) << std::endl;
+        }
+    }
+};
+
+[[maybe_unused]] const testing::Environment* const printing = testing::AddGlobalTestEnvironment(new PrintAtTheEnd);
+
+}  // namespace
+
+void count(const std::string& kind, const tFigures& figures) {
+    tFigures& row = rows().try_emplace(kind, tFigures{.runs = 0}).first->second;
+    row.runs += figures.runs;
+    row.faults += figures.faults;
+    row.leaks += figures.leaks;
+    row.hangs += figures.hangs;
+    row.torn += figures.torn;
+}
+
+}  // namespace sweep

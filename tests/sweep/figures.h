@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace sweep {
+
+/// What has been seen of one kind of fault; every number is counted by what ran.
+struct tFigures {
+    int runs = 1;
+    int faults = 0;
+    std::size_t leaks = 0;
+    int hangs = 0;
+    int torn = 0;
+};
+
+/// Adds to the kind's row of the table, which is printed when all tests are over.
+void count(const std::string& kind, const tFigures& figures);
+
+}  // namespace sweep
