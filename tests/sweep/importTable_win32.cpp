@@ -21,7 +21,8 @@ public:
     template <class T>
     [[nodiscard]] T at(std::size_t offset) const {
         T value{};
-        if (offset + sizeof(T) <= bytes_.size()) std::memcpy(&value, bytes_.data() + offset, sizeof(T));
+        if (sizeof(T) <= bytes_.size() && offset <= bytes_.size() - sizeof(T))
+            std::memcpy(&value, bytes_.data() + offset, sizeof(T));
         return value;
     }
 
@@ -53,6 +54,10 @@ void appendNames(const tImage& image, std::size_t table, std::vector<std::string
     for (;; table += sizeof(std::uint64_t)) {
         const auto entry = image.at<std::uint64_t>(table);
         if (entry == 0) return;
+        if ((entry & IMAGE_ORDINAL_FLAG64) != 0) {
+            names.push_back(std::string("#").append(std::to_string(IMAGE_ORDINAL64(entry))));
+            continue;
+        }
         names.push_back(image.textAt(image.offsetOf(entry) + sizeof(WORD)));  // behind a hint
     }
 }
@@ -225,6 +230,14 @@ std::vector<std::string> importsOf(const std::string& path) {
         if (library.Name == 0) return names;
         appendNames(image, image.offsetOf(library.OriginalFirstThunk), names);
     }
+}
+
+std::vector<std::string> forgottenCalls(const std::vector<std::string>& imported,
+                                        const std::set<std::string>& reached) {
+    std::vector<std::string> forgotten;
+    std::copy_if(imported.begin(), imported.end(), std::back_inserter(forgotten),
+                 [&](const std::string& name) { return !reached.contains(name) && !isOfTheRuntime(name); });
+    return forgotten;
 }
 
 bool isOfTheRuntime(std::string_view name) { return std::ranges::find(runtime, name) != std::end(runtime); }

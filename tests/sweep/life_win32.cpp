@@ -95,6 +95,7 @@ void tLives::standInForControl() {
             return FALSE;
         }
         char* arguments[] = {table->lpServiceName, nullptr};
+        const allocations::tProductCall call;
         table->lpServiceProc(1, arguments);
         return TRUE;
     });
@@ -111,6 +112,7 @@ void tLives::standInForControl() {
             return imports::WaitForSingleObject.real(event, milliseconds);
         // A request may get lost with the call that carries it; whoever asked asks once more, and then gives up.
         for (int request = 0; request < 2; ++request) {
+            const allocations::tProductCall call;
             if (scenario_.service) serviceControlHandler(SERVICE_CONTROL_STOP);
             if (!scenario_.service) runConsoleHandler(CTRL_C_EVENT);
             if (imports::WaitForSingleObject.real(event, 0) == WAIT_OBJECT_0) break;
@@ -128,10 +130,15 @@ void tLives::watch() {
         });
     imports::SetConsoleCtrlHandler.replace(
         [this, inner = imports::SetConsoleCtrlHandler.current()](PHANDLER_ROUTINE handler, BOOL add) {
+            capture();
             const BOOL result = inner(handler, add);
             outcome_.lastError = imports::GetLastError.real();
             return result;
         });
+    imports::SetServiceStatus.replace([this, inner = imports::SetServiceStatus.current()](auto... arguments) {
+        capture();
+        return inner(arguments...);
+    });
     // The last writing of the status file asks for its folder when all else is done.
     imports::SHGetFolderPathW.replace([this, inner = imports::SHGetFolderPathW.current()](auto... arguments) {
         capture();
@@ -195,6 +202,33 @@ void tLives::releaseModules() {
 }
 
 tOutcome tLives::live(std::size_t call, int nth, bool forEver) {
+    return live([&] {
+        faults_.arm(call, nth, forEver);
+        runHost();
+        outcome_.injected = faults_.injected();
+        outcome_.calls = faults_.calls();
+        faults_.disarm();
+    });
+}
+
+tOutcome tLives::liveWithoutMemory(int nth, allocations::tHowLong howLong) {
+    return live([&] {
+        allocations::startFailing(nth, howLong);
+        runHost();
+        const allocations::tCounts counts = allocations::stopFailing();
+        outcome_.injected = counts.refused;
+        outcome_.requests = counts.requests;
+        if (allocations::held() > 0) outcome_.leaks.emplace_back("memory");
+    });
+}
+
+void tLives::runHost() {
+    char program[] = "host.exe";
+    char* arguments[] = {program, nullptr};
+    outcome_.exitCode = hostMain(1, arguments);
+}
+
+tOutcome tLives::live(const std::function<void()>& life) {
     support::tScriptedFramework framework;
     framework.setting = scenario_.deployment == tDeployment::forbidden ? 0 : 1;
     if (scenario_.deployment == tDeployment::failing) framework.outcome = [](int, int step) { return step == 4; };
@@ -206,21 +240,15 @@ tOutcome tLives::live(std::size_t call, int nth, bool forEver) {
     written_.clear();
     ledger_.clear();
     outcome_ = {};
-    faults_.arm(call, nth, forEver);
-
-    char program[] = "host.exe";
-    char* arguments[] = {program, nullptr};
-    outcome_.exitCode = hostMain(1, arguments);
-    outcome_.injected = faults_.injected();
-    outcome_.calls = faults_.calls();
-    faults_.disarm();
+    life();
 
     const std::string status = contentOf(world_.statusFolder / "zuZiptraRemoteService.status");
     const std::string temporary = contentOf(world_.statusFolder / ".zuZiptraRemoteService.status.tmp");
     outcome_.statusPresent = !status.empty();
     outcome_.temporaryWhole = std::find(written_.begin(), written_.end(), temporary) != written_.end();
     outcome_.statusCurrent = !written_.empty() && status == written_.back();
-    outcome_.leaks = ledger_.leaks();
+    const std::vector<std::string> leaks = ledger_.leaks();
+    outcome_.leaks.insert(outcome_.leaks.end(), leaks.begin(), leaks.end());
     outcome_.wrongClosings = ledger_.wrongClosings;
     outcome_.referencesHeld = framework.held();
     releaseModules();

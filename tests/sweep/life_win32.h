@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/allocations.h"
 #include "tests/support/framework.h"
 #include "tests/support/serviceWorld.h"
 #include "tests/sweep/faults_win32.h"
@@ -53,6 +54,7 @@ struct tOutcome {
     std::uint32_t referencesHeld = 0;  ///< of the framework's objects
     int injected = 0;
     std::vector<tCall> calls;
+    int requests = 0;  ///< for memory, where those were counted
 };
 
 /// Whole lives of the product in a machine that does what the scenario says, one after another. One at a time.
@@ -67,9 +69,13 @@ public:
     tOutcome live() { return live(0, 0, false); }
     /// One in which the call's nth occurrence fails (see tFaults::arm).
     tOutcome live(std::size_t call, int nth, bool forEver);
+    /// One in which the nth request for memory is refused (see allocations::startFailing).
+    tOutcome liveWithoutMemory(int nth, allocations::tHowLong howLong);
     [[nodiscard]] tFaults& faults() { return faults_; }
 
 private:
+    tOutcome live(const std::function<void()>& life);
+    void runHost();
     void describePlugins();
     void standInForControl();
     void watch();
