@@ -20,7 +20,7 @@ The last line is the sum: N passed, N failed, N skipped.
   windows    the Windows build: its headers, its bytes, and the unit tests under Wine
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
   fuzz       every fuzzer for $fuzz_seconds seconds
-  sweep      every system call of whole lives fails in turn (SWEEP_ALL=1: at every occurrence)
+  sweep      every system call and every allocation fails in turn (SWEEP_ALL=1: at every occurrence)
   soak       the plug-ins loaded and unloaded SOAK_CYCLES times (500), the service started for SOAK_SECONDS (15)
   kill       the executable killed KILLS times (55) step by step of replacing the status file, and as often at random
   race       stop requests from many sides: every interleaving, RACE_ROUNDS in one process, RACE_SECONDS (18) outside
