@@ -125,12 +125,10 @@ void tBareHost::live() const {
 }
 
 void readBarely(const wchar_t* path) {
-    std::array<char, 4096> bytes{};
-    WIN32_FIND_DATAW found;
+    std::array<char, 4096> bytes;
     std::FILE* const file = _wfopen(path, L"rb");
     while (std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size()) {
     }
-    FindClose(FindFirstFileW(path, &found));
     std::fclose(file);
 }
 

@@ -183,16 +183,20 @@ void rememberFile(tDocument& document, const wchar_t* widePath) {
     document.filePath = kept;
 }
 
-}  // namespace
-
-int parseFile(tDocument& document, const wchar_t* widePath) noexcept try {
+int parse(tDocument& document, const wchar_t* widePath, bool remembering) noexcept try {
     const tFile file = openFile(widePath);
     if (!file) return lastWriteTime(widePath) ? fileNotOpened : fileNotFound;
     const int result = parseStream(document, file.get());
-    if (result == 0) rememberFile(document, widePath);
+    if (result == 0 && remembering) rememberFile(document, widePath);
     return result;
 } catch (const std::bad_alloc&) {
     return outOfMemory;
 }
+
+}  // namespace
+
+int parseFile(tDocument& document, const wchar_t* widePath) noexcept { return parse(document, widePath, true); }
+
+int parseContent(tDocument& document, const wchar_t* widePath) noexcept { return parse(document, widePath, false); }
 
 }  // namespace nIni

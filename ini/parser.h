@@ -28,4 +28,7 @@ inline constexpr int fileNotRead = -5002;
 /// the file was refused before its first line, what they were. Time and memory grow in proportion to the file.
 int parseFile(tDocument& document, const wchar_t* widePath) noexcept;
 
+/// The same, but path and time are not kept: asking for the time takes longer than opening and reading a small file.
+int parseContent(tDocument& document, const wchar_t* widePath) noexcept;
+
 }  // namespace nIni

@@ -39,7 +39,7 @@ std::uint32_t toRequiresMask(const std::string& value) {
 
 void parse(nIni::tDocument& document, const std::string& filePath) {
     document.flags = nIni::acceptEmptyValues | nIni::stripDoubleQuotes;
-    const int result = nIni::parseFile(document, nStdPath::widePathFromUtf8(filePath).c_str());
+    const int result = nIni::parseContent(document, nStdPath::widePathFromUtf8(filePath).c_str());
     if (result < 0) zuerr::Raise({"result", {sourceFile, 261}}, result);
     if (document.firstErrorLine == -1) return;
     nTrace::trace(nTrace::descriptions, "Parse error %s:%i", filePath.c_str(), document.firstErrorLine);

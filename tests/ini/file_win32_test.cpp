@@ -74,6 +74,18 @@ TEST_F(IniFileWin32, ReadsFourBytesAndThenChunksAndAsksForTheTimeBeforeClosing) 
     EXPECT_EQ(document_.fileTime, 0x0123456789ABCDEFU);
 }
 
+TEST_F(IniFileWin32, TheContentAloneIsReadWithoutAskingForTheTime) {
+    parse("[s]\nk=v\n");
+    calls_.clear();
+    document_.fileTime = 1;
+    document_.filePath[0] = L'x';
+    EXPECT_EQ(nIni::parseContent(document_, file_.widePath().c_str()), 0);
+    EXPECT_EQ(describe(document_), "[s]@1\nk=v@2\n");
+    EXPECT_THAT(calls_, ElementsAre("open", "read 4", "read 2084", "close"));
+    EXPECT_EQ(document_.fileTime, 1U);
+    EXPECT_EQ(document_.filePath[0], L'x');
+}
+
 TEST_F(IniFileWin32, ReadsOnUntilAChunkIsNotFull) {
     EXPECT_EQ(parse("[s]\n" + std::string(2 * 2084, ';')), 0);
     EXPECT_THAT(calls_,

@@ -96,7 +96,7 @@ void tFaults::addPlaces() {
 
 void tFaults::addFiles() {
     refuses(CALL(CreateFileW), cost::listing, ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
-    refuses(CALL(FindFirstFileW), cost::listing, ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
+    refuses(CALL(FindFirstFileW), cost::nothing, ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
     complains(CALL(FindClose), cost::nothing, ERROR_INVALID_HANDLE, FALSE);
     refuses(CALL(_wfopen), cost::descriptions, ERROR_ACCESS_DENIED, nullptr);
     row(CALL(fread), cost::descriptions, [this](const auto& /*inner*/, auto...) -> std::size_t {

@@ -68,7 +68,10 @@ tLives::tLives(const tScenario& scenario)
     watchStatusFile();
 }
 
-tLives::~tLives() { imports::ImportBase::restoreAll(); }
+tLives::~tLives() {
+    imports::ImportBase::restoreAll();
+    if (held_ != nullptr) imports::CloseHandle.real(held_);
+}
 
 /// Every third plug-in depends on the one before it.
 void tLives::describePlugins() {
@@ -85,6 +88,9 @@ void tLives::describePlugins() {
     world_.describe("2 refusing.ini", description("Refusing", "behaviours", "InitFails7"));
     world_.describe("3 behind.ini", description("Behind", "behaviours", "InitOk", "Dependencies=Refusing\n"));
     world_.describe("4 deploys.ini", description("Deploys", "behaviours", "InitOk", "Requires=2\n"));
+    const std::string held = world_.describe("5 held.ini", description("Held", "behaviours", "InitOk"));
+    const std::wstring path = std::filesystem::path(held).native();
+    held_ = imports::CreateFileW.real(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
 }
 
 /// The manager, the console, and whoever asks the product to stop.

@@ -21,7 +21,8 @@ struct tScenario {
     const char* name;
     bool service;  ///< under the manager; otherwise in the foreground
     int plugins;
-    bool badFiles;  ///< beside the good ones: a malformed description, a missing library, an Initialize that refuses
+    bool badFiles;  ///< beside the good ones: malformed or held by somebody else, a missing library, a refusing
+                    ///< Initialize
     tDeployment deployment;
 };
 
@@ -87,6 +88,7 @@ private:
 
     tScenario scenario_;
     support::tServiceWorld world_;
+    void* held_ = nullptr;  ///< of the description that somebody else has open
     tLedger ledger_;
     // In this order: the faults stand around the ledger, which stands around the control calls.
     struct tStep {
