@@ -28,6 +28,11 @@ char* growRecord(void* argument, const char* cursor) {
     return FindEnd(record.json) == nullptr ? nullptr : record.json + offset;
 }
 
+/// Makes sure of a text and the marker behind it. A manager may say yes and give nothing.
+bool ensureText(StatusRecord& record) noexcept {
+    return record.reallocJson(record, emptyReportSize) && record.capacity >= emptyReportSize;
+}
+
 /// Puts a text in the place of "{}" if that is what there is, and if there is room.
 bool replaceEmpty(char* json, std::string_view text) noexcept {
     if (std::strcmp(json, "{}") != 0) return false;
@@ -104,8 +109,7 @@ bool Copy(StatusRecord& destination, StatusRecord& source) noexcept {
 }
 
 JsonChain Append(StatusRecord& record) noexcept {
-    const bool hasText = record.reallocJson(record, emptyReportSize) && record.capacity >= emptyReportSize;
-    return {hasText ? FindEnd(record.json) : nullptr, growRecord, &record};
+    return {ensureText(record) ? FindEnd(record.json) : nullptr, growRecord, &record};
 }
 
 void RaiseInto(StatusRecord& record, std::int32_t code, const char* constant, const RaiseSite& site,
@@ -118,7 +122,7 @@ void RaiseInto(StatusRecord& record, std::int32_t code, const char* constant, co
 void RaiseInto(StatusRecord& record, std::int32_t code, const RaiseReport& report) noexcept {
     if (record.failed()) return;
     SetCode(record, code);
-    if (!record.reallocJson(record, emptyReportSize)) return;
+    if (!ensureText(record)) return;
     if (replaceEmpty(record.json, report.text())) return;
     addMembers(Append(record), report.constant(), report.site(), report.component());
 }

@@ -173,6 +173,14 @@ TEST(RaiseInto, KeepsTheCodeAloneWhenTheManagerSaysYesAndGivesNothing) {
     EXPECT_EQ(record.json, nullptr);
 }
 
+TEST(RaiseInto, KeepsTheCodeOfAReadyReportWhenTheManagerSaysYesAndGivesNothing) {
+    StatusRecord record;
+    record.reallocJson = [](StatusRecord& /*self*/, std::uint32_t /*capacity*/) { return true; };
+    RaiseInto(record, -52008, {zuerr::osFault, {".\\source\\tService", 217}});
+    EXPECT_EQ(record.code, -52008);
+    EXPECT_EQ(record.json, nullptr);
+}
+
 TEST(Append, WritesNothingIntoABufferWithoutRoomForTheMarker) {
     std::string buffer("{}\0\0\0\0\0\0\0\0\0\0J", 13);
     StatusRecord record;
