@@ -31,6 +31,7 @@ struct tSection {
     std::vector<tKey> keys;
     std::int32_t line = -1;  ///< of its header, the last one if there are several; -1 for a section made without one
     tNameIndex keyIndex;     ///< for findKey; to be reset by whoever changes the keys but at their end
+    bool hasContinuations = false;  ///< as the parser sees while it reads: there is something to be joined
 };
 
 /// The result of one parse, and the options for it. Not thread-safe, look-ups included.

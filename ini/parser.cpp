@@ -47,13 +47,39 @@ char stripQuotes(std::string_view& value, std::uint32_t flags) {
     return quote;
 }
 
+/// A name like "Text Line12" in its parts.
+struct tContinuation {
+    std::size_t stemSize;     ///< that of "Text"
+    std::string_view number;  ///< "12", without leading zeros
+};
+
+/// Nothing when the name does not end in " Line" and digits. Case counts here.
+std::optional<tContinuation> splitContinuation(std::string_view name) {
+    constexpr std::string_view mark = " Line";
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    const std::string_view digits(std::find_if_not(name.rbegin(), name.rend(), isDigit).base(), name.end());
+    const std::size_t markEnd = name.size() - digits.size();
+    if (digits.empty() || !name.substr(0, markEnd).ends_with(mark)) return std::nullopt;
+    return tContinuation{markEnd - mark.size(), digits.substr(std::min(digits.find_first_not_of('0'), digits.size()))};
+}
+
+bool startsRun(std::string_view name) {
+    if (!name.ends_with('1')) return false;
+    const std::optional<tContinuation> continuation = splitContinuation(name);
+    return continuation && continuation->number == "1";
+}
+
+bool goesOnWithRun(std::string_view name) { return splitContinuation(name) && !startsRun(name); }
+
 void addKey(tDocument& document, std::string_view name, std::string_view value, std::int32_t line) {
     if (document.currentSection == nullptr) {
         if ((document.flags & colonSeparates) == 0) return;
         openSection(document, "(null)", -1);
     }
     const char quote = stripQuotes(value, document.flags);
-    document.currentSection->keys.push_back({name, value, quote, line});
+    tSection& section = *document.currentSection;
+    section.keys.push_back({name, value, quote, line});
+    if (startsRun(name)) section.hasContinuations = true;
 }
 
 /// `line` begins with "[". False when it is malformed.
@@ -88,22 +114,6 @@ bool parseLine(tDocument& document, std::string_view line, std::int32_t lineNumb
     return parseKey(document, line, lineNumber);
 }
 
-/// A name like "Text Line12" in its parts.
-struct tContinuation {
-    std::size_t stemSize;     ///< that of "Text"
-    std::string_view number;  ///< "12", without leading zeros
-};
-
-/// Nothing when the name does not end in " Line" and digits. Case counts here.
-std::optional<tContinuation> splitContinuation(std::string_view name) {
-    constexpr std::string_view mark = " Line";
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    const std::string_view digits(std::find_if_not(name.rbegin(), name.rend(), isDigit).base(), name.end());
-    const std::size_t markEnd = name.size() - digits.size();
-    if (digits.empty() || !name.substr(0, markEnd).ends_with(mark)) return std::nullopt;
-    return tContinuation{markEnd - mark.size(), digits.substr(std::min(digits.find_first_not_of('0'), digits.size()))};
-}
-
 /// The last one's value takes the place of the first one's.
 void mergeRepeatedKeys(tSection& section, bool caseSensitive) {
     section.keyIndex.removeRepeated(section.keys, caseSensitive, [](tKey& first, const tKey& repeated) {
@@ -124,14 +134,6 @@ std::string_view joinValues(tText& text, tKeyIterator first, tKeyIterator last) 
     for (; first != last; ++first) end += first->value.copy(end, first->value.size());
     return {block, size};
 }
-
-bool startsRun(std::string_view name) {
-    if (!name.ends_with('1')) return false;
-    const std::optional<tContinuation> continuation = splitContinuation(name);
-    return continuation && continuation->number == "1";
-}
-
-bool goesOnWithRun(std::string_view name) { return splitContinuation(name) && !startsRun(name); }
 
 /// Joins each run of continuation keys into its first key, which keeps its line and quote. A run begins with number 1
 /// and lasts while such keys follow, whatever their stems and numbers are, up to the next number 1.
@@ -170,7 +172,9 @@ int parseStream(tDocument& document, std::FILE* file) {
         for (tSection& section : document.sections) mergeRepeatedKeys(section, document.caseSensitive != 0);
     }
     if (lines.failed()) return fileNotRead;
-    for (tSection& section : document.sections) joinContinuations(document.text, section);
+    for (tSection& section : document.sections) {
+        if (section.hasContinuations) joinContinuations(document.text, section);
+    }
     return 0;
 }
 

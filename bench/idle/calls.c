@@ -1,7 +1,7 @@
 /* The same after the system calls that the host cannot do without, which load most of what it has in memory: it asks
    whether it is a service, and where the status file belongs. */
-#include <windows.h>
 #include <shlobj.h>
+#include <windows.h>
 
 static void WINAPI serviceMain(DWORD count, char** arguments) {
     (void)count;
