@@ -102,13 +102,13 @@ private:
             EXPECT_EQ(plugin.cleanupCode, 0) << plugin.name;
             const tPlugin* const before = find(usual_.plugins, plugin.name);
             if (before != nullptr && plugin.initCode == before->initCode) continue;
-            if (lacksADependency(plugin)) {
-                EXPECT_EQ(plugin.initCode, -52006) << plugin.name;
+            if (lacksMemory(plugin)) {
+                ++lost;
             } else if (before != nullptr && before->initCode == -52002 && seen_.mask != usual_.mask) {
                 EXPECT_EQ(plugin.initCode, 0) << plugin.name << " is allowed when the setting is not known";
             } else {
-                EXPECT_TRUE(lacksMemory(plugin)) << plugin.name << " has " << plugin.initCode;
-                ++lost;
+                EXPECT_EQ(plugin.initCode, -52006) << plugin.name;
+                EXPECT_TRUE(lacksADependency(plugin)) << plugin.name;
             }
         }
         if (howLong_ == tHowLong::once) {
