@@ -53,6 +53,8 @@ TEST(FindEnd, WantsAStringAndAColonBeforeEachValueOfAnObject) {
     expectInvalid({R"({"a"})", R"({"a" 1})", R"({"a"::1})", R"({"a":})", "{a:1}", "{1:1}", "{[]:1}", "{:1}"});
 }
 
+TEST(FindEnd, TakesNoOtherByteForTheColon) { expectInvalid({R"({"a",1})", R"({"a"=1})", R"({"a" "1"})"}); }
+
 TEST(FindEnd, ReadsNoBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])"}); }
 
 TEST(FindEnd, KnowsEightEscapesAndFourHexadecimalDigits) {
@@ -64,6 +66,8 @@ TEST(FindEnd, RefusesControlCharactersInStringsAndNoOtherByte) {
     expectInvalid({"[\"\n\"]", "[\"\t\"]", "[\"\x1F\"]", "[\"\x01\"]", "{\"\n\":1}"});
     expectValid({"[\" \x7F\x80\xFF\"]", "[\"Ger\xC3\xA4t\"]"});
 }
+
+TEST(FindEnd, EndsNoStringAtAControlCharacter) { expectInvalid({"[\"\n]", "[\"a\t]", "{\"\n:1}"}); }
 
 TEST(FindEnd, IsNullForAStringThatDoesNotEnd) {
     expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", "[\"a\\\"", "[\"\\u", "[\"\\u12", "['a']"});
@@ -84,6 +88,7 @@ TEST(FindEnd, IsNullForAMalformedNumber) {
 TEST(FindEnd, MatchesTheThreeWordsLetterForLetter) {
     expectValid({"[true,false,null]", R"({"a":true})"});
     expectInvalid({"[tru]", "[True]", "[truex]", "[nul", "[fals]", "[nan]", "[t]", "[n", "[f", "[NULL]"});
+    expectInvalid({"[trux]", "[falsy]", "[nuLL]"});
 }
 
 TEST(FindEnd, FollowsNestingOf1024LevelsAndRefusesMore) {

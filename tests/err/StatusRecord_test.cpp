@@ -17,6 +17,7 @@ namespace {
 
 using report::wellLaidOut;
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::StartsWith;
 using testing::StrEq;
 using zuerr::Clear;
@@ -86,6 +87,13 @@ TEST(SetCode, ReplacesAWarningByAnErrorOnly) {
     EXPECT_EQ(record.code, -52005);
 }
 
+TEST(SetCode, ReplacesTheSmallestWarningByTheSmallestError) {
+    StatusRecord record;
+    EXPECT_TRUE(SetCode(record, 1));
+    EXPECT_TRUE(SetCode(record, -1));
+    EXPECT_EQ(record.code, -1);
+}
+
 TEST(SetCode, RefusesSuccessOverSuccess) {
     StatusRecord record;
     EXPECT_FALSE(SetCode(record, 0));
@@ -133,6 +141,16 @@ TEST_F(StatusRecordManager, MayGiveNoMoreThanTheThreeBytesOfAnEmptyReport) {
     record.capacity = 2;
     EXPECT_TRUE(SetCode(record, -1));
     EXPECT_EQ(record.capacity, 3U);
+    EXPECT_THAT(record.json, StrEq("{}"));
+}
+
+TEST_F(StatusRecordManager, IsAskedForNothingWhenTheBufferIsJustLargeEnoughForAnEmptyReport) {
+    StatusRecord record;
+    record.reallocJson = remember;
+    record.json = static_cast<char*>(std::calloc(3, 1));
+    record.capacity = 3;
+    EXPECT_TRUE(SetCode(record, -1));
+    EXPECT_THAT(requests, IsEmpty());
     EXPECT_THAT(record.json, StrEq("{}"));
 }
 
@@ -288,6 +306,17 @@ TEST(CopyRecord, OfARecordToItselfChangesNothing) {
     EXPECT_THAT(record.json, StartsWith(R"({"error_constant":"warning")"));
 }
 
+TEST_F(StatusRecordManager, IsToldToReleaseTheOldReportBeforeAnotherTakesItsPlace) {
+    StatusRecord source;
+    source.reallocJson = remember;
+    source.code = -1;
+    StatusRecord destination;
+    destination.reallocJson = remember;
+    EXPECT_TRUE(destination.reallocJson(destination, 4));
+    EXPECT_TRUE(Copy(destination, source));
+    EXPECT_THAT(requests, ElementsAre(4, 0));
+}
+
 TEST_F(StatusRecordManager, CopiesTheTextBetweenRecordsOfDifferentManagers) {
     StatusRecord source;
     RaiseInto(source, -52008, "zukesterr_osFault", site, nullptr);
@@ -320,6 +349,25 @@ TEST_F(StatusRecordManager, CopiesTheCodeAloneWhenItRefusesTheText) {
     EXPECT_TRUE(Copy(destination, source));
     EXPECT_EQ(destination.code, -52008);
     EXPECT_EQ(destination.json, nullptr);
+}
+
+// Append
+
+TEST_F(StatusRecordManager, IsAskedForTwiceTheRoomLessTwoUpTo2GigabytesAndNoMore) {
+    const auto requestsAt = [](std::uint32_t capacity) {
+        requests.clear();
+        StatusRecord record;
+        record.reallocJson = refuse;
+        record.json = static_cast<char*>(std::malloc(4));
+        zuerr::CopyText(record.json, 4, "{}");
+        record.capacity = capacity;
+        zuerr::Append(record).AddInt("member", 1);
+        return requests;
+    };
+    EXPECT_THAT(requestsAt(4), ElementsAre(4, 6));
+    EXPECT_THAT(requestsAt(0x40000000), ElementsAre(4, 0x7FFFFFFE));
+    EXPECT_THAT(requestsAt(0x40000001), ElementsAre(4));
+    EXPECT_THAT(requestsAt(0x40000002), ElementsAre(4));
 }
 
 }  // namespace
