@@ -75,11 +75,13 @@ trap leave_prefix EXIT
 trap 'exit 130' INT TERM
 alone build/test
 writable "$logs"
+: >"$counted"
 rows=() all_passed=0 all_failed=0 all_skipped=0
 for layer in "${layers[@]}"; do
     run_layer "$layer"
 done
 
+summary
 printf '\n%-11s %6s %6s %6s %7s %7s\n' layer ran passed failed skipped seconds
 printf '%s\n' "${rows[@]}"
 printf '\n%s\n' "$all_passed passed, $all_failed failed, $all_skipped skipped"

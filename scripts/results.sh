@@ -3,6 +3,7 @@
 
 passed=0 failed=0 skipped=0
 logs=build/test/logs
+counted=build/test/counted # what every program has counted in this run: name, tab, number
 
 # verdict FAILED TEXT LOG: ends the line that a test began.
 verdict() {
@@ -43,6 +44,7 @@ googletest() {
     bad=$((${announced:-0} - good - left_out))
     if ((bad <= 0)); then bad=$((code != 0 || good == 0)); fi
     passed=$((passed + good)) failed=$((failed + bad)) skipped=$((skipped + left_out + ${disabled:-0}))
+    printf 'programs that crashed or hung\t%d\n' $((code > 1)) >>"$counted"
     verdict "$bad" "$good of ${announced:-unknown} tests passed, $((SECONDS - began)) s, exit code $code" "$log" || {
         grep -E '\[  FAILED  \] .* \([0-9]+ ms\)' "$log" || tail -n 40 "$log"
         ((code != 124)) || printf '%s\n' "stopped after $limit seconds"
@@ -52,6 +54,34 @@ googletest() {
 
 # figures NAME: the table of what the program of that name has counted.
 figures() {
-    sed -nE 's/\r$//; s/^FIGURE (.*): ([^:]*)$/\1\t\2/p' "$logs/${1//[^A-Za-z0-9]/-}.log" |
+    sed -nE 's/\r$//; s/^FIGURE (.*): ([^:]*)$/\1\t\2/p' "$logs/${1//[^A-Za-z0-9]/-}.log" | tee -a "$counted" |
         awk -F '\t' '{ printf "   %-90s %12s\n", $1, $2 }'
+}
+
+# total WHAT PATTERN: a row of the summary, if there are figures whose names match.
+total() {
+    awk -F '\t' -v what="$1" -v pattern="$2" '$1 ~ pattern { sum += $2; found = 1 }
+        END { if (found) printf "%-60s %12d\n", what, sum }' "$counted"
+}
+
+# What the layers have counted, added up.
+summary() {
+    grep -qv '^programs' "$counted" || return 0
+    printf '\n'
+    total 'system calls that failed once' '^a system call, once, faults'
+    total 'system calls that failed from then on' '^a system call, from then on, faults'
+    total 'allocations that failed once' 'allocation, once, faults'
+    total 'allocations that failed from then on' 'allocation, from then on, faults'
+    total 'leaks, hangs and torn files after these faults' 'leaks, hangs and torn files'
+    total 'lives of ten plug-ins in one process' '^soak, ten plug-ins: cycles'
+    total 'starts and stops of the service' '^soak, service: starts and stops'
+    total 'kills while the status file is replaced' '^kill, .*: kills'
+    total 'reads beside them, of a whole file or of none' '^kill, .*: reads of (a whole file|none)'
+    total 'reads of a part' '^kill, .*: reads of a part'
+    total 'interleavings of the control lock' '^interleavings of the control lock'
+    total 'lives raced by stop requests and console events' '^race, .*: (lives|single requests, none lost)$'
+    total 'requests and events sent to them' '^race, .*: (controls|controls sent|requests|console events)$'
+    total 'reports or requests that came too late' '^race, .*: (reports that came too late|requests after the end)'
+    total "lives that Wine's manager ended" "^race, .*manager ended"
+    total 'programs that crashed or hung' '^programs that crashed or hung'
 }
