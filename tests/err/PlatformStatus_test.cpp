@@ -122,6 +122,14 @@ TEST(ConvertPlatformStatus, DoesNothingForSuccess) {
     EXPECT_EQ(record.json, nullptr);
 }
 
+TEST(ConvertPlatformStatus, CarriesTheSmallestWarning) {
+    PlatformStatus platform;
+    RaiseInto(platform, 1, "component", site);
+    StatusRecord record;
+    Convert(platform, record);
+    EXPECT_EQ(record.code, 1);
+}
+
 TEST(ConvertPlatformStatus, DoesNothingWhenTheRecordRefusesTheCode) {
     PlatformStatus platform;
     RaiseInto(platform, -52008, "component", site);

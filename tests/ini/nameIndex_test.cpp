@@ -45,6 +45,19 @@ TEST(NameIndex, HashesBySeedOneAsSipHash13DoesWithAKeyOfZeros) {
     EXPECT_EQ(hashName(longName, true, 1), 0xC6CA83093413BF3CU);
 }
 
+TEST(NameIndex, HashesWithoutRegardToCaseAsItHashesSmallLetters) {
+    std::string name, small;
+    for (int c = 0; c < 256; ++c) {
+        name += static_cast<char>(c);
+        small += static_cast<char>(std::tolower(c));
+    }
+    for (const std::size_t size : {3U, 8U, 70U, 95U, 256U}) {
+        const std::string end = name.substr(name.size() - size);
+        EXPECT_EQ(hashName(end, false, 1), hashName(small.substr(small.size() - size), true, 1)) << size;
+    }
+    EXPECT_EQ(hashName(name.substr(0, 100), false, 1), hashName(small.substr(0, 100), true, 1));
+}
+
 TEST(NameIndex, HashesOtherwiseByEverySeed) {
     std::set<std::uint64_t> hashes;
     for (std::uint64_t seed = 0; seed < 100; ++seed) hashes.insert(hashName("Service", false, seed));
