@@ -8,10 +8,11 @@ function(zuziptra_delay target library)
     endif()
     set(stem ${CMAKE_CURRENT_BINARY_DIR}/${target}-${library})
     list(JOIN ARGN "\n" functions)
-    file(WRITE ${stem}.def "LIBRARY ${library}\nEXPORTS\n${functions}\n")
+    file(CONFIGURE OUTPUT ${stem}.def CONTENT "LIBRARY ${library}\nEXPORTS\n${functions}\n" @ONLY)
     # The prefix names what lies in the archive; left to itself, that is a number from the process.
     add_custom_command(OUTPUT ${stem}.a
         COMMAND ${CMAKE_DLLTOOL} --input-def ${stem}.def --output-delaylib ${stem}.a --temp-prefix delayed
+        DEPENDS ${stem}.def
         COMMENT "Making ${library}'s delayed import library")
     add_custom_target(${target}_${library} DEPENDS ${stem}.a)
     add_dependencies(${target} ${target}_${library})
