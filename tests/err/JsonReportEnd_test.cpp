@@ -73,6 +73,12 @@ TEST(FindEnd, IsNullForAStringThatDoesNotEnd) {
     expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", "[\"a\\\"", "[\"\\u", "[\"\\u12", "['a']"});
 }
 
+TEST(FindEnd, ReadsNothingBehindTheTerminatorOfATextThatEndsInAnEscape) {
+    using std::string_literals::operator""s;
+    EXPECT_EQ(endOf("[\"\\\0\"]"s), -1);
+    EXPECT_EQ(endOf("[\"\\u123\0\"]"s), -1);
+}
+
 TEST(FindEnd, AcceptsLeadingZerosALoneMinusSignAndMissingDigitsBehindPointOrExponentSign) {
     expectValid({"[007]", "[-007]", "[-]", "[1.]", "[-.5]", "[-.]", "[1e+]", "[1E-]"});
 }
