@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <functional>
 #include <numeric>
 
 namespace nIni {
@@ -22,8 +23,8 @@ constexpr std::uint64_t foldCase(std::uint64_t characters) noexcept {
     return characters | (((fromA ^ behindZ) & ~characters & 0x80 * each) >> 2U);
 }
 
-/// SipHash-1-3, a hash for which nobody knows how to make many values equal. Its key need not be secret here: names
-/// that agree in some bits, which anybody can find by trying, do so for one key.
+/// SipHash-1-3, a hash for which nobody knows how to make many values equal. Names that agree in some bits, which
+/// anybody can find by trying, do so for one key.
 class tSipHash {
 public:
     explicit tSipHash(std::uint64_t key) noexcept : v0_(0x736F6D6570736575U ^ key), v2_(0x6C7967656E657261U ^ key) {}
@@ -125,9 +126,10 @@ void tNameIndex::makeRoom(std::size_t count) {
     indexed_ = 0;
 }
 
-/// All records are to be added again.
+/// All records are to be added again. Seeds known in advance would let a file hold names that crowd under one, others
+/// that crowd under the next and so on; where memory lies differs from run to run.
 void tNameIndex::takeAnotherSeed() noexcept {
-    ++seed_;
+    seed_ += std::hash<const void*>()(slots_.data());
     std::fill(slots_.begin(), slots_.end(), tSlot{});
     indexed_ = 0;
     stepsLeft_ = stepsAtFirst;

@@ -20,8 +20,9 @@ namespace nIni {
 /// there are. The list may grow at its end between two searches; whoever changes it otherwise resets the index.
 ///
 /// It is a hash table in one array, half of it empty at least. Names chosen to crowd into a part of it are noticed by
-/// the steps that it takes to add them, and hashed by another seed: no file can make it slow. Many names at once are
-/// added in the order of their places in the array, as jumping about in large memory costs more than all the rest.
+/// the steps that it takes to add them, and hashed by a seed that no file can foresee, so that none can make it slow.
+/// Many names at once are added in the order of their places in the array, as jumping about in large memory costs more
+/// than all the rest.
 class tNameIndex {
 public:
     /// The position of the first record of that name, or the number of records. Short lists are searched through and
