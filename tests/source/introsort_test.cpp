@@ -69,6 +69,16 @@ private:
     std::uint64_t seed_;
 };
 
+TEST(Introsort, ComparesAnElementWithTheFirstOneOnce) {
+    std::vector<int> numbers{1, 2};
+    int comparisons = 0;
+    nIntrosort::sort(std::span(numbers), [&](int a, int b) {
+        ++comparisons;
+        return a < b;
+    });
+    EXPECT_EQ(comparisons, 1);
+}
+
 TEST(Introsort, SortsEveryLengthUpTo100) {
     for (std::size_t count = 0; count <= 100; ++count) {
         for (std::uint32_t seed = 0; seed < 20; ++seed) {
