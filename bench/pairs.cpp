@@ -3,7 +3,6 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <memory>
 #include <stdexcept>
 
@@ -66,18 +65,6 @@ void addRow(const tRow& row) {
         ->Iterations(1)
         ->Repetitions(numberOfPairs())
         ->UseManualTime();
-}
-
-bool quick() { return std::getenv("BENCH_QUICK") != nullptr; }
-
-void demand(bool truth, const std::string& text) {
-    if (!truth) throw std::runtime_error(text);
-}
-
-std::function<void()> repeat(int times, const std::function<void()>& work) {
-    return [times, work] {
-        for (int i = 0; i < times; ++i) work();
-    };
 }
 
 }  // namespace nBench

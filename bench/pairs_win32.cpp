@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
@@ -80,18 +79,6 @@ void runRows(const std::string& group, const std::string& file) {
         for (const std::string& object : measure(row)) all += (all.empty() ? "" : ",\n") + object;
     }
     std::ofstream(file) << "{\"benchmarks\": [\n" << all << "\n]}\n";
-}
-
-bool quick() { return std::getenv("BENCH_QUICK") != nullptr; }
-
-void demand(bool truth, const std::string& text) {
-    if (!truth) throw std::runtime_error(text);
-}
-
-std::function<void()> repeat(int times, const std::function<void()>& work) {
-    return [times, work] {
-        for (int i = 0; i < times; ++i) work();
-    };
 }
 
 }  // namespace nBench

@@ -1,0 +1,20 @@
+#include <cstdlib>
+#include <stdexcept>
+
+#include "bench/pairs.h"
+
+namespace nBench {
+
+bool quick() { return std::getenv("BENCH_QUICK") != nullptr; }
+
+void demand(bool truth, const std::string& text) {
+    if (!truth) throw std::runtime_error(text);
+}
+
+std::function<void()> repeat(int times, const std::function<void()>& work) {
+    return [times, work] {
+        for (int i = 0; i < times; ++i) work();
+    };
+}
+
+}  // namespace nBench
