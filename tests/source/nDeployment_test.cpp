@@ -9,12 +9,12 @@
 #include <type_traits>
 #include <utility>
 
-#include "err/Exception.h"
 #include "quarks/library.h"
 #include "source/tService.h"
 #include "tests/support/deployment.h"
 #include "tests/support/framework.h"
 #include "tests/support/plugins.h"
+#include "tests/support/propagation.h"
 #include "tests/support/serviceWorld.h"
 
 namespace {
@@ -359,16 +359,7 @@ TEST_F(ThrowingFramework, IsAnEmptyLineWhenWhatItThrowsHasNoTextAtAll) { expectM
 
 TEST_F(ThrowingFramework, DoesNotBlurWhetherAnExceptionIsPropagating) {
     for (int i = 0; i < 3; ++i) expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
-    EXPECT_FALSE(zuerr::ExceptionIsPropagating());
-    struct CleanUp {
-        ~CleanUp() { EXPECT_TRUE(zuerr::ExceptionIsPropagating()); }
-    };
-    EXPECT_THROW(
-        {
-            const CleanUp cleanUp;
-            throw std::runtime_error("propagating");
-        },
-        std::runtime_error);
+    support::expectPropagationToBeTold();
 }
 
 }  // namespace

@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <exception>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "err/Exception.h"
 #include "source/tPluginManager.h"
 #include "tests/support/plugins.h"
+#include "tests/support/propagation.h"
 
 namespace {
 
@@ -76,16 +76,7 @@ void expectTheHostToJudgeRightly() {
     tPluginManager manager;
     manager.startAll({plugin("NoSuchEntry")}, 1);
     EXPECT_EQ(manager.entries().at(0).initCode, -52005);
-    EXPECT_FALSE(zuerr::ExceptionIsPropagating());
-    struct CleanUp {
-        ~CleanUp() { EXPECT_TRUE(zuerr::ExceptionIsPropagating()); }
-    };
-    EXPECT_THROW(
-        {
-            const CleanUp cleanUp;
-            throw std::runtime_error("propagating");
-        },
-        std::runtime_error);
+    support::expectPropagationToBeTold();
 }
 
 TEST_F(ThrowingPlugins, FromInitializeFailWithTheCodeOfWhatTheyThrowAndAreUnloaded) {
