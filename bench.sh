@@ -56,10 +56,14 @@ start_wine() {
     make_prefix
     leave_prefix
     pinned wineserver --persistent
-    # Wine lets every program that may be a service wait ten seconds for the control pipe of the service started last.
-    # There is no pipe of this number.
-    quietly "$results/wine.log" pinned wine reg add 'HKLM\System\CurrentControlSet\Control\ServiceCurrent' \
-        /ve /t REG_DWORD /d 1000000 /f
+    # Wine lets every program that may be a service wait ten seconds for the control pipe of the service started last, and
+    # takes it for that service while that one is starting. There is no pipe of this number; Wine's own services, which may
+    # still be starting, put theirs in its place.
+    local -r number='HKLM\System\CurrentControlSet\Control\ServiceCurrent'
+    until [[ $(pinned wine reg query "$number" /ve 2>/dev/null) == *0xf4240* ]]; do
+        quietly "$results/wine.log" pinned wine reg add "$number" /ve /t REG_DWORD /d 1000000 /f
+        sleep 2
+    done
 }
 
 # pinned COMMAND...: on one core, so that both sides of a pair find the same caches and no move comes between.
