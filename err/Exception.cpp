@@ -1,5 +1,6 @@
 #include "err/Exception.h"
 
+#include <algorithm>
 #include <new>
 
 #include "trace/trace.h"
@@ -63,8 +64,7 @@ ForeignCall::ForeignCall() noexcept : before_(propagatingExceptions()) {}
 
 ForeignCall::~ForeignCall() {
     // A higher count is our own exception on its way through: that one is counted by the catch to come.
-    const int change = propagatingExceptions() - before_;
-    if (change < 0) foreignShortfall += change;
+    foreignShortfall += std::min(propagatingExceptions() - before_, 0);
 }
 
 }  // namespace zuerr

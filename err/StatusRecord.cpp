@@ -35,7 +35,7 @@ bool ensureText(StatusRecord& record) noexcept {
 
 /// Puts a text in the place of "{}" if that is what there is, and if there is room.
 bool replaceEmpty(char* json, std::string_view text) noexcept {
-    if (std::strcmp(json, "{}") != 0) return false;
+    if (std::string_view(json) != "{}") return false;
     // As for any member: the room lies between the terminator and the sentinel.
     const std::size_t needed = text.size() + 1 - sizeof("{}");
     if (std::memchr(json + sizeof("{}"), jsonSentinel, needed) != nullptr) return false;
@@ -78,9 +78,9 @@ void Clear(StatusRecord& record) noexcept {
 }
 
 bool SetCode(StatusRecord& record, std::int32_t code) noexcept {
-    const bool fromSuccess = record.code == 0 && code != 0;
-    const bool fromWarning = record.code > 0 && code < 0;
-    if (!fromSuccess && !fromWarning) return false;
+    const bool newError = code < 0 && !record.failed();
+    const bool newWarning = code > 0 && record.code == 0;
+    if (!newError && !newWarning) return false;
     record.code = code;
     if (record.json == nullptr) return true;
     if (record.capacity < sizeof("{}")) record.reallocJson(record, sizeof("{}"));

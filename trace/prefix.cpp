@@ -32,9 +32,9 @@ char* writeText(char* out, std::size_t size, const char* text) noexcept {
 
 char* writeAligned(char* out, std::size_t size, const char* text, std::size_t width) noexcept {
     const std::size_t length = std::strlen(text);
-    if (length >= width) return writeBytes(out, size, text + length - width, width);
-    char* const end = writeRun(out, size, ' ', width - length);
-    return writeBytes(end, size - static_cast<std::size_t>(end - out), text, length);
+    const std::size_t kept = std::min(length, width);
+    char* const end = writeRun(out, size, ' ', width - kept);
+    return writeBytes(end, size - static_cast<std::size_t>(end - out), text + length - kept, kept);
 }
 
 char* writeLineNumber(char* out, std::size_t size, std::uint32_t line) noexcept {
