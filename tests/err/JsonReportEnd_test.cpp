@@ -33,7 +33,7 @@ TEST(FindEnd, IsTheClosingBraceOrBracketOfTheTopLevelContainer) {
 }
 
 TEST(FindEnd, IsNullForWhatBeginsWithNoBraceOrBracket) {
-    expectInvalid({"", "x", " {}", "1", "\"a\"", "true", "}", "]"});
+    expectInvalid({"", "x", " {}", "1", "\"a\"", "true", "}", "]", "]]", "x]", "(]"});
 }
 
 TEST(FindEnd, IsNullForAContainerThatIsNotClosedByItsOwnKind) {
@@ -53,6 +53,10 @@ TEST(FindEnd, WantsAStringAndAColonBeforeEachValueOfAnObject) {
     expectInvalid({R"({"a"})", R"({"a" 1})", R"({"a"::1})", R"({"a":})", "{a:1}", "{1:1}", "{[]:1}", "{:1}"});
 }
 
+TEST(FindEnd, TakesNoOtherByteForTheQuoteThatBeginsAKey) {
+    expectInvalid({R"({x":1})", R"({'a":1})", R"({":1})", R"({"a":1,b":2})"});
+}
+
 TEST(FindEnd, TakesNoOtherByteForTheColon) { expectInvalid({R"({"a",1})", R"({"a"=1})", R"({"a" "1"})"}); }
 
 TEST(FindEnd, ReadsNoBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])"}); }
@@ -60,6 +64,10 @@ TEST(FindEnd, ReadsNoBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])
 TEST(FindEnd, KnowsEightEscapesAndFourHexadecimalDigits) {
     expectValid({R"(["\"\/\\\b\f\n\r\t"])", R"(["\u00e9\uABCD\u0000\u9f9F"])"});
     expectInvalid({R"(["\x"])", R"(["\v"])", R"(["\u12g4"])", R"(["\u123"])", R"(["\u"])", R"(["\U1234"])"});
+}
+
+TEST(FindEnd, EndsNoStringAtAnUnknownEscape) {
+    expectInvalid({R"(["\])", R"(["\,1])", R"(["\u12])", R"({"a":"\})", R"({"\:1})"});
 }
 
 TEST(FindEnd, RefusesControlCharactersInStringsAndNoOtherByte) {

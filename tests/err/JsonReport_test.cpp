@@ -81,6 +81,12 @@ TEST(JsonReport, WritesACommaBeforeAContainerOfTheOtherKind) {
     EXPECT_THAT(buffer.text(), StrEq("[1,[],2]"));
 }
 
+TEST(JsonReport, WritesACommaInTheLastContainerOfAnother) {
+    Buffer buffer(512, R"([{"a":1}])");
+    AddInt(buffer.end() - 1, "b", 2);
+    EXPECT_THAT(buffer.text(), StrEq(R"([{"a":1,"b":2}])"));
+}
+
 TEST(JsonReport, NeedsNoCommaAtTheEndOfTheText) {
     Buffer empty(64, "");
     AddInt(empty.text(), nullptr, 7);
