@@ -226,6 +226,20 @@ TEST(Introsort, NeverAsksQuadraticallyOften) {
     }
 }
 
+TEST(Introsort, LeavesTheRestToTheHeapSortAfter15PartitionsOf1000ValuesWithinOneAnother) {
+    // The pivot of each partition ends up last, with all other values in front of it.
+    const auto always = [](int, int) { return true; };
+    std::vector<int> expected = upTo(1000);
+    std::span<int> rest(expected);
+    for (int partitions = 0; partitions < 15; ++partitions) {
+        const std::size_t pivot = nIntrosort::partition(rest, always);
+        ASSERT_EQ(pivot, rest.size() - 1);
+        rest = rest.first(pivot);
+    }
+    nIntrosort::heapSort(rest, always);
+    EXPECT_EQ(sorted(upTo(1000), always), expected);
+}
+
 TEST(Introsort, AsksLittleOfShuffledSortedReversedAndRepeatedValues) {
     const std::size_t count = 10000;
     std::vector<int> repeated = shuffled(count, 2);
