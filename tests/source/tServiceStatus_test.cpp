@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -9,12 +10,16 @@
 #include <thread>
 
 #include "source/tService.h"
+#include "tests/support/caughtReports.h"
 #include "tests/support/failingNew.h"
 #include "tests/support/failure.h"
 #include "tests/support/folder.h"
 #include "tests/support/serviceWorld.h"
 
 namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
 
 constexpr const char* fileName = "zuZiptraRemoteService.status";
 constexpr const char* temporaryName = ".zuZiptraRemoteService.status.tmp";
@@ -137,6 +142,13 @@ TEST_F(StatusText, OfAnUnknownFolderStopsNothingAndKeepsTheOldFile) {
     world.places.appDataFolder.reset();
     EXPECT_NO_THROW(WriteStatus(*gService));
     EXPECT_EQ(content(world.statusFolder / fileName), before);
+}
+
+TEST_F(StatusText, OfAnUnknownFolderIsReportedToTheTraceLikeAnyOtherFailure) {
+    world.places.appDataFolder.reset();
+    const support::tCaughtReports reports;
+    WriteStatus(*gService);
+    EXPECT_THAT(reports.texts, ElementsAre(HasSubstr("kestStatusResourceNotFound")));
 }
 
 TEST_F(StatusText, StaysThatOfTheOldFileOrTheNewOneWhereverMemoryRunsOut) {

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <set>
+#include <string_view>
+#include <unordered_map>
 
 namespace {
 
@@ -52,6 +55,22 @@ TEST(StartedNames, NamesAreComparedByTheirBytes) {
     EXPECT_FALSE(started.haveStarted({"Name "}));
     EXPECT_FALSE(started.haveStarted({"zero"}));
     EXPECT_TRUE(started.haveStarted({std::string("zero\0one", 8)}));
+}
+
+TEST(StartedNames, AreNotTakenForOthersOfNearlyTheSameHash) {
+    // Room for one name is four slots, told by two bits of the hash; a slot keeps the upper half of it.
+    std::unordered_map<std::size_t, std::string> names;
+    for (int number = 0;; ++number) {
+        const std::string name = std::to_string(number);
+        const std::size_t hash = std::hash<std::string_view>{}(name);
+        const auto [other, isNew] = names.try_emplace(hash & 0xFFFFFFFF00000003, name);
+        if (isNew) continue;
+        tStartedNames started(1);
+        started.add(other->second);
+        EXPECT_TRUE(started.haveStarted({other->second}));
+        EXPECT_FALSE(started.haveStarted({name})) << other->second;
+        return;
+    }
 }
 
 TEST(StartedNames, AnEmptyNameIsANameLikeAnyOther) {

@@ -29,4 +29,10 @@ std::uint32_t realTimeIncrement() asm("__real__ZN5nTime17readTimeIncrementEv");
 std::uint32_t wrappedTimeIncrement() asm("__wrap__ZN5nTime17readTimeIncrementEv");
 std::uint32_t wrappedTimeIncrement() { return current == nullptr ? realTimeIncrement() : current->timeIncrement; }
 
+std::uint64_t realCounterFrequency() asm("__real__ZN5nTime20readCounterFrequencyEv");
+std::uint64_t wrappedCounterFrequency() asm("__wrap__ZN5nTime20readCounterFrequencyEv");
+std::uint64_t wrappedCounterFrequency() {
+    return current == nullptr ? realCounterFrequency() : current->counterFrequency;
+}
+
 }  // namespace support

@@ -22,6 +22,7 @@ public:
     std::uint64_t nowMs = 1'000;
     std::uint64_t msPerReading = 0;  ///< time that passes by itself before each reading
     std::uint32_t timeIncrement;
+    std::uint64_t counterFrequency = 1'000'000'000;
 };
 
 }  // namespace support

@@ -4,6 +4,8 @@
 
 #include <limits>
 
+#include "tests/support/fakeClock.h"
+
 namespace {
 
 using nTime::gClockSettings;
@@ -47,6 +49,16 @@ TEST(Clock, KnowsItsUnitsOnceInitialised) {
     EXPECT_EQ(gClockSettings.tickLengthUnit, Unit::nanoseconds);
     EXPECT_EQ(gClockSettings.counterPeriod, 1'000'000'000'000 / nTime::readCounterFrequency());
     EXPECT_EQ(gClockSettings.counterPeriodUnit, Unit::picoseconds);
+}
+
+TEST(Clock, GivesTheCounterPeriodInWholePicoseconds) {
+    support::tFakeClock clock;
+    clock.counterFrequency = 1;
+    nTime::InitialiseClock();
+    EXPECT_EQ(gClockSettings.counterPeriod, 1'000'000'000'000U);
+    clock.counterFrequency = 3'579'545;
+    nTime::InitialiseClock();
+    EXPECT_EQ(gClockSettings.counterPeriod, 279'365U);
 }
 
 TEST(Clock, InitialisesItselfWhenItIsFirstRead) {
