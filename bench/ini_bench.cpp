@@ -1,6 +1,4 @@
 // Group ini, natively: the parser against one pass over the bytes, against other parsers, and against itself.
-#include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,35 +16,14 @@
 #include "bench/groups.h"
 #include "bench/pairs.h"
 #include "bench/peers.h"
+#include "ini/file.h"
 #include "ini/parser.h"
 
 namespace {
 
 using nBench::demand;
 
-/// A text in memory with a path to open it by.
-class tMemoryFile {
-public:
-    explicit tMemoryFile(std::string text) : text_(std::move(text)), descriptor_(memfd_create("ini", 0)) {
-        for (std::size_t done = 0; done < text_.size();) {
-            const ssize_t count = write(descriptor_, text_.data() + done, text_.size() - done);
-            demand(count > 0, "no memory for the text");
-            done += static_cast<std::size_t>(count);
-        }
-    }
-    ~tMemoryFile() { close(descriptor_); }
-    tMemoryFile(const tMemoryFile&) = delete;
-    tMemoryFile& operator=(const tMemoryFile&) = delete;
-
-    [[nodiscard]] const std::string& text() const { return text_; }
-    [[nodiscard]] std::wstring path() const { return L"/proc/self/fd/" + std::to_wstring(descriptor_); }
-
-private:
-    std::string text_;
-    int descriptor_;
-};
-
-using tText = std::shared_ptr<const tMemoryFile>;
+using tText = std::shared_ptr<const std::string>;
 
 /// The numbers below `count`, shuffled, the same at every run.
 std::vector<std::size_t> shuffled(std::size_t count) {
@@ -63,7 +40,7 @@ tText textOfKeys(std::int64_t count) {
         const std::string digits = std::to_string(number);
         text.append("Setting").append(digits).append("=value of ").append(digits) += '\n';
     }
-    return std::make_shared<tMemoryFile>(text);
+    return std::make_shared<const std::string>(std::move(text));
 }
 
 /// That many keys, tried in the order of their numbers, of which one in 64 is taken. Crowding: those that the parser's
@@ -78,7 +55,7 @@ tText textOfTriedKeys(std::int64_t count, bool crowding) {
         text.append(name) += "=value\n";
         --count;
     }
-    return std::make_shared<tMemoryFile>(text);
+    return std::make_shared<const std::string>(std::move(text));
 }
 
 /// That many sections of three keys.
@@ -87,21 +64,22 @@ tText textOfSections(std::int64_t count) {
     for (const std::size_t number : shuffled(static_cast<std::size_t>(count))) {
         text.append("[Section").append(std::to_string(number)).append("]\nName=one\nPath=two\nStartup=three\n");
     }
-    return std::make_shared<tMemoryFile>(text);
+    return std::make_shared<const std::string>(std::move(text));
 }
 
-void parseInto(nIni::tDocument& document, const std::wstring& path) {
+/// From memory, as the peers do, not by way of the system.
+void parseInto(nIni::tDocument& document, const std::string& text) {
     document.flags = nIni::acceptEmptyValues | nIni::stripDoubleQuotes;
-    demand(parseFile(document, path.c_str()) == 0 && document.firstErrorLine == -1, "the text is not taken");
+    // The stream is only read from.
+    const nIni::tFile stream(fmemopen(const_cast<char*>(text.data()), text.size(), "rb"));
+    demand(parseStream(document, stream.get()) == 0 && document.firstErrorLine == -1, "the text is not taken");
 }
 
-/// What is timed: everything from opening the file to freeing the document.
-void parse(const std::wstring& path) {
+/// What is timed: everything from the text to freeing the document.
+void parse(const std::string& text) {
     nIni::tDocument document;
-    parseInto(document, path);
+    parseInto(document, text);
 }
-
-void parse(const tMemoryFile& text) { parse(text.path()); }
 
 nBench::tKeyValues keysOf(const nIni::tSection& section) {
     nBench::tKeyValues keys;
@@ -109,16 +87,16 @@ nBench::tKeyValues keysOf(const nIni::tSection& section) {
     return keys;
 }
 
-nBench::tKeyValues readKeys(const tMemoryFile& text) {
+nBench::tKeyValues readKeys(const std::string& text) {
     nIni::tDocument document;
-    parseInto(document, text.path());
+    parseInto(document, text);
     demand(document.sections.size() == 1, "not one section");
     return keysOf(document.sections.front());
 }
 
-std::size_t countSections(const tMemoryFile& text) {
+std::size_t countSections(const std::string& text) {
     nIni::tDocument document;
-    parseInto(document, text.path());
+    parseInto(document, text);
     return document.sections.size();
 }
 
@@ -140,13 +118,12 @@ void lookAtEveryByte(const std::string& text) {
 nBench::tPair againstMemchr(std::int64_t count) {
     const tText text = textOfKeys(count);
     demand(readKeys(*text).size() == static_cast<std::size_t>(count), "keys are lost");
-    return {[text] { parse(*text); },
-            [text, count] { demand(countLines(text->text()) == count + 1, "not all lines"); }};
+    return {[text] { parse(*text); }, [text, count] { demand(countLines(*text) == count + 1, "not all lines"); }};
 }
 
 nBench::tPair againstEveryByte(std::int64_t count) {
     const tText text = textOfKeys(count);
-    return {[text] { parse(*text); }, [text] { lookAtEveryByte(text->text()); }};
+    return {[text] { parse(*text); }, [text] { lookAtEveryByte(*text); }};
 }
 
 const nBench::tIniPeer& peerNamed(const std::string& name) {
@@ -159,11 +136,11 @@ nBench::tPair againstPeer(const std::string& name, std::int64_t count) {
     const nBench::tIniPeer& peer = peerNamed(name);
     const tText text = textOfKeys(count);
     nBench::tKeyValues ours = readKeys(*text);
-    nBench::tKeyValues theirs = peer.read(text->text());
+    nBench::tKeyValues theirs = peer.read(*text);
     std::sort(ours.begin(), ours.end());
     std::sort(theirs.begin(), theirs.end());
     demand(ours == theirs, name + " finds other keys");
-    return {[text] { parse(*text); }, [text, peer] { peer.parse(text->text()); }};
+    return {[text] { parse(*text); }, [text, peer] { peer.parse(*text); }};
 }
 
 /// A folder of description files.
@@ -199,16 +176,17 @@ public:
     /// The system calls of parseAll alone.
     void readAll() const {
         std::array<char, 2084> chunk{};
-        struct stat status {};
         for (const std::string& path : paths_) {
             const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
             demand(std::fread(chunk.data(), 1, 4, file.get()) == 4, "a file is gone");
             while (std::fread(chunk.data(), 1, chunk.size(), file.get()) == chunk.size()) continue;
-            demand(fstat(fileno(file.get()), &status) == 0, "no time");
         }
     }
     void parseAll() const {
-        for (const std::wstring& path : widePaths_) parse(path);
+        for (const std::wstring& path : widePaths_) {
+            nIni::tDocument document;
+            demand(parseContent(document, path.c_str()) == 0, "a file is not taken");
+        }
     }
     void parseAllWith(const nBench::tIniPeer& peer) const {
         for (const std::string& path : paths_) peer.parseFile(path.c_str());
@@ -223,7 +201,7 @@ private:
 nBench::tPair smallFilesAgainst(const std::string& name, std::int64_t count, int otherKeys) {
     const nBench::tIniPeer& peer = peerNamed(name);
     const std::string text = tDescriptionFiles::description(7, otherKeys);
-    nBench::tKeyValues ours = readKeys(tMemoryFile(text));
+    nBench::tKeyValues ours = readKeys(text);
     nBench::tKeyValues theirs = peer.read(text);
     std::sort(ours.begin(), ours.end());
     std::sort(theirs.begin(), theirs.end());

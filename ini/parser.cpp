@@ -153,6 +153,27 @@ void joinContinuations(tText& text, tSection& section) {
     section.keys.erase(kept, end);
 }
 
+void rememberFile(tDocument& document, const wchar_t* widePath) {
+    document.fileTime = lastWriteTime(widePath).value_or(0);
+    // By way of a copy: the path may be the document's own from the parse before.
+    const std::wstring_view path(widePath);
+    decltype(document.filePath) kept{};
+    if (path.size() < kept.size()) path.copy(kept.data(), path.size());
+    document.filePath = kept;
+}
+
+int parse(tDocument& document, const wchar_t* widePath, bool remembering) noexcept try {
+    const tFile file = openFile(widePath);
+    if (!file) return lastWriteTime(widePath) ? fileNotOpened : fileNotFound;
+    const int result = parseStream(document, file.get());
+    if (result == 0 && remembering) rememberFile(document, widePath);
+    return result;
+} catch (const std::bad_alloc&) {
+    return outOfMemory;
+}
+
+}  // namespace
+
 int parseStream(tDocument& document, std::FILE* file) {
     tLineReader lines(file, document.text);
     const bool narrow = lines.skipByteOrderMark();
@@ -177,27 +198,6 @@ int parseStream(tDocument& document, std::FILE* file) {
     }
     return 0;
 }
-
-void rememberFile(tDocument& document, const wchar_t* widePath) {
-    document.fileTime = lastWriteTime(widePath).value_or(0);
-    // By way of a copy: the path may be the document's own from the parse before.
-    const std::wstring_view path(widePath);
-    decltype(document.filePath) kept{};
-    if (path.size() < kept.size()) path.copy(kept.data(), path.size());
-    document.filePath = kept;
-}
-
-int parse(tDocument& document, const wchar_t* widePath, bool remembering) noexcept try {
-    const tFile file = openFile(widePath);
-    if (!file) return lastWriteTime(widePath) ? fileNotOpened : fileNotFound;
-    const int result = parseStream(document, file.get());
-    if (result == 0 && remembering) rememberFile(document, widePath);
-    return result;
-} catch (const std::bad_alloc&) {
-    return outOfMemory;
-}
-
-}  // namespace
 
 int parseFile(tDocument& document, const wchar_t* widePath) noexcept { return parse(document, widePath, true); }
 

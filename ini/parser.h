@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdio>
+
 #include "ini/document.h"
 
 /// Reads INI files into documents.
@@ -30,5 +32,8 @@ int parseFile(tDocument& document, const wchar_t* widePath) noexcept;
 
 /// The same, but path and time are not kept: asking for the time takes longer than opening and reading a small file.
 int parseContent(tDocument& document, const wchar_t* widePath) noexcept;
+
+/// What both do with the open file, which stands at its beginning. Throws std::bad_alloc.
+int parseStream(tDocument& document, std::FILE* file);
 
 }  // namespace nIni
