@@ -5,7 +5,6 @@
 #include <bit>
 #include <cstring>
 #include <functional>
-#include <numeric>
 
 namespace nIni {
 namespace {
@@ -61,41 +60,50 @@ private:
     std::uint64_t v3_ = 0x7465646279746573U;
 };
 
-/// A hash for names that nobody has chosen with care.
-class tQuickHash {
-public:
-    void add(std::uint64_t word) noexcept {
-        value_ = (value_ ^ word) * 0x9E3779B97F4A7C15U;
-        value_ ^= value_ >> 32U;
-    }
+constexpr std::size_t wordSize = sizeof(std::uint64_t);
 
-    [[nodiscard]] std::uint64_t finish() const noexcept { return value_; }
-
-private:
-    std::uint64_t value_ = 0;
-};
-
-/// Adds a name in words of eight characters; the last word has what is left, with the size above it.
-template <class tHash>
-std::uint64_t hashWords(tHash hash, std::string_view name, bool caseSensitive) noexcept {
-    constexpr std::size_t wordSize = sizeof(std::uint64_t);
-    const auto fold = [caseSensitive](std::uint64_t word) { return caseSensitive ? word : foldCase(word); };
-    std::size_t position = 0;
+/// A whole word of characters.
+std::uint64_t load(const char* from) noexcept {
     std::uint64_t word = 0;
-    for (; name.size() - position >= wordSize; position += wordSize) {
-        std::memcpy(&word, name.data() + position, wordSize);
-        hash.add(fold(word));
-    }
-    // The last eight characters end with those that are left.
-    if (position > 0) {
-        std::memcpy(&word, name.data() + name.size() - wordSize, wordSize);
-    } else {
-        for (const char c : name) word = word >> 8U | std::uint64_t{static_cast<unsigned char>(c)} << 56U;
-    }
-    const std::size_t left = name.size() - position;
-    const std::uint64_t rest = left == 0 ? 0 : fold(word) >> 8 * (wordSize - left);
-    hash.add(rest | std::uint64_t{name.size()} << 56U);
+    std::memcpy(&word, from, wordSize);
+    return word;
+}
+
+/// Fewer characters than a word has, and zeros.
+std::uint64_t loadRest(std::string_view rest) noexcept {
+    std::uint64_t word = 0;
+    rest.copy(reinterpret_cast<char*>(&word), wordSize);
+    return word;
+}
+
+/// Adds words of eight characters; the last word has what is left, with the size above it.
+std::uint64_t strongHash(std::string_view name, bool caseSensitive, std::uint64_t key) noexcept {
+    const auto fold = [caseSensitive](std::uint64_t word) { return caseSensitive ? word : foldCase(word); };
+    tSipHash hash(key);
+    std::string_view rest = name;
+    for (; rest.size() >= wordSize; rest.remove_prefix(wordSize)) hash.add(fold(load(rest.data())));
+    hash.add(fold(loadRest(rest)) | std::uint64_t{name.size()} << 56U);
     return hash.finish();
+}
+
+/// For names that nobody has chosen with care. The bit for lower case is set in whatever the characters are: that this
+/// makes some equal that are none, "[" and "{", does no harm here. The last word is the last eight characters, of which
+/// some have been in the word before.
+std::uint64_t quickHash(std::string_view name, bool caseSensitive) noexcept {
+    const std::uint64_t lowerCase = caseSensitive ? 0 : 0x2020202020202020U;
+    std::uint64_t hash = name.size();
+    const auto add = [&](std::uint64_t word) {
+        hash = (hash ^ (word | lowerCase)) * 0x9E3779B97F4A7C15U;
+        hash ^= hash >> 32U;
+    };
+    if (name.size() < wordSize) {
+        add(loadRest(name));
+        return hash;
+    }
+    const char* const last = name.data() + name.size() - wordSize;
+    for (const char* at = name.data(); at < last; at += wordSize) add(load(at));
+    add(load(last));
+    return hash;
 }
 
 }  // namespace
@@ -107,8 +115,7 @@ bool sameName(std::string_view a, std::string_view b, bool caseSensitive) noexce
 }
 
 std::uint64_t hashName(std::string_view name, bool caseSensitive, std::uint64_t seed) noexcept {
-    if (seed == 0) return hashWords(tQuickHash(), name, caseSensitive);
-    return hashWords(tSipHash(seed - 1), name, caseSensitive);
+    return seed == 0 ? quickHash(name, caseSensitive) : strongHash(name, caseSensitive, seed - 1);
 }
 
 /// Where a search begins: the greater the hash, the farther on.
@@ -135,16 +142,23 @@ void tNameIndex::takeAnotherSeed() noexcept {
     stepsLeft_ = stepsAtFirst;
 }
 
-/// Keeps the order of those that have it in common.
-void tNameIndex::sortByFirstByte(std::vector<tSlot>& entries) {
-    constexpr auto firstByte = [](const tSlot& entry) { return entry.hash >> 24U; };
-    std::array<std::size_t, 256> counts{};
-    for (const tSlot& entry : entries) ++counts[firstByte(entry)];
-    std::array<std::size_t, 256> places{};
-    std::exclusive_scan(counts.begin(), counts.end(), places.begin(), std::size_t{0});
-    std::vector<tSlot> sorted(entries.size());
-    for (const tSlot& entry : entries) sorted[places[firstByte(entry)]++] = entry;
-    entries.swap(sorted);
+/// Those that fall into a cell with another one, and their positions. Of hashes that are different, chance does that to
+/// one in nine.
+std::vector<tNameIndex::tSlot> tNameIndex::sharingACell(const std::vector<std::uint32_t>& hashes) {
+    const std::uint64_t cells = 8 * hashes.size();
+    const auto cellOf = [cells](std::uint32_t hash) { return hash * cells >> 32U; };
+    std::vector<bool> taken(cells);
+    std::vector<bool> shared(cells);
+    for (const std::uint32_t hash : hashes) {
+        const std::uint64_t cell = cellOf(hash);
+        if (taken[cell]) shared[cell] = true;
+        taken[cell] = true;
+    }
+    std::vector<tSlot> sharing;
+    for (std::uint32_t position = 0; position < hashes.size(); ++position) {
+        if (shared[cellOf(hashes[position])]) sharing.push_back({hashes[position], position});
+    }
+    return sharing;
 }
 
 }  // namespace nIni

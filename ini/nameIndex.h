@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -21,8 +20,8 @@ namespace nIni {
 ///
 /// It is a hash table in one array, half of it empty at least. Names chosen to crowd into a part of it are noticed by
 /// the steps that it takes to add them, and hashed by a seed that no file can foresee, so that none can make it slow.
-/// Many names at once are added in the order of their places in the array, as jumping about in large memory costs more
-/// than all the rest.
+/// Repeated names are looked for among those alone that share a part of their hash with another one, which few do: to
+/// put all names of a long list into the array would cost more than all the rest.
 class tNameIndex {
 public:
     /// The position of the first record of that name, or the number of records. Short lists are searched through and
@@ -42,7 +41,6 @@ private:
     static constexpr std::size_t slotsAtFirst = 32;
     static constexpr std::ptrdiff_t stepsAtFirst = 64;
     static constexpr std::ptrdiff_t stepsPerSearch = 4;  // several times what chance takes
-    static constexpr std::size_t many = 4096;
     static constexpr std::uint32_t none = UINT32_MAX;
 
     struct tSlot {
@@ -60,20 +58,23 @@ private:
     template <class tRecord>
     std::vector<tRepeated> findRepeated(const std::vector<tRecord>& records);
     template <class tRecord>
-    std::vector<tRepeated> addNewRecords(const std::vector<tRecord>& records);
+    void addNewRecords(const std::vector<tRecord>& records);
     template <class tRecord>
-    [[nodiscard]] std::vector<tSlot> hashNewRecords(const std::vector<tRecord>& records) const;
+    std::uint32_t add(const std::vector<tRecord>& records, tSlot entry) noexcept;
+    template <class tRecord>
+    [[nodiscard]] std::vector<std::uint32_t> hashAll(const std::vector<tRecord>& records) const;
     template <class tMatch>
     tSlot& findSlot(std::uint32_t hash, tMatch matches) noexcept;
     [[nodiscard]] std::size_t home(std::uint32_t hash) const noexcept;
     [[nodiscard]] std::uint32_t hash(std::string_view name) const noexcept;
     void makeRoom(std::size_t count);
+    [[nodiscard]] bool crowded() const noexcept { return stepsLeft_ < 0; }
     void takeAnotherSeed() noexcept;
-    static void sortByFirstByte(std::vector<tSlot>& entries);
+    static std::vector<tSlot> sharingACell(const std::vector<std::uint32_t>& hashes);
 
     std::vector<tSlot> slots_;
-    std::size_t indexed_ = 0;                  ///< this many records have been looked at
-    std::ptrdiff_t stepsLeft_ = stepsAtFirst;  ///< below zero, the slots are crowded
+    std::size_t indexed_ = 0;  ///< this many records have been looked at
+    std::ptrdiff_t stepsLeft_ = stepsAtFirst;
     std::uint64_t seed_ = 0;
     bool caseSensitive_ = false;
 };
@@ -98,24 +99,36 @@ void tNameIndex::removeRepeated(std::vector<tRecord>& records, bool caseSensitiv
     reset();
     caseSensitive_ = caseSensitive;
     const std::vector<tRepeated> repeated = findRepeated(records);
+    reset();
     if (repeated.empty()) return;
     for (const auto& [first, position] : repeated) {
         merge(records[first], records[position]);
         records[position].name = {};
     }
     std::erase_if(records, [](const tRecord& record) { return record.name.empty(); });
-    reset();
 }
 
-/// In the order of the list, as far as one name is concerned.
+/// In the order of the list.
 template <class tRecord>
 std::vector<tNameIndex::tRepeated> tNameIndex::findRepeated(const std::vector<tRecord>& records) {
-    if (records.size() > shortList) return addNewRecords(records);
     std::vector<tRepeated> repeated;
-    for (std::uint32_t position = 1; position < records.size(); ++position) {
-        const std::size_t first = search(records, position, records[position].name, caseSensitive_);
-        if (first != position) repeated.push_back({static_cast<std::uint32_t>(first), position});
+    if (records.size() <= shortList) {
+        for (std::uint32_t position = 1; position < records.size(); ++position) {
+            const std::size_t first = search(records, position, records[position].name, caseSensitive_);
+            if (first != position) repeated.push_back({static_cast<std::uint32_t>(first), position});
+        }
+        return repeated;
     }
+    do {
+        if (crowded()) takeAnotherSeed();
+        repeated.clear();
+        const std::vector<tSlot> entries = sharingACell(hashAll(records));
+        makeRoom(entries.size());
+        for (std::size_t i = 0; i < entries.size() && !crowded(); ++i) {
+            const std::uint32_t first = add(records, entries[i]);
+            if (first != entries[i].position) repeated.push_back({first, entries[i].position});
+        }
+    } while (crowded());
     return repeated;
 }
 
@@ -128,40 +141,33 @@ std::size_t tNameIndex::search(const std::vector<tRecord>& records, std::size_t 
     return position;
 }
 
-/// Gives the new ones whose name an earlier one has. When memory runs out, the new ones still count as such.
 template <class tRecord>
-std::vector<tNameIndex::tRepeated> tNameIndex::addNewRecords(const std::vector<tRecord>& records) {
-    std::vector<tRepeated> repeated;
-    while (indexed_ < records.size() || stepsLeft_ < 0) {
-        if (stepsLeft_ < 0) takeAnotherSeed();
-        repeated.clear();
+void tNameIndex::addNewRecords(const std::vector<tRecord>& records) {
+    while (crowded() || indexed_ < records.size()) {
+        if (crowded()) takeAnotherSeed();
         makeRoom(records.size());
-        for (const tSlot& entry : hashNewRecords(records)) {
-            tSlot& slot = findSlot(entry.hash, [&](std::uint32_t other) {
-                return sameName(records[other].name, records[entry.position].name, caseSensitive_);
-            });
-            if (slot.position == none) {
-                slot = entry;
-            } else {
-                repeated.push_back({slot.position, entry.position});
-            }
-            if (stepsLeft_ < 0) break;
+        for (; indexed_ < records.size() && !crowded(); ++indexed_) {
+            add(records, {hash(records[indexed_].name), static_cast<std::uint32_t>(indexed_)});
         }
-        if (stepsLeft_ >= 0) indexed_ = records.size();
     }
-    return repeated;
 }
 
-/// In the order of their places in the array if they are many.
+/// Unless there is one of that name. Gives the position of the one that is there now.
 template <class tRecord>
-std::vector<tNameIndex::tSlot> tNameIndex::hashNewRecords(const std::vector<tRecord>& records) const {
-    std::vector<tSlot> entries;
-    entries.reserve(records.size() - indexed_);
-    for (std::size_t i = indexed_; i < records.size(); ++i) {
-        entries.push_back({hash(records[i].name), static_cast<std::uint32_t>(i)});
-    }
-    if (entries.size() > many) sortByFirstByte(entries);
-    return entries;
+std::uint32_t tNameIndex::add(const std::vector<tRecord>& records, tSlot entry) noexcept {
+    tSlot& slot = findSlot(entry.hash, [&](std::uint32_t other) {
+        return sameName(records[other].name, records[entry.position].name, caseSensitive_);
+    });
+    if (slot.position == none) slot = entry;
+    return slot.position;
+}
+
+template <class tRecord>
+std::vector<std::uint32_t> tNameIndex::hashAll(const std::vector<tRecord>& records) const {
+    std::vector<std::uint32_t> hashes;
+    hashes.reserve(records.size());
+    for (const tRecord& record : records) hashes.push_back(hash(record.name));
+    return hashes;
 }
 
 /// The slot of the record of that hash that matches or, when there is none, the empty slot where it belongs.

@@ -27,7 +27,8 @@ TEST(NameIndex, FoldsCaseAsTheCLocaleDoesByteForByte) {
             const std::string b(9, static_cast<char>(right));
             const bool same = std::tolower(left) == std::tolower(right);
             ASSERT_EQ(sameName(a, b, false), same) << left << ' ' << right;
-            ASSERT_EQ(hashName(a, false) == hashName(b, false), same) << left << ' ' << right;
+            ASSERT_EQ(hashName(a, false, 1) == hashName(b, false, 1), same) << left << ' ' << right;
+            ASSERT_TRUE(hashName(a, false) == hashName(b, false) || !same) << left << ' ' << right;
             ASSERT_EQ(sameName(a, b, true), left == right) << left << ' ' << right;
             ASSERT_EQ(hashName(a, true) == hashName(b, true), left == right) << left << ' ' << right;
         }
@@ -163,10 +164,10 @@ TEST(NameIndex, NamesThatCrowdByManySeedsInTurnAreToldApartAtTheSecondTry) {
         records.insert(records.end(), others.begin(), others.end());
     }
 
-    // The slots, and for each try its hashes, and the repeated ones as their list doubles: a try for each seed needs
-    // more than that.
+    // For each try the hashes, the cells and the list of those that share one, which doubles a dozen times; once the
+    // slots. A try for each seed needs more than that.
     tNameIndex index;
-    failingNew::start(20, failingNew::tHowLong::once);
+    failingNew::start(40, failingNew::tHowLong::once);
     EXPECT_NO_THROW(index.removeRepeated(records, false, [](tRecord&, const tRecord&) {}));
     EXPECT_FALSE(failingNew::stop());
     expectAllFound(records);
@@ -258,7 +259,7 @@ TEST(NameIndex, FindsTheSameWhicheverAllocationFails) {
             if (!failed) break;
             ++failures;
         }
-        EXPECT_GE(failures, 10);
+        EXPECT_GE(failures, 6);
     }
 }
 
