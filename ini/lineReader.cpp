@@ -1,15 +1,8 @@
 #include "ini/lineReader.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace nIni {
-namespace {
-
-constexpr bool isTerminator(char c) noexcept { return c == '\n' || c == '\r' || c == 0; }
-
-}  // namespace
-
 bool tLineReader::skipByteOrderMark() noexcept {
     using std::string_view_literals::operator""sv;
     rest_ = {mark_.data(), read(mark_.data(), mark_.size())};
@@ -19,17 +12,15 @@ bool tLineReader::skipByteOrderMark() noexcept {
     return true;
 }
 
-std::optional<std::string_view> tLineReader::next() {
-    if (text_.empty()) startBlock();
-    if (rest_.empty() && !readChunk()) return std::nullopt;
-    if (isTerminator(rest_.front()) && rest_.front() != lastTerminator_) rest_.remove_prefix(1);
-    const char* end = firstTerminator();
-    for (bool more = true; end == restEnd() && more;) {
+/// Of the rest, which has none yet; its end when there is nothing more to read.
+const char* tLineReader::readToTerminator() {
+    for (bool more = true; more;) {
+        const std::size_t searched = rest_.size();
         more = readChunk();
-        end = firstTerminator();
+        const char* const end = findTerminator(rest_.data() + searched, restEnd());
+        if (end != restEnd()) return end;
     }
-    if (end == restEnd() && (failed_ || rest_.empty())) return std::nullopt;
-    return cutLine(end);
+    return restEnd();
 }
 
 /// Adds to the rest, which has no terminator any more, what follows in the file. False when that is nothing.
@@ -39,7 +30,6 @@ bool tLineReader::readChunk() {
     const std::size_t count = read(text_.back().get() + (restEnd() - text_.back().get()), chunkSize);
     rest_ = {rest_.data(), before + count};
     roomBehind_ -= count;
-    findTerminators(before);
     return count > 0;
 }
 
@@ -57,37 +47,6 @@ void tLineReader::startBlock() {
     char* const block = text_.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
     rest_ = {block, rest_.copy(block, rest_.size())};
     roomBehind_ = size - rest_.size();
-    findTerminators(0);
-}
-
-/// Looks for all kinds from there on.
-void tLineReader::findTerminators(std::size_t from) noexcept {
-    for (tTerminator& terminator : terminators_) findNext(terminator, from);
-}
-
-void tLineReader::findNext(tTerminator& terminator, std::size_t from) const noexcept {
-    terminator.next = rest_.data() + std::min(rest_.find(terminator.character, from), rest_.size());
-}
-
-/// The first terminator of the rest, or its end.
-const char* tLineReader::firstTerminator() noexcept {
-    const char* first = restEnd();
-    for (tTerminator& terminator : terminators_) {
-        if (terminator.next < rest_.data()) findNext(terminator, 0);
-        first = std::min(first, terminator.next);
-    }
-    return first;
-}
-
-std::string_view tLineReader::cutLine(const char* end) noexcept {
-    if (lineNumber_ < std::numeric_limits<std::int32_t>::max()) ++lineNumber_;
-    const std::string_view line(rest_.data(), static_cast<std::size_t>(end - rest_.data()));
-    rest_.remove_prefix(line.size());
-    if (!rest_.empty()) {
-        lastTerminator_ = rest_.front();
-        rest_.remove_prefix(1);
-    }
-    return line;
 }
 
 }  // namespace nIni

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <emmintrin.h>
+
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -41,21 +46,15 @@ public:
     [[nodiscard]] bool failed() const noexcept { return failed_; }
 
 private:
-    /// Where a character comes next in the rest: its end when it does not. Looked for anew when it has been passed.
-    struct tTerminator {
-        char character;
-        const char* next;
-    };
-
     static constexpr std::size_t chunkSize = 2084;
     static constexpr std::size_t blockSize = 65536;  ///< a line may need a larger one
 
+    const char* readToTerminator();
     bool readChunk();
     std::size_t read(char* room, std::size_t size) noexcept;
     void startBlock();
-    void findTerminators(std::size_t from) noexcept;
-    void findNext(tTerminator& terminator, std::size_t from) const noexcept;
-    const char* firstTerminator() noexcept;
+    static bool isTerminator(char c) noexcept { return c == '\n' || c == '\r' || c == 0; }
+    static const char* findTerminator(const char* from, const char* end) noexcept;
     std::string_view cutLine(const char* end) noexcept;
     [[nodiscard]] const char* restEnd() const noexcept { return rest_.data() + rest_.size(); }
 
@@ -65,10 +64,46 @@ private:
     std::array<char, 4> mark_{};
     std::string_view rest_;       ///< of what has been read, in the last block; in the mark before there is one
     std::size_t roomBehind_ = 0;  ///< the rest, in its block
-    std::array<tTerminator, 3> terminators_{{{'\n', nullptr}, {'\r', nullptr}, {'\0', nullptr}}};
     char lastTerminator_ = 0;
     bool atEnd_ = false;
     bool failed_ = false;
 };
+
+// What is done for every line is inline.
+
+inline std::optional<std::string_view> tLineReader::next() {
+    if (text_.empty()) startBlock();
+    if (rest_.empty() && !readChunk()) return std::nullopt;
+    if (isTerminator(rest_.front()) && rest_.front() != lastTerminator_) rest_.remove_prefix(1);
+    const char* end = findTerminator(rest_.data(), restEnd());
+    if (end == restEnd()) end = readToTerminator();
+    if (end == restEnd() && (failed_ || rest_.empty())) return std::nullopt;
+    return cutLine(end);
+}
+
+/// The first terminator, or the end. SSE2, which every x86-64 processor has, looks at sixteen characters at once.
+inline const char* tLineReader::findTerminator(const char* from, const char* end) noexcept {
+    const __m128i lineFeeds = _mm_set1_epi8('\n');
+    const __m128i returns = _mm_set1_epi8('\r');
+    const __m128i zeros = _mm_setzero_si128();
+    for (; end - from >= 16; from += 16) {
+        const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i breaks = _mm_or_si128(_mm_cmpeq_epi8(characters, lineFeeds), _mm_cmpeq_epi8(characters, returns));
+        const int found = _mm_movemask_epi8(_mm_or_si128(breaks, _mm_cmpeq_epi8(characters, zeros)));
+        if (found != 0) return from + std::countr_zero(static_cast<unsigned>(found));
+    }
+    return std::find_if(from, end, isTerminator);
+}
+
+inline std::string_view tLineReader::cutLine(const char* end) noexcept {
+    if (lineNumber_ < std::numeric_limits<std::int32_t>::max()) ++lineNumber_;
+    const std::string_view line(rest_.data(), static_cast<std::size_t>(end - rest_.data()));
+    rest_.remove_prefix(line.size());
+    if (!rest_.empty()) {
+        lastTerminator_ = rest_.front();
+        rest_.remove_prefix(1);
+    }
+    return line;
+}
 
 }  // namespace nIni

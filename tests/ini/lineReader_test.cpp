@@ -138,6 +138,17 @@ TEST(LineReader, APairMayBeSplitByTheEndOfAChunk) {
     }
 }
 
+TEST(LineReader, EachTerminatorIsSeenAtEveryPlace) {
+    for (const char terminator : {'\n', '\r', '\0'}) {
+        for (std::size_t size = 1; size <= 50; ++size) {
+            const std::string line(size, 'x');
+            // Neighbours of the terminators' codes, and the signed ones, are no terminators.
+            const std::string others = "\x01\x09\x0B\x0C\x0E\x7F\x80\x8A\x8D\xFF";
+            EXPECT_THAT(linesOf(line + terminator + others + line), ElementsAre(line, others + line)) << size;
+        }
+    }
+}
+
 TEST(LineReader, LinesOfAnyLengthAreWhole) {
     std::vector<std::string> lines;
     std::string text;
