@@ -47,29 +47,25 @@ char stripQuotes(std::string_view& value, std::uint32_t flags) {
     return quote;
 }
 
-/// A name like "Text Line12" in its parts.
-struct tContinuation {
-    std::size_t stemSize;     ///< that of "Text"
-    std::string_view number;  ///< "12", without leading zeros
-};
+constexpr std::string_view continuationMark = " Line";
 
-/// Nothing when the name does not end in " Line" and digits. Case counts here.
-std::optional<tContinuation> splitContinuation(std::string_view name) {
-    constexpr std::string_view mark = " Line";
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    const std::string_view digits(std::find_if_not(name.rbegin(), name.rend(), isDigit).base(), name.end());
-    const std::size_t markEnd = name.size() - digits.size();
-    if (digits.empty() || !name.substr(0, markEnd).ends_with(mark)) return std::nullopt;
-    return tContinuation{markEnd - mark.size(), digits.substr(std::min(digits.find_first_not_of('0'), digits.size()))};
+/// The size of "Text" in a name like "Text Line12"; nothing when the name does not end in " Line" and digits. Case
+/// counts here.
+std::optional<std::size_t> continuationStem(std::string_view name) {
+    const std::size_t markEnd = name.find_last_not_of("0123456789") + 1;  // 0 when there is nothing else
+    if (markEnd == name.size() || !name.substr(0, markEnd).ends_with(continuationMark)) return std::nullopt;
+    return markEnd - continuationMark.size();
 }
 
+/// Whether it is a continuation with number 1. As the parser asks this of every name, most get away at the first look.
 bool startsRun(std::string_view name) {
     if (!name.ends_with('1')) return false;
-    const std::optional<tContinuation> continuation = splitContinuation(name);
-    return continuation && continuation->number == "1";
+    name.remove_suffix(1);
+    while (name.ends_with('0')) name.remove_suffix(1);
+    return name.ends_with(continuationMark);
 }
 
-bool goesOnWithRun(std::string_view name) { return splitContinuation(name) && !startsRun(name); }
+bool goesOnWithRun(std::string_view name) { return continuationStem(name) && !startsRun(name); }
 
 void addKey(tDocument& document, std::string_view name, std::string_view value, std::int32_t line) {
     if (document.currentSection == nullptr) {
@@ -144,7 +140,7 @@ void joinContinuations(tText& text, tSection& section) {
         const auto first = key++;
         if (startsRun(first->name)) {
             while (key != end && goesOnWithRun(key->name)) ++key;
-            first->name = first->name.substr(0, splitContinuation(first->name)->stemSize);
+            first->name = first->name.substr(0, *continuationStem(first->name));
             section.keyIndex.reset();
             if (key - first > 1) first->value = joinValues(text, first, key);
         }
