@@ -154,7 +154,7 @@ void expectAllFound(const std::vector<tRecord>& records) {
 
 TEST(NameIndex, NamesThatCrowdIntoOnePartAreToldApart) {
     expectAllFound(crowdedBy(0, 1000, 2000));
-    expectAllFound(crowdedBy(0, 1 << 20, 50));
+    expectAllFound(crowdedBy(0, 1 << 16, 50));
 }
 
 TEST(NameIndex, NamesThatCrowdByManySeedsInTurnAreToldApartAtTheSecondTry) {
