@@ -173,6 +173,27 @@ TEST(NameIndex, NamesThatCrowdByManySeedsInTurnAreToldApartAtTheSecondTry) {
     expectAllFound(records);
 }
 
+TEST(NameIndex, ATryThatWasGivenUpLeavesNothingToBeMerged) {
+    struct tCounted {
+        std::string name;
+        int merged = 0;
+    };
+    std::vector<tCounted> records;
+    for (const tRecord& record : crowdedBy(0, 1000, 2000)) records.insert(records.end(), 2, {record.name});
+    tNameIndex index;
+    index.removeRepeated(records, false, [](tCounted& first, const tCounted&) { ++first.merged; });
+    ASSERT_EQ(records.size(), 2000U);
+    for (const tCounted& record : records) ASSERT_EQ(record.merged, 1) << record.name;
+}
+
+TEST(NameIndex, AShortListWithoutRepeatedNamesNeedsNoMemory) {
+    std::vector<tRecord> records = numbered(8);
+    tNameIndex index;
+    failingNew::start(1, failingNew::tHowLong::forEver);
+    EXPECT_NO_THROW(index.removeRepeated(records, false, [](tRecord&, const tRecord&) {}));
+    EXPECT_FALSE(failingNew::stop());
+}
+
 /// The names of the records, as removeRepeated leaves them, with the number of those that were merged into each.
 std::vector<std::string> withoutRepeated(const std::vector<std::string>& names, bool caseSensitive) {
     struct tCounted {
