@@ -141,7 +141,6 @@ void joinContinuations(tText& text, tSection& section) {
         if (startsRun(first->name)) {
             while (key != end && goesOnWithRun(key->name)) ++key;
             first->name = first->name.substr(0, *continuationStem(first->name));
-            section.keyIndex.reset();
             if (key - first > 1) first->value = joinValues(text, first, key);
         }
         if (kept != first) *kept = *first;

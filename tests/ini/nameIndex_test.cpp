@@ -252,6 +252,15 @@ TEST(NameIndex, RepeatedNamesAreMergedInTheirOrder) {
     EXPECT_EQ(records.size(), 100U);
 }
 
+TEST(NameIndex, FindsWhatIsLeftWhereItIsNow) {
+    std::vector<tRecord> records;
+    for (const tRecord& record : numbered(50)) records.insert(records.end(), 100, record);
+    tNameIndex index;
+    index.removeRepeated(records, false, [](tRecord&, const tRecord&) {});
+    ASSERT_EQ(records.size(), 50U);
+    for (std::size_t i = 0; i < 50; ++i) EXPECT_EQ(index.find(records, std::to_string(i), false), i);
+}
+
 /// Whether the index finds what it should while a list grows record by record, none of which needs memory.
 bool findsAllWhileGrowing(const std::vector<tRecord>& records) {
     tNameIndex index;

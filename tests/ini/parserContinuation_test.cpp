@@ -66,6 +66,13 @@ TEST(IniContinuation, TheLastLineInANameCounts) {
     EXPECT_EQ(parsed("[s]\na Line1 Line1=1\na Line7 Line2=2\n"), "[s]@1\na Line1=12@2\n");
 }
 
+TEST(IniContinuation, ANameThatOnlyNearlyGoesOnWithARunEndsIt) {
+    for (const std::string name : {"b2", "2", "Line2", "aLine2", "a Line", "a Line2x", "b LINE2", "a Line-2", "a2"}) {
+        EXPECT_EQ(parsed("[s]\na Line1=1\n" + name + "=2\na Line2=3\n"),
+                  "[s]@1\na=1@2\n" + name + "=2@3\na Line2=3@4\n");
+    }
+}
+
 TEST(IniContinuation, ANameIsCutRightBeforeTheMark) { EXPECT_EQ(parsed("[s]\na  Line1=1\n"), "[s]@1\na =1@2\n"); }
 
 TEST(IniContinuation, AJoinedKeyStaysBesideAPlainOneOfItsName) {
