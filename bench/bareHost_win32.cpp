@@ -51,20 +51,6 @@ void readRegistry() {
     RegCloseKey(key);
 }
 
-std::vector<std::wstring> list(const std::wstring& directory) {
-    std::vector<std::wstring> paths;
-    WIN32_FIND_DATAW found;
-    GetFileAttributesW(directory.c_str());
-    const HANDLE search = FindFirstFileW((directory + L"\\*").c_str(), &found);
-    while (FindNextFileW(search, &found) != FALSE) {
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-            paths.push_back(directory + L"\\" + found.cFileName);
-        }
-    }
-    FindClose(search);
-    return paths;
-}
-
 void writeStatus(const std::string& text) {
     std::array<wchar_t, MAX_PATH> folder{};
     SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder.data());
@@ -100,7 +86,7 @@ void tBareHost::live() const {
 
     timed([&] {
         readRegistry();
-        for (const std::wstring& path : list(directory_.native())) readBarely(path.c_str());
+        for (const std::wstring& path : listBarely(directory_.native())) readBarely(path.c_str());
         static_cast<void>(nDeployment::IsDeploymentAllowed());
     });
     writeStatus(shortStatus_);
@@ -122,6 +108,20 @@ void tBareHost::live() const {
     writeStatus(longStatus_);
     writeStatus(longStatus_);
     CloseHandle(stopEvent);
+}
+
+std::vector<std::wstring> listBarely(const std::wstring& directory) {
+    std::vector<std::wstring> paths;
+    WIN32_FIND_DATAW found;
+    GetFileAttributesW(directory.c_str());
+    const HANDLE search = FindFirstFileW((directory + L"\\*").c_str(), &found);
+    while (FindNextFileW(search, &found) != FALSE) {
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            paths.push_back(directory + L"\\" + found.cFileName);
+        }
+    }
+    FindClose(search);
+    return paths;
 }
 
 void readBarely(const wchar_t* path) {

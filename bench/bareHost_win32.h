@@ -23,5 +23,6 @@ private:
 };
 
 /// The calls behind single steps of it.
+[[nodiscard]] std::vector<std::wstring> listBarely(const std::wstring& directory);
 void readBarely(const wchar_t* path);
 void replaceBarely(const std::wstring& path, const std::wstring& temporaryPath, const std::string& text);

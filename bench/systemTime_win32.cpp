@@ -85,7 +85,7 @@ struct tCall<name, tResult(tArguments...)> {
     }
 };
 
-/// All that a life calls, but for what Boost looks up by itself to read a directory: that counts as the host's own.
+/// All that a life calls, but for what Boost looks up by itself to read a directory.
 void turnAll(bool on) {
     tCall<"CloseHandle", decltype(CloseHandle)>::turn(on);
     tCall<"CreateEventA", decltype(CreateEventA)>::turn(on);
