@@ -96,16 +96,16 @@ std::size_t tNameIndex::find(const std::vector<tRecord>& records, std::string_vi
 
 template <class tRecord, class tMerge>
 void tNameIndex::removeRepeated(std::vector<tRecord>& records, bool caseSensitive, tMerge merge) {
-    reset();
-    caseSensitive_ = caseSensitive;
-    const std::vector<tRepeated> repeated = findRepeated(records);
-    reset();
+    tNameIndex index;
+    index.caseSensitive_ = caseSensitive;
+    const std::vector<tRepeated> repeated = index.findRepeated(records);
     if (repeated.empty()) return;
     for (const auto& [first, position] : repeated) {
         merge(records[first], records[position]);
         records[position].name = {};
     }
     std::erase_if(records, [](const tRecord& record) { return record.name.empty(); });
+    reset();
 }
 
 /// In the order of the list.

@@ -256,6 +256,7 @@ TEST(NameIndex, FindsWhatIsLeftWhereItIsNow) {
     std::vector<tRecord> records;
     for (const tRecord& record : numbered(50)) records.insert(records.end(), 100, record);
     tNameIndex index;
+    EXPECT_EQ(index.find(records, "49", false), 4900U);
     index.removeRepeated(records, false, [](tRecord&, const tRecord&) {});
     ASSERT_EQ(records.size(), 50U);
     for (std::size_t i = 0; i < 50; ++i) EXPECT_EQ(index.find(records, std::to_string(i), false), i);
