@@ -121,6 +121,12 @@ nBench::tPair againstMemchr(std::int64_t count) {
     return {[text] { parse(*text); }, [text, count] { demand(countLines(*text) == count + 1, "not all lines"); }};
 }
 
+nBench::tPair sectionsAgainstMemchr(std::int64_t count) {
+    const tText text = textOfSections(count);
+    demand(countSections(*text) == static_cast<std::size_t>(count), "sections are lost");
+    return {[text] { parse(*text); }, [text, count] { demand(countLines(*text) == 4 * count, "not all lines"); }};
+}
+
 nBench::tPair againstEveryByte(std::int64_t count) {
     const tText text = textOfKeys(count);
     return {[text] { parse(*text); }, [text] { lookAtEveryByte(*text); }};
@@ -250,6 +256,7 @@ void addCurve(const std::string& name, const std::string& axis, std::int64_t jud
 void addIniRows() {
     addCurve("ini/memchr", "keys", 1'000'000, againstMemchr);
     addCurve("ini/every-byte", "keys", 1'000'000, againstEveryByte);
+    addCurve("ini/sections", "sections", 100'000, sectionsAgainstMemchr);
     for (const char* const peer : {"inih", "simpleini", "gkeyfile", "propertytree"}) {
         addCurve(std::string("ini/") + peer, "keys", 1'000'000,
                  [peer](std::int64_t size) { return againstPeer(peer, size); });
