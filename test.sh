@@ -27,7 +27,7 @@ The last line is the sum: N passed, N failed, N skipped.
   bench      the benchmarks in small: their results, not their times
   coverage   lines and branches of the product that the unit tests reach, natively and on Windows, with floors
 
-  --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in fuzz/corpus
+  --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in tests/fuzz/corpus
 TXT
 }
 

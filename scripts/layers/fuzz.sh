@@ -8,7 +8,7 @@ verdict_of_fuzzer() {
 
 # Inputs with which a long search has reached code that the committed ones do not are added to them.
 keep_found() {
-    "build/native-fuzz/bin/$1_fuzz" -merge=1 -use_counters=0 "fuzz/corpus/$1" "build/native-fuzz/found/$1"
+    "build/native-fuzz/bin/$1_fuzz" -merge=1 -use_counters=0 "tests/fuzz/corpus/$1" "build/native-fuzz/found/$1"
 }
 
 # Of each fuzzer what it counted itself: inputs tried, edges of the product's code and, finer, what it calls features.
@@ -35,7 +35,7 @@ table_of_fuzzers() {
 layer_fuzz() {
     check "the build native-fuzz" ./build.sh native-fuzz || return
     local names name
-    mapfile -t names < <(sed -nE 's/^zuziptra_fuzzer\((\w+)\)$/\1/p' fuzz/CMakeLists.txt)
+    mapfile -t names < <(sed -nE 's/^zuziptra_fuzzer\((\w+)\)$/\1/p' tests/fuzz/CMakeLists.txt)
     say "${#names[@]} fuzzers, two at a time, $fuzz_seconds seconds each"
     rm -rf build/native-fuzz/logs
     printf '%s\n' "${names[@]}" | xargs -I '{}' -P 2 scripts/fuzz '{}' "$fuzz_seconds"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tests/examples/exampleFolder.h"
+#include "tests/unit/examples/exampleFolder.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "tests/examples/exampleFolder.h"
+#include "tests/unit/examples/exampleFolder.h"
 
 namespace {
 
