@@ -5,7 +5,7 @@
 use_prefix() {
     # Names of files are UTF-8, whatever the user's locale.
     export LC_ALL=C.UTF-8
-    export WINEPREFIX=$PWD/$1 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml="
+    export WINEPREFIX=$PWD/$1 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 }
 
 # Makes the prefix, once: an interrupted try is thrown away.
