@@ -1,13 +1,12 @@
-// The example of a plug-in whose work must survive a stop in the middle. A file's way, the folder telling how far it
-// is:
+// Example of a plug-in whose work must survive an interruption. The folder that contains a file tells how far it is:
 //
-//   incoming   dropped here under its own name, complete
-//   working    claimed: nobody changes it any more, and what is found here at a start was not finished
-//   deployed   applied: the file that the machine is to have
-//   applied    done: the move to this folder is the record, so that nothing is applied again
+//   incoming   delivered, complete and under its own name
+//   working    claimed: no longer changed by anyone else; a file found here at a start was not finished
+//   deployed   the copy that the machine is to use
+//   applied    done: moving the file here is the record of it, so that it is not applied again
 //
-// A file takes each step by a rename, which happens or does not. Only the copy in between takes time; it goes to a
-// name of its own and is thrown away when it is cut short.
+// Each step is a rename, which happens completely or not at all. Only the copy to `deployed` takes time; it has a name
+// of its own until it is complete, and an incomplete one is overwritten.
 #include "Deployment.h"
 
 #include <chrono>
@@ -38,7 +37,7 @@ std::jthread worker;
 
 fs::path utf8(const char* text) { return {reinterpret_cast<const char8_t*>(text)}; }
 
-/// False when it failed or was cut short; what `to` then holds is worth nothing.
+/// Returns false if it failed or was interrupted; the content of `to` is then incomplete.
 bool copyInPieces(const fs::path& from, const fs::path& to, const std::stop_token& stop) {
     std::ifstream source(from, std::ios::binary);
     std::ofstream target(to, std::ios::binary | std::ios::trunc);
@@ -51,8 +50,8 @@ bool copyInPieces(const fs::path& from, const fs::path& to, const std::stop_toke
     return source.eof() && target;
 }
 
-/// Leaves alone what is still being written (its name begins with a full stop, or it cannot be moved yet) and a new
-/// version of a file that is still being worked on.
+/// Moves the files from `incoming` to `working`, except those still being written (the name begins with a full stop, or
+/// the file cannot be moved yet) and a new version of a file that is still in `working`.
 void claim() {
     std::error_code ignored;
     for (const fs::directory_entry& entry : fs::directory_iterator(incoming, ignored)) {
@@ -62,7 +61,7 @@ void claim() {
     }
 }
 
-/// If the service dies between the two renames the file is copied once more at the next start, to the same effect.
+/// If the service dies between the two renames, the file is copied again at the next start, with the same result.
 void apply(const fs::path& file, const std::stop_token& stop) {
     const fs::path name = file.filename();
     fs::path copy = deployed / L".";
@@ -84,7 +83,7 @@ void work(const std::stop_token& stop) {
                 if (!stop.stop_requested()) apply(entry.path(), stop);
             }
         } catch (...) {
-            // A folder out of reach, no memory: the next round tries again.
+            // For example, a folder is unavailable or memory has run out: the next round tries again.
         }
         wake.wait_for(lock, stop, pauseBetweenRounds, [] { return false; });
     }

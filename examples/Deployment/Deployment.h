@@ -1,6 +1,6 @@
 #pragma once
 
-// What the description names; nobody depends on this plug-in.
+// The entry points that the description names. No other plug-in depends on this one.
 
 #ifdef Deployment_EXPORTS
 #define DEPLOYMENT_API __declspec(dllexport)

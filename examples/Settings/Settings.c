@@ -1,4 +1,4 @@
-/* The example of a plug-in in C that needs no other one: it reads Settings.txt beside its own library. */
+/* Example of a plug-in in C that depends on no other: it reads Settings.txt from the folder of its own library. */
 #include "Settings.h"
 
 #include <stdio.h>
@@ -7,26 +7,27 @@
 #include <windows.h>
 
 /* Results of SettingsInitialize. A positive one is a warning: the plug-in counts as started, and the status file shows
-   the number. A negative one is an error: the plug-in and all that depend on it are not started. */
+   the number. A negative one is an error: neither the plug-in nor those that depend on it are started. */
 enum { started = 0, startedWithoutFile = 1, cannotFindItself = -1, cannotReadFile = -2, outOfMemory = -3 };
 
 enum { longestPath = 32768, largestFile = 1 << 20 };
 
 static char folder[3 * longestPath];
-static char* text;      /* the file; every line is a text of its own, ended by a zero */
-static const char* end; /* behind the last one */
+static char* text;      /* the file's content; each line is a string of its own, terminated by a zero */
+static const char* end; /* one past the last line */
 
-/* The full path of Settings.txt beside this library, however the host was started and wherever it was started from. */
+/* Finds the full path of Settings.txt in this library's folder, whatever the host's current directory is. Also sets
+   `folder`. Requires: `path` has space for longestPath characters. Returns 0 on failure. */
 static int findFile(wchar_t* path) {
     static const wchar_t name[] = L"Settings.txt";
     HMODULE self = NULL;
-    const DWORD room = longestPath - (DWORD)(sizeof name / sizeof *name);
+    const DWORD capacity = longestPath - (DWORD)(sizeof name / sizeof *name);
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                             (LPCWSTR)&text, &self)) {
         return 0;
     }
-    const DWORD length = GetModuleFileNameW(self, path, room);
-    if (length == 0 || length == room) return 0; /* failed or cut off */
+    const DWORD length = GetModuleFileNameW(self, path, capacity);
+    if (length == 0 || length == capacity) return 0; /* failed or truncated */
     wchar_t* const last = wcsrchr(path, L'\\');
     if (last == NULL) return 0;
     *last = 0;
@@ -36,6 +37,7 @@ static int findFile(wchar_t* path) {
     return 1;
 }
 
+/* Reads the file into `text`. Returns a result of SettingsInitialize. */
 static int readAll(FILE* file) {
     text = malloc(largestFile + 1);
     if (text == NULL) return outOfMemory;
@@ -46,7 +48,7 @@ static int readAll(FILE* file) {
         if (text[at] == '\r' || text[at] == '\n') text[at] = 0;
     }
     text[length] = 0;
-    /* The mark that some editors put before UTF-8 becomes three empty lines. */
+    /* A UTF-8 byte-order mark becomes three empty lines. */
     if (strncmp(text, "\xEF\xBB\xBF", 3) == 0) text[0] = text[1] = text[2] = 0;
     return started;
 }
@@ -68,12 +70,12 @@ void SettingsCleanup(void) {
     end = NULL;
 }
 
-const char* SettingsValue(const char* name, const char* otherwise) {
+const char* SettingsValue(const char* name, const char* fallback) {
     const size_t length = strlen(name);
     for (const char* line = text; line < end; line += strlen(line) + 1) {
         if (strncmp(line, name, length) == 0 && line[length] == '=') return line + length + 1;
     }
-    return otherwise;
+    return fallback;
 }
 
 const char* SettingsFolder(void) { return folder; }

@@ -1,8 +1,8 @@
 #pragma once
 
-/* What the Settings plug-in offers to the plug-ins that name it under Dependencies. They link to Settings.dll; the
-   host has loaded it by then, so that all of them see the one that it started. Both functions may be called on any
-   thread, and what they give is valid until SettingsCleanup, which runs after the Cleanup of every dependant. */
+/* The interface of the Settings plug-in for plug-ins that list it in Dependencies. They link to Settings.dll; the host
+   has already loaded it, so all of them use the instance that it started. Both functions may be called on any thread.
+   The strings that they return are valid until SettingsCleanup, which runs after the Cleanup of every dependant. */
 
 #ifdef Settings_EXPORTS
 #define SETTINGS_API __declspec(dllexport)
@@ -14,13 +14,14 @@
 extern "C" {
 #endif
 
-/* The value of that name in Settings.txt, as UTF-8, or `otherwise` when there is none. The first one wins. */
-SETTINGS_API const char* SettingsValue(const char* name, const char* otherwise);
+/* Returns the value of `name` in Settings.txt, as UTF-8, or `fallback` if there is none. If a name occurs twice, the
+   first one counts. */
+SETTINGS_API const char* SettingsValue(const char* name, const char* fallback);
 
-/* The folder that Settings.dll and Settings.txt lie in, as UTF-8. */
+/* Returns the folder that contains Settings.dll and Settings.txt, as UTF-8. */
 SETTINGS_API const char* SettingsFolder(void);
 
-/* For the host. */
+/* Called by the host. */
 SETTINGS_API int SettingsInitialize(void);
 SETTINGS_API void SettingsCleanup(void);
 

@@ -1,4 +1,4 @@
-// The example of a plug-in with a thread of its own: it moves what is dropped into "outbox" on to "incoming".
+// Example of a plug-in with its own thread: it moves files from "outbox" to "incoming".
 #include "Transport.h"
 
 #include <chrono>
@@ -25,8 +25,8 @@ std::jthread worker;
 
 fs::path utf8(const char* text) { return {reinterpret_cast<const char8_t*>(text)}; }
 
-/// A rename moves a file whole or not at all, so that a crash neither loses nor doubles it. A file whose name begins
-/// with a full stop is still being written. Whatever fails is tried again in the next round.
+/// A rename moves a file completely or not at all, so a crash neither loses nor duplicates it. A file whose name begins
+/// with a full stop is still being written. Files that cannot be moved are tried again in the next round.
 void deliver() {
     std::error_code ignored;
     for (const fs::directory_entry& entry : fs::directory_iterator(outbox, ignored)) {
@@ -36,7 +36,7 @@ void deliver() {
     }
 }
 
-/// Waits where a stop request wakes it: a plain sleep would hold up the service's stop.
+/// Waits on a condition variable that a stop request wakes: a plain sleep would delay the service's stop.
 void work(const std::stop_token& stop) {
     std::mutex mutex;
     std::condition_variable_any wake;
@@ -45,7 +45,7 @@ void work(const std::stop_token& stop) {
         try {
             deliver();
         } catch (...) {
-            // Out of memory, say. An exception that leaves a thread would end the whole service.
+            // For example, out of memory. An exception that leaves a thread would end the whole service.
         }
         wake.wait_for(lock, stop, pauseBetweenRounds, [] { return false; });
     }
@@ -53,8 +53,9 @@ void work(const std::stop_token& stop) {
 
 }  // namespace
 
-// The host calls the three one after another on one thread. It survives an exception that leaves them, but knows
-// nothing of its cause: catch your own, and answer with a result of your own.
+// The host calls these three functions on one thread, never two at a time. It contains a std::exception that leaves
+// them, but shows nothing of its cause, and any other exception ends the service. So catch everything and return a
+// result of your own.
 
 int TransportInitialize() noexcept {
     try {
@@ -71,11 +72,11 @@ int TransportInitialize() noexcept {
     }
 }
 
-/// Only asks: other plug-ins are waiting for their own Stop.
+/// Only requests the stop: other plug-ins are waiting for their own Stop.
 void TransportStop() noexcept { worker.request_stop(); }
 
-/// The library is unloaded when this returns, and with it the code that the thread runs: wait for it here. Not in a
-/// destructor of a global object: those run while the loader is locked, when no thread can end.
+/// Waits for the thread, because the library is unloaded when this returns, including the code that the thread runs.
+/// The destructor of a global object would be too late: it runs while the loader is locked, and no thread can end.
 void TransportCleanup() noexcept {
     if (worker.joinable()) worker.join();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the Transport plug-in offers to the plug-ins that name it under Dependencies.
+// The interface of the Transport plug-in for plug-ins that list it in Dependencies.
 
 #ifdef Transport_EXPORTS
 #define TRANSPORT_API __declspec(dllexport)
@@ -10,10 +10,11 @@
 
 extern "C" {
 
-/// The folder that files are delivered to, as UTF-8. Any thread; valid until TransportCleanup.
+/// Returns the folder to which files are delivered, as UTF-8. The string is valid until TransportCleanup.
+/// Thread: any.
 TRANSPORT_API const char* TransportFolder() noexcept;
 
-// For the host.
+// Called by the host.
 TRANSPORT_API int TransportInitialize() noexcept;
 TRANSPORT_API void TransportStop() noexcept;
 TRANSPORT_API void TransportCleanup() noexcept;
