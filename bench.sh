@@ -95,5 +95,6 @@ for group in "${groups[@]}"; do
     source "bench/$group.sh"
     "bench_$group"
 done
-need -- python3-matplotlib
+need python3 -- python3
+[[ -n ${BENCH_QUICK-} ]] || need gnuplot -- gnuplot-nox
 bench/table "${groups[@]}"
