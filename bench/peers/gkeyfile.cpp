@@ -31,6 +31,6 @@ nBench::tKeyValues read(const std::string& text) {
     return keys;
 }
 
-const nBench::tIniPeerRegistration gkeyfile({"gkeyfile", [](const std::string& text) { load(text); }, read, nullptr});
+const nBench::tIniPeerRegistration gkeyfile({"gkeyfile", [](const std::string& text) { load(text); }, read});
 
 }  // namespace

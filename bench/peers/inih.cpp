@@ -26,7 +26,6 @@ const nBench::tIniPeerRegistration inih({
         parseWith(text, keepKey, &keys);
         return keys;
     },
-    nullptr,
 });
 
 }  // namespace

@@ -22,7 +22,6 @@ const nBench::tIniPeerRegistration propertyTree({
         for (const auto& [name, value] : tree.get_child("Service")) keys.emplace_back(name, value.data());
         return keys;
     },
-    nullptr,
 });
 
 }  // namespace

@@ -25,10 +25,6 @@ const nBench::tIniPeerRegistration simpleIni({
         for (const auto& [entry, value] : *document.GetSection("Service")) keys.emplace_back(entry.pItem, value);
         return keys;
     },
-    [](const char* path) {
-        CSimpleIniA document;
-        demandSuccess(document.LoadFile(path));
-    },
 });
 
 }  // namespace
