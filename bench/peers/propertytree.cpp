@@ -1,4 +1,4 @@
-// Boost.PropertyTree's INI reader. It refuses duplicates.
+// Boost.PropertyTree's INI parser. It rejects repeated keys.
 #include <boost/property_tree/ini_parser.hpp>
 #include <sstream>
 
