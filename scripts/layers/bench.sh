@@ -7,7 +7,7 @@ skip_unmeasured() {
     rows=$(sed -nE 's/^[0-9]+ rows: (.*, )?([0-9]+) not measured.*/\2/p' "$1")
     [[ -n $rows ]] || return 0
     skipped=$((skipped + rows))
-    sed -nE 's/ +[<>]= [^ ].*(not measured.*)$/: \1/p' "$1" | sed 's/^/   skipped: /'
+    sed -nE 's/ +(none|[<>]= .*) +(not measured.*)$/: \2/p' "$1" | sed 's/^/   skipped: /'
 }
 
 layer_bench() {
