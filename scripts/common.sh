@@ -2,6 +2,10 @@
 # shellcheck shell=bash
 set -euo pipefail
 
+# Temporary files stay in the folder, too: those of compilers, tests and Wine.
+export TMPDIR=$PWD/build/tmp
+mkdir -p "$TMPDIR" 2>/dev/null || true # whoever needs it reports that nothing can be written
+
 say() { printf '%s\n' "-- $*"; }
 fail() {
     printf '%s\n' "error: $*" >&2

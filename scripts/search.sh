@@ -1,5 +1,5 @@
 # Sourced by test.sh: every fuzzer for a while, two at a time. Each is one test.
-# shellcheck shell=bash disable=SC2154 # test.sh sets what is not set here
+# shellcheck shell=bash
 
 # Shows a fuzzer's output. Succeeds if it found nothing.
 verdict_of_fuzzer() {
@@ -27,17 +27,17 @@ table_of_fuzzers() {
     ' "${@/#/build/native-fuzz/logs/}"
 }
 
-layer_fuzz() {
-    check "the build native-fuzz" ./build.sh native-fuzz || return
-    local names name options=("$fuzz_seconds")
-    mapfile -t names < <(sed -nE 's/^zuziptra_fuzzer\((\w+)\)$/\1/p' tests/fuzz/CMakeLists.txt)
-    check "the list of fuzzers" test "${#names[@]}" -gt 0 || return
-    ((!fuzz_keeps)) || options+=(--keep)
-    say "${#names[@]} fuzzers, two at a time, $fuzz_seconds seconds each"
+# search SECONDS [--keep]
+search() {
+    local names name
+    names=(tests/fuzz/*_fuzz.cpp)
+    names=("${names[@]##*/}")
+    names=("${names[@]%_fuzz.cpp}")
+    say "${#names[@]} fuzzers, two at a time, $1 seconds each"
     rm -rf build/native-fuzz/logs
-    printf '%s\n' "${names[@]}" | xargs -I '{}' -P 2 scripts/fuzz '{}' "${options[@]}"
+    printf '%s\n' "${names[@]}" | xargs -I '{}' -P 2 scripts/fuzz '{}' "$@"
     for name in "${names[@]}"; do
-        check "fuzz $name" verdict_of_fuzzer "$name" || continue
+        record fuzz "fuzz $name" verdict_of_fuzzer "$name" || true
     done
     table_of_fuzzers "${names[@]}"
 }
