@@ -26,6 +26,9 @@ prepare_prefix() {
     use_prefix "$run/prefix"
     trap leave_prefix EXIT
     make_prefix
+    # By default Wine's server ends three seconds after its last client, and the running service with it. On a busy
+    # machine the next command may take longer to start.
+    wineserver --persistent
 }
 
 # copy FILE... FOLDER
