@@ -1,33 +1,35 @@
 #!/usr/bin/env bash
-# Runs the tests: ./test.sh [layer ...] [--long SECONDS]
-cd "$(dirname "$0")"
+# Runs the tests: ./test.sh [layer...] [--long SECONDS]
+cd "$(dirname "$0")" || exit
 source scripts/common.sh
 source scripts/dependencies.sh
-source scripts/wine.sh
-source scripts/results.sh
 
-all_layers=(lint native windows endtoend fuzz sweep soak kill race bench)
+default_layers=(lint unit replay sweep endtoend endurance)
+all_layers=("${default_layers[@]}" race coverage fuzz bench)
+results=build/test
 export fuzz_seconds=20 fuzz_keeps=0
 usage() {
     cat <<TXT
-Usage: ./test.sh [layer ...] [--long SECONDS]
+Usage: ./test.sh [layer...] [--long SECONDS]
 
-Runs the layers named; without a name all but coverage, and with "all" that too. What the programs say is kept in $logs.
-The last line is the sum: N passed, N failed, N skipped.
+Runs the layers named, or: ${default_layers[*]}.
+The last line is the sum: N passed, N failed, N skipped. What each program printed is in $results/*.xml (JUnit);
+\`ctest --preset PRESET -R NAME\` runs one of them again.
 
-  lint       format, static analysis, the house rules
-  native     the portable core's unit tests under the sanitizers
-  windows    the Windows build: its headers, its bytes, and the unit tests under Wine
-  endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
-  fuzz       every fuzzer for $fuzz_seconds seconds
+  lint       format, static analysis, project rules, imports and reproducibility of the executable
+  unit       natively under the sanitizers, and on Windows (here: under Wine)
+  replay     every fuzzer's code over the inputs that are known
   sweep      every system call and every allocation fails in turn (SWEEP_ALL=1: at every occurrence)
-  soak       the plug-ins loaded and unloaded SOAK_CYCLES times (500), the service started for SOAK_SECONDS (15)
-  kill       the executable killed KILLS times (55) step by step of replacing the status file, and as often at random
-  race       stop requests from many sides: every interleaving, RACE_ROUNDS in one process, RACE_SECONDS (18) outside
-  bench      the benchmarks in small: their results, not their times
-  coverage   lines and branches of the product that the unit tests reach, natively and on Windows, with floors
+  endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
+  endurance  plug-ins and service started over and over, killed at every step of a write, raced by stop requests
+             (SOAK_CYCLES, SOAK_SECONDS, KILLS, RACE_SECONDS make it longer)
+  race       stop requests from many threads under the thread sanitizer (RACE_ROUNDS)
+  coverage   lines and branches of the product that the unit tests reach, with floors
+  bench      small benchmarks: their results are checked, not their times
+  fuzz       every fuzzer searches for new inputs, $fuzz_seconds seconds each
+  all        all of these
 
-  --long SECONDS   let each fuzzer run so long, and keep the inputs that reach something new in tests/fuzz/corpus
+  --long SECONDS   let each fuzzer search so long, and keep the inputs that reach something new in tests/fuzz/corpus
 TXT
 }
 
@@ -36,19 +38,40 @@ misused() {
     exit 2
 }
 
-run_layer() {
-    local layer=$1 began=$SECONDS
-    say "layer $layer"
-    passed=0 failed=0 skipped=0
-    # shellcheck source=/dev/null
-    source "scripts/layers/$layer.sh"
-    # A layer that ends early has counted what ended it.
-    "layer_$layer" || true
-    rows+=("$(printf '%-11s %6d %6d %6d %7d %7d' "$layer" $((passed + failed + skipped)) \
-        "$passed" "$failed" "$skipped" $((SECONDS - began)))")
-    all_passed=$((all_passed + passed))
-    all_failed=$((all_failed + failed))
-    all_skipped=$((all_skipped + skipped))
+# record LAYER NAME COMMAND...: a step that counts as one test of that layer.
+record() {
+    local layer=$1 name=$2 log="$results/$2.log" began=$SECONDS outcome=passed
+    shift 2
+    printf '%s' "-- $name ... "
+    ("$@") </dev/null >"$log" 2>&1 || outcome=failed
+    printf '%s\n' "$outcome, $((SECONDS - began)) s"
+    printf '%s\t%s\t%s\t%d\n' "$layer" "$name" "$outcome" $((SECONDS - began)) >>"$results/steps"
+    [[ $outcome == passed ]] || {
+        tail -n 60 "$log"
+        return 1
+    }
+}
+
+# run JOBS PRESET LABEL...: the tests of that build which have one of these labels.
+run() {
+    local jobs=$1 preset=$2 labels
+    shift 2
+    (($#)) || return 0
+    labels=$(IFS='|' && printf '%s' "$*")
+    printf '%s\n' "$@" >"$results/$preset.labels"
+    # What failed, and what never ran, is counted from the file that is written here.
+    ctest --preset "$preset" --parallel "$jobs" --label-regex "^($labels)\$" \
+        --output-junit "$PWD/$results/$preset.xml" || true
+}
+
+wanted() { [[ " ${layers[*]} " == *" $1 "* ]]; }
+
+# chosen LAYER...: those of them that were asked for.
+chosen() {
+    local layer
+    for layer in "$@"; do
+        ! wanted "$layer" || printf '%s\n' "$layer"
+    done
 }
 
 layers=()
@@ -58,31 +81,52 @@ while (($#)); do
             usage
             exit 0
             ;;
+        all) layers+=("${all_layers[@]}") ;;
+        lint | unit | replay | sweep | endtoend | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
         --long)
             [[ ${2-} =~ ^[1-9][0-9]{0,6}$ ]] || misused
             fuzz_seconds=$2 fuzz_keeps=1
             shift
             ;;
-        all) layers+=("${all_layers[@]}" coverage) ;;
-        lint | native | windows | endtoend | fuzz | sweep | soak | kill | race | bench | coverage) layers+=("$1") ;;
         *) misused ;;
     esac
     shift
 done
-((${#layers[@]})) || layers=("${all_layers[@]}")
+((${#layers[@]})) || layers=("${default_layers[@]}")
 
-trap leave_prefix EXIT
-trap 'exit 130' INT TERM
-alone build/test
-writable "$logs"
-: >"$counted"
-rows=() all_passed=0 all_failed=0 all_skipped=0
-for layer in "${layers[@]}"; do
-    run_layer "$layer"
-done
+alone "$results"
+rm -f "$results"/*.{xml,log,labels} "$results/steps"
+touch "$results/steps"
+need_python
 
-summary
-printf '\n%-11s %6s %6s %6s %7s %7s\n' layer ran passed failed skipped seconds
-printf '%s\n' "${rows[@]}"
-printf '\n%s\n' "$all_passed passed, $all_failed failed, $all_skipped skipped"
-((all_failed == 0))
+! wanted lint || need_linters
+mapfile -t native < <(chosen lint unit replay sweep)
+mapfile -t windows < <(chosen lint unit replay sweep endtoend endurance)
+if ((${#native[@]})); then
+    record builds native-asan ./build.sh native-asan && run 2 native-asan "${native[@]}"
+fi
+if ((${#windows[@]})); then
+    need_wine
+    record builds windows-release ./build.sh windows-release && run 3 windows-release "${windows[@]}"
+fi
+if wanted race; then
+    record builds native-tsan ./build.sh native-tsan thread_tests && run 1 native-tsan race
+fi
+if wanted coverage; then
+    for build in native-coverage windows-coverage; do
+        find "build/$build" -name '*.gcda' -delete 2>/dev/null || true
+        record builds "$build" ./build.sh "$build" unit_tests trace_tests sweep_tests && run 2 "$build" unit sweep
+    done
+    record coverage "floors and exceptions" scripts/coverage \
+        build/native-coverage=gcov build/windows-coverage=x86_64-w64-mingw32-gcov-posix &&
+        sed 's/^/   /' "$results/floors and exceptions.log"
+fi
+if wanted fuzz; then
+    record builds native-fuzz ./build.sh native-fuzz && source scripts/search.sh && search
+fi
+if wanted bench; then
+    for group in host ini order report status process; do
+        record bench "bench $group" ./bench.sh "$group" --quick || continue
+    done
+fi
+scripts/results "$results"

@@ -1,7 +1,7 @@
 #include "bench/bareHost_win32.h"
 
 #include <windows.h>
-// windows.h first: the others need its types.
+// windows.h comes first because the others need its types.
 #include <share.h>
 #include <shlobj.h>
 
@@ -26,7 +26,7 @@ tEntry entryOf(HMODULE library, const char* name) {
     return reinterpret_cast<tEntry>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
 
-/// What a stopwatch asks at its start and once more at its end.
+/// Makes the calls that a stopwatch makes when it starts and when it stops.
 void readClock() {
     DWORD adjustment = 0;
     DWORD increment = 0;

@@ -6,13 +6,14 @@
 
 #include "bench/hostStage_win32.h"
 
-/// The system calls that hosting these plug-ins takes from start to end, each once, and nothing else: nothing is
-/// parsed, ordered, recorded or rendered. What the host must find out is known here beforehand.
+/// Makes only the system calls that hosting these plug-ins takes from start to end: it parses, orders, records and
+/// renders nothing. It knows in advance what the host has to find out.
 class tBareHost {
 public:
-    /// `lastStatus` is the status file that the host leaves: one of that size is written here.
+    /// `lastStatus` is the text of the status file that the host leaves. A file of the same size is written here.
     tBareHost(const tDescriptions& descriptions, const std::string& lastStatus);
 
+    /// One whole life: start, run with the stop already requested, stop.
     void live() const;
 
 private:
@@ -22,7 +23,7 @@ private:
     std::string longStatus_;
 };
 
-/// The calls behind single steps of it.
+/// The system calls of single steps: list a directory's files, read a file, replace a file.
 [[nodiscard]] std::vector<std::wstring> listBarely(const std::wstring& directory);
 void readBarely(const wchar_t* path);
 void replaceBarely(const std::wstring& path, const std::wstring& temporaryPath, const std::string& text);

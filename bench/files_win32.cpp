@@ -1,4 +1,4 @@
-// Groups ini and status on Windows: description files and the status file, with the system's part in it.
+// Groups ini and status on Windows: description files and the status file, including the system's share.
 #include <windows.h>
 
 #include <array>
@@ -18,11 +18,11 @@ using nBench::demand;
 constexpr std::array<const wchar_t*, 7> keys = {L"Name",       L"Dependencies", L"Path",   L"Requires",
                                                 L"Initialize", L"Stop",         L"Cleanup"};
 
-/// Description files as they are found, in both of the forms that calls want.
+/// The paths of description files in the order in which they are found, in narrow and wide characters.
 struct tFiles {
     explicit tFiles(int count) {
         nPluginData::listDescriptionFiles(tDescriptions(count).directory().native(), ".ini", paths);
-        demand(paths.size() == static_cast<std::size_t>(count), "other files lie among the descriptions");
+        demand(paths.size() == static_cast<std::size_t>(count), "the folder contains other files than descriptions");
         for (const std::string& path : paths) widePaths.push_back(nStdPath::widePathFromUtf8(path));
     }
 
@@ -42,7 +42,7 @@ std::wstring profileValue(const std::wstring& path, const wchar_t* key) {
     return value.data();
 }
 
-/// The file's values as the system reads them are those that the host has read.
+/// Demands that the system reads the same values from the file as the host.
 void demandSameValues(const tFiles& files, std::size_t i) {
     const tPluginDescription description = describe(files.paths[i]);
     const auto value = [&](const wchar_t* key) { return profileValue(files.widePaths[i], key); };
@@ -51,7 +51,7 @@ void demandSameValues(const tFiles& files, std::size_t i) {
                value(L"Path") == wide(description.path) && value(L"Initialize") == wide(description.initialize) &&
                value(L"Stop") == wide(description.stop) && value(L"Cleanup") == wide(description.cleanup) &&
                value(L"Requires") == std::to_wstring(description.requiresMask) && value(L"Dependencies").empty(),
-           files.paths[i] + " is read in two ways");
+           files.paths[i] + " is read differently by the system");
 }
 
 void describeAll(const tFiles& files) {
@@ -66,7 +66,7 @@ nBench::tPair againstBareReading(int count) {
             }};
 }
 
-/// The system takes its time: each pair has its turn with another twentieth of the files.
+/// The system is slow: each pair reads another twentieth of the files.
 nBench::tPair againstPrivateProfile(int count) {
     const auto files = std::make_shared<tFiles>(count);
     for (std::size_t i = 0; i < files->paths.size(); i += 97) demandSameValues(*files, i);
@@ -95,7 +95,7 @@ nBench::tPair statusPair() {
     const auto peer = [=] { replaceBarely(directory + L"\\peer", directory + L"\\.peer.tmp", text); };
     ours();
     peer();
-    demand(readText(directory + L"\\ours").size() > text.size(), "the status file is not written");
+    demand(readText(directory + L"\\ours").size() > text.size(), "the status file was not written");
     demand(readText(directory + L"\\ours") == readText(directory + L"\\peer"), "the status files differ");
     return {nBench::repeat(20, ours), nBench::repeat(20, peer)};
 }

@@ -2,14 +2,14 @@
 
 #include <string>
 
-/// Each adds the native rows of one group.
+/// Add the native rows of a group.
 void addIniRows();
 void addOrderRows();
 
-/// Those of the group report, for both. The prefix is the measures'.
+/// Adds the rows of the group report, natively and on Windows. Their measures' names begin with the prefix.
 void addReportRows(const std::string& prefix);
 
-/// And these the rows that are measured on Windows.
+/// Add the rows that are measured on Windows.
 void addHostRows();
-void addDescriptionFileRows();  ///< of the group ini
+void addDescriptionFileRows();  ///< those of the group ini
 void addStatusRows();

@@ -14,7 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Wine takes libraries that agree in both for copies of one another, and looks at each of them when it loads one.
+/// Returns the library with a time stamp and a checksum of its own. Wine treats libraries that agree in both as copies
+/// of one another, and examines all of them when it loads one.
 std::string withStamp(std::string library, std::uint32_t number) {
     std::int32_t header = 0;
     std::memcpy(&header, library.data() + offsetof(IMAGE_DOS_HEADER, e_lfanew), sizeof header);
@@ -67,7 +68,7 @@ void stageHost(const tDescriptions& descriptions) {
     fs::create_directories(root / "libraries");
     fs::create_directories(statusFolder());
     const std::string tiny = readText(ownFolder() / "tiny.dll");
-    nBench::demand(!tiny.empty(), "there is no tiny.dll beside the program");
+    nBench::demand(!tiny.empty(), "tiny.dll is not in the program's folder");
     std::uint32_t number = 0;
     for (const std::string& library : descriptions.libraries()) writeFile(library, withStamp(tiny, number++));
     setSharedDirectory(root.native());

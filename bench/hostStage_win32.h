@@ -4,15 +4,15 @@
 #include <string>
 #include <vector>
 
-/// Descriptions of plug-ins, below build/bench/host. All paths are in their exact letter case, which spares Wine a
-/// search of the directory.
+/// Description files of plug-ins, below build/bench/host. All paths have the exact letter case of the files, which
+/// spares Wine a search of the directory.
 class tDescriptions {
 public:
-    /// Makes the files, unless they are there.
+    /// Writes the files that do not exist.
     explicit tDescriptions(int count);
 
     [[nodiscard]] const std::filesystem::path& directory() const { return directory_; }
-    /// What the descriptions give as the libraries' paths.
+    /// The libraries' paths, as in the descriptions.
     [[nodiscard]] const std::vector<std::string>& libraries() const { return libraries_; }
 
 private:
@@ -20,9 +20,9 @@ private:
     std::vector<std::string> libraries_;
 };
 
-/// Makes each of them a library of its own, unless it is there, and the host find the descriptions.
+/// Writes each plug-in's library that does not exist, and makes the descriptions' directory the shared directory.
 void stageHost(const tDescriptions& descriptions);
 
-/// Where the host keeps the status file.
+/// Returns the folder of the host's status file.
 [[nodiscard]] std::filesystem::path statusFolder();
 [[nodiscard]] std::string readText(const std::filesystem::path& path);

@@ -12,10 +12,10 @@ namespace {
 
 using nBench::demand;
 
-/// The entry points in the order in which a console or the service control manager leads to them; the stop request
-/// comes before the run waits for it.
+/// Calls the entry points in the order in which a console or the service control manager reaches them. The stop request
+/// comes before the run starts to wait for it.
 void live() {
-    demand(startService() == 0, "the host does not start");
+    demand(startService() == 0, "the host did not start");
     signalServiceStop();
     runService();
     stopService();
@@ -29,7 +29,7 @@ std::ptrdiff_t occurrences(const std::string& text, std::string_view piece) {
     return count;
 }
 
-/// Every plug-in has started, stopped and been cleaned up: one that had not would show a code.
+/// Demands that every plug-in was started, stopped and cleaned up: otherwise the status file shows a code.
 void demandWholeLife(int plugins) {
     std::filesystem::remove(statusFolder() / "zuZiptraRemoteService.status");
     live();
@@ -52,15 +52,16 @@ nBench::tPair lifePair(int plugins) {
     return {live, [bare] { bare->live(); }};
 }
 
-/// How much of a life is the host's own. `peer` is the whole life. The calls that read the directory are not seen by
-/// the watch, as Boost looks them up by itself, so that is timed beside the life.
+/// Returns what measures the host's own share of a life; `peer` is the whole life. The watch does not see the calls
+/// that read the directory, because Boost looks them up at run time, so a bare reading of it is timed too and
+/// subtracted.
 std::function<nBench::tTimes()> ownTime(int plugins) {
     prepare(plugins);
     const std::wstring directory = tDescriptions(plugins).directory().native();
     return [directory] {
         std::size_t files = 0;
         const double listing = nBench::seconds([&] { files = listBarely(directory).size(); });
-        demand(files > 0, "no descriptions");
+        demand(files > 0, "there are no descriptions");
         const nSystemTime::tWatch watch;
         const double whole = nBench::seconds(live);
         return nBench::tTimes{whole - watch.seconds() - listing, whole};

@@ -1,13 +1,8 @@
 // Group ini, natively: the parser against one pass over the bytes, against other parsers, and against itself.
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -67,12 +62,42 @@ tText textOfSections(std::int64_t count) {
     return std::make_shared<const std::string>(std::move(text));
 }
 
-/// From memory, as the peers do, not by way of the system.
+/// One stream for one text after the other: making a stream costs as much as parsing a small document, and no peer
+/// makes one to read from memory.
+class tTextStream {
+public:
+    tTextStream()
+        : stream_(fopencookie(this, "rb", {.read = read, .write = nullptr, .seek = seek, .close = nullptr})) {}
+
+    /// Returns the stream at the beginning of the text, which must outlive its use.
+    std::FILE* of(std::string_view text) {
+        text_ = text;
+        std::rewind(stream_.get());
+        return stream_.get();
+    }
+
+private:
+    static ssize_t read(void* cookie, char* buffer, std::size_t size) {
+        std::string_view& rest = static_cast<tTextStream*>(cookie)->rest_;
+        const std::size_t count = rest.copy(buffer, size);
+        rest.remove_prefix(count);
+        return static_cast<ssize_t>(count);
+    }
+    static int seek(void* cookie, off64_t*, int) {
+        auto& self = *static_cast<tTextStream*>(cookie);
+        self.rest_ = self.text_;
+        return 0;
+    }
+
+    std::string_view text_;
+    std::string_view rest_;
+    nIni::tFile stream_;
+};
+
 void parseInto(nIni::tDocument& document, const std::string& text) {
+    static tTextStream stream;
     document.flags = nIni::acceptEmptyValues | nIni::stripDoubleQuotes;
-    // The stream is only read from.
-    const nIni::tFile stream(fmemopen(const_cast<char*>(text.data()), text.size(), "rb"));
-    demand(parseStream(document, stream.get()) == 0 && document.firstErrorLine == -1, "the text is not taken");
+    demand(parseStream(document, stream.of(text)) == 0 && document.firstErrorLine == -1, "the text is rejected");
 }
 
 /// What is timed: everything from the text to freeing the document.
@@ -138,87 +163,40 @@ const nBench::tIniPeer& peerNamed(const std::string& name) {
     return *peer;
 }
 
-nBench::tPair againstPeer(const std::string& name, std::int64_t count) {
-    const nBench::tIniPeer& peer = peerNamed(name);
-    const tText text = textOfKeys(count);
-    nBench::tKeyValues ours = readKeys(*text);
-    nBench::tKeyValues theirs = peer.read(*text);
-    std::sort(ours.begin(), ours.end());
-    std::sort(theirs.begin(), theirs.end());
-    demand(ours == theirs, name + " finds other keys");
-    return {[text] { parse(*text); }, [text, peer] { peer.parse(*text); }};
-}
-
-/// A folder of description files.
-class tDescriptionFiles {
-public:
-    explicit tDescriptionFiles(std::int64_t count, int otherKeys = 0)
-        : folder_(std::filesystem::temp_directory_path() / ("bench-ini-" + std::to_string(getpid()))) {
-        create_directory(folder_);
-        for (std::int64_t i = 0; i < count; ++i) {
-            const std::filesystem::path path = folder_ / (std::to_string(i) + ".ini");
-            std::ofstream(path, std::ios::binary) << description(i, otherKeys);
-            paths_.push_back(path);
-            widePaths_.push_back(path.wstring());
-        }
-    }
-    ~tDescriptionFiles() { remove_all(folder_); }
-    tDescriptionFiles(const tDescriptionFiles&) = delete;
-    tDescriptionFiles& operator=(const tDescriptionFiles&) = delete;
-
-    /// The seven keys, and others.
-    static std::string description(std::int64_t number, int otherKeys) {
-        const std::string name = "Plugin" + std::to_string(number);
-        std::string text = "[Service]\r\nName=" + name + "\r\nPath=C:\\Program Files\\Plug-ins\\" + name +
-                           ".dll\r\nInitialize=initialize\r\nStop=stop\r\nCleanup=cleanup\r\n"
-                           "Dependencies=Settings, Transport\r\nRequires=1\r\n";
-        for (int i = 0; i < otherKeys; ++i) {
-            const std::string digits = std::to_string(i);
-            text.append("Setting").append(digits).append("=value of ").append(digits) += "\r\n";
-        }
-        return text;
-    }
-
-    /// The system calls of parseAll alone.
-    void readAll() const {
-        std::array<char, 2084> chunk{};
-        for (const std::string& path : paths_) {
-            const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-            demand(std::fread(chunk.data(), 1, 4, file.get()) == 4, "a file is gone");
-            while (std::fread(chunk.data(), 1, chunk.size(), file.get()) == chunk.size()) continue;
-        }
-    }
-    void parseAll() const {
-        for (const std::wstring& path : widePaths_) {
-            nIni::tDocument document;
-            demand(parseContent(document, path.c_str()) == 0, "a file is not taken");
-        }
-    }
-    void parseAllWith(const nBench::tIniPeer& peer) const {
-        for (const std::string& path : paths_) peer.parseFile(path.c_str());
-    }
-
-private:
-    std::filesystem::path folder_;
-    std::vector<std::string> paths_;
-    std::vector<std::wstring> widePaths_;
-};
-
-nBench::tPair smallFilesAgainst(const std::string& name, std::int64_t count, int otherKeys) {
-    const nBench::tIniPeer& peer = peerNamed(name);
-    const std::string text = tDescriptionFiles::description(7, otherKeys);
+void demandSameKeys(const nBench::tIniPeer& peer, const std::string& text) {
     nBench::tKeyValues ours = readKeys(text);
     nBench::tKeyValues theirs = peer.read(text);
     std::sort(ours.begin(), ours.end());
     std::sort(theirs.begin(), theirs.end());
-    demand(ours.size() == static_cast<std::size_t>(7 + otherKeys) && ours == theirs, name + " finds other keys");
-    const auto files = std::make_shared<const tDescriptionFiles>(count, otherKeys);
-    return {[files] { files->parseAll(); }, [files, peer] { files->parseAllWith(peer); }};
+    demand(ours == theirs, peer.name + " finds other keys");
 }
 
-nBench::tPair smallFilesAgainstReading(std::int64_t count) {
-    const auto files = std::make_shared<const tDescriptionFiles>(count);
-    return {[files] { files->parseAll(); }, [files] { files->readAll(); }};
+nBench::tPair againstPeer(const std::string& name, std::int64_t count) {
+    const nBench::tIniPeer& peer = peerNamed(name);
+    const tText text = textOfKeys(count);
+    demandSameKeys(peer, *text);
+    return {[text] { parse(*text); }, [text, peer] { peer.parse(*text); }};
+}
+
+/// That many documents of the seven keys of a description.
+std::vector<std::string> textsOfDescriptions(std::int64_t count) {
+    std::vector<std::string> texts;
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::string name = "Plugin" + std::to_string(i);
+        texts.push_back("[Service]\r\nName=" + name + "\r\nPath=C:\\Program Files\\Plug-ins\\" + name +
+                        ".dll\r\nInitialize=initialize\r\nStop=stop\r\nCleanup=cleanup\r\n"
+                        "Dependencies=Settings, Transport\r\nRequires=1\r\n");
+    }
+    return texts;
+}
+
+nBench::tPair smallDocumentsAgainst(const std::string& name, std::int64_t count) {
+    const nBench::tIniPeer& peer = peerNamed(name);
+    const auto texts = std::make_shared<const std::vector<std::string>>(textsOfDescriptions(count));
+    demand(readKeys(texts->back()).size() == 7, "keys are lost");
+    demandSameKeys(peer, texts->back());
+    return {[texts] { std::for_each(texts->begin(), texts->end(), parse); },
+            [texts, peer] { std::for_each(texts->begin(), texts->end(), peer.parse); }};
 }
 
 nBench::tPair keysAgainstATenth(std::int64_t count) {
@@ -261,12 +239,9 @@ void addIniRows() {
         addCurve(std::string("ini/") + peer, "keys", 1'000'000,
                  [peer](std::int64_t size) { return againstPeer(peer, size); });
     }
-    addCurve("ini/simpleini-files", "files", 10'000,
-             [](std::int64_t size) { return smallFilesAgainst("simpleini", size, 0); });
-    addCurve("ini/files-bare", "files", 10'000, smallFilesAgainstReading);
-    const std::int64_t files = nBench::quick() ? 100 : 10'000;
+    const std::int64_t documents = nBench::quick() ? 100 : 10'000;
     nBench::addRow(
-        {"ini/simpleini-larger-files", "", files, [files] { return smallFilesAgainst("simpleini", files, 93); }});
+        {"ini/simpleini-small", "", documents, [documents] { return smallDocumentsAgainst("simpleini", documents); }});
     const std::int64_t size = nBench::quick() ? 10'000 : 1'000'000;
     nBench::addRow({"ini/ten-times-the-keys", "", size, [size] { return keysAgainstATenth(size); }});
     nBench::addRow({"ini/ten-times-the-sections", "", size / 10, [size] { return sectionsAgainstATenth(size / 10); }});

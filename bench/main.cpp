@@ -1,4 +1,4 @@
-// The native benchmarks. ./bench.sh builds, runs and judges them.
+// The native benchmarks. ./bench.sh builds and runs this, and judges the results.
 #include <benchmark/benchmark.h>
 
 #include "bench/groups.h"

@@ -1,6 +1,6 @@
-// The benchmarks on Windows. ./bench.sh builds, runs and judges them.
+// The benchmarks on Windows. ./bench.sh builds and runs this, and judges the results.
 //   windows_bench GROUP FILE     measures the group
-//   windows_bench stage COUNT    makes plug-ins, and the host find them
+//   windows_bench stage COUNT    makes that many plug-ins, which the host will find
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>

@@ -9,7 +9,7 @@
 namespace nBench {
 namespace {
 
-/// At least 21: fewer do not tell five percent from nothing.
+/// With fewer than 21, five percent cannot be told from noise.
 int numberOfPairs() { return quick() ? 3 : 21; }
 
 double seconds(const std::function<void()>& work) {
@@ -18,7 +18,7 @@ double seconds(const std::function<void()>& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-/// One pair of a row for each repetition that the library asks for.
+/// Measures one pair of a row per repetition of the library's.
 class tRowRun {
 public:
     explicit tRowRun(tRow row) : row_(std::move(row)) {}
@@ -36,7 +36,7 @@ public:
     }
 
 private:
-    /// The two take turns in being first.
+    /// The two sides take turns in being first.
     void runPair(benchmark::State& state) {
         const bool oursFirst = done_ % 2 == 0;
         pair_.reset();

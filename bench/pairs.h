@@ -4,38 +4,38 @@
 #include <functional>
 #include <string>
 
-/// What all native benchmarks share. A row of the table compares two programs, ours and a peer's, which are run in
-/// turn: what disturbs the machine for a while disturbs both, and their ratio stays.
+/// What all benchmarks share. A row of the table compares our code with a peer's. The two take turns: what disturbs the
+/// machine for a while disturbs both sides of a pair, and their ratio remains.
 namespace nBench {
 
-/// The two sides of a comparison. Each call does the same work once more.
+/// The two sides of a comparison. Each call repeats the same work.
 struct tPair {
     std::function<void()> ours;
     std::function<void()> peer;
-    std::function<void()> reset = [] {};  ///< before each side's turn, and not timed
+    std::function<void()> reset = [] {};  ///< called before each side's turn, not timed
 };
 
-/// Makes the input and both sides, and compares what they give. Throws std::runtime_error, or calls `demand`, when that
-/// is not the same: then nothing is timed. Runs when the row's turn has come; what it holds is freed after the row.
+/// Makes the input and both sides, and compares their results. Throws std::runtime_error, for example through `demand`,
+/// if they differ: nothing is timed then. Called when it is the row's turn; the pair is destroyed after the row.
 using tPrepare = std::function<tPair()>;
 
 struct tRow {
     std::string name;  ///< "group/measure", as in goals.txt
-    std::string axis;  ///< what `size` counts ("keys"): the rows of one axis make one plot. Empty for no plot
+    std::string axis;  ///< what `size` counts ("keys"): rows with the same axis share a plot. Empty for no plot
     std::int64_t size;
     tPrepare prepare;
 };
 
-/// To be called before the benchmarks run.
+/// Call before the benchmarks run.
 void addRow(const tRow& row);
 
-/// A quick run is about results: few pairs, small sizes. Known before any row is added.
+/// Returns whether only results matter: then there are few pairs and small sizes.
 [[nodiscard]] bool quick();
 
-/// Throws when something that must hold does not; the row then shows the text.
-void demand(bool truth, const std::string& text);
+/// Throws std::runtime_error with the text if the condition is false; the table shows the text.
+void demand(bool condition, const std::string& text);
 
-/// Work too short to be timed alone is done this often by both sides.
+/// Returns a function that does the work that many times, for work too short to be timed alone.
 [[nodiscard]] std::function<void()> repeat(int times, const std::function<void()>& work);
 
 }  // namespace nBench

@@ -7,8 +7,8 @@ namespace nBench {
 
 bool quick() { return std::getenv("BENCH_QUICK") != nullptr; }
 
-void demand(bool truth, const std::string& text) {
-    if (!truth) throw std::runtime_error(text);
+void demand(bool condition, const std::string& text) {
+    if (!condition) throw std::runtime_error(text);
 }
 
 std::function<void()> repeat(int times, const std::function<void()>& work) {

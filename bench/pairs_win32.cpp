@@ -11,7 +11,7 @@
 namespace nBench {
 namespace {
 
-/// At least 21: fewer do not tell five percent from nothing.
+/// With fewer than 21, five percent cannot be told from noise.
 int numberOfPairs() { return quick() ? 3 : 21; }
 
 std::vector<tTimedRow>& rows() {
@@ -19,7 +19,7 @@ std::vector<tTimedRow>& rows() {
     return all;
 }
 
-/// The two take turns in being first.
+/// Returns what measures one pair. The two sides take turns in being first.
 std::function<tTimes()> inTurns(const tPair& pair) {
     return [pair, oursFirst = false]() mutable {
         oursFirst = !oursFirst;
@@ -42,7 +42,7 @@ std::string start(const tTimedRow& row) {
            ", \"size\": " + std::to_string(row.size);
 }
 
-/// One object for each pair, or one that tells what was wrong.
+/// Returns one JSON object per pair, or one with the error.
 std::vector<std::string> measure(const tTimedRow& row) try {
     const std::function<tTimes()> pair = row.prepare();
     std::vector<std::string> objects;

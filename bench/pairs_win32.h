@@ -5,18 +5,19 @@
 
 #include "bench/pairs.h"
 
-/// What Windows has in place of Google Benchmark: the rows are measured the same way and written in the same form.
+/// Replaces Google Benchmark on Windows: rows are measured in the same way and written in the same format.
 namespace nBench {
 
-/// What one pair has measured, in seconds.
+/// The measurements of one pair, in seconds.
 struct tTimes {
     double ours;
     double peer;
 };
 
+/// Returns how long the work takes.
 [[nodiscard]] double seconds(const std::function<void()>& work);
 
-/// A row that takes its times itself; `prepare` checks results and gives what measures one pair.
+/// A row that measures itself: `prepare` checks the results and returns a function that measures one pair.
 struct tTimedRow {
     std::string name;
     std::string axis;
@@ -25,7 +26,7 @@ struct tTimedRow {
 };
 void addTimedRow(const tTimedRow& row);
 
-/// Runs the rows of the group and writes the file. It tells of wrong results as well.
+/// Runs the group's rows and writes their measurements and errors to the file.
 void runRows(const std::string& group, const std::string& file);
 
 }  // namespace nBench

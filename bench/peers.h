@@ -4,23 +4,22 @@
 #include <utility>
 #include <vector>
 
-/// INI readers of other people. A reader that cannot be built here, because its library is missing, is not in the list.
+/// INI parsers by other authors. A parser whose library is not installed is not in the list.
 namespace nBench {
 
 using tKeyValues = std::vector<std::pair<std::string, std::string>>;
 
 struct tIniPeer {
     std::string name;
-    void (*parse)(const std::string& text);  ///< what is timed; throws when the text is refused
+    void (*parse)(const std::string& text);  ///< what is timed; throws if the peer rejects the text
     tKeyValues (*read)(
-        const std::string& text);         ///< the same, and what it found in the section "Service", in any order
-    void (*parseFile)(const char* path);  ///< null when it is not wanted
+        const std::string& text);  ///< parses too, and returns the keys of the section "Service", unsorted
 };
 
-/// Null when that peer is missing.
+/// Returns null if that peer is not in the list.
 const tIniPeer* findIniPeer(const std::string& name);
 
-/// Adds its peer to the list. Each peer's file has one.
+/// Adds a peer to the list on construction. Each peer's file defines one object.
 struct tIniPeerRegistration {
     explicit tIniPeerRegistration(const tIniPeer& peer);
 };

@@ -6,5 +6,5 @@ bench_process() {
     start_wine
     say "measuring process under Wine"
     pinned bench/processes "$results/process-outside.json" >"$results/process.log" 2>&1 ||
-        fail "the benchmarks of process have ended early; what they said is in $results/process.log"
+        fail "the benchmarks of process ended early; their output is in $results/process.log"
 }

@@ -1,7 +1,7 @@
 #include "bench/systemTime_win32.h"
 
 #include <windows.h>
-// windows.h first: the others need its types.
+// windows.h comes first because the others need its types.
 #include <aclapi.h>
 #include <shlobj.h>
 #include <x86intrin.h>
@@ -20,18 +20,19 @@ unsigned long long ticksInside = 0;
 unsigned long long ticksAtStart = 0;
 std::chrono::steady_clock::time_point start;
 
-class tInside {
+/// Adds its lifetime to the ticks spent in system calls.
+class tCallTimer {
 public:
-    tInside() : entered_(__rdtsc()) {}
-    ~tInside() { ticksInside += __rdtsc() - entered_; }
-    tInside(const tInside&) = delete;
-    tInside& operator=(const tInside&) = delete;
+    tCallTimer() : entered_(__rdtsc()) {}
+    ~tCallTimer() { ticksInside += __rdtsc() - entered_; }
+    tCallTimer(const tCallTimer&) = delete;
+    tCallTimer& operator=(const tCallTimer&) = delete;
 
 private:
     unsigned long long entered_;
 };
 
-/// Where the loader has put the address of the function that this program calls by that name.
+/// Returns the import table's slot for the function of that name. Throws if the program does not import it.
 ULONG_PTR* importSlot(std::string_view name) {
     auto* const base = reinterpret_cast<char*>(GetModuleHandleA(nullptr));
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
@@ -57,7 +58,7 @@ void store(ULONG_PTR* slot, ULONG_PTR value) {
     VirtualProtect(slot, sizeof *slot, before, &before);
 }
 
-/// The name of a function as a template argument.
+/// A function's name as a template argument.
 struct tName {
     template <std::size_t size>
     consteval tName(const char (&name)[size]) {  // NOLINT(google-explicit-constructor,hicpp-explicit-conversions)
@@ -74,60 +75,61 @@ struct tCall<name, tResult(tArguments...)> {
     static inline tResult (*real)(tArguments...) = nullptr;
 
     static tResult timed(tArguments... arguments) {
-        const tInside inside;
+        const tCallTimer timer;
         return real(arguments...);
     }
 
-    static void turn(bool on) {
+    static void setTimed(bool on) {
         ULONG_PTR* const slot = importSlot(name.text);
         if (on) real = reinterpret_cast<tResult (*)(tArguments...)>(*slot);
         store(slot, reinterpret_cast<ULONG_PTR>(on ? &timed : real));
     }
 };
 
-/// All that a life calls, but for what Boost looks up by itself to read a directory.
-void turnAll(bool on) {
-    tCall<"CloseHandle", decltype(CloseHandle)>::turn(on);
-    tCall<"CreateEventA", decltype(CreateEventA)>::turn(on);
-    tCall<"CreateFileW", decltype(CreateFileW)>::turn(on);
-    tCall<"FindClose", decltype(FindClose)>::turn(on);
-    tCall<"FindFirstFileW", decltype(FindFirstFileW)>::turn(on);
-    tCall<"FreeLibrary", decltype(FreeLibrary)>::turn(on);
-    tCall<"GetFileAttributesW", decltype(GetFileAttributesW)>::turn(on);
-    tCall<"GetModuleHandleA", decltype(GetModuleHandleA)>::turn(on);
-    tCall<"GetProcAddress", decltype(GetProcAddress)>::turn(on);
-    tCall<"GetSystemTimeAdjustment", decltype(GetSystemTimeAdjustment)>::turn(on);
-    tCall<"GetTickCount64", decltype(GetTickCount64)>::turn(on);
-    tCall<"LoadLibraryExA", decltype(LoadLibraryExA)>::turn(on);
-    tCall<"LocalFree", decltype(LocalFree)>::turn(on);
-    tCall<"OpenProcess", decltype(OpenProcess)>::turn(on);
-    tCall<"RegCloseKey", decltype(RegCloseKey)>::turn(on);
-    tCall<"RegOpenKeyExW", decltype(RegOpenKeyExW)>::turn(on);
-    tCall<"RegQueryValueExW", decltype(RegQueryValueExW)>::turn(on);
-    tCall<"SHGetFolderPathW", decltype(SHGetFolderPathW)>::turn(on);
-    tCall<"SetEntriesInAclA", decltype(SetEntriesInAclA)>::turn(on);
-    tCall<"SetEvent", decltype(SetEvent)>::turn(on);
-    tCall<"SetSecurityInfo", decltype(SetSecurityInfo)>::turn(on);
-    tCall<"WaitForSingleObject", decltype(WaitForSingleObject)>::turn(on);
-    tCall<"_wfopen", decltype(_wfopen)>::turn(on);
-    tCall<"_wfsopen", decltype(_wfsopen)>::turn(on);
-    tCall<"_wremove", decltype(_wremove)>::turn(on);
-    tCall<"_wrename", decltype(_wrename)>::turn(on);
-    tCall<"fclose", decltype(fclose)>::turn(on);
-    tCall<"fread", decltype(fread)>::turn(on);
-    tCall<"fwrite", decltype(fwrite)>::turn(on);
+/// Times every call of a life, or stops timing them. The calls with which Boost reads a directory are missing, because
+/// Boost looks them up at run time.
+void setTimed(bool on) {
+    tCall<"CloseHandle", decltype(CloseHandle)>::setTimed(on);
+    tCall<"CreateEventA", decltype(CreateEventA)>::setTimed(on);
+    tCall<"CreateFileW", decltype(CreateFileW)>::setTimed(on);
+    tCall<"FindClose", decltype(FindClose)>::setTimed(on);
+    tCall<"FindFirstFileW", decltype(FindFirstFileW)>::setTimed(on);
+    tCall<"FreeLibrary", decltype(FreeLibrary)>::setTimed(on);
+    tCall<"GetFileAttributesW", decltype(GetFileAttributesW)>::setTimed(on);
+    tCall<"GetModuleHandleA", decltype(GetModuleHandleA)>::setTimed(on);
+    tCall<"GetProcAddress", decltype(GetProcAddress)>::setTimed(on);
+    tCall<"GetSystemTimeAdjustment", decltype(GetSystemTimeAdjustment)>::setTimed(on);
+    tCall<"GetTickCount64", decltype(GetTickCount64)>::setTimed(on);
+    tCall<"LoadLibraryExA", decltype(LoadLibraryExA)>::setTimed(on);
+    tCall<"LocalFree", decltype(LocalFree)>::setTimed(on);
+    tCall<"OpenProcess", decltype(OpenProcess)>::setTimed(on);
+    tCall<"RegCloseKey", decltype(RegCloseKey)>::setTimed(on);
+    tCall<"RegOpenKeyExW", decltype(RegOpenKeyExW)>::setTimed(on);
+    tCall<"RegQueryValueExW", decltype(RegQueryValueExW)>::setTimed(on);
+    tCall<"SHGetFolderPathW", decltype(SHGetFolderPathW)>::setTimed(on);
+    tCall<"SetEntriesInAclA", decltype(SetEntriesInAclA)>::setTimed(on);
+    tCall<"SetEvent", decltype(SetEvent)>::setTimed(on);
+    tCall<"SetSecurityInfo", decltype(SetSecurityInfo)>::setTimed(on);
+    tCall<"WaitForSingleObject", decltype(WaitForSingleObject)>::setTimed(on);
+    tCall<"_wfopen", decltype(_wfopen)>::setTimed(on);
+    tCall<"_wfsopen", decltype(_wfsopen)>::setTimed(on);
+    tCall<"_wremove", decltype(_wremove)>::setTimed(on);
+    tCall<"_wrename", decltype(_wrename)>::setTimed(on);
+    tCall<"fclose", decltype(fclose)>::setTimed(on);
+    tCall<"fread", decltype(fread)>::setTimed(on);
+    tCall<"fwrite", decltype(fwrite)>::setTimed(on);
 }
 
 }  // namespace
 
 tWatch::tWatch() {
-    turnAll(true);
+    setTimed(true);
     ticksInside = 0;
     ticksAtStart = __rdtsc();
     start = std::chrono::steady_clock::now();
 }
 
-tWatch::~tWatch() { turnAll(false); }
+tWatch::~tWatch() { setTimed(false); }
 
 double tWatch::seconds() const {
     const auto ticks = static_cast<double>(__rdtsc() - ticksAtStart);

@@ -2,9 +2,9 @@
 
 namespace nSystemTime {
 
-/// Measures the time that this thread spends in the system calls of the program while it lives: their entries in the
-/// import table of the executable are replaced meanwhile. What the watch itself takes counts as the program's own time.
-/// One at a time.
+/// Measures, during its lifetime, the time that this thread spends in the program's system calls. It replaces their
+/// entries in the executable's import table meanwhile. Its own overhead counts as the program's time.
+/// Requires: only one exists at a time.
 class tWatch {
 public:
     tWatch();
@@ -12,6 +12,7 @@ public:
     tWatch(const tWatch&) = delete;
     tWatch& operator=(const tWatch&) = delete;
 
+    /// Returns the time spent in system calls so far.
     [[nodiscard]] double seconds() const;
 };
 

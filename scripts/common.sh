@@ -26,7 +26,7 @@ disk_full() { fail "no room left for $1: make some and try again"; }
 
 # writable FOLDER: makes it, and says in one line when nothing can be written there.
 writable() {
-    mkdir -p "$1" 2>/dev/null && touch "$1/.writable" 2>/dev/null || fail "cannot write to $1: is it somebody else's?"
+    { mkdir -p "$1" && touch "$1/.writable"; } 2>/dev/null || fail "cannot write to $1: does it belong to another user?"
     head -c 65536 /dev/zero >"$1/.writable" 2>/dev/null || disk_full "$1"
     rm -f "$1/.writable"
 }

@@ -92,6 +92,8 @@ need_benchmarks() {
 
 need_wine() { need wine wineboot wineserver -- wine64 wine; }
 
+need_python() { need python3 -- python3; }
+
 need_linters() {
-    need clang-format clang-tidy shellcheck python3 -- clang-format clang-tidy shellcheck python3
+    need clang-format run-clang-tidy shellcheck python3 pyflakes3 -- clang-format clang-tidy shellcheck python3 pyflakes3
 }

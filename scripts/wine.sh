@@ -1,14 +1,16 @@
 # Sourced: runs Windows programs in a Wine prefix of our own, never the user's. Needs common.sh and dependencies.sh.
 # shellcheck shell=bash
 
-# use_prefix DIRECTORY: what Wine starts from here on lives in this prefix.
+# use_prefix DIRECTORY: what Wine starts from here on uses this prefix. Without winemenubuilder.exe nothing is written to
+# the home folder, where it would register the prefix's file types.
 use_prefix() {
-    # Names of files are UTF-8, whatever the user's locale.
+    # File names are UTF-8, whatever the user's locale.
     export LC_ALL=C.UTF-8
-    export WINEPREFIX=$PWD/$1 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml="
+    export WINEPREFIX=$PWD/$1 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
+    export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 }
 
-# Makes the prefix, once: an interrupted try is thrown away.
+# Makes the prefix unless it exists. One that was not completed is made anew.
 make_prefix() {
     need_wine
     [[ -e $WINEPREFIX/complete ]] && return
@@ -24,7 +26,7 @@ make_fresh_prefix() {
     make_prefix
 }
 
-# Ends what still runs in the prefix, and Wine with it.
+# Ends the programs that still run in the prefix, and Wine's server.
 leave_prefix() {
     [[ -e ${WINEPREFIX:-} ]] || return 0
     wineserver --kill 2>/dev/null || true

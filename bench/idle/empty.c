@@ -1,2 +1,2 @@
-/* What a program costs that is not there. */
+/* What starting and ending any program costs. */
 int main(void) { return 0; }

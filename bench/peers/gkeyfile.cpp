@@ -1,4 +1,4 @@
-// GKeyFile, the INI reader of GLib.
+// GKeyFile, the INI parser of GLib.
 #include <glib.h>
 
 #include <memory>
@@ -13,7 +13,7 @@ using tKeyFile = std::unique_ptr<GKeyFile, decltype(&g_key_file_free)>;
 tKeyFile load(const std::string& text) {
     tKeyFile file(g_key_file_new(), g_key_file_free);
     if (g_key_file_load_from_data(file.get(), text.data(), text.size(), G_KEY_FILE_NONE, nullptr) == 0) {
-        throw std::runtime_error("GKeyFile refuses the text");
+        throw std::runtime_error("GKeyFile rejects the text");
     }
     return file;
 }
@@ -31,6 +31,6 @@ nBench::tKeyValues read(const std::string& text) {
     return keys;
 }
 
-const nBench::tIniPeerRegistration gkeyfile({"gkeyfile", [](const std::string& text) { load(text); }, read, nullptr});
+const nBench::tIniPeerRegistration gkeyfile({"gkeyfile", [](const std::string& text) { load(text); }, read});
 
 }  // namespace

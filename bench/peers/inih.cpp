@@ -1,4 +1,4 @@
-// inih stores nothing: it calls back for each key. The callback that is timed does nothing.
+// inih stores nothing but calls back for each key. The callback that is timed does nothing.
 #include <ini.h>
 
 #include <stdexcept>
@@ -15,7 +15,7 @@ int keepKey(void* keys, const char*, const char* name, const char* value) {
 }
 
 void parseWith(const std::string& text, ini_handler handler, void* user) {
-    if (ini_parse_string(text.c_str(), handler, user) != 0) throw std::runtime_error("inih refuses the text");
+    if (ini_parse_string(text.c_str(), handler, user) != 0) throw std::runtime_error("inih rejects the text");
 }
 
 const nBench::tIniPeerRegistration inih({
@@ -26,7 +26,6 @@ const nBench::tIniPeerRegistration inih({
         parseWith(text, keepKey, &keys);
         return keys;
     },
-    nullptr,
 });
 
 }  // namespace

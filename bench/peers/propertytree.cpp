@@ -1,4 +1,4 @@
-// Boost.PropertyTree's INI reader. It refuses duplicates.
+// Boost.PropertyTree's INI parser. It rejects repeated keys.
 #include <boost/property_tree/ini_parser.hpp>
 #include <sstream>
 
@@ -22,7 +22,6 @@ const nBench::tIniPeerRegistration propertyTree({
         for (const auto& [name, value] : tree.get_child("Service")) keys.emplace_back(name, value.data());
         return keys;
     },
-    nullptr,
 });
 
 }  // namespace

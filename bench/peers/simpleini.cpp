@@ -1,5 +1,5 @@
-// SimpleIni as a document of narrow text whose names ignore case, as ours.
-#define SI_NO_CONVERSION  // the bytes as they are, as ours takes them; its other ways cost more
+// SimpleIni with narrow text and names that ignore case, as ours.
+#define SI_NO_CONVERSION  // it uses the bytes as they are, as ours does; its conversions cost more
 #include <SimpleIni.h>
 
 #include <stdexcept>
@@ -9,7 +9,7 @@
 namespace {
 
 void demandSuccess(SI_Error result) {
-    if (result < 0) throw std::runtime_error("SimpleIni refuses the text");
+    if (result < 0) throw std::runtime_error("SimpleIni rejects the text");
 }
 
 const nBench::tIniPeerRegistration simpleIni({
@@ -24,10 +24,6 @@ const nBench::tIniPeerRegistration simpleIni({
         nBench::tKeyValues keys;
         for (const auto& [entry, value] : *document.GetSection("Service")) keys.emplace_back(entry.pItem, value);
         return keys;
-    },
-    [](const char* path) {
-        CSimpleIniA document;
-        demandSuccess(document.LoadFile(path));
     },
 });
 

@@ -1,4 +1,4 @@
-/* The smallest plug-in: copies of it, each with a time stamp and a checksum of its own, are what the host is given. */
+/* The smallest plug-in. The host gets copies of it, each with a time stamp and a checksum of its own. */
 #include <windows.h>
 
 BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void* reserved) {

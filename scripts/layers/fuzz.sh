@@ -1,17 +1,12 @@
 # Sourced by test.sh: every fuzzer for a while, two at a time. Each is one test.
 # shellcheck shell=bash disable=SC2154 # test.sh sets what is not set here
 
-# What a fuzzer has said, and whether it found nothing.
+# Shows a fuzzer's output. Succeeds if it found nothing.
 verdict_of_fuzzer() {
     tail -n 40 "build/native-fuzz/logs/$1" && grep -qx 'exit code 0' "build/native-fuzz/logs/$1"
 }
 
-# Inputs with which a long search has reached code that the committed ones do not are added to them.
-keep_found() {
-    "build/native-fuzz/bin/$1_fuzz" -merge=1 -use_counters=0 "tests/fuzz/corpus/$1" "build/native-fuzz/found/$1"
-}
-
-# Of each fuzzer what it counted itself: inputs tried, edges of the product's code and, finer, what it calls features.
+# Prints each fuzzer's own counts: executions, edges of the product's code, and the finer "features".
 table_of_fuzzers() {
     awk '
         FNR == 1 { name = FILENAME; sub(".*/", "", name); runs = edges = features = 0 }
@@ -34,14 +29,15 @@ table_of_fuzzers() {
 
 layer_fuzz() {
     check "the build native-fuzz" ./build.sh native-fuzz || return
-    local names name
+    local names name options=("$fuzz_seconds")
     mapfile -t names < <(sed -nE 's/^zuziptra_fuzzer\((\w+)\)$/\1/p' tests/fuzz/CMakeLists.txt)
+    check "the list of fuzzers" test "${#names[@]}" -gt 0 || return
+    ((!fuzz_keeps)) || options+=(--keep)
     say "${#names[@]} fuzzers, two at a time, $fuzz_seconds seconds each"
     rm -rf build/native-fuzz/logs
-    printf '%s\n' "${names[@]}" | xargs -I '{}' -P 2 scripts/fuzz '{}' "$fuzz_seconds"
+    printf '%s\n' "${names[@]}" | xargs -I '{}' -P 2 scripts/fuzz '{}' "${options[@]}"
     for name in "${names[@]}"; do
         check "fuzz $name" verdict_of_fuzzer "$name" || continue
-        ((!fuzz_keeps)) || check "keep what $name has found" keep_found "$name"
     done
     table_of_fuzzers "${names[@]}"
 }
