@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds one preset, or some of its targets: ./build.sh [preset [target...]]
-cd "$(dirname "$0")"
+cd "$(dirname "$0")" || exit
 source scripts/common.sh
 source scripts/dependencies.sh
 
@@ -8,8 +8,8 @@ usage() {
     cat <<TXT
 Usage: ./build.sh [preset [target...]]
 
-Builds build/<preset>, all of it or the CMake targets named; the default is
-windows-release, which gives build/windows-release/bin/zuZiptraRemoteService.exe.
+Builds all of build/<preset>, or the CMake targets named. The default is
+windows-release, which produces build/windows-release/bin/zuZiptraRemoteService.exe.
 
 Presets: windows-release windows-debug windows-trace windows-coverage windows-bench
          native-asan native-tsan native-coverage native-fuzz native-bench

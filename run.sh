@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs the host with its plug-ins under Wine: ./run.sh [--service] [--plugins DIR]
 
-# A shell script that puts this one into the background makes it deaf to Ctrl+C, which no trap can undo: begin again.
+# A script that starts this one in the background makes it ignore SIGINT, which no trap can undo: start again.
 if [[ $((0x$(sed -nE 's/^SigIgn:\s*//p' /proc/self/status) & 2)) != 0 ]]; then
     exec env --default-signal=INT "$BASH" "$0" "$@"
 fi
@@ -17,12 +17,12 @@ usage() {
     cat <<TXT
 Usage: ./run.sh [--service] [--plugins DIR]
 
-Builds the host, installs it with the example plug-ins in a Wine prefix of its own (in $run) and runs it in
-the foreground until Ctrl+C. The status file is shown when the plug-ins have started and again after the stop.
+Builds the host, installs it with the example plug-ins in a Wine prefix of its own (in $run), and runs it in
+the foreground until Ctrl+C. Shows the status file when the plug-ins have started, and again after the stop.
 
   --service       run it once through Wine's service control manager: register, start, query, stop, unregister
-  --plugins DIR   host the plug-ins whose descriptions (*.ini) are in DIR, in place of the examples; their Path is the
-                  library's full path as Windows sees it, with / being Z:\\
+  --plugins DIR   host the plug-ins whose descriptions (*.ini) are in DIR instead of the examples; each Path is the
+                  library's full path as Windows sees it, where / is Z:\\
   -h, --help      show this help
 
 ZUSYSAPI_SETTING=0 ./run.sh shows a machine on which deployment is not allowed.

@@ -1,5 +1,5 @@
-# Boost 1.81: Filesystem, System, Function and String Algorithm. A Boost that is already installed is used as it is
-# (with its BoostConfig.cmake); the one that scripts/dependencies.sh builds for Windows has a package per library.
+# Boost 1.81: Filesystem, System, Function and String Algorithm. An installed Boost is used as it is, through its
+# BoostConfig.cmake; the one that scripts/dependencies.sh builds for Windows has a package per library.
 find_package(Boost 1.81 CONFIG QUIET COMPONENTS filesystem)
 if(Boost_FOUND)
     set(zuziptra_boost Boost::headers Boost::filesystem)
@@ -10,8 +10,8 @@ else()
     set(zuziptra_boost Boost::filesystem Boost::function Boost::algorithm)
 endif()
 
-# GoogleTest and GoogleMock: an installed package on Windows, otherwise Debian's sources, built with our own flags so
-# that sanitizers see through them.
+# GoogleTest and GoogleMock: an installed package on Windows, otherwise Debian's sources, built with our own
+# flags.
 if(ZUZIPTRA_TESTS)
     find_path(zuziptra_googletest googletest/CMakeLists.txt PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH)
     if(zuziptra_googletest)

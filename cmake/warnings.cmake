@@ -1,16 +1,16 @@
-# What every target of ours is compiled with.
+# The compile options of all our targets.
 function(zuziptra_compile target)
     target_compile_features(${target} PUBLIC cxx_std_20)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
     if(MSVC)
         target_compile_options(${target} PRIVATE /W4 /WX /utf-8 /permissive-)
-        # Otherwise it calls _wfopen, sscanf and _ctime64 deprecated, which /WX makes errors.
+        # Otherwise /WX makes errors of _wfopen, sscanf and _ctime64, which it considers deprecated.
         target_compile_definitions(${target} PRIVATE _CRT_SECURE_NO_WARNINGS)
     else()
         target_compile_options(${target} PRIVATE
             -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
             $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast -Wcast-function-type>
-            # The same bytes come out whatever folder the sources lie in.
+            # The output does not depend on the folder in which the sources are.
             -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
     endif()
     if(WIN32)

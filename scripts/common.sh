@@ -12,7 +12,7 @@ fail() {
     exit 1
 }
 
-# quietly LOG COMMAND...: runs a command whose output matters only when it fails.
+# quietly LOG COMMAND...: runs a command and shows its output only when it fails.
 quietly() {
     local log=$1 folder
     folder=$(dirname "$log")
@@ -22,23 +22,23 @@ quietly() {
         ! grep -q 'No space left on device' "$log" || disk_full "$folder"
         writable "$folder"
         tail -n 40 "$log" >&2
-        fail "'$1' failed; everything it said is in $log"
+        fail "'$1' failed; its output is in $log"
     }
 }
 
-disk_full() { fail "no room left for $1: make some and try again"; }
+disk_full() { fail "no space left for $1: free some and try again"; }
 
-# writable FOLDER: makes it, and says in one line when nothing can be written there.
+# writable FOLDER: creates it; fails with one line if nothing can be written there.
 writable() {
     { mkdir -p "$1" && touch "$1/.writable"; } 2>/dev/null || fail "cannot write to $1: does it belong to another user?"
     head -c 65536 /dev/zero >"$1/.writable" 2>/dev/null || disk_full "$1"
     rm -f "$1/.writable"
 }
 
-# alone FOLDER: ends this command if another one is at work there. The lock goes with the last process that has it.
+# alone FOLDER: ends this command if another one is running there. The lock is released with the last process that has it.
 alone() {
     writable "$1"
     exec 9>"$1/lock"
-    flock --nonblock 9 || fail "another $0 is at work here (if it was killed, what is left of it ends by:" \
+    flock --nonblock 9 || fail "another $0 is running here (if it was killed, end its remaining processes with:" \
         "WINEPREFIX=$PWD/$1/prefix wineserver --kill)"
 }

@@ -1,9 +1,9 @@
-# Sourced: installs what a build or a test needs and is missing. Needs common.sh.
+# Sourced: installs the packages that a build or a test needs. Needs common.sh.
 
 dependencies=build/dependencies
 
-# need COMMAND... -- PACKAGE...: packages that are missing are installed by the system's package manager. A system that
-# has another one than Debian's is trusted to have the libraries, once the commands are there.
+# need COMMAND... -- PACKAGE...: installs the missing packages with Debian's package manager. On other systems only the
+# commands are checked; the libraries are assumed to be there.
 need() {
     local commands=() missing=() name
     while [[ $1 != -- ]]; do
@@ -18,12 +18,12 @@ need() {
         ((${#missing[@]} == 0)) || install_packages "${missing[@]}"
     fi
     for name in "${commands[@]}"; do
-        command -v "$name" >/dev/null || fail "no $name here: install it (Debian's packages: $*) and try again"
+        command -v "$name" >/dev/null || fail "$name not found: install it (Debian's packages: $*) and try again"
     done
 }
 
 install_packages() {
-    command -v apt-get >/dev/null || fail "no apt-get here: install $* by hand and try again"
+    command -v apt-get >/dev/null || fail "apt-get not found: install $* by hand and try again"
     ((EUID == 0)) || fail "run this as root, or first: apt-get install $*"
     say "installing $* (a minute or two)"
     export DEBIAN_FRONTEND=noninteractive
@@ -31,7 +31,7 @@ install_packages() {
     quietly "$dependencies/apt-install.log" apt-get install -y --no-install-recommends "$@"
 }
 
-# The package sources of this machine once more, as sources of source code.
+# This machine's package sources once more, as sources of source packages.
 source_lists() {
     local lists=$1 file
     mkdir -p "$lists"
@@ -44,8 +44,8 @@ source_lists() {
     return 0
 }
 
-# Boost for the Windows target, from Debian's sources with Boost's own CMake files. The host calls it while it lists its
-# plug-ins and at no other time: a small executable is worth more there than speed.
+# Boost for the Windows target, from Debian's sources with Boost's own CMake files. The host only calls it while it lists
+# its plug-ins, so it is compiled for size.
 build_boost_for_windows() {
     local prefix=$dependencies/windows work=$dependencies/boost root=$PWD kind=MinSizeRel
     [[ -e $prefix/complete && $(<"$prefix/complete") == "$kind" ]] && return
@@ -87,7 +87,7 @@ need_benchmarks() {
     local peer
     need pkg-config -- libbenchmark-dev pkg-config
     for peer in libinih-dev libsimpleini-dev libglib2.0-dev rapidjson-dev; do
-        (need -- "$peer") || say "going on without $peer: what is compared with it is missing from the table"
+        (need -- "$peer") || say "continuing without $peer: its rows are missing from the table"
     done
 }
 

@@ -1,5 +1,5 @@
-# Sourced by run.sh: installs the host in a Wine prefix, starts it, watches it and stops it. Needs wine.sh and what it
-# needs.
+# Sourced by run.sh: installs the host in a Wine prefix, starts it, watches it and stops it. Needs common.sh,
+# dependencies.sh and wine.sh.
 # shellcheck shell=bash
 
 run=build/run
@@ -8,16 +8,16 @@ program="$drive/Program Files/Corvell/ZiptraRemoteService"
 executable='C:\Program Files\Corvell\ZiptraRemoteService\zuZiptraRemoteService.exe'
 status=$drive/ProgramData/Corvell/zuZiptraRemoteService.status
 service=zuZiptraRemoteService
-interrupts=0 # Ctrl+C, so far
+interrupts=0 # how often Ctrl+C was pressed
 
-# Ctrl+C reaches every process of a terminal's group. Wine's are in a session of their own: the host is asked to stop
-# once, by this script, and Wine's own services are left in peace.
+# Ctrl+C reaches every process of the terminal's foreground group. Wine's processes are in a session of their own, so that
+# only this script asks the host to stop, once, and Wine's own services are not affected.
 in_wine() (
     trap '' INT TERM
     exec setsid --wait wine "$@" </dev/null
 )
 
-# Ctrl+C on a terminal ends what this script has just called as well.
+# Ctrl+C on a terminal also ends the command that this script is running.
 pause() { sleep 0.1 || true; }
 
 heed_interrupts() { trap 'interrupts=$((interrupts + 1))' INT TERM; }
@@ -39,7 +39,7 @@ install_host() {
     copy build/windows-release/bin/{zuZiptraRemoteService.exe,zusysapi.dll} "$program"
 }
 
-# share NAME: C:\Corvell\NAME becomes the maker's shared directory.
+# share NAME: makes C:\Corvell\NAME the shared directory.
 share() {
     plugins=$drive/Corvell/$1/ZiptraRemoteService/plugins
     mkdir -p "$(dirname "$plugins")"
@@ -58,13 +58,13 @@ install_examples() {
     done
 }
 
-# link_plugins DIRECTORY: used as it is and where it is.
+# link_plugins DIRECTORY: uses it in place.
 link_plugins() {
     share own
     ln -sfn "$1" "$plugins"
 }
 
-# The host says in its status file how far it is: it shows every description, as a plug-in or as one that cannot be read.
+# The host is ready when its status file shows every description, as a plug-in or as one that cannot be read.
 host_is_ready() {
     local descriptions seen
     [[ -e $status ]] || return
@@ -83,8 +83,8 @@ show_status() {
 
 start_host() {
     rm -f "$status"
-    # Wine lets every program that may be a service wait ten seconds for the control pipe of the service started last.
-    # There is no pipe of this number.
+    # Under Wine, a program that may be a service waits up to ten seconds for the control pipe of the service that was
+    # started last. No pipe has this number.
     in_wine reg add 'HKLM\System\CurrentControlSet\Control\ServiceCurrent' /ve /t REG_DWORD /d 1000000 /f >"$run/reg.log" 2>&1 || true
     trap '' INT TERM # until the host is in a session of its own
     setsid wine "$executable" </dev/null >"$run/host.log" 2>&1 &
@@ -94,17 +94,17 @@ start_host() {
 
 host_is_alive() { kill -0 "$host" 2>/dev/null; }
 
-# Comes back early when Ctrl+C comes in.
+# Returns early on Ctrl+C.
 wait_for_host() { wait "$host" && host_code=0 || host_code=$?; }
 
 host_ended_by_itself() {
     wait_for_host
     tail -n 20 "$run/host.log" >&2
-    [[ ! -e $status ]] || show_status "the last that it said of itself" >&2
+    [[ ! -e $status ]] || show_status "its last status file" >&2
     fail "the host ended by itself, with exit code $host_code"
 }
 
-# One Ctrl+C for the host, when it is there to hear it: its first status file is written under its console handler.
+# Sends the host one Ctrl+C, once its console handler is installed: its first status file is written after that.
 stop_host() {
     until [[ -e $status ]]; do
         host_is_alive || host_ended_by_itself
@@ -119,15 +119,15 @@ stop_host() {
         wait_for_host
         case $interrupts in
             0) ;;
-            1) say "the plug-ins are still stopping; once more ends the host by force" ;;
+            1) say "the plug-ins are still stopping; press Ctrl+C again to kill the host" ;;
             *)
                 { kill -KILL "$host" && wait "$host"; } 2>/dev/null || true
-                fail "the host was ended by force before it had stopped"
+                fail "the host was killed before it had stopped"
                 ;;
         esac
     done
     wait_for_host
-    # What it writes last takes the place of what was there.
+    # Its last status file replaces the earlier one.
     [[ -e $status && $(stat --format=%y "$status") != "$before" ]] ||
         fail "the host did not stop cleanly: it ended with exit code $host_code and wrote no last status file"
 }
@@ -138,7 +138,7 @@ start_service() {
     rm -f "$status"
     trap abandon_service EXIT
     say "registering the service"
-    in_wine sc delete "$service" >/dev/null 2>&1 || true # what a run left that was killed
+    in_wine sc delete "$service" >/dev/null 2>&1 || true # left behind by a run that was killed
     in_wine sc create "$service" binPath= "\"$executable\"" start= demand >"$run/service.log" 2>&1 ||
         fail "the service cannot be registered; see $run/service.log"
     say "starting it"
@@ -164,7 +164,7 @@ unregister_service() {
         fail "the service cannot be unregistered; see $run/service.log"
 }
 
-# However the run ends, the service is neither left running nor registered.
+# However the run ends, the service is stopped and unregistered.
 abandon_service() {
     in_wine net stop "$service" || true
     in_wine sc delete "$service" || true
