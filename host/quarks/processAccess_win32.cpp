@@ -4,20 +4,14 @@
 
 #include <memory>
 
+#include "quarks/closer.h"
 #include "quarks/processAccess.h"
 
 namespace nProcessAccess {
 namespace {
 
-struct CloseProcess {
-    void operator()(HANDLE process) const noexcept { CloseHandle(process); }
-};
-using tProcess = std::unique_ptr<void, CloseProcess>;
-
-struct FreeAccessList {
-    void operator()(ACL* list) const noexcept { LocalFree(list); }
-};
-using tAccessList = std::unique_ptr<ACL, FreeAccessList>;
+using tProcess = std::unique_ptr<void, tCloser<CloseHandle>>;
+using tAccessList = std::unique_ptr<ACL, tCloser<LocalFree>>;
 
 /// Everyone may query the process. The entry refers to the SID.
 EXPLICIT_ACCESS_A queryEntry(SID& everyone) noexcept {

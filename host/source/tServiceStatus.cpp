@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "err/Exception.h"
+#include "quarks/closer.h"
 #include "source/statusFile.h"
 #include "source/tService.h"
 #include "stdpath/stdpath.h"
@@ -27,13 +28,11 @@ std::string statusText(const tService& service) {
     return text.append("\n").append(service.messages).append(service.pluginManager.statusText());
 }
 
-struct CloseFile {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
+using tFile = std::unique_ptr<std::FILE, tCloser<std::fclose>>;
 
 /// Leaves a complete file behind or throws.
 void writeTextFile(const std::string& path, std::string text) {
-    std::unique_ptr<std::FILE, CloseFile> file(nStatusFile::open(path));
+    tFile file(nStatusFile::open(path));
     if (!file) zuerr::Raise({zuerr::insufficientPermissions, {sourceFile, 207}});
 
     std::erase(text, '\r');  // the text mode puts one before every line feed, and would double those that are there

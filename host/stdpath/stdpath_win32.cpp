@@ -1,8 +1,12 @@
 #include <windows.h>
 
+#include "quarks/closer.h"
 #include "stdpath/stdpath.h"
 // windows.h first: shlobj.h needs its types.
 #include <shlobj.h>
+
+#include <memory>
+#include <type_traits>
 
 namespace nStdPath {
 namespace {
@@ -10,47 +14,22 @@ namespace {
 wchar_t* asWide(char16_t* text) { return reinterpret_cast<wchar_t*>(text); }
 const wchar_t* asWide(const char16_t* text) { return reinterpret_cast<const wchar_t*>(text); }
 
-/// The system's text for an error code.
-class tSystemMessage {
-public:
-    explicit tSystemMessage(DWORD code) noexcept {
-        FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                       nullptr, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<LPSTR>(&text_), 0,
-                       nullptr);
-    }
-    ~tSystemMessage() {
-        if (text_ != nullptr) LocalFree(text_);
-    }
-    tSystemMessage(const tSystemMessage&) = delete;
-    tSystemMessage& operator=(const tSystemMessage&) = delete;
+using tMessage = std::unique_ptr<char, tCloser<LocalFree>>;
+using tRegistryKey = std::unique_ptr<std::remove_pointer_t<HKEY>, tCloser<RegCloseKey>>;
 
-    /// Null when the system has none.
-    [[nodiscard]] const char* text() const noexcept { return text_; }
-
-private:
-    char* text_ = nullptr;
-};
+/// The system's text for an error code; null when it has none.
+tMessage systemMessage(DWORD code) noexcept {
+    char* text = nullptr;
+    FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                   code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<LPSTR>(&text), 0, nullptr);
+    return tMessage(text);
+}
 
 void raiseWin32Error(zuerr::StatusRecord& status, std::int32_t line, LSTATUS result, const char* description) {
     if (status.failed()) return;
     const auto code = static_cast<DWORD>(result);
-    const tSystemMessage message(code);
-    raiseSystemError(status, line, {tSystemError::tKind::win32, code, message.text()}, description);
+    raiseSystemError(status, line, {tSystemError::tKind::win32, code, systemMessage(code).get()}, description);
 }
-
-/// A key that was opened; closed when it goes.
-class tRegistryKey {
-public:
-    explicit tRegistryKey(HKEY key) noexcept : key_(key) {}
-    ~tRegistryKey() { RegCloseKey(key_); }
-    tRegistryKey(const tRegistryKey&) = delete;
-    tRegistryKey& operator=(const tRegistryKey&) = delete;
-
-    [[nodiscard]] HKEY get() const noexcept { return key_; }
-
-private:
-    HKEY key_;
-};
 
 /// Reads the whole value, which may grow between two calls. Gives the last call's result.
 LSTATUS queryValue(HKEY key, const char16_t* valueName, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
