@@ -43,6 +43,10 @@ void runService();
 void stopService();
 void signalServiceStop();
 
+/// Clears the deployment bit in the service's mask if deployment is not allowed. A query that fails leaves the mask
+/// unchanged and appends the reason to the service's messages as a line.
+void ApplyDeploymentSetting(tService& service);
+
 /// Renders the service's state and replaces the status file by it. No std::exception leaves it: a status file that
 /// cannot be written does not stop the service.
 void WriteStatus(const tService& service);

@@ -1,5 +1,4 @@
 #include "err/Exception.h"
-#include "source/nDeployment.h"
 #include "source/nPluginData.h"
 #include "source/nPluginOrder.h"
 #include "source/tService.h"
@@ -16,7 +15,7 @@ void tService::run() {
     }
     std::vector<tPluginDescription> descriptions = readDescriptions(descriptionPaths);
     nPluginOrder::sort(descriptions);
-    nDeployment::ApplyDeploymentSetting(*this);
+    ApplyDeploymentSetting(*this);
     initTimeMs = stopwatch.elapsedMs();
     WriteStatus(*this);
 

@@ -91,8 +91,8 @@ TEST(Holder, KeepsWhatItHeldWhenACallFails) {
     tFacet held;
     tAnyHolder holder;
     holder.assign(held);
-    EXPECT_FALSE(holder.receive([](nZusysapi::Object**) { return -1; }));
-    EXPECT_FALSE(holder.receive([](nZusysapi::Object**) { return 0; }));
+    EXPECT_FALSE(holder.acquire([](nZusysapi::Object**) { return -1; }));
+    EXPECT_FALSE(holder.acquire([](nZusysapi::Object**) { return 0; }));
     EXPECT_EQ(holder.get(), &held);
     EXPECT_EQ(held.references, 1U);
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "source/nDeployment.h"
+#include "source/nDeploymentPlatform.h"
 #include "tests/support/folder.h"
 #include "tests/support/imports_win32.h"
 
@@ -59,7 +60,7 @@ TEST_F(StandIn, SaysThatNothingIsHeldAfterAQuery) {
 
 TEST_F(StandIn, NamesTheObjectsThatAreStillHeld) {
     nZusysapi::Framework* framework = nullptr;
-    ASSERT_EQ(nDeployment::bindFramework()(1, 0, &framework), 0);
+    ASSERT_EQ(nDeployment::findFrameworkEntry()(1, 0, &framework), 0);
     framework->addReference();
     nZusysapi::Options* options = nullptr;
     ASSERT_EQ(framework->createOptions(&options), 0);
@@ -94,7 +95,7 @@ TEST_F(StandIn, HasNoSettingWhenTheLastStepFails) {
 
 TEST_F(StandIn, RefusesArgumentsThatAreNotTheHosts) {
     nZusysapi::Framework* framework = nullptr;
-    const nZusysapi::InstantiateFramework2 instantiate = nDeployment::bindFramework();
+    const nZusysapi::InstantiateFramework2 instantiate = nDeployment::findFrameworkEntry();
     EXPECT_EQ(instantiate(0, 1, &framework), -101);
     EXPECT_EQ(instantiate(1, 0, nullptr), -101);
     ASSERT_EQ(instantiate(1, 0, &framework), 0);
@@ -118,7 +119,7 @@ TEST_F(StandIn, RefusesArgumentsThatAreNotTheHosts) {
 
 TEST_F(StandIn, IsOneObjectToWhoeverAsksForItsIdentity) {
     nZusysapi::Framework* framework = nullptr;
-    ASSERT_EQ(nDeployment::bindFramework()(1, 0, &framework), 0);
+    ASSERT_EQ(nDeployment::findFrameworkEntry()(1, 0, &framework), 0);
     void* identity = nullptr;
     ASSERT_EQ(framework->queryInterface(nZusysapi::identity, &identity), 0);
     EXPECT_EQ(identity, static_cast<nZusysapi::Object*>(framework));

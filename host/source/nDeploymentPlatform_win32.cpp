@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include "source/nDeployment.h"
+#include "source/nDeploymentPlatform.h"
 
 namespace nDeployment {
 namespace {
@@ -13,7 +13,7 @@ nZusysapi::InstantiateFramework2 findEntry(HMODULE library) noexcept {
 
 }  // namespace
 
-nZusysapi::InstantiateFramework2 bindFramework() noexcept {
+nZusysapi::InstantiateFramework2 findFrameworkEntry() noexcept {
     // Loaded already, by an earlier attempt as a rule: the reference taken then is kept for good.
     if (const HMODULE loaded = GetModuleHandleA(nZusysapi::libraryName); loaded != nullptr) return findEntry(loaded);
 
@@ -25,6 +25,6 @@ nZusysapi::InstantiateFramework2 bindFramework() noexcept {
     return entry;
 }
 
-void pause(std::uint32_t milliseconds) noexcept { Sleep(milliseconds); }
+void sleepMs(std::uint32_t milliseconds) noexcept { Sleep(milliseconds); }
 
 }  // namespace nDeployment

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "source/nDeployment.h"
-#include "source/tService.h"
+#include "source/nDeploymentPlatform.h"
 #include "tests/support/framework.h"
 #include "tests/support/imports_win32.h"
 
@@ -68,26 +68,26 @@ protected:
 
 // 2560 = beside the executable (512) and in the system folder (2048): nowhere else could somebody plant a library.
 TEST_F(Binding, LooksBesideTheExecutableAndInTheSystemFolderOnly) {
-    EXPECT_EQ(nDeployment::bindFramework(), &tScriptedFramework::instantiate);
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
     EXPECT_THAT(calls,
                 ElementsAre("find zusysapi.dll", "load zusysapi.dll 2560", "look up zusysInstantiateFramework2"));
 }
 
 TEST_F(Binding, TakesNoSecondReferenceToALibraryThatIsThere) {
     loaded = true;
-    EXPECT_EQ(nDeployment::bindFramework(), &tScriptedFramework::instantiate);
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
     EXPECT_THAT(calls, ElementsAre("find zusysapi.dll", "look up zusysInstantiateFramework2"));
 }
 
 TEST_F(Binding, GivesNothingWhenTheLibraryIsMissing) {
     present = false;
-    EXPECT_EQ(nDeployment::bindFramework(), nullptr);
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_THAT(calls, ElementsAre("find zusysapi.dll", "load zusysapi.dll 2560"));
 }
 
 TEST_F(Binding, LetsALibraryWithoutTheEntryGoAgain) {
     entry = nullptr;
-    EXPECT_EQ(nDeployment::bindFramework(), nullptr);
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_EQ(calls.back(), "free");
     EXPECT_FALSE(loaded);
 }
