@@ -11,7 +11,7 @@ namespace nDeployment {
 /// and not by an import, so that the program starts without it. It must be beside the executable or in the system
 /// folder: in the current directory or along PATH others may be able to plant a library of that name. It then stays
 /// loaded, with one reference however often this is called; a library without the entry does not.
-[[nodiscard]] nZusysapi::InstantiateFramework2 findFrameworkEntry() noexcept;
+[[nodiscard]] nZusysapi::InstantiateFramework2 findFrameworkEntry();
 
 /// Blocks the calling thread.
 void sleepMs(std::uint32_t milliseconds) noexcept;

@@ -4,6 +4,7 @@
 
 #include "err/Exception.h"
 #include "stdpath/path.h"
+#include "stdpath/systemError.h"
 #include "stdpath/utf.h"
 
 namespace nStdPath {
@@ -12,8 +13,8 @@ namespace {
 constexpr std::int32_t commonAppData = 35;  // CSIDL_COMMON_APPDATA
 constexpr std::size_t usualPathLength = 256;
 
-/// What isspace says in the C locale. The function itself goes by the locale of the moment, which a plug-in may have
-/// set for the whole process, and then the last byte of a letter may be a space.
+/// isspace of the C locale. The function itself follows the present locale, which a plug-in may have set for the whole
+/// process, and then the last byte of a letter may be a space.
 constexpr bool isSpace(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
 
 constexpr bool endsNoPath(char character) { return isSpace(character) || character == 0 || character == '\\'; }

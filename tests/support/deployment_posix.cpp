@@ -21,7 +21,7 @@ tDeploymentPlatform::~tDeploymentPlatform() { current = nullptr; }
 
 namespace nDeployment {
 
-nZusysapi::InstantiateFramework2 findFrameworkEntry() noexcept { return current == nullptr ? nullptr : current->entry; }
+nZusysapi::InstantiateFramework2 findFrameworkEntry() { return current == nullptr ? nullptr : current->entry; }
 
 void sleepMs(std::uint32_t milliseconds) noexcept {
     if (current == nullptr) return;

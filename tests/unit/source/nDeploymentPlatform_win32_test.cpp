@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cwchar>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,6 +55,24 @@ protected:
         });
     }
 
+    /// Windows 7 without the search flags: what each absolute path leads to is up to the test.
+    void refuseSearchFlags() {
+        imports::LoadLibraryExA.replace([](auto...) -> HMODULE {
+            SetLastError(ERROR_INVALID_PARAMETER);
+            return nullptr;
+        });
+        imports::GetModuleFileNameW.replace([](HMODULE, wchar_t* path, DWORD) {
+            return DWORD(std::wcslen(std::wcscpy(path, L"C:\\größe\\host.exe")));
+        });
+        imports::GetSystemDirectoryW.replace(
+            [](wchar_t* path, UINT) { return UINT(std::wcslen(std::wcscpy(path, L"S:\\s"))); });
+        imports::LoadLibraryExW.replace([this](const wchar_t* path, HANDLE, DWORD flags) -> HMODULE {
+            EXPECT_EQ(flags, DWORD{LOAD_WITH_ALTERED_SEARCH_PATH});
+            paths.emplace_back(path);
+            return paths.size() == triesUntilFound ? handle() : nullptr;
+        });
+    }
+
     static FARPROC scripted() {
         return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&tScriptedFramework::instantiate));
     }
@@ -64,6 +83,8 @@ protected:
     std::vector<std::string> calls;
     std::vector<DWORD> pauses;
     std::function<void()> onPause;
+    std::vector<std::wstring> paths;
+    std::size_t triesUntilFound = 0;
 };
 
 // 2560 = beside the executable (512) and in the system folder (2048): nowhere else could somebody plant a library.
@@ -90,6 +111,60 @@ TEST_F(Binding, LetsALibraryWithoutTheEntryGoAgain) {
     EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_EQ(calls.back(), "free");
     EXPECT_FALSE(loaded);
+}
+
+TEST_F(Binding, TriesTheTwoFoldersByAbsolutePathsWhereTheSearchFlagsAreUnknown) {
+    refuseSearchFlags();
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
+    EXPECT_THAT(paths, ElementsAre(L"C:\\größe\\zusysapi.dll", L"S:\\s\\zusysapi.dll"));
+}
+
+TEST_F(Binding, TakesTheLibraryBesideTheExecutableFirstWhereTheSearchFlagsAreUnknown) {
+    refuseSearchFlags();
+    for (triesUntilFound = 1; triesUntilFound <= 2; ++triesUntilFound) {
+        paths.clear();
+        EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
+        EXPECT_THAT(paths, SizeIs(triesUntilFound));
+    }
+}
+
+TEST_F(Binding, TriesNoAbsolutePathAfterAnyOtherError) {
+    refuseSearchFlags();
+    present = false;
+    imports::LoadLibraryExA.replace([](auto...) -> HMODULE {
+        SetLastError(ERROR_BAD_EXE_FORMAT);
+        return nullptr;
+    });
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
+    EXPECT_THAT(paths, SizeIs(0));
+}
+
+TEST_F(Binding, TriesNoFolderThatTheSystemDoesNotTell) {
+    refuseSearchFlags();
+    imports::GetModuleFileNameW.replace([](auto...) { return DWORD{0}; });
+    imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
+    EXPECT_THAT(paths, SizeIs(0));
+}
+
+// A damaged library would otherwise display a message box, and the start would wait for someone to close it.
+TEST_F(Binding, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheErrorHasBeenRead) {
+    refuseSearchFlags();
+    DWORD mode = SEM_NOOPENFILEERRORBOX;
+    imports::SetThreadErrorMode.replace([&](DWORD newMode, DWORD* previous) {
+        if (previous != nullptr) *previous = mode;
+        mode = newMode;
+        SetLastError(ERROR_SUCCESS);
+        return TRUE;
+    });
+    imports::LoadLibraryExA.replace([&](auto...) -> HMODULE {
+        EXPECT_EQ(mode, DWORD{SEM_FAILCRITICALERRORS});
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    });
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
+    EXPECT_THAT(paths, SizeIs(2));
+    EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX});
 }
 
 TEST_F(Binding, AFrameworkThatAnswersAtTheThirdAttemptCostsTwoPausesOfTenSeconds) {

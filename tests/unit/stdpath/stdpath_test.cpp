@@ -4,6 +4,7 @@
 
 #include "err/Exception.h"
 #include "stdpath/path.h"
+#include "stdpath/systemError.h"
 #include "tests/support/stdpath.h"
 
 namespace {

@@ -315,6 +315,86 @@ TEST_F(KnownFolder, CallsNothingWhenTheRecordHoldsAFailure) {
     EXPECT_EQ(wide.size(), 0U);
 }
 
+/// The system's loader on a machine where shell32 has not been loaded yet.
+class Shell32 : public KnownFolder {
+protected:
+    Shell32() {
+        imports::GetSystemDirectoryW.replace(
+            [](wchar_t* path, UINT) { return UINT(std::wcslen(std::wcscpy(path, L"S:\\s"))); });
+        imports::GetModuleHandleW.replace([this](const wchar_t* path) {
+            loaderCalls += "find ";
+            EXPECT_EQ(std::wstring(path), L"S:\\s\\shell32.dll");
+            return loaded ? handle : nullptr;
+        });
+        imports::LoadLibraryExW.replace([this](const wchar_t* path, HANDLE file, DWORD flags) {
+            loaderCalls += "load ";
+            EXPECT_EQ(std::wstring(path), L"S:\\s\\shell32.dll");
+            EXPECT_EQ(file, nullptr);
+            EXPECT_EQ(flags, DWORD{LOAD_WITH_ALTERED_SEARCH_PATH});
+            EXPECT_EQ(mode, DWORD{SEM_FAILCRITICALERRORS}) << "a message box would block the start";
+            loaded = canBeLoaded;
+            SetLastError(ERROR_MOD_NOT_FOUND);
+            return loaded ? handle : nullptr;
+        });
+        imports::SetThreadErrorMode.replace([this](DWORD newMode, DWORD* previous) {
+            if (previous != nullptr) *previous = mode;
+            mode = newMode;
+            SetLastError(ERROR_SUCCESS);
+            return TRUE;
+        });
+    }
+
+    std::string directory;
+    const HMODULE handle =
+        GetModuleHandleA("shell32.dll") != nullptr ? GetModuleHandleA("shell32.dll") : LoadLibraryA("shell32.dll");
+    bool loaded = false;
+    bool canBeLoaded = true;
+    DWORD mode = SEM_NOOPENFILEERRORBOX;
+    std::string loaderCalls;
+};
+
+TEST_F(Shell32, IsLoadedFromTheSystemFolderByTheFirstCallAndFoundByLaterOnes) {
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, 0);
+    EXPECT_EQ(directory, "C:\\ProgramData\\Corvell");
+    EXPECT_EQ(loaderCalls, "find load find ");
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX}) << "the thread's mode is restored";
+}
+
+TEST_F(Shell32, ThatCannotBeLoadedIsADescribedFailureAndIsTriedAgain) {
+    canBeLoaded = false;
+    zuerr::StatusRecord failed;
+    nStdPath::getCommonAppDataDirectory(directory, failed);
+    EXPECT_EQ(failed.code, -52006);
+    EXPECT_EQ(failed.json,
+              R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":293,)"
+              R"("component":"zuZiptraRemoteService","internal_error":{"api":"hresult","code":-2147024770},)"
+              R"("zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
+    EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX});
+
+    canBeLoaded = true;
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, 0);
+    EXPECT_EQ(directory, "C:\\ProgramData\\Corvell");
+    EXPECT_EQ(loaderCalls, "find load find load ");
+}
+
+TEST_F(Shell32, WithoutTheFunctionIsAFailureWhateverTheLastErrorIs) {
+    imports::GetProcAddress.replace([](auto...) -> FARPROC { return nullptr; });
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(Shell32, IsNotLookedForAtTheRootOfADriveIfTheSystemFolderIsUnknown) {
+    imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_EQ(loaderCalls, "");
+}
+
 TEST(KnownFolders, IncludeTheMachinesApplicationData) {
     zuerr::StatusRecord status;
     std::string directory;
