@@ -29,7 +29,7 @@ void tService::run() {
     WriteStatus(*this);
 }
 
-/// A file that cannot be read costs its own plug-in and no other.
+/// A file that cannot be read affects no plug-in but its own.
 std::vector<tPluginDescription> tService::readDescriptions(const std::vector<std::string>& descriptionPaths) {
     std::vector<tPluginDescription> descriptions;
     descriptions.reserve(descriptionPaths.size());
