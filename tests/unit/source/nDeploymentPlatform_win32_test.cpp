@@ -25,9 +25,9 @@ int theLibrary = 0;  // its address is the library's handle
 HMODULE handle() { return reinterpret_cast<HMODULE>(&theLibrary); }
 
 /// The loader as the binding sees it.
-class Binding : public testing::Test {
+class DeploymentPlatform : public testing::Test {
 protected:
-    Binding() {
+    DeploymentPlatform() {
         imports::GetModuleHandleA.replace([this](LPCSTR name) -> HMODULE {
             calls.push_back(std::string("find ") + name);
             return loaded ? handle() : nullptr;
@@ -88,38 +88,38 @@ protected:
 };
 
 // 2560 = beside the executable (512) and in the system folder (2048): nowhere else could somebody plant a library.
-TEST_F(Binding, LooksBesideTheExecutableAndInTheSystemFolderOnly) {
+TEST_F(DeploymentPlatform, LooksBesideTheExecutableAndInTheSystemFolderOnly) {
     EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
     EXPECT_THAT(calls,
                 ElementsAre("find zusysapi.dll", "load zusysapi.dll 2560", "look up zusysInstantiateFramework2"));
 }
 
-TEST_F(Binding, TakesNoSecondReferenceToALibraryThatIsThere) {
+TEST_F(DeploymentPlatform, TakesNoSecondReferenceToALibraryThatIsThere) {
     loaded = true;
     EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
     EXPECT_THAT(calls, ElementsAre("find zusysapi.dll", "look up zusysInstantiateFramework2"));
 }
 
-TEST_F(Binding, GivesNothingWhenTheLibraryIsMissing) {
+TEST_F(DeploymentPlatform, GivesNothingWhenTheLibraryIsMissing) {
     present = false;
     EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_THAT(calls, ElementsAre("find zusysapi.dll", "load zusysapi.dll 2560"));
 }
 
-TEST_F(Binding, LetsALibraryWithoutTheEntryGoAgain) {
+TEST_F(DeploymentPlatform, LetsALibraryWithoutTheEntryGoAgain) {
     entry = nullptr;
     EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_EQ(calls.back(), "free");
     EXPECT_FALSE(loaded);
 }
 
-TEST_F(Binding, TriesTheTwoFoldersByAbsolutePathsWhereTheSearchFlagsAreUnknown) {
+TEST_F(DeploymentPlatform, TriesTheTwoFoldersByAbsolutePathsWhereTheSearchFlagsAreUnknown) {
     refuseSearchFlags();
     EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_THAT(paths, ElementsAre(L"C:\\größe\\zusysapi.dll", L"S:\\s\\zusysapi.dll"));
 }
 
-TEST_F(Binding, TakesTheLibraryBesideTheExecutableFirstWhereTheSearchFlagsAreUnknown) {
+TEST_F(DeploymentPlatform, TakesTheLibraryBesideTheExecutableFirstWhereTheSearchFlagsAreUnknown) {
     refuseSearchFlags();
     for (triesUntilFound = 1; triesUntilFound <= 2; ++triesUntilFound) {
         paths.clear();
@@ -128,7 +128,7 @@ TEST_F(Binding, TakesTheLibraryBesideTheExecutableFirstWhereTheSearchFlagsAreUnk
     }
 }
 
-TEST_F(Binding, TriesNoAbsolutePathAfterAnyOtherError) {
+TEST_F(DeploymentPlatform, TriesNoAbsolutePathAfterAnyOtherError) {
     refuseSearchFlags();
     present = false;
     imports::LoadLibraryExA.replace([](auto...) -> HMODULE {
@@ -139,7 +139,7 @@ TEST_F(Binding, TriesNoAbsolutePathAfterAnyOtherError) {
     EXPECT_THAT(paths, SizeIs(0));
 }
 
-TEST_F(Binding, TriesNoFolderThatTheSystemDoesNotTell) {
+TEST_F(DeploymentPlatform, TriesNoFolderThatTheSystemDoesNotTell) {
     refuseSearchFlags();
     imports::GetModuleFileNameW.replace([](auto...) { return DWORD{0}; });
     imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
@@ -148,7 +148,7 @@ TEST_F(Binding, TriesNoFolderThatTheSystemDoesNotTell) {
 }
 
 // A damaged library would otherwise display a message box, and the start would wait for someone to close it.
-TEST_F(Binding, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheErrorHasBeenRead) {
+TEST_F(DeploymentPlatform, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheErrorHasBeenRead) {
     refuseSearchFlags();
     DWORD mode = SEM_NOOPENFILEERRORBOX;
     imports::SetThreadErrorMode.replace([&](DWORD newMode, DWORD* previous) {
@@ -167,14 +167,14 @@ TEST_F(Binding, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheErrorHasBeenRead
     EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX});
 }
 
-TEST_F(Binding, AFrameworkThatAnswersAtTheThirdAttemptCostsTwoPausesOfTenSeconds) {
+TEST_F(DeploymentPlatform, AFrameworkThatAnswersAtTheThirdAttemptCostsTwoPausesOfTenSeconds) {
     tScriptedFramework framework;
     framework.outcome = [](int attempt, int /*step*/) { return attempt <= 2 ? -1 : 0; };
     EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
     EXPECT_THAT(pauses, ElementsAre(10'000U, 10'000U));
 }
 
-TEST_F(Binding, AMachineWithoutTheLibraryWaitsOutSevenPausesAndSaysSo) {
+TEST_F(DeploymentPlatform, AMachineWithoutTheLibraryWaitsOutSevenPausesAndSaysSo) {
     present = false;
     EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
                  zuZiptraRemoteService::CannotInitSystemFramework);
@@ -182,7 +182,7 @@ TEST_F(Binding, AMachineWithoutTheLibraryWaitsOutSevenPausesAndSaysSo) {
     EXPECT_THAT(pauses, Each(10'000U));
 }
 
-TEST_F(Binding, ALibraryThatComesLaterIsFound) {
+TEST_F(DeploymentPlatform, ALibraryThatComesLaterIsFound) {
     tScriptedFramework framework;
     present = false;
     onPause = [this] { present = true; };
@@ -279,7 +279,7 @@ std::int32_t instantiate(std::uint32_t first, std::uint32_t second, tObject** ou
     return 0;
 }
 
-TEST_F(Binding, CallsTheSlotsThatTheLibraryHasThemIn) {
+TEST_F(DeploymentPlatform, CallsTheSlotsThatTheLibraryHasThemIn) {
     std::vector<std::string> seen;
     slotCalls = &seen;
     frameworkTable.functions[0] = reinterpret_cast<void*>(&identify);

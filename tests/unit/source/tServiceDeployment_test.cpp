@@ -15,8 +15,8 @@ namespace {
 using nZusysapi::Result;
 using support::tScriptedFramework;
 
-struct DeploymentSetting : testing::Test {
-    DeploymentSetting() {
+struct ServiceDeployment : testing::Test {
+    ServiceDeployment() {
         world.deployment.entry = tScriptedFramework::instantiate;
         startService();
     }
@@ -25,7 +25,7 @@ struct DeploymentSetting : testing::Test {
     support::tServiceWorld world;
 };
 
-TEST_F(DeploymentSetting, OfZeroClearsItsBitAndNoOther) {
+TEST_F(ServiceDeployment, OfZeroClearsItsBitAndNoOther) {
     framework.setting = 0;
     for (const auto& [before, after] : {std::pair(0xFFFFFFFFU, 0xFFFFFFFDU), {6U, 4U}, {2U, 0U}, {5U, 5U}, {0U, 0U}}) {
         gService->allowedMask = before;
@@ -35,7 +35,7 @@ TEST_F(DeploymentSetting, OfZeroClearsItsBitAndNoOther) {
     EXPECT_EQ(gService->messages, "");
 }
 
-TEST_F(DeploymentSetting, OfAnythingElseLeavesTheMaskAsItIs) {
+TEST_F(ServiceDeployment, OfAnythingElseLeavesTheMaskAsItIs) {
     for (const std::uint32_t mask : {0xFFFFFFFFU, 2U, 5U}) {
         framework.setting = 7;
         gService->allowedMask = mask;
@@ -45,7 +45,7 @@ TEST_F(DeploymentSetting, OfAnythingElseLeavesTheMaskAsItIs) {
     EXPECT_EQ(gService->messages, "");
 }
 
-TEST_F(DeploymentSetting, ThatCannotBeReachedIsALineBehindTheOthersAndLeavesTheMask) {
+TEST_F(ServiceDeployment, ThatCannotBeReachedIsALineBehindTheOthersAndLeavesTheMask) {
     framework.outcome = [](int, int step) { return step == 3 ? 1 : 0; };
     gService->messages = "earlier\n";
     ApplyDeploymentSetting(*gService);
@@ -53,7 +53,7 @@ TEST_F(DeploymentSetting, ThatCannotBeReachedIsALineBehindTheOthersAndLeavesTheM
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
 }
 
-TEST_F(DeploymentSetting, ThatCannotBeReadIsALineAndLeavesTheMask) {
+TEST_F(ServiceDeployment, ThatCannotBeReadIsALineAndLeavesTheMask) {
     framework.setting = 0;
     framework.outcome = [](int, int step) { return step == 6 ? 1 : 0; };
     ApplyDeploymentSetting(*gService);
@@ -61,14 +61,14 @@ TEST_F(DeploymentSetting, ThatCannotBeReadIsALineAndLeavesTheMask) {
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
 }
 
-TEST_F(DeploymentSetting, TakesTheTextOfAnyOtherStandardException) {
+TEST_F(ServiceDeployment, TakesTheTextOfAnyOtherStandardException) {
     framework.outcome = [](int, int) -> Result { throw std::logic_error("broken framework"); };
     ApplyDeploymentSetting(*gService);
     EXPECT_EQ(gService->messages, "broken framework\n");
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
 }
 
-TEST_F(DeploymentSetting, LetsExceptionsThatAreNoStandardOnesPassWithNothingHeld) {
+TEST_F(ServiceDeployment, LetsExceptionsThatAreNoStandardOnesPassWithNothingHeld) {
     framework.outcome = [](int, int step) -> Result { return step == 6 ? throw 42 : 0; };
     EXPECT_THROW(ApplyDeploymentSetting(*gService), int);
     EXPECT_EQ(gService->messages, "");
@@ -76,12 +76,12 @@ TEST_F(DeploymentSetting, LetsExceptionsThatAreNoStandardOnesPassWithNothingHeld
 }
 
 /// A framework library with a C++ runtime of its own that throws instead of answering. See plugins/throwing.
-class ThrowingFramework : public testing::Test {
+class ServiceDeploymentThrowing : public testing::Test {
 protected:
-    ThrowingFramework() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {
+    ServiceDeploymentThrowing() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {
         startService();
     }
-    ~ThrowingFramework() override { nLibrary::unload(library_, osError_); }
+    ~ServiceDeploymentThrowing() override { nLibrary::unload(library_, osError_); }
 
     void expectMessage(const char* entry, const std::string& message) {
         void* const address = nLibrary::symbol(library_, entry, osError_);
@@ -100,16 +100,16 @@ private:
     nLibrary::Handle library_;
 };
 
-TEST_F(ThrowingFramework, IsALineWithTheTextOfWhatItThrows) {
+TEST_F(ServiceDeploymentThrowing, IsALineWithTheTextOfWhatItThrows) {
     expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
     expectMessage("ThrowOddText", "%s%n\xFF\x01\"\n\n");
     expectMessage("ThrowEmptyText", "\n");
     expectMessage("ThrowLongText", std::string(1'000'000, 'x') + "\n");
 }
 
-TEST_F(ThrowingFramework, IsAnEmptyLineWhenWhatItThrowsHasNoTextAtAll) { expectMessage("ThrowNoText", "\n"); }
+TEST_F(ServiceDeploymentThrowing, IsAnEmptyLineWhenWhatItThrowsHasNoTextAtAll) { expectMessage("ThrowNoText", "\n"); }
 
-TEST_F(ThrowingFramework, DoesNotBlurWhetherAnExceptionIsPropagating) {
+TEST_F(ServiceDeploymentThrowing, DoesNotBlurWhetherAnExceptionIsPropagating) {
     for (int i = 0; i < 3; ++i) expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
     support::expectPropagationToBeTold();
 }

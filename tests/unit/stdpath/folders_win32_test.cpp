@@ -8,19 +8,19 @@
 
 namespace {
 
-TEST(NStdPathFolders, AreTheOnesOfThisProgramAndOfTheSystem) {
+TEST(StdPathFolders, AreTheOnesOfThisProgramAndOfTheSystem) {
     EXPECT_TRUE(exists(std::filesystem::path(nStdPath::applicationFolder()) / "unit_tests.exe"));
     EXPECT_TRUE(exists(std::filesystem::path(nStdPath::systemFolder()) / "kernel32.dll"));
 }
 
-TEST(NStdPathFolders, AreEmptyIfTheSystemDoesNotTell) {
+TEST(StdPathFolders, AreEmptyIfTheSystemDoesNotTell) {
     imports::GetModuleFileNameW.replace([](auto...) { return DWORD{0}; });
     imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
     EXPECT_EQ(nStdPath::applicationFolder(), L"");
     EXPECT_EQ(nStdPath::systemFolder(), L"");
 }
 
-TEST(NStdPathFolders, AreEmptyIfThePathIsCut) {
+TEST(StdPathFolders, AreEmptyIfThePathIsCut) {
     imports::GetModuleFileNameW.replace([](HMODULE, wchar_t* path, DWORD size) {
         std::wmemset(path, L'\\', size);
         return size;
