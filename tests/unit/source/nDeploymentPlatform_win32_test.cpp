@@ -16,7 +16,6 @@
 namespace {
 
 using support::tScriptedFramework;
-using testing::Each;
 using testing::ElementsAre;
 using testing::SizeIs;
 
@@ -49,10 +48,6 @@ protected:
             loaded = false;
             return TRUE;
         });
-        imports::Sleep.replace([this](DWORD milliseconds) {
-            pauses.push_back(milliseconds);
-            if (onPause) onPause();
-        });
     }
 
     /// Windows 7 without the search flags: what each absolute path leads to is up to the test.
@@ -81,8 +76,6 @@ protected:
     bool loaded = false;
     FARPROC entry = scripted();
     std::vector<std::string> calls;
-    std::vector<DWORD> pauses;
-    std::function<void()> onPause;
     std::vector<std::wstring> paths;
     std::size_t triesUntilFound = 0;
 };
@@ -167,27 +160,11 @@ TEST_F(DeploymentPlatform, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheError
     EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX});
 }
 
-TEST_F(DeploymentPlatform, AFrameworkThatAnswersAtTheThirdAttemptCostsTwoPausesOfTenSeconds) {
-    tScriptedFramework framework;
-    framework.outcome = [](int attempt, int /*step*/) { return attempt <= 2 ? -1 : 0; };
-    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
-    EXPECT_THAT(pauses, ElementsAre(10'000U, 10'000U));
-}
-
-TEST_F(DeploymentPlatform, AMachineWithoutTheLibraryWaitsOutSevenPausesAndSaysSo) {
-    present = false;
-    EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
-                 zuZiptraRemoteService::CannotInitSystemFramework);
-    EXPECT_THAT(pauses, SizeIs(7));
-    EXPECT_THAT(pauses, Each(10'000U));
-}
-
-TEST_F(DeploymentPlatform, ALibraryThatComesLaterIsFound) {
-    tScriptedFramework framework;
-    present = false;
-    onPause = [this] { present = true; };
-    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
-    EXPECT_THAT(pauses, SizeIs(1));
+TEST_F(DeploymentPlatform, SleepsForAsManyMillisecondsAsItIsTold) {
+    DWORD slept = 0;
+    imports::Sleep.replace([&slept](DWORD milliseconds) { slept = milliseconds; });
+    nDeployment::sleepMs(10'000);
+    EXPECT_EQ(slept, 10'000U);
 }
 
 // The binary interface: an object is a pointer to a table of functions. This one is made by hand, so that a change in

@@ -11,7 +11,6 @@
 
 #include "source/tService.h"
 #include "tests/support/caughtReports.h"
-#include "tests/support/failingNew.h"
 #include "tests/support/failure.h"
 #include "tests/support/folder.h"
 #include "tests/support/serviceWorld.h"
@@ -149,28 +148,6 @@ TEST_F(ServiceStatusText, OfAnUnknownFolderIsReportedToTheTraceLikeAnyOtherFailu
     const support::tCaughtReports reports;
     WriteStatus(*gService);
     EXPECT_THAT(reports.texts, ElementsAre(HasSubstr("kestStatusResourceNotFound")));
-}
-
-TEST_F(ServiceStatusText, StaysThatOfTheOldFileOrTheNewOneWhereverMemoryRunsOut) {
-    gService->messages = "a message that is longer than any string holds without memory of its own\n";
-    tPluginDescription plugin;
-    plugin.name = "Alpha";
-    gService->pluginManager.startAll({plugin}, 0);
-    const std::string before = written();
-    gService->allowedMask = 0;
-    bool failed = true;
-    for (int nth = 1; failed; ++nth) {
-        failingNew::start(nth, failingNew::tHowLong::once);
-        EXPECT_NO_THROW(WriteStatus(*gService));
-        failed = failingNew::stop();
-        const std::string text = content(world.statusFolder / fileName);
-        const bool isNew =
-            text.find("\nAllowed: 0x0\n") != std::string::npos && text.ends_with("\nInit Code: -52002\n\n");
-        // While the rename is prepared there may be neither: the temporary file is complete then.
-        const bool isWaiting = text.empty() && exists(world.statusFolder / temporaryName);
-        EXPECT_TRUE(text == before || isNew || isWaiting) << nth << "\n" << text;
-    }
-    EXPECT_FALSE(exists(world.statusFolder / temporaryName));
 }
 
 class ServiceStatusReplacement : public testing::Test {

@@ -79,20 +79,6 @@ TEST_F(ZusysapiStandIn, FailsEachStepOnTheFirstAttemptsAndLeavesNothingHeld) {
     }
 }
 
-TEST_F(ZusysapiStandIn, FailsForGoodWhenNoNumberOfAttemptsIsGiven) {
-    set("ZUSYSAPI_FAIL_STEP", "4");
-    EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
-                 zuZiptraRemoteService::CannotInitSystemFramework);
-    EXPECT_EQ(pauses, 7);
-}
-
-TEST_F(ZusysapiStandIn, HasNoSettingWhenTheLastStepFails) {
-    set("ZUSYSAPI_FAIL_STEP", "6");
-    EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
-                 zuZiptraRemoteService::DeploymentSettingNotFound);
-    EXPECT_EQ(report(), "zusysapi: 0 references held\n");
-}
-
 TEST_F(ZusysapiStandIn, RefusesArgumentsThatAreNotTheHosts) {
     nZusysapi::Framework* framework = nullptr;
     const nZusysapi::InstantiateFramework2 instantiate = nDeployment::findFrameworkEntry();
