@@ -17,7 +17,7 @@ constexpr std::size_t usualPathLength = 256;
 /// process, and then the last byte of a letter may be a space.
 constexpr bool isSpace(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
 
-constexpr bool endsNoPath(char character) { return isSpace(character) || character == 0 || character == '\\'; }
+constexpr bool isTrailingJunk(char character) { return isSpace(character) || character == 0 || character == '\\'; }
 
 void assignTrimmed(std::string& result, const tWideBuffer& wide) {
     result.clear();
@@ -51,7 +51,7 @@ boost::filesystem::path getPluginDirectory() {
 }
 
 void trimPath(std::string& path) {
-    path.erase(std::find_if_not(path.rbegin(), path.rend(), endsNoPath).base(), path.end());
+    path.erase(std::find_if_not(path.rbegin(), path.rend(), isTrailingJunk).base(), path.end());
     path.erase(path.begin(), std::find_if_not(path.begin(), path.end(), isSpace));
 }
 
