@@ -4,23 +4,17 @@
 
 #include <memory>
 
+#include "quarks/closer.h"
 #include "quarks/processAccess.h"
 
 namespace nProcessAccess {
 namespace {
 
-struct CloseProcess {
-    void operator()(HANDLE process) const noexcept { CloseHandle(process); }
-};
-using tProcess = std::unique_ptr<void, CloseProcess>;
-
-struct FreeAccessList {
-    void operator()(ACL* list) const noexcept { LocalFree(list); }
-};
-using tAccessList = std::unique_ptr<ACL, FreeAccessList>;
+using tProcess = std::unique_ptr<void, tCloser<CloseHandle>>;
+using tAccessList = std::unique_ptr<ACL, tCloser<LocalFree>>;
 
 /// Everyone may query the process. The entry refers to the SID.
-EXPLICIT_ACCESS_A queryEntry(SID& everyone) noexcept {
+EXPLICIT_ACCESS_A queryEntry(SID& everyone) {
     EXPLICIT_ACCESS_A entry{};
     entry.grfAccessPermissions = PROCESS_QUERY_INFORMATION;
     entry.grfAccessMode = SET_ACCESS;
@@ -29,12 +23,12 @@ EXPLICIT_ACCESS_A queryEntry(SID& everyone) noexcept {
     entry.Trustee.MultipleTrusteeOperation = NO_MULTIPLE_TRUSTEE;
     entry.Trustee.TrusteeForm = TRUSTEE_IS_SID;
     entry.Trustee.TrusteeType = TRUSTEE_IS_USER;
-    entry.Trustee.ptstrName = reinterpret_cast<char*>(&everyone);  // where this form of trustee wants it
+    entry.Trustee.ptstrName = reinterpret_cast<char*>(&everyone);  // where this form of trustee expects it
     return entry;
 }
 
-/// A list of that one entry; null when the system has none to give.
-tAccessList makeAccessList() noexcept {
+/// A list of that one entry; null if the system cannot build it.
+tAccessList makeAccessList() {
     SID everyone{SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
     EXPLICIT_ACCESS_A entry = queryEntry(everyone);
     ACL* list = nullptr;
@@ -44,7 +38,7 @@ tAccessList makeAccessList() noexcept {
 
 }  // namespace
 
-void grantQueryToEveryone() noexcept {
+void grantQueryToEveryone() {
     const tProcess process(OpenProcess(PROCESS_ALL_ACCESS, FALSE, GetCurrentProcessId()));
     const tAccessList list = makeAccessList();
     if (list == nullptr) return;

@@ -11,14 +11,14 @@ std::atomic_flag& flagOf(void* handle) noexcept { return *static_cast<std::atomi
 
 tEvent::tEvent() : handle_(new std::atomic_flag) {}
 
-tEvent::~tEvent() {
+tEvent::~tEvent() noexcept(false) {
     delete &flagOf(handle_);
     handle_ = nullptr;
 }
 
-void tEvent::set() noexcept {
+void tEvent::set() {
     flagOf(handle_).test_and_set();
     flagOf(handle_).notify_all();
 }
 
-void tEvent::wait() noexcept { flagOf(handle_).wait(false); }
+void tEvent::wait() { flagOf(handle_).wait(false); }

@@ -16,12 +16,12 @@ tEvent::tEvent() : handle_(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
     zuerr::ThrowIfFailed(status);
 }
 
-tEvent::~tEvent() {
+tEvent::~tEvent() noexcept(false) {
     if (handle_ != nullptr) CloseHandle(handle_);
     handle_ = nullptr;
 }
 
 // Both calls refuse a null handle at once.
-void tEvent::set() noexcept { SetEvent(handle_); }
+void tEvent::set() { SetEvent(handle_); }
 
-void tEvent::wait() noexcept { WaitForSingleObject(handle_, INFINITE); }
+void tEvent::wait() { WaitForSingleObject(handle_, INFINITE); }

@@ -20,8 +20,8 @@ constexpr const char* usage =
 
 int lastError() noexcept { return static_cast<int>(GetLastError()); }
 
-/// A request for help is heard wherever it stands; there is nothing else to be asked for.
-int answerArguments(int argumentCount, char** arguments) {
+/// A help argument counts in any position; there are no other options.
+int handleArguments(int argumentCount, char** arguments) {
     for (int i = 1; i < argumentCount; ++i) {
         const std::string_view argument = arguments[i];
         if (argument == "-h" || argument == "--help") {
@@ -33,8 +33,8 @@ int answerArguments(int argumentCount, char** arguments) {
     return -1;
 }
 
-/// The exit code is the thread's last error at the end, whatever left it there, so nothing comes between the last call
-/// and its reading.
+/// The exit code is the thread's last error at the end, whichever call set it, so nothing may come between the last
+/// call and reading it.
 int runInForeground() {
     if (SetConsoleCtrlHandler(earlyConsoleHandler, TRUE) == FALSE) return lastError();
     const std::int32_t started = startService();
@@ -54,13 +54,13 @@ int runInForeground() {
 
 }  // namespace
 
-/// Only the Service Control Manager's own start gets past the dispatcher, so that is how the mode is told; the
-/// arguments are not looked at before.
+/// The dispatcher succeeds only in a process that the Service Control Manager has started, which tells the two modes
+/// apart; the arguments are not examined before.
 int main(int argumentCount, char** arguments) {
-    char name[] = "zuZiptraRemoteService";  // the table wants it writable
+    char name[] = "zuZiptraRemoteService";  // the table requires it to be writable
     const SERVICE_TABLE_ENTRYA table[] = {{name, serviceMain}, {nullptr, nullptr}};
     if (StartServiceCtrlDispatcherA(table) != FALSE) return 0;
     const int error = lastError();
     if (error != ERROR_FAILED_SERVICE_CONTROLLER_CONNECT) return error;
-    return argumentCount > 1 ? answerArguments(argumentCount, arguments) : runInForeground();
+    return argumentCount > 1 ? handleArguments(argumentCount, arguments) : runInForeground();
 }

@@ -1,7 +1,6 @@
 #include "source/nDeployment.h"
 
-#include "err/Exception.h"
-#include "source/tService.h"
+#include "source/nDeploymentPlatform.h"
 
 namespace nDeployment {
 namespace {
@@ -16,12 +15,12 @@ constexpr std::uint32_t connectionFlag = 1;
 constexpr std::uint32_t resourceSelector = 1;
 constexpr std::uint32_t deploymentSetting = 0x13000000;
 
-/// False when the object does not tell; the holder is then left alone.
+/// Returns false if the object does not tell; the holder is then unchanged.
 bool askIdentity(nZusysapi::Object& object, tHolder<nZusysapi::Object>& identity) {
-    return identity.receive([&object](nZusysapi::Object** out) {
-        void* given = nullptr;
-        const nZusysapi::Result result = object.queryInterface(nZusysapi::identity, &given);
-        *out = static_cast<nZusysapi::Object*>(given);
+    return identity.acquire([&object](nZusysapi::Object** out) {
+        void* returned = nullptr;
+        const nZusysapi::Result result = object.queryInterface(nZusysapi::identity, &returned);
+        *out = static_cast<nZusysapi::Object*>(returned);
         return result;
     });
 }
@@ -29,7 +28,7 @@ bool askIdentity(nZusysapi::Object& object, tHolder<nZusysapi::Object>& identity
 }  // namespace
 
 bool isSameObject(nZusysapi::Object& left, nZusysapi::Object& right) {
-    // Both are held until they have been compared: a pointer that was released may come back for another object.
+    // Both are held until they have been compared: the address of a released object may be reused for another one.
     tHolder<nZusysapi::Object> leftIdentity;
     tHolder<nZusysapi::Object> rightIdentity;
     if (!askIdentity(left, leftIdentity) || !askIdentity(right, rightIdentity)) return &left == &right;
@@ -37,30 +36,32 @@ bool isSameObject(nZusysapi::Object& left, nZusysapi::Object& right) {
 }
 
 bool ConnectFramework(tHolder<nZusysapi::Framework>& framework, tHolder<nZusysapi::Resource>& resource) {
-    const nZusysapi::InstantiateFramework2 instantiate = bindFramework();
+    const nZusysapi::InstantiateFramework2 instantiate = findFrameworkEntry();
     if (instantiate == nullptr) return false;
 
     tHolder<nZusysapi::Framework> local;
+    if (!local.acquire([&](auto** out) { return instantiate(1, 0, out); })) return false;
+
     tHolder<nZusysapi::Options> options;
+    if (!options.acquire([&](auto** out) { return local->createOptions(out); })) return false;
+    if (options->setOption(option, optionValue) != 0) return false;
+
     tHolder<nZusysapi::Connection> connection;
+    const auto connect = [&](auto** out) { return local->connect(localMachine, connectionFlag, options.get(), out); };
+    if (!connection.acquire(connect)) return false;
+
     std::uint32_t count = 0;
-    const bool connected = local.receive([&](nZusysapi::Framework** out) { return instantiate(1, 0, out); }) &&
-                           options.receive([&](nZusysapi::Options** out) { return local->createOptions(out); }) &&
-                           options->setOption(option, optionValue) == 0 &&
-                           connection.receive([&](nZusysapi::Connection** out) {
-                               return local->connect(localMachine, connectionFlag, options.get(), out);
-                           }) &&
-                           resource.receive([&](nZusysapi::Resource** out) {
-                               return connection->selectResource(resourceSelector, out, &count);
-                           });
-    if (connected) framework.assign(*local.get());
-    return connected;
+    const auto select = [&](auto** out) { return connection->selectResource(resourceSelector, out, &count); };
+    if (!resource.acquire(select)) return false;
+
+    framework.assign(*local.get());
+    return true;
 }
 
 void ConnectWithRetry(tHolder<nZusysapi::Framework>& framework, tHolder<nZusysapi::Resource>& resource) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
         if (ConnectFramework(framework, resource)) return;
-        pause(pauseMs);
+        sleepMs(pauseMs);
     }
     throw zuZiptraRemoteService::CannotInitSystemFramework();
 }
@@ -72,16 +73,6 @@ bool IsDeploymentAllowed() {
     std::uint32_t value = 0;
     if (resource->readSetting(deploymentSetting, &value) != 0) throw zuZiptraRemoteService::DeploymentSettingNotFound();
     return value != 0;
-}
-
-void ApplyDeploymentSetting(tService& service) {
-    const zuerr::ForeignCall guard;  // what the framework throws comes from another C++ runtime
-    try {
-        if (!IsDeploymentAllowed()) service.allowedMask &= ~deploymentFeature;
-    } catch (const std::exception& exception) {
-        const char* const text = exception.what();
-        service.messages.append(text == nullptr ? "" : text).append("\n");
-    }
 }
 
 }  // namespace nDeployment

@@ -6,8 +6,6 @@
 
 #include "source/zusysapi.h"
 
-class tService;
-
 namespace zuZiptraRemoteService {
 
 struct CannotInitSystemFramework : std::runtime_error {
@@ -21,14 +19,14 @@ struct DeploymentSettingNotFound : std::runtime_error {
 }  // namespace zuZiptraRemoteService
 
 /// Asks the machine's system-configuration framework whether remote deployment is allowed. Every object of the
-/// framework is released before a query returns. One thread.
+/// framework is released before a query returns. Thread: one at a time.
 namespace nDeployment {
 
-/// Whether two references are to one object: whether both give the same pointer when asked for their identity. An
-/// object that refuses to tell is identified by the reference itself.
+/// Returns whether two references are to one object: whether both return the same pointer when asked for their
+/// identity. An object that refuses to tell is identified by the reference itself.
 [[nodiscard]] bool isSameObject(nZusysapi::Object& left, nZusysapi::Object& right);
 
-/// A counted reference to one of the framework's objects, or none; releases it when it goes.
+/// A counted reference to one of the framework's objects, or none. Released on destruction.
 template <class Interface>
 class tHolder {
 public:
@@ -42,20 +40,20 @@ public:
     [[nodiscard]] Interface* get() const noexcept { return object_; }
     Interface* operator->() const noexcept { return object_; }
 
-    /// Makes a call that gives an object out, and owns what it gives instead of what it held. False, with nothing
-    /// changed, when the call fails or gives nothing. A positive result is a failure too, but one that may give an
-    /// object, which is released; with a negative one the pointer given means nothing.
+    /// Makes a call that returns an object through its argument, and holds that object instead of the present one.
+    /// Returns false, with nothing changed, if the call fails or returns no object. A positive result is a failure
+    /// too, but one that may come with an object, which is released; after a negative one the pointer means nothing.
     template <class Call>
-    bool receive(Call call) {
-        tHolder given;
-        const nZusysapi::Result result = call(&given.object_);
-        if (result < 0) given.object_ = nullptr;
-        if (result != 0 || given.object_ == nullptr) return false;
-        std::swap(object_, given.object_);
+    bool acquire(Call call) {
+        tHolder acquired;
+        const nZusysapi::Result result = call(&acquired.object_);
+        if (result < 0) acquired.object_ = nullptr;
+        if (result != 0 || acquired.object_ == nullptr) return false;
+        std::swap(object_, acquired.object_);
         return true;
     }
 
-    /// Refers to this object, with a reference of its own. Nothing changes when it is the same object already.
+    /// Refers to this object, with a reference of its own. Changes nothing if it already refers to the same object.
     void assign(Interface& object) {
         if (object_ != nullptr && isSameObject(*object_, object)) return;
         if (object_ != nullptr) object_->release();
@@ -67,31 +65,15 @@ private:
     Interface* object_ = nullptr;
 };
 
-/// One attempt to reach the resource that holds the setting. False when any step of it fails; the holders then stay as
-/// they were and nothing else is kept.
+/// One attempt to reach the resource that contains the setting. Returns false if any step of it fails; the holders are
+/// then unchanged and nothing else is held.
 bool ConnectFramework(tHolder<nZusysapi::Framework>& framework, tHolder<nZusysapi::Resource>& resource);
 
-/// Seven attempts, each failed one, the last included, followed by a pause of ten seconds: 70 seconds at worst. Throws
-/// CannotInitSystemFramework.
+/// Makes up to seven attempts, each failed one, the last included, followed by a pause of ten seconds: 70 seconds at
+/// worst. Throws CannotInitSystemFramework.
 void ConnectWithRetry(tHolder<nZusysapi::Framework>& framework, tHolder<nZusysapi::Resource>& resource);
 
-/// Any value but 0 of the setting means allowed. Throws either exception above.
+/// Returns whether the setting is anything but 0. Throws either exception above.
 [[nodiscard]] bool IsDeploymentAllowed();
-
-/// The bit of the allowed mask that stands for deployment.
-inline constexpr std::uint32_t deploymentFeature = 2;
-
-/// Clears the deployment bit in the service's mask when deployment is not allowed. A failed query leaves the mask as it
-/// is and says why in a line of the service's messages.
-void ApplyDeploymentSetting(tService& service);
-
-/// Asked of the platform: the framework library's entry, or null while this machine has no such library. It is bound
-/// here and not by an import, so that the program starts without it. Found beside the executable first, then in the
-/// system folder, and nowhere else: never in the current directory or along PATH, where others may be able to plant a
-/// library of that name. Like an import it then stays loaded, with one reference however often it is asked for; one
-/// without the entry does not.
-[[nodiscard]] nZusysapi::InstantiateFramework2 bindFramework() noexcept;
-
-void pause(std::uint32_t milliseconds) noexcept;
 
 }  // namespace nDeployment

@@ -3,19 +3,19 @@
 #include <atomic>
 #include <cstdint>
 
-/// What the Service Control Manager and the console call.
+/// The functions that the Service Control Manager and the console call.
 /// (https://learn.microsoft.com/windows/win32/services/service-programs)
 
-/// The service's main function: reports the states and drives start, run and stop. On the manager's service thread.
-/// The first argument text is the service's name.
+/// The service's main function: reports the states and drives start, run and stop. The first argument text is the
+/// service's name. Thread: the manager's service thread.
 void serviceMain(unsigned long argumentCount, char** arguments);
 
-/// Acts on stop and shutdown, ignores every other control. On the dispatcher's thread.
+/// Acts on stop and shutdown, ignores every other control. Thread: the dispatcher's.
 void serviceControlHandler(unsigned long control);
 
-/// Console control handlers, on the system's console thread; both handle every event, whatever it is. The system calls
-/// the one registered last first: the early one sees what comes during the start or after the run handler has gone.
-/// It notes that the run is to be skipped; the other takes itself off the list and ends the run.
+/// Console control handlers; both handle every event, whatever it is. The system calls the one registered last first,
+/// so the early one receives the events during the start and after the run handler has been removed. It records that
+/// the run is to be skipped; the other one removes itself and ends the run. Thread: the system's console thread.
 int earlyConsoleHandler(unsigned long event);
 int runConsoleHandler(unsigned long event);
 

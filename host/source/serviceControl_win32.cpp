@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <cstddef>
+
 #include "source/serviceControl.h"
 #include "source/tService.h"
 
@@ -11,7 +13,10 @@ namespace {
 
 constexpr DWORD stopHintMs = 5000;
 
-/// What the reports of this service differ in.
+// A report is seven numbers of 32 bits.
+static_assert(sizeof(SERVICE_STATUS) == 28 && offsetof(SERVICE_STATUS, dwWaitHint) == 24);
+
+/// The fields in which the reports of this service differ.
 struct tReport {
     DWORD state = 0;
     DWORD controlsAccepted = 0;
@@ -21,14 +26,14 @@ struct tReport {
     DWORD waitHintMs = 0;
 };
 
-/// A report that does not get through is lost: there is nobody else to tell.
+/// A report that the manager refuses is lost: there is nowhere else to send it.
 void report(const tReport& fields) noexcept {
     SERVICE_STATUS status{SERVICE_WIN32_OWN_PROCESS, fields.state,      fields.controlsAccepted, fields.exitCode,
                           fields.serviceExitCode,    fields.checkpoint, fields.waitHintMs};
     SetServiceStatus(static_cast<SERVICE_STATUS_HANDLE>(gStatusHandle), &status);
 }
 
-/// The control handler holds the lock for the length of one report, so a busy wait it is.
+/// A busy wait is enough: the control handler holds the lock for the length of one report.
 void takeStatusLock() noexcept {
     std::int32_t free = 0;
     while (!gStatusLock.compare_exchange_strong(free, 1)) free = 0;
@@ -49,7 +54,7 @@ void serviceMain(unsigned long /*argumentCount*/, char** arguments) {
     }
     report({.state = SERVICE_RUNNING, .controlsAccepted = SERVICE_ACCEPT_STOP | SERVICE_ACCEPT_SHUTDOWN});
     runService();
-    takeStatusLock();  // and never gives it back: the service object is about to go
+    takeStatusLock();  // for good: the service object is about to be destroyed
     report({.state = SERVICE_STOP_PENDING, .checkpoint = 2, .waitHintMs = stopHintMs});
     stopService();
     report({.state = SERVICE_STOPPED});

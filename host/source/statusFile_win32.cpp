@@ -9,8 +9,8 @@
 namespace nStatusFile {
 namespace {
 
-/// The path as the wide calls take it; empty when it cannot be converted. Invalid UTF-8 is refused: replacement
-/// characters in its place would make the name of some other file.
+/// Returns the path for the wide calls, empty if it cannot be converted. Invalid UTF-8 is refused: with replacement
+/// characters in its place the path would name some other file.
 std::wstring widen(const std::string& path) {
     const auto convert = [&path](wchar_t* wide, int room) {
         return MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path.data(), static_cast<int>(path.size()), wide,

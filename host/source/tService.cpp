@@ -7,10 +7,10 @@ tService* gService = nullptr;
 
 namespace {
 
-/// Runs the body of an entry point. False when a std::exception ended it: that one goes no further, and its code is of
-/// interest to the trace alone.
+/// Runs the body of an entry point. Returns false if a std::exception ended it: the exception goes no further, and only
+/// the trace is interested in its code.
 template <class Body>
-bool contain(Body body) {
+bool runContained(Body body) {
     try {
         body();
         return true;
@@ -22,21 +22,20 @@ bool contain(Body body) {
 
 }  // namespace
 
-// The first status file tells that the service has started, the last one how it ended. WriteStatus keeps its failures
-// to itself, so a service that has been built can always be destroyed.
+// The first status file shows that the service has started, the last one how it ended.
 
 tService::tService() {
     nProcessAccess::grantQueryToEveryone();
     WriteStatus(*this);
 }
 
-tService::~tService() { WriteStatus(*this); }
+tService::~tService() noexcept(false) { WriteStatus(*this); }
 
 std::int32_t startService() {
-    // A thread that asks this for the first time needs memory with some compilers, and their libraries end the process
-    // when there is none: better now than in the middle of a run.
+    // With some compilers a thread's first call of this needs memory, and their libraries end the process if there is
+    // none: better now than in the middle of a run.
     static_cast<void>(zuerr::ExceptionIsPropagating());
-    const bool started = contain([] {
+    const bool started = runContained([] {
         auto* const service = new tService;
         delete gService;
         gService = service;
@@ -45,14 +44,16 @@ std::int32_t startService() {
 }
 
 void runService() {
-    contain([] { gService->run(); });
+    runContained([] { gService->run(); });
 }
 
 void stopService() {
-    contain([] {
+    runContained([] {
         delete gService;
         gService = nullptr;
     });
 }
 
-void signalServiceStop() { gService->stopEvent.set(); }
+void signalServiceStop() {
+    runContained([] { gService->stopEvent.set(); });
+}

@@ -1,5 +1,4 @@
 #include "err/Exception.h"
-#include "source/nDeployment.h"
 #include "source/nPluginData.h"
 #include "source/nPluginOrder.h"
 #include "source/tService.h"
@@ -16,7 +15,7 @@ void tService::run() {
     }
     std::vector<tPluginDescription> descriptions = readDescriptions(descriptionPaths);
     nPluginOrder::sort(descriptions);
-    nDeployment::ApplyDeploymentSetting(*this);
+    ApplyDeploymentSetting(*this);
     initTimeMs = stopwatch.elapsedMs();
     WriteStatus(*this);
 
@@ -30,7 +29,7 @@ void tService::run() {
     WriteStatus(*this);
 }
 
-/// A file that cannot be read costs its own plug-in and no other.
+/// A file that cannot be read affects no plug-in but its own.
 std::vector<tPluginDescription> tService::readDescriptions(const std::vector<std::string>& descriptionPaths) {
     std::vector<tPluginDescription> descriptions;
     descriptions.reserve(descriptionPaths.size());

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "err/Exception.h"
+#include "quarks/closer.h"
 #include "source/statusFile.h"
 #include "source/tService.h"
 #include "stdpath/stdpath.h"
@@ -11,6 +12,9 @@
 namespace {
 
 constexpr const char* sourceFile = ".\\source\\tService";
+constexpr zuerr::RaiseReport openFailed{zuerr::insufficientPermissions, {sourceFile, 207}};
+constexpr zuerr::RaiseReport writeFailed{zuerr::osFault, {sourceFile, 217}};
+constexpr zuerr::RaiseReport renameFailed{zuerr::insufficientPermissions, {sourceFile, 225}};
 
 std::string hexadecimal(std::uint32_t value) {
     std::array<char, 2 * sizeof value> digits{};
@@ -19,29 +23,25 @@ std::string hexadecimal(std::uint32_t value) {
 
 std::string statusText(const tService& service) {
     std::string text = "ZU-Ziptra Remote Configuration and Deployment status\n";
-    text.append("Updated: ").append(nStatusFile::currentTimeText());  // brings its line break
+    text.append("Updated: ").append(nStatusFile::currentTimeText());  // ends with a line break
     text.append("Allowed: 0x").append(hexadecimal(service.allowedMask)).append("\n");
-    // 32 bits, as in the lines of the plug-ins: after 49.7 days the number starts over.
+    // 32 bits, as in the lines of the plug-ins: the number wraps around after 49.7 days.
     const std::string initTime = std::to_string(static_cast<std::uint32_t>(service.initTimeMs));
     if (service.initTimeMs != 0) text.append("Init Time ").append(initTime).append(" ms\n");
     return text.append("\n").append(service.messages).append(service.pluginManager.statusText());
 }
 
-struct CloseFile {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
+using tFile = std::unique_ptr<std::FILE, tCloser<std::fclose>>;
 
-/// Leaves a complete file behind or throws.
+/// Writes a complete file or throws.
 void writeTextFile(const std::string& path, std::string text) {
-    std::unique_ptr<std::FILE, CloseFile> file(nStatusFile::open(path));
-    if (!file) zuerr::Raise({zuerr::insufficientPermissions, {sourceFile, 207}});
+    tFile file(nStatusFile::open(path));
+    if (!file) zuerr::Raise(openFailed);
 
-    std::erase(text, '\r');  // the text mode puts one before every line feed, and would double those that are there
-    constexpr zuerr::RaiseReport writing{zuerr::osFault, {sourceFile, 217}};
-    if (std::fwrite(text.data(), 1, text.size(), file.get()) < text.size()) zuerr::Raise(writing);
-    // What the stream still holds goes to the disk now, so a full one may show no earlier. A file that ends in the
-    // middle must not take the place of a whole one.
-    if (std::fclose(file.release()) != 0) zuerr::Raise(writing);
+    std::erase(text, '\r');  // text mode adds one to every line feed and would double the present ones
+    if (std::fwrite(text.data(), 1, text.size(), file.get()) < text.size()) zuerr::Raise(writeFailed);
+    // fclose flushes the rest, so a full disk may only be detected here. A truncated file must not replace a whole one.
+    if (std::fclose(file.release()) != 0) zuerr::Raise(writeFailed);
 }
 
 }  // namespace
@@ -65,5 +65,5 @@ void WriteStatusFile(const std::string& directory, const std::string& name, cons
     const std::string temporaryPath = directory + "\\." + name + ".tmp";
     writeTextFile(temporaryPath, text);
     nStatusFile::remove(path);  // there may be none
-    if (!nStatusFile::rename(temporaryPath, path)) zuerr::Raise({zuerr::insufficientPermissions, {sourceFile, 225}});
+    if (!nStatusFile::rename(temporaryPath, path)) zuerr::Raise(renameFailed);
 }

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 /// The operations of the system-configuration library zusysapi.dll that this program uses. Its objects follow the
 /// conventions of COM (https://learn.microsoft.com/windows/win32/com/the-component-object-model): a table of functions
-/// whose first three slots are query interface, add reference and release. Operations return 0 on success; objects
-/// given out are referenced for the receiver, who releases them. Slots that are not used here are named for their
-/// number.
+/// whose first three slots are query interface, add reference and release. Operations return 0 on success; a returned
+/// object has a reference for the caller, who releases it. Slots that are not used here are named after their number.
 namespace nZusysapi {
 
 using Result = std::int32_t;
@@ -19,7 +19,11 @@ struct InterfaceId {
     std::uint8_t data4[8];
 };
 
-/// The identity interface: two references are to one object exactly when they give the same pointer for it.
+static_assert(sizeof(InterfaceId) == 16 && alignof(InterfaceId) == 4);
+static_assert(offsetof(InterfaceId, data2) == 4 && offsetof(InterfaceId, data3) == 6 &&
+              offsetof(InterfaceId, data4) == 8);
+
+/// The identity interface: two references are to one object exactly if both return the same pointer for it.
 inline constexpr InterfaceId identity{0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 // The order of the functions is the binary interface. No virtual destructors: they would take a slot.

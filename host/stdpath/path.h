@@ -3,8 +3,8 @@
 #include <boost/filesystem/path.hpp>
 #include <string>
 
-/// File-system paths as the UTF-8 text that the rest of the program uses, whatever the system's narrow encoding and
-/// locale are. Every path comes back from its text as it was, on Windows also one whose names are not valid UTF-16.
+/// File-system paths as the UTF-8 text that the rest of the program uses, independent of the system's narrow encoding
+/// and locale. Every path survives the round trip, on Windows also one whose names are not valid UTF-16.
 namespace nStdPath {
 
 [[nodiscard]] boost::filesystem::path pathFromUtf8(const std::string& text);

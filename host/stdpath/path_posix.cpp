@@ -10,7 +10,7 @@ boost::filesystem::path pathFromUtf8(const std::string& text) { return text; }
 std::string pathToUtf8(const boost::filesystem::path& path) { return path.native(); }
 
 std::wstring widePathFromUtf8(const std::string& text) {
-    // By way of UTF-32, which does not ask the locale what the bytes mean.
+    // Through UTF-32, which does not depend on the locale.
     const std::u32string wide = std::filesystem::path(text).u32string();
     return {wide.begin(), wide.end()};
 }

@@ -4,6 +4,7 @@
 
 #include "err/Exception.h"
 #include "stdpath/path.h"
+#include "stdpath/systemError.h"
 #include "stdpath/utf.h"
 
 namespace nStdPath {
@@ -12,11 +13,11 @@ namespace {
 constexpr std::int32_t commonAppData = 35;  // CSIDL_COMMON_APPDATA
 constexpr std::size_t usualPathLength = 256;
 
-/// What isspace says in the C locale. The function itself goes by the locale of the moment, which a plug-in may have
-/// set for the whole process, and then the last byte of a letter may be a space.
+/// isspace of the C locale. The function itself follows the present locale, which a plug-in may have set for the whole
+/// process, and then the last byte of a letter may be a space.
 constexpr bool isSpace(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
 
-constexpr bool endsNoPath(char character) { return isSpace(character) || character == 0 || character == '\\'; }
+constexpr bool isTrailingJunk(char character) { return isSpace(character) || character == 0 || character == '\\'; }
 
 void assignTrimmed(std::string& result, const tWideBuffer& wide) {
     result.clear();
@@ -50,7 +51,7 @@ boost::filesystem::path getPluginDirectory() {
 }
 
 void trimPath(std::string& path) {
-    path.erase(std::find_if_not(path.rbegin(), path.rend(), endsNoPath).base(), path.end());
+    path.erase(std::find_if_not(path.rbegin(), path.rend(), isTrailingJunk).base(), path.end());
     path.erase(path.begin(), std::find_if_not(path.begin(), path.end(), isSpace));
 }
 

@@ -1,58 +1,45 @@
 #include <windows.h>
-
-#include "stdpath/stdpath.h"
 // windows.h first: shlobj.h needs its types.
 #include <shlobj.h>
+
+#include <memory>
+#include <type_traits>
+
+#include "quarks/closer.h"
+#include "quarks/errorMode.h"
+#include "stdpath/folders.h"
+#include "stdpath/stdpath.h"
+#include "stdpath/systemError.h"
 
 namespace nStdPath {
 namespace {
 
+// The lines that reports name as their source.
+constexpr std::int32_t openLine = 232;
+constexpr std::int32_t queryLine = 256;
+constexpr std::int32_t folderLine = 293;
+
 wchar_t* asWide(char16_t* text) { return reinterpret_cast<wchar_t*>(text); }
 const wchar_t* asWide(const char16_t* text) { return reinterpret_cast<const wchar_t*>(text); }
 
-/// The system's text for an error code.
-class tSystemMessage {
-public:
-    explicit tSystemMessage(DWORD code) noexcept {
-        FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                       nullptr, code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<LPSTR>(&text_), 0,
-                       nullptr);
-    }
-    ~tSystemMessage() {
-        if (text_ != nullptr) LocalFree(text_);
-    }
-    tSystemMessage(const tSystemMessage&) = delete;
-    tSystemMessage& operator=(const tSystemMessage&) = delete;
+using tMessage = std::unique_ptr<char, tCloser<LocalFree>>;
+using tRegistryKey = std::unique_ptr<std::remove_pointer_t<HKEY>, tCloser<RegCloseKey>>;
 
-    /// Null when the system has none.
-    [[nodiscard]] const char* text() const noexcept { return text_; }
-
-private:
-    char* text_ = nullptr;
-};
+/// The system's text for an error code; null when it has none.
+tMessage systemMessage(DWORD code) noexcept {
+    char* text = nullptr;
+    FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                   code, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<LPSTR>(&text), 0, nullptr);
+    return tMessage(text);
+}
 
 void raiseWin32Error(zuerr::StatusRecord& status, std::int32_t line, LSTATUS result, const char* description) {
     if (status.failed()) return;
     const auto code = static_cast<DWORD>(result);
-    const tSystemMessage message(code);
-    raiseSystemError(status, line, {tSystemError::tKind::win32, code, message.text()}, description);
+    raiseSystemError(status, line, {tSystemError::tKind::win32, code, systemMessage(code).get()}, description);
 }
 
-/// A key that was opened; closed when it goes.
-class tRegistryKey {
-public:
-    explicit tRegistryKey(HKEY key) noexcept : key_(key) {}
-    ~tRegistryKey() { RegCloseKey(key_); }
-    tRegistryKey(const tRegistryKey&) = delete;
-    tRegistryKey& operator=(const tRegistryKey&) = delete;
-
-    [[nodiscard]] HKEY get() const noexcept { return key_; }
-
-private:
-    HKEY key_;
-};
-
-/// Reads the whole value, which may grow between two calls. Gives the last call's result.
+/// Reads the whole value, which may grow between two calls. Returns the last call's result.
 LSTATUS queryValue(HKEY key, const char16_t* valueName, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
     DWORD size = 512;
     LSTATUS result = ERROR_MORE_DATA;
@@ -66,6 +53,30 @@ LSTATUS queryValue(HKEY key, const char16_t* valueName, tWideBuffer& wideBuffer,
     return result;
 }
 
+/// Loads shell32 at the first call and not by an import: with the libraries that it needs it would take longer than
+/// everything else at the start. It then stays loaded. Null, with the thread's last error, if it cannot be loaded.
+HMODULE shell32() {
+    const std::wstring folder = systemFolder();
+    if (folder.empty()) return nullptr;
+    const std::wstring path = folder + L"\\shell32.dll";
+    const HMODULE loaded = GetModuleHandleW(path.c_str());
+    return loaded != nullptr ? loaded : LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
+/// SHGetFolderPathW, or its failure if shell32 cannot be loaded. That is tried again by the next call.
+HRESULT getFolderPath(std::int32_t csidl, wchar_t* path) {
+    const tErrorMode errorMode;
+    const HMODULE library = shell32();
+    const FARPROC entry = library == nullptr ? nullptr : GetProcAddress(library, "SHGetFolderPathW");
+    if (entry == nullptr) {
+        const HRESULT result = HRESULT_FROM_WIN32(GetLastError());
+        return FAILED(result) ? result : E_FAIL;
+    }
+    // Through void*: compilers warn of a cast between function types that differ.
+    const auto function = reinterpret_cast<decltype(&SHGetFolderPathW)>(reinterpret_cast<void*>(entry));
+    return function(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, path);
+}
+
 }  // namespace
 
 void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std::uint32_t /*flags*/,
@@ -74,19 +85,19 @@ void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std:
     HKEY opened = nullptr;
     LSTATUS result = RegOpenKeyExW(HKEY_LOCAL_MACHINE, asWide(keyPath), 0, KEY_READ, &opened);
     if (result != ERROR_SUCCESS) {
-        raiseWin32Error(status, 232, result, "RegOpenKeyEx failed");
+        raiseWin32Error(status, openLine, result, "RegOpenKeyEx failed");
         return;
     }
     const tRegistryKey key(opened);
     result = queryValue(key.get(), valueName, wideBuffer, status);
-    if (result != ERROR_SUCCESS) raiseWin32Error(status, 256, result, "RegQueryValue failed");
+    if (result != ERROR_SUCCESS) raiseWin32Error(status, queryLine, result, "RegQueryValue failed");
 }
 
 void getKnownFolder(std::int32_t csidl, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
     if (!wideBuffer.resize(MAX_PATH, status)) return;
-    const HRESULT result = SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, asWide(wideBuffer.data()));
+    const HRESULT result = getFolderPath(csidl, asWide(wideBuffer.data()));
     if (result == S_OK) return;
-    raiseSystemError(status, 293, {tSystemError::tKind::hresult, static_cast<std::uint32_t>(result)},
+    raiseSystemError(status, folderLine, {tSystemError::tKind::hresult, static_cast<std::uint32_t>(result)},
                      "SHGetFolderPathW failed");
 }
 

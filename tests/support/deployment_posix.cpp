@@ -1,5 +1,5 @@
 // Never shipped: where there is no framework library, nDeployment's platform is whatever a test says.
-#include "source/nDeployment.h"
+#include "source/nDeploymentPlatform.h"
 #include "tests/support/allocations.h"
 #include "tests/support/deployment.h"
 
@@ -21,9 +21,9 @@ tDeploymentPlatform::~tDeploymentPlatform() { current = nullptr; }
 
 namespace nDeployment {
 
-nZusysapi::InstantiateFramework2 bindFramework() noexcept { return current == nullptr ? nullptr : current->entry; }
+nZusysapi::InstantiateFramework2 findFrameworkEntry() { return current == nullptr ? nullptr : current->entry; }
 
-void pause(std::uint32_t milliseconds) noexcept {
+void sleepMs(std::uint32_t milliseconds) noexcept {
     if (current == nullptr) return;
     const allocations::tPause pause;
     current->pauses.push_back(milliseconds);

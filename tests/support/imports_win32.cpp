@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 extern "C" NTSTATUS NTAPI LdrLoadDll(PWSTR, PULONG, PUNICODE_STRING, PVOID*);
 extern "C" NTSTATUS NTAPI LdrGetProcedureAddress(PVOID, PANSI_STRING, ULONG, PVOID*);
@@ -30,6 +31,18 @@ struct Door;
 template <auto& import, class Result, class... Arguments>
 struct Door<import, Result(Arguments...)> {
     static Result enter(Arguments... arguments) { return import.call(arguments...); }
+};
+
+/// A function that the product looks up by its name instead of importing it is replaced like the others.
+template <>
+struct Door<GetProcAddress, decltype(::GetProcAddress)> {
+    static FARPROC WINAPI enter(HMODULE library, const char* name) {
+        const FARPROC found = GetProcAddress.call(library, name);
+        const bool isOurs = found != nullptr && HIWORD(name) != 0 && std::strcmp(name, "SHGetFolderPathW") == 0;
+        if (!isOurs) return found;
+        const auto door = &Door<SHGetFolderPathW, decltype(::SHGetFolderPathW)>::enter;
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(door));
+    }
 };
 
 }  // namespace

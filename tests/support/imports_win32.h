@@ -108,11 +108,15 @@ private:
     IMPORT(L"kernel32.dll", GetCurrentProcessId)         \
     IMPORT(L"kernel32.dll", GetCurrentThreadId)          \
     IMPORT(L"kernel32.dll", GetLastError)                \
+    IMPORT(L"kernel32.dll", GetModuleFileNameW)          \
     IMPORT(L"kernel32.dll", GetModuleHandleA)            \
+    IMPORT(L"kernel32.dll", GetModuleHandleW)            \
     IMPORT(L"kernel32.dll", GetProcAddress)              \
+    IMPORT(L"kernel32.dll", GetSystemDirectoryW)         \
     IMPORT(L"kernel32.dll", GetSystemTimeAdjustment)     \
     IMPORT(L"kernel32.dll", GetTickCount64)              \
     IMPORT(L"kernel32.dll", LoadLibraryExA)              \
+    IMPORT(L"kernel32.dll", LoadLibraryExW)              \
     IMPORT(L"kernel32.dll", LocalFree)                   \
     IMPORT(L"kernel32.dll", MultiByteToWideChar)         \
     IMPORT(L"kernel32.dll", OpenProcess)                 \
@@ -121,6 +125,7 @@ private:
     IMPORT(L"kernel32.dll", SetConsoleCtrlHandler)       \
     IMPORT(L"kernel32.dll", SetEvent)                    \
     IMPORT(L"kernel32.dll", SetLastError)                \
+    IMPORT(L"kernel32.dll", SetThreadErrorMode)          \
     IMPORT(L"kernel32.dll", Sleep)                       \
     IMPORT(L"kernel32.dll", WaitForSingleObject)         \
     IMPORT(L"msvcrt.dll", _ctime64)                      \

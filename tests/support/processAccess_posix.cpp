@@ -3,6 +3,6 @@
 
 namespace nProcessAccess {
 
-void grantQueryToEveryone() noexcept {}
+void grantQueryToEveryone() {}
 
 }  // namespace nProcessAccess

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "stdpath/stdpath.h"
+#include "stdpath/systemError.h"
 #include "stdpath/utf.h"
 #include "tests/support/allocations.h"
 #include "tests/support/stdpath.h"

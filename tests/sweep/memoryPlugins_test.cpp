@@ -191,7 +191,7 @@ TEST(MemoryOfTheDeploymentQuery, EndsWithAnAnswerOrAMessage) {
         const support::tDeploymentPlatform platform(support::tScriptedFramework::instantiate);
         gService->allowedMask = 0xFFFFFFFF;
         std::string().swap(gService->messages);
-        attempt.operate([] { nDeployment::ApplyDeploymentSetting(*gService); });
+        attempt.operate([] { ApplyDeploymentSetting(*gService); });
         EXPECT_EQ(attempt.code(), 0);
         EXPECT_EQ(gService->allowedMask, 0xFFFFFFFDU);
         EXPECT_EQ(gService->messages, "");
@@ -208,7 +208,7 @@ TEST(MemoryOfTheDeploymentQuery, LeavesDeploymentAllowedWhenItFailsWithoutMemory
         framework.outcome = [](int, int step) { return step == 4 ? 1 : 0; };
         const support::tDeploymentPlatform platform(support::tScriptedFramework::instantiate);
         std::string().swap(gService->messages);
-        attempt.operate([] { nDeployment::ApplyDeploymentSetting(*gService); });
+        attempt.operate([] { ApplyDeploymentSetting(*gService); });
         EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
         EXPECT_EQ(framework.held(), 0U);
         EXPECT_TRUE(attempt.code() == 0 || (attempt.code() == -52000 && attempt.struck())) << attempt.code();

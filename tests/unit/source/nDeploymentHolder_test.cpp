@@ -31,7 +31,7 @@ private:
 
 using tAnyHolder = nDeployment::tHolder<nZusysapi::Object>;
 
-TEST(Holder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
+TEST(DeploymentHolder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
     tFacet object;
     {
         tAnyHolder holder;
@@ -43,7 +43,7 @@ TEST(Holder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
     EXPECT_EQ(object.references, 0U);
 }
 
-TEST(Holder, ReleasesTheObjectThatItHeldBefore) {
+TEST(DeploymentHolder, ReleasesTheObjectThatItHeldBefore) {
     tFacet earlier;
     tFacet later;
     tAnyHolder holder;
@@ -54,7 +54,7 @@ TEST(Holder, ReleasesTheObjectThatItHeldBefore) {
     EXPECT_EQ(later.references, 1U);
 }
 
-TEST(Holder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
+TEST(DeploymentHolder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
     tFacet object;
     tFacet otherReference(&object);
     tAnyHolder holder;
@@ -64,7 +64,7 @@ TEST(Holder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
     EXPECT_EQ(object.references, 1U);
 }
 
-TEST(Holder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdentity) {
+TEST(DeploymentHolder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdentity) {
     for (const Result refusal : {-1, 1}) {
         tFacet object;
         tFacet other;
@@ -77,7 +77,7 @@ TEST(Holder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdentity) {
     }
 }
 
-TEST(Holder, TellsObjectsApartByTheirReferencesWhenOneOfThemHidesItsIdentity) {
+TEST(DeploymentHolder, TellsObjectsApartByTheirReferencesWhenOneOfThemHidesItsIdentity) {
     tFacet open;
     tFacet hiding;
     hiding.result = -1;
@@ -87,12 +87,12 @@ TEST(Holder, TellsObjectsApartByTheirReferencesWhenOneOfThemHidesItsIdentity) {
     EXPECT_EQ(hiding.references, 0U);
 }
 
-TEST(Holder, KeepsWhatItHeldWhenACallFails) {
+TEST(DeploymentHolder, KeepsWhatItHeldWhenACallFails) {
     tFacet held;
     tAnyHolder holder;
     holder.assign(held);
-    EXPECT_FALSE(holder.receive([](nZusysapi::Object**) { return -1; }));
-    EXPECT_FALSE(holder.receive([](nZusysapi::Object**) { return 0; }));
+    EXPECT_FALSE(holder.acquire([](nZusysapi::Object**) { return -1; }));
+    EXPECT_FALSE(holder.acquire([](nZusysapi::Object**) { return 0; }));
     EXPECT_EQ(holder.get(), &held);
     EXPECT_EQ(held.references, 1U);
 }

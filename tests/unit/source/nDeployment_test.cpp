@@ -7,15 +7,9 @@
 #include <stdexcept>
 #include <tuple>
 #include <type_traits>
-#include <utility>
 
-#include "quarks/library.h"
-#include "source/tService.h"
 #include "tests/support/deployment.h"
 #include "tests/support/framework.h"
-#include "tests/support/plugins.h"
-#include "tests/support/propagation.h"
-#include "tests/support/serviceWorld.h"
 
 namespace {
 
@@ -259,107 +253,6 @@ TEST(DeploymentExceptions, CarryTheirFixedTexts) {
     EXPECT_STREQ(zuZiptraRemoteService::DeploymentSettingNotFound().what(), "Deployment setting not found");
     EXPECT_TRUE((std::is_base_of_v<std::runtime_error, zuZiptraRemoteService::CannotInitSystemFramework>));
     EXPECT_TRUE((std::is_base_of_v<std::runtime_error, zuZiptraRemoteService::DeploymentSettingNotFound>));
-}
-
-// ApplyDeploymentSetting
-
-struct DeploymentSetting : testing::Test {
-    DeploymentSetting() {
-        world.deployment.entry = tScriptedFramework::instantiate;
-        startService();
-    }
-
-    tScriptedFramework framework;
-    support::tServiceWorld world;
-};
-
-TEST_F(DeploymentSetting, OfZeroClearsItsBitAndNoOther) {
-    framework.setting = 0;
-    for (const auto& [before, after] : {std::pair(0xFFFFFFFFU, 0xFFFFFFFDU), {6U, 4U}, {2U, 0U}, {5U, 5U}, {0U, 0U}}) {
-        gService->allowedMask = before;
-        nDeployment::ApplyDeploymentSetting(*gService);
-        EXPECT_EQ(gService->allowedMask, after) << before;
-    }
-    EXPECT_EQ(gService->messages, "");
-}
-
-TEST_F(DeploymentSetting, OfAnythingElseLeavesTheMaskAsItIs) {
-    for (const std::uint32_t mask : {0xFFFFFFFFU, 2U, 5U}) {
-        framework.setting = 7;
-        gService->allowedMask = mask;
-        nDeployment::ApplyDeploymentSetting(*gService);
-        EXPECT_EQ(gService->allowedMask, mask);
-    }
-    EXPECT_EQ(gService->messages, "");
-}
-
-TEST_F(DeploymentSetting, ThatCannotBeReachedIsALineBehindTheOthersAndLeavesTheMask) {
-    framework.outcome = [](int, int step) { return step == 3 ? 1 : 0; };
-    gService->messages = "earlier\n";
-    nDeployment::ApplyDeploymentSetting(*gService);
-    EXPECT_EQ(gService->messages, "earlier\nCannot init system framework\n");
-    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
-}
-
-TEST_F(DeploymentSetting, ThatCannotBeReadIsALineAndLeavesTheMask) {
-    framework.setting = 0;
-    framework.outcome = [](int, int step) { return step == 6 ? 1 : 0; };
-    nDeployment::ApplyDeploymentSetting(*gService);
-    EXPECT_EQ(gService->messages, "Deployment setting not found\n");
-    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
-}
-
-TEST_F(DeploymentSetting, TakesTheTextOfAnyOtherStandardException) {
-    framework.outcome = [](int, int) -> Result { throw std::logic_error("broken framework"); };
-    nDeployment::ApplyDeploymentSetting(*gService);
-    EXPECT_EQ(gService->messages, "broken framework\n");
-    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
-}
-
-TEST_F(DeploymentSetting, LetsExceptionsThatAreNoStandardOnesPassWithNothingHeld) {
-    framework.outcome = [](int, int step) -> Result { return step == 6 ? throw 42 : 0; };
-    EXPECT_THROW(nDeployment::ApplyDeploymentSetting(*gService), int);
-    EXPECT_EQ(gService->messages, "");
-    EXPECT_EQ(framework.held(), 0U);
-}
-
-/// A framework library with a C++ runtime of its own that throws instead of answering. See plugins/throwing.
-class ThrowingFramework : public testing::Test {
-protected:
-    ThrowingFramework() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {
-        startService();
-    }
-    ~ThrowingFramework() override { nLibrary::unload(library_, osError_); }
-
-    void expectMessage(const char* entry, const std::string& message) {
-        void* const address = nLibrary::symbol(library_, entry, osError_);
-        ASSERT_NE(address, nullptr) << entry;
-        world.deployment.entry = reinterpret_cast<nZusysapi::InstantiateFramework2>(address);
-        gService->messages.clear();
-        nDeployment::ApplyDeploymentSetting(*gService);
-        EXPECT_EQ(gService->messages, message) << entry;
-        EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU) << entry;
-    }
-
-    support::tServiceWorld world;
-
-private:
-    std::uint32_t osError_ = 0;
-    nLibrary::Handle library_;
-};
-
-TEST_F(ThrowingFramework, IsALineWithTheTextOfWhatItThrows) {
-    expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
-    expectMessage("ThrowOddText", "%s%n\xFF\x01\"\n\n");
-    expectMessage("ThrowEmptyText", "\n");
-    expectMessage("ThrowLongText", std::string(1'000'000, 'x') + "\n");
-}
-
-TEST_F(ThrowingFramework, IsAnEmptyLineWhenWhatItThrowsHasNoTextAtAll) { expectMessage("ThrowNoText", "\n"); }
-
-TEST_F(ThrowingFramework, DoesNotBlurWhetherAnExceptionIsPropagating) {
-    for (int i = 0; i < 3; ++i) expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
-    support::expectPropagationToBeTold();
 }
 
 }  // namespace

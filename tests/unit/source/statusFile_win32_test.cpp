@@ -8,9 +8,9 @@
 namespace {
 
 /// Counts the file calls that get through to the runtime, which all fail.
-class InvalidPath : public testing::Test {
+class StatusFileInvalidPath : public testing::Test {
 protected:
-    InvalidPath() {
+    StatusFileInvalidPath() {
         imports::_wfsopen.replace([this](auto...) -> FILE* { return ++calls, nullptr; });
         imports::_wremove.replace([this](auto...) { return ++calls, -1; });
         imports::_wrename.replace([this](auto...) { return ++calls, -1; });
@@ -19,7 +19,7 @@ protected:
     int calls = 0;
 };
 
-TEST_F(InvalidPath, MakesNoCallForTextThatIsNoUtf8) {
+TEST_F(StatusFileInvalidPath, MakesNoCallForTextThatIsNoUtf8) {
     EXPECT_EQ(nStatusFile::open("C:\\\xC0\x80"), nullptr);
     EXPECT_FALSE(nStatusFile::remove("C:\\\xFF"));
     EXPECT_FALSE(nStatusFile::rename("C:\\\xE4\xB8", "C:\\b"));
@@ -27,19 +27,19 @@ TEST_F(InvalidPath, MakesNoCallForTextThatIsNoUtf8) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(InvalidPath, MakesNoCallForAnEmptyPath) {
+TEST_F(StatusFileInvalidPath, MakesNoCallForAnEmptyPath) {
     EXPECT_EQ(nStatusFile::open(""), nullptr);
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(InvalidPath, MakesNoCallWhenTheSecondConversionFails) {
+TEST_F(StatusFileInvalidPath, MakesNoCallWhenTheSecondConversionFails) {
     imports::MultiByteToWideChar.replace(
         [](UINT, DWORD, LPCCH, int, LPWSTR wide, int) { return wide == nullptr ? 1 : 0; });
     EXPECT_EQ(nStatusFile::open("a"), nullptr);
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(InvalidPath, IsTheOnlyReasonForNotCalling) {
+TEST_F(StatusFileInvalidPath, IsTheOnlyReasonForNotCalling) {
     EXPECT_EQ(nStatusFile::open("C:\\missing\\a"), nullptr);
     EXPECT_FALSE(nStatusFile::remove("C:\\missing\\a"));
     EXPECT_FALSE(nStatusFile::rename("C:\\missing\\a", "C:\\missing\\b"));

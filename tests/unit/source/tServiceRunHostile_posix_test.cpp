@@ -11,9 +11,9 @@
 
 namespace {
 
-class HostileDirectory : public testing::Test {
+class ServiceRunHostileDirectory : public testing::Test {
 protected:
-    HostileDirectory() { startService(); }
+    ServiceRunHostileDirectory() { startService(); }
 
     static void run() {
         signalServiceStop();
@@ -33,7 +33,7 @@ protected:
     support::tServiceWorld world;
 };
 
-TEST_F(HostileDirectory, WhatIsNoRegularFileIsPassedOverWithoutAWord) {
+TEST_F(ServiceRunHostileDirectory, WhatIsNoRegularFileIsPassedOverWithoutAWord) {
     const std::filesystem::path outside = world.statusFolder / "outside";
     world.describe("a.ini", world.calling("A"));
     std::filesystem::create_directory(outside);
@@ -47,7 +47,7 @@ TEST_F(HostileDirectory, WhatIsNoRegularFileIsPassedOverWithoutAWord) {
     EXPECT_EQ(gService->messages, "Cannot init system framework\n");
 }
 
-TEST_F(HostileDirectory, AFileThatBecomesALinkToNothingCostsItsPluginAlone) {
+TEST_F(ServiceRunHostileDirectory, AFileThatBecomesALinkToNothingCostsItsPluginAlone) {
     const std::string link = world.describe("link.ini", world.calling("Link"));
     world.describe("a.ini", world.calling("A"));
     const support::tDescriptionReads reads([&](const std::string& path) {
@@ -60,7 +60,7 @@ TEST_F(HostileDirectory, AFileThatBecomesALinkToNothingCostsItsPluginAlone) {
     EXPECT_EQ(gService->messages, messagesAbout(link));
 }
 
-TEST_F(HostileDirectory, AFileThatCannotBeOpenedCostsItsPluginAlone) {
+TEST_F(ServiceRunHostileDirectory, AFileThatCannotBeOpenedCostsItsPluginAlone) {
     const std::string unreadable = world.describe("unreadable.ini", world.calling("Unreadable"));
     world.describe("a.ini", world.calling("A"));
     world.describe("z.ini", world.calling("Z"));
@@ -75,7 +75,7 @@ TEST_F(HostileDirectory, AFileThatCannotBeOpenedCostsItsPluginAlone) {
     EXPECT_EQ(gService->messages, messagesAbout(unreadable));
 }
 
-TEST_F(HostileDirectory, FileNamesMayHoldQuotesAndControlCharacters) {
+TEST_F(ServiceRunHostileDirectory, FileNamesMayHoldQuotesAndControlCharacters) {
     world.describe("\"'\x01\t\x1B[31m\x7F.ini", world.calling("A"));
     world.describe("two\nlines.ini", world.calling("B"));
     const std::string bad = world.describe("\"bad\n\x02.ini", "nonsense");
@@ -84,7 +84,7 @@ TEST_F(HostileDirectory, FileNamesMayHoldQuotesAndControlCharacters) {
     EXPECT_EQ(gService->messages, messagesAbout(bad));
 }
 
-TEST_F(HostileDirectory, AFileNameThatIsNoTextCostsItsPluginAlone) {
+TEST_F(ServiceRunHostileDirectory, AFileNameThatIsNoTextCostsItsPluginAlone) {
     const std::string bad = world.describe("\xFF\xC0\x80.ini", world.calling("Bad"));
     world.describe("a.ini", world.calling("A"));
     run();

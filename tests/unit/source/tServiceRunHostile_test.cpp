@@ -21,9 +21,9 @@ using testing::UnorderedElementsAreArray;
 
 constexpr const char* noFramework = "Cannot init system framework\n";
 
-class HostileInput : public testing::Test {
+class ServiceRunHostile : public testing::Test {
 protected:
-    HostileInput() { startService(); }
+    ServiceRunHostile() { startService(); }
 
     /// From the listing to the clean-up.
     static void run() {
@@ -58,7 +58,7 @@ std::string numbered(std::size_t number) { return std::to_string(100'000 + numbe
 
 // Many.
 
-TEST_F(HostileInput, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIsNamed) {
+TEST_F(ServiceRunHostile, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIsNamed) {
     std::vector<std::string> started;
     std::vector<std::string> messages{"Cannot init system framework"};
     std::string before;
@@ -83,7 +83,7 @@ TEST_F(HostileInput, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIsNamed
     EXPECT_EQ(std::count(status.begin(), status.end(), '('), static_cast<std::ptrdiff_t>(started.size()));
 }
 
-TEST_F(HostileInput, AHundredThousandDependenciesThatNobodyDescribesFailThatPluginAlone) {
+TEST_F(ServiceRunHostile, AHundredThousandDependenciesThatNobodyDescribesFailThatPluginAlone) {
     std::string names;
     for (std::size_t i = 0; i < 100'000; ++i) names += (i == 0 ? "" : ", ") + numbered(i);
     world.describe("a.ini", world.calling("A", "Dependencies=" + names + "\n"));
@@ -93,7 +93,7 @@ TEST_F(HostileInput, AHundredThousandDependenciesThatNobodyDescribesFailThatPlug
     EXPECT_NE(world.status().find("\nA (depends on " + names + ")\n"), std::string::npos);
 }
 
-TEST_F(HostileInput, OneNameAHundredThousandTimesIsADependencyThatIsNeverMet) {
+TEST_F(ServiceRunHostile, OneNameAHundredThousandTimesIsADependencyThatIsNeverMet) {
     std::string names;
     for (int i = 0; i < 100'000; ++i) names += "A,";
     world.describe("a.ini", world.calling("A"));
@@ -103,7 +103,7 @@ TEST_F(HostileInput, OneNameAHundredThousandTimesIsADependencyThatIsNeverMet) {
     EXPECT_EQ(gService->pluginManager.entries()[1].description.dependencies.size(), 100'000U);
 }
 
-TEST_F(HostileInput, AMillionCommasAndBlanksAreNoDependency) {
+TEST_F(ServiceRunHostile, AMillionCommasAndBlanksAreNoDependency) {
     std::string gaps;
     for (int i = 0; i < 1'000'000; ++i) gaps += i % 2 == 0 ? ", " : ",\t\v";
     world.describe("a.ini", world.calling("A", "Dependencies=" + gaps + "\n"));
@@ -111,7 +111,7 @@ TEST_F(HostileInput, AMillionCommasAndBlanksAreNoDependency) {
     EXPECT_THAT(outcome(), ElementsAre("A 3"));
 }
 
-TEST_F(HostileInput, NobodyOfACycleOfAThousandStartsAndNobodyElseSuffers) {
+TEST_F(ServiceRunHostile, NobodyOfACycleOfAThousandStartsAndNobodyElseSuffers) {
     constexpr std::size_t count = 1000;
     for (std::size_t i = 0; i < count; ++i) {
         const std::string name = numbered(i);
@@ -128,7 +128,7 @@ TEST_F(HostileInput, NobodyOfACycleOfAThousandStartsAndNobodyElseSuffers) {
 
 // Long.
 
-TEST_F(HostileInput, ANameOf50MegabytesIsAName) {
+TEST_F(ServiceRunHostile, ANameOf50MegabytesIsAName) {
     const std::string name(50'000'000, 'x');
     world.describe("a.ini", "[Service]\nName=" + name + "\nRequires=0\n");
     run();
@@ -137,7 +137,7 @@ TEST_F(HostileInput, ANameOf50MegabytesIsAName) {
     EXPECT_NE(world.status().find("\n" + name + " (depends on )\n"), std::string::npos);
 }
 
-TEST_F(HostileInput, ALibraryPathOf5000CharactersFailsItsPluginAndIsShownWhole) {
+TEST_F(ServiceRunHostile, ALibraryPathOf5000CharactersFailsItsPluginAndIsShownWhole) {
     std::string path = support::testProgramFolder();
     while (path.size() < 5000) path += "/folder";
     world.describe("a.ini", "[Service]\nName=A\nPath=" + path + "/a.dll\n");
@@ -147,7 +147,7 @@ TEST_F(HostileInput, ALibraryPathOf5000CharactersFailsItsPluginAndIsShownWhole) 
     EXPECT_THAT(world.status(), HasSubstr("\nLoaded From: " + path + "/a.dll\n"));
 }
 
-TEST_F(HostileInput, AnEntryNameOf5000CharactersIsAMissingEntry) {
+TEST_F(ServiceRunHostile, AnEntryNameOf5000CharactersIsAMissingEntry) {
     const std::string entry(5000, 'e');
     for (const char* const key : {"Initialize", "Stop", "Cleanup"}) {
         world.describe(std::string(key) + ".ini", world.calling(key, std::string(key) + "=" + entry + "\n"));
@@ -157,7 +157,7 @@ TEST_F(HostileInput, AnEntryNameOf5000CharactersIsAMissingEntry) {
     EXPECT_THAT(world.status(), HasSubstr("\n" + entry + " Code: -52005\n"));
 }
 
-TEST_F(HostileInput, ASharedDirectoryOf5000CharactersCannotBeOpened) {
+TEST_F(ServiceRunHostile, ASharedDirectoryOf5000CharactersCannotBeOpened) {
     for (const char* const part : {"/folder", "/.", "/..", "\\folder", "/x/../y"}) {
         std::string path = *world.places.sharedDirectory;
         while (path.size() < 5000) path += part;
@@ -168,7 +168,7 @@ TEST_F(HostileInput, ASharedDirectoryOf5000CharactersCannotBeOpened) {
     }
 }
 
-TEST_F(HostileInput, ASharedDirectoryWithAZeroInItIsNotTakenForWhatStandsBeforeTheZero) {
+TEST_F(ServiceRunHostile, ASharedDirectoryWithAZeroInItIsNotTakenForWhatStandsBeforeTheZero) {
     // As a registry value is that holds several texts.
     const std::string shared = *world.places.sharedDirectory;
     std::ofstream(shared + "/astray.ini") << world.calling("Astray");
@@ -181,7 +181,7 @@ TEST_F(HostileInput, ASharedDirectoryWithAZeroInItIsNotTakenForWhatStandsBeforeT
     }
 }
 
-TEST_F(HostileInput, AStatusFolderOf5000CharactersIsNoFolder) {
+TEST_F(ServiceRunHostile, AStatusFolderOf5000CharactersIsNoFolder) {
     std::string folder = world.statusFolder.string();
     while (folder.size() < 5000) folder += "\\folder";
     EXPECT_EQ(support::failureOf([&] { WriteStatusFile(folder, "s", "text"); }), support::openFailed);
@@ -189,7 +189,7 @@ TEST_F(HostileInput, AStatusFolderOf5000CharactersIsNoFolder) {
 
 // Odd.
 
-TEST_F(HostileInput, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
+TEST_F(ServiceRunHostile, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
     const std::vector<std::string> names{
         std::string("\x01\x02\x07\b\x1A\x1B[31m\x7F"),  // control characters
         "\"",
@@ -225,7 +225,7 @@ TEST_F(HostileInput, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
     }
 }
 
-TEST_F(HostileInput, PathsAndEntriesOfAnyBytesFailTheirPluginAlone) {
+TEST_F(ServiceRunHostile, PathsAndEntriesOfAnyBytesFailTheirPluginAlone) {
     int files = 0;
     for (const char* const odd : {"\x01", "\"", "\xFF", "%s%n", "|", "*", "?", "\\\\", "//", "..", ".", "a:b:c"}) {
         world.describe("path" + std::to_string(++files) + ".ini",
@@ -243,7 +243,7 @@ TEST_F(HostileInput, PathsAndEntriesOfAnyBytesFailTheirPluginAlone) {
 
 // Changed between listing and reading.
 
-TEST_F(HostileInput, APluginDirectoryThatIsGoneBeforeItsFilesAreReadCostsItsPluginsAndNothingElse) {
+TEST_F(ServiceRunHostile, APluginDirectoryThatIsGoneBeforeItsFilesAreReadCostsItsPluginsAndNothingElse) {
     std::string expected;
     for (const char* const name : {"a", "b", "c"}) world.describe(std::string(name) + ".ini", world.calling(name));
     const support::tDescriptionReads reads([&](const std::string& path) {
@@ -257,7 +257,7 @@ TEST_F(HostileInput, APluginDirectoryThatIsGoneBeforeItsFilesAreReadCostsItsPlug
     EXPECT_THAT(world.status(), HasSubstr(expected + noFramework)) << "the run went on";
 }
 
-TEST_F(HostileInput, FilesThatChangeBeforeTheyAreReadAreTakenAsTheyAreThen) {
+TEST_F(ServiceRunHostile, FilesThatChangeBeforeTheyAreReadAreTakenAsTheyAreThen) {
     const std::string gone = world.describe("gone.ini", world.calling("Gone"));
     const std::string folder = world.describe("folder.ini", world.calling("Folder"));
     const std::string other = world.describe("other.ini", world.calling("Other"));
@@ -276,7 +276,7 @@ TEST_F(HostileInput, FilesThatChangeBeforeTheyAreReadAreTakenAsTheyAreThen) {
                                                      "Failed to parse service description file: " + folder));
 }
 
-TEST_F(HostileInput, DirectoriesInPlaceOfDescriptionFilesAreNoneHoweverManyThereAre) {
+TEST_F(ServiceRunHostile, DirectoriesInPlaceOfDescriptionFilesAreNoneHoweverManyThereAre) {
     for (std::size_t i = 0; i < 200; ++i) std::filesystem::create_directory(world.plugins / (numbered(i) + ".ini"));
     world.describe("a.ini", world.calling("A"));
     run();
@@ -284,7 +284,7 @@ TEST_F(HostileInput, DirectoriesInPlaceOfDescriptionFilesAreNoneHoweverManyThere
     EXPECT_EQ(gService->messages, noFramework);
 }
 
-TEST_F(HostileInput, AStatusFolderThatDisappearsMeanwhileStopsNothing) {
+TEST_F(ServiceRunHostile, AStatusFolderThatDisappearsMeanwhileStopsNothing) {
     world.describe("a.ini", world.calling("A"));
     std::filesystem::remove_all(world.statusFolder);
     run();

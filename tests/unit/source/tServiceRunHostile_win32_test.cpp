@@ -11,9 +11,9 @@
 
 namespace {
 
-class HostilePlaces : public testing::Test {
+class ServiceRunHostilePlaces : public testing::Test {
 protected:
-    HostilePlaces() { startService(); }
+    ServiceRunHostilePlaces() { startService(); }
 
     static void run() {
         signalServiceStop();
@@ -32,7 +32,7 @@ protected:
     support::tServiceWorld world;
 };
 
-TEST_F(HostilePlaces, ASharedDirectoryThatIsNoneCannotBeOpened) {
+TEST_F(ServiceRunHostilePlaces, ASharedDirectoryThatIsNoneCannotBeOpened) {
     for (const char* const place : {"Q:\\Shared", "Q:", "NUL", "con", "\\\\.\\NUL", "\\\\.\\PhysicalDrive99", "\\\\?\\",
                                     "*", "?", "<>|", "C:\\\x01", "::", "%TEMP%", "\xFF\xFE"}) {
         world.places.sharedDirectory = place;
@@ -42,7 +42,7 @@ TEST_F(HostilePlaces, ASharedDirectoryThatIsNoneCannotBeOpened) {
     }
 }
 
-TEST_F(HostilePlaces, ALibraryThatIsNoneFailsItsPluginAlone) {
+TEST_F(ServiceRunHostilePlaces, ALibraryThatIsNoneFailsItsPluginAlone) {
     int files = 0;
     for (const char* const path : {"Q:\\a.dll", "Q:a.dll", "NUL", "con", "\\\\.\\NUL", "\\\\?\\", "C:\\", "*.dll",
                                    "a:b", "C:\\Windows", "\xFF\xFE.dll", "kernel32.dll:stream"}) {
@@ -55,7 +55,7 @@ TEST_F(HostilePlaces, ALibraryThatIsNoneFailsItsPluginAlone) {
     EXPECT_EQ(outcome(), expected);
 }
 
-TEST_F(HostilePlaces, ADescriptionThatSomebodyKeepsForHimselfCostsItsPluginAlone) {
+TEST_F(ServiceRunHostilePlaces, ADescriptionThatSomebodyKeepsForHimselfCostsItsPluginAlone) {
     const std::string kept = world.describe("kept.ini", world.calling("Kept"));
     world.describe("free.ini", world.calling("Free"));
     const HANDLE handle = CreateFileA(kept.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -67,7 +67,7 @@ TEST_F(HostilePlaces, ADescriptionThatSomebodyKeepsForHimselfCostsItsPluginAlone
               "Failed to parse service description file: " + kept + "\nCannot init system framework\n");
 }
 
-TEST_F(HostilePlaces, ADescriptionThatLeadsNowhereWhenItIsOpenedCostsItsPluginAlone) {
+TEST_F(ServiceRunHostilePlaces, ADescriptionThatLeadsNowhereWhenItIsOpenedCostsItsPluginAlone) {
     // As a link does whose target is gone: it is found, but does not open.
     const std::string link = world.describe("link.ini", world.calling("Link"));
     world.describe("free.ini", world.calling("Free"));
@@ -81,7 +81,7 @@ TEST_F(HostilePlaces, ADescriptionThatLeadsNowhereWhenItIsOpenedCostsItsPluginAl
               "Failed to parse service description file: " + link + "\nCannot init system framework\n");
 }
 
-TEST_F(HostilePlaces, ADescriptionThatCannotBeReadToItsEndCostsItsPluginAlone) {
+TEST_F(ServiceRunHostilePlaces, ADescriptionThatCannotBeReadToItsEndCostsItsPluginAlone) {
     // As on a drive that is pulled out.
     const std::string torn = world.describe("torn.ini", world.calling("Torn"));
     world.describe("whole.ini", world.calling("Whole"));
@@ -103,7 +103,7 @@ TEST_F(HostilePlaces, ADescriptionThatCannotBeReadToItsEndCostsItsPluginAlone) {
               "Failed to parse service description file: " + torn + "\nCannot init system framework\n");
 }
 
-TEST_F(HostilePlaces, ALineThatIsTooLargeForTheMemoryCostsItsPluginAlone) {
+TEST_F(ServiceRunHostilePlaces, ALineThatIsTooLargeForTheMemoryCostsItsPluginAlone) {
     const std::string large = world.describe("large.ini", "[Service]\nName=" + std::string(50'000'000, 'x'));
     world.describe("free.ini", world.calling("Free"));
     EXPECT_GT(allocations::refused(10'000'000, run), 0);

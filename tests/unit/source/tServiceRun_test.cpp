@@ -95,19 +95,6 @@ TEST_F(ServiceRun, ALackOfMemoryDuringTheListingEndsTheRunWithoutAMessage) {
     EXPECT_EQ(world.status(), "no status file");
 }
 
-TEST_F(ServiceRun, EndsByItselfWhereverMemoryRunsOut) {
-    world.describe("a.ini", world.calling("A"));
-    bool failed = true;
-    for (int nth = 1; failed; ++nth) {
-        startService();
-        signalServiceStop();
-        failingNew::start(nth, failingNew::tHowLong::once);
-        runService();
-        failed = failingNew::stop();
-    }
-    EXPECT_THAT(names(), ElementsAre("A"));
-}
-
 TEST_F(ServiceRun, RunsWithoutPlugins) {
     runWithoutWaiting();
     EXPECT_THAT(names(), IsEmpty());

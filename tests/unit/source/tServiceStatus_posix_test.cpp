@@ -13,9 +13,9 @@ namespace {
 std::ptrdiff_t openFiles() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); }
 
 /// The device that is always full stands in for the temporary file.
-class FullDisk : public testing::Test {
+class ServiceStatusFullDisk : public testing::Test {
 protected:
-    FullDisk() {
+    ServiceStatusFullDisk() {
         folder.write("s", "old");
         std::filesystem::create_symlink("/dev/full", folder.path() / ".s.tmp");
     }
@@ -31,14 +31,14 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(FullDisk, IsFoundWhileALongTextIsWrittenAndLeavesTheOldFile) {
+TEST_F(ServiceStatusFullDisk, IsFoundWhileALongTextIsWrittenAndLeavesTheOldFile) {
     const std::ptrdiff_t before = openFiles();
     EXPECT_EQ(failureOf(1'000'000), support::writeFailed);
     EXPECT_EQ(openFiles(), before);
     EXPECT_EQ(status(), "old");
 }
 
-TEST_F(FullDisk, IsFoundAtTheCloseOfAShortTextAndLeavesTheOldFile) {
+TEST_F(ServiceStatusFullDisk, IsFoundAtTheCloseOfAShortTextAndLeavesTheOldFile) {
     const std::ptrdiff_t before = openFiles();
     EXPECT_EQ(failureOf(10), support::writeFailed);
     EXPECT_EQ(openFiles(), before);

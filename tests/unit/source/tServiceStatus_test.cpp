@@ -11,7 +11,6 @@
 
 #include "source/tService.h"
 #include "tests/support/caughtReports.h"
-#include "tests/support/failingNew.h"
 #include "tests/support/failure.h"
 #include "tests/support/folder.h"
 #include "tests/support/serviceWorld.h"
@@ -42,9 +41,9 @@ std::string shape(std::string text) {
     return text;
 }
 
-class StatusText : public testing::Test {
+class ServiceStatusText : public testing::Test {
 protected:
-    StatusText() { startService(); }
+    ServiceStatusText() { startService(); }
 
     /// The whole status file after one more write.
     [[nodiscard]] std::string written() const {
@@ -55,42 +54,42 @@ protected:
     support::tServiceWorld world;
 };
 
-TEST_F(StatusText, BeginsWithTheBannerAndTheTimeOfWriting) {
+TEST_F(ServiceStatusText, BeginsWithTheBannerAndTheTimeOfWriting) {
     const std::string text = written();
     const std::string banner = "ZU-Ziptra Remote Configuration and Deployment status\n";
     ASSERT_TRUE(text.starts_with(banner)) << text;
     EXPECT_EQ(shape(text.substr(banner.size())), "Aaaaaaa: Aaa Aaa 99 99:99:99 9999\nAaaaaaa: 9aaaaaaaaa\n\n");
 }
 
-TEST_F(StatusText, LeavesTheInitTimeOutWhileItIsZeroAndKeepsTheEmptyLine) {
+TEST_F(ServiceStatusText, LeavesTheInitTimeOutWhileItIsZeroAndKeepsTheEmptyLine) {
     gService->initTimeMs = 0;
     EXPECT_NE(written().find("Allowed: 0xffffffff\n\n"), std::string::npos);
     EXPECT_EQ(written().find("Init Time"), std::string::npos);
 }
 
-TEST_F(StatusText, ShowsTheInitTimeInMilliseconds) {
+TEST_F(ServiceStatusText, ShowsTheInitTimeInMilliseconds) {
     gService->initTimeMs = 1250;
     EXPECT_NE(written().find("Allowed: 0xffffffff\nInit Time 1250 ms\n\n"), std::string::npos);
 }
 
-TEST_F(StatusText, TellsAnInitTimeFromZeroByAll64BitsAndShowsTheLow32) {
+TEST_F(ServiceStatusText, TellsAnInitTimeFromZeroByAll64BitsAndShowsTheLow32) {
     gService->initTimeMs = std::uint64_t{1} << 32U;
     EXPECT_NE(written().find("\nInit Time 0 ms\n"), std::string::npos);
 }
 
-TEST_F(StatusText, ShowsAMaskOfZeroAs0x0) {
+TEST_F(ServiceStatusText, ShowsAMaskOfZeroAs0x0) {
     gService->allowedMask = 0;
     EXPECT_NE(written().find("\nAllowed: 0x0\n"), std::string::npos);
 }
 
-TEST_F(StatusText, ShowsTheMaskInLowerCaseWithoutLeadingZeros) {
+TEST_F(ServiceStatusText, ShowsTheMaskInLowerCaseWithoutLeadingZeros) {
     gService->allowedMask = 0xFFFFFFFD;
     EXPECT_NE(written().find("\nAllowed: 0xfffffffd\n"), std::string::npos);
     gService->allowedMask = 3;
     EXPECT_NE(written().find("\nAllowed: 0x3\n"), std::string::npos);
 }
 
-TEST_F(StatusText, ShowsTheTimeInDecimalBehindTheHexadecimalMask) {
+TEST_F(ServiceStatusText, ShowsTheTimeInDecimalBehindTheHexadecimalMask) {
     gService->initTimeMs = 255;
     EXPECT_NE(written().find("Init Time 255 ms"), std::string::npos);
 }
@@ -111,13 +110,13 @@ private:
     std::locale before_;
 };
 
-TEST_F(StatusText, ShowsPlainDigitsWhateverTheLocale) {
+TEST_F(ServiceStatusText, ShowsPlainDigitsWhateverTheLocale) {
     const tGroupingLocale locale;
     gService->initTimeMs = 1234567;
     EXPECT_NE(written().find("\nAllowed: 0xffffffff\nInit Time 1234567 ms\n"), std::string::npos);
 }
 
-TEST_F(StatusText, ShowsTheMessagesAsTheyAreAndThePlugInsBelow) {
+TEST_F(ServiceStatusText, ShowsTheMessagesAsTheyAreAndThePlugInsBelow) {
     gService->messages = "first\nsecond\n";
     tPluginDescription plugin;
     plugin.name = "Alpha";
@@ -125,18 +124,18 @@ TEST_F(StatusText, ShowsTheMessagesAsTheyAreAndThePlugInsBelow) {
     EXPECT_NE(written().find("\n\nfirst\nsecond\nAlpha (depends on )\n"), std::string::npos);
 }
 
-TEST_F(StatusText, LosesTheCarriageReturnsOfTheMessages) {
+TEST_F(ServiceStatusText, LosesTheCarriageReturnsOfTheMessages) {
     gService->messages = "one\r\ntwo\r\r\n\rthree\n";
     EXPECT_NE(written().find("\n\none\ntwo\nthree\n"), std::string::npos);
 }
 
-TEST_F(StatusText, OfALockedUpFolderStopsNothing) {
+TEST_F(ServiceStatusText, OfALockedUpFolderStopsNothing) {
     world.places.appDataFolder = world.plugins.string() + "/missing";
     EXPECT_NO_THROW(WriteStatus(*gService));
     EXPECT_FALSE(exists(world.plugins / "missing"));
 }
 
-TEST_F(StatusText, OfAnUnknownFolderStopsNothingAndKeepsTheOldFile) {
+TEST_F(ServiceStatusText, OfAnUnknownFolderStopsNothingAndKeepsTheOldFile) {
     const std::string before = written();
     gService->allowedMask = 0;
     world.places.appDataFolder.reset();
@@ -144,36 +143,14 @@ TEST_F(StatusText, OfAnUnknownFolderStopsNothingAndKeepsTheOldFile) {
     EXPECT_EQ(content(world.statusFolder / fileName), before);
 }
 
-TEST_F(StatusText, OfAnUnknownFolderIsReportedToTheTraceLikeAnyOtherFailure) {
+TEST_F(ServiceStatusText, OfAnUnknownFolderIsReportedToTheTraceLikeAnyOtherFailure) {
     world.places.appDataFolder.reset();
     const support::tCaughtReports reports;
     WriteStatus(*gService);
     EXPECT_THAT(reports.texts, ElementsAre(HasSubstr("kestStatusResourceNotFound")));
 }
 
-TEST_F(StatusText, StaysThatOfTheOldFileOrTheNewOneWhereverMemoryRunsOut) {
-    gService->messages = "a message that is longer than any string holds without memory of its own\n";
-    tPluginDescription plugin;
-    plugin.name = "Alpha";
-    gService->pluginManager.startAll({plugin}, 0);
-    const std::string before = written();
-    gService->allowedMask = 0;
-    bool failed = true;
-    for (int nth = 1; failed; ++nth) {
-        failingNew::start(nth, failingNew::tHowLong::once);
-        EXPECT_NO_THROW(WriteStatus(*gService));
-        failed = failingNew::stop();
-        const std::string text = content(world.statusFolder / fileName);
-        const bool isNew =
-            text.find("\nAllowed: 0x0\n") != std::string::npos && text.ends_with("\nInit Code: -52002\n\n");
-        // While the rename is prepared there may be neither: the temporary file is complete then.
-        const bool isWaiting = text.empty() && exists(world.statusFolder / temporaryName);
-        EXPECT_TRUE(text == before || isNew || isWaiting) << nth << "\n" << text;
-    }
-    EXPECT_FALSE(exists(world.statusFolder / temporaryName));
-}
-
-class StatusFileReplacement : public testing::Test {
+class ServiceStatusReplacement : public testing::Test {
 protected:
     void write(const std::string& text) const { WriteStatusFile(folder.utf8(), "s.status", text); }
     [[nodiscard]] std::string status() const { return content(folder.path() / "s.status"); }
@@ -184,51 +161,51 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(StatusFileReplacement, WritesTheWholeTextAndLeavesNoTemporaryFile) {
+TEST_F(ServiceStatusReplacement, WritesTheWholeTextAndLeavesNoTemporaryFile) {
     write("one\ntwo\n");
     EXPECT_EQ(status(), "one\ntwo\n");
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(StatusFileReplacement, ReplacesALongerFileAsAWhole) {
+TEST_F(ServiceStatusReplacement, ReplacesALongerFileAsAWhole) {
     write("something long that must not show through\n");
     write("short\n");
     EXPECT_EQ(status(), "short\n");
 }
 
-TEST_F(StatusFileReplacement, WritesAnEmptyTextAsAnEmptyFile) {
+TEST_F(ServiceStatusReplacement, WritesAnEmptyTextAsAnEmptyFile) {
     write("");
     EXPECT_EQ(status(), "");
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(StatusFileReplacement, OverwritesAStaleTemporaryFile) {
+TEST_F(ServiceStatusReplacement, OverwritesAStaleTemporaryFile) {
     folder.write(".s.status.tmp", "left behind by a rename that failed, and longer");
     write("new\n");
     EXPECT_EQ(status(), "new\n");
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(StatusFileReplacement, FailsAtLine207WithoutAFileWhenTheDirectoryDoesNotExist) {
+TEST_F(ServiceStatusReplacement, FailsAtLine207WithoutAFileWhenTheDirectoryDoesNotExist) {
     const auto call = [this] { WriteStatusFile(folder.utf8("missing"), fileName, "text"); };
     EXPECT_EQ(support::failureOf(call), support::openFailed);
     EXPECT_EQ(files(), 0U);
 }
 
-TEST_F(StatusFileReplacement, FailsAtLine207AndKeepsTheOldFileWhenTheTemporaryFileCannotBeOpened) {
+TEST_F(ServiceStatusReplacement, FailsAtLine207AndKeepsTheOldFileWhenTheTemporaryFileCannotBeOpened) {
     write("old\n");
     folder.makeFolder(".s.status.tmp");
     EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::openFailed);
     EXPECT_EQ(status(), "old\n");
 }
 
-TEST_F(StatusFileReplacement, FailsAtLine225AndLeavesTheCompleteTemporaryFileWhenTheNameIsTaken) {
+TEST_F(ServiceStatusReplacement, FailsAtLine225AndLeavesTheCompleteTemporaryFileWhenTheNameIsTaken) {
     folder.makeFolder("s.status/occupied");
     EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::renameFailed);
     EXPECT_EQ(content(folder.path() / ".s.status.tmp"), "new\n");
 }
 
-TEST_F(StatusFileReplacement, RecoversOnceTheNameIsFreeAgain) {
+TEST_F(ServiceStatusReplacement, RecoversOnceTheNameIsFreeAgain) {
     folder.makeFolder("s.status/occupied");
     EXPECT_NE(support::failureOf([this] { write("first\n"); }), "none");
     remove_all(folder.path() / "s.status");
@@ -237,7 +214,7 @@ TEST_F(StatusFileReplacement, RecoversOnceTheNameIsFreeAgain) {
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(StatusFileReplacement, FindsADirectoryOfAnyScript) {
+TEST_F(ServiceStatusReplacement, FindsADirectoryOfAnyScript) {
     const std::filesystem::path name(u"状态 и пробел 🙂");
     folder.makeFolder(name);
     WriteStatusFile(folder.utf8(name), fileName, "text\n");
@@ -245,7 +222,7 @@ TEST_F(StatusFileReplacement, FindsADirectoryOfAnyScript) {
     EXPECT_FALSE(exists(folder.path() / name / temporaryName));
 }
 
-TEST_F(StatusFileReplacement, IsSeenWholeOrNotAtAllByAReaderBesideTheWriter) {
+TEST_F(ServiceStatusReplacement, IsSeenWholeOrNotAtAllByAReaderBesideTheWriter) {
     constexpr std::size_t size = 20'000;
     std::atomic<int> whole = 0;
     std::atomic<int> torn = 0;
@@ -270,7 +247,7 @@ TEST_F(StatusFileReplacement, IsSeenWholeOrNotAtAllByAReaderBesideTheWriter) {
     EXPECT_GE(whole, 20);
 }
 
-TEST_F(StatusFileReplacement, FailsForADirectoryThatIsNoUtf8) {
+TEST_F(ServiceStatusReplacement, FailsForADirectoryThatIsNoUtf8) {
     const auto call = [this] { WriteStatusFile(folder.utf8() + "\\\xFF", fileName, "text"); };
     EXPECT_EQ(support::failureOf(call), support::openFailed);
 }

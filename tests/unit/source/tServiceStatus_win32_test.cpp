@@ -22,13 +22,13 @@ std::string failureOf(const support::tFolder& folder, const std::string& text) {
     return support::failureOf([&] { WriteStatusFile(folder.utf8(), "s", text); });
 }
 
-TEST(StatusFileOnDisk, HasWindowsLineEndsAndNoDoubledCarriageReturns) {
+TEST(ServiceStatusOnDisk, HasWindowsLineEndsAndNoDoubledCarriageReturns) {
     const support::tFolder folder;
     WriteStatusFile(folder.utf8(), "s", "one\r\ntwo\n\n");
     EXPECT_EQ(bytes(folder.path() / "s"), "one\r\ntwo\r\n\r\n");
 }
 
-TEST(StatusFileOnDisk, IsOpenedForTextWithSharingThatDeniesNobodyThenDeletedThenRenamed) {
+TEST(ServiceStatusOnDisk, IsOpenedForTextWithSharingThatDeniesNobodyThenDeletedThenRenamed) {
     const support::tFolder folder;
     std::wstring calls;
     imports::_wfsopen.replace([&](const wchar_t* path, const wchar_t* mode, int sharing) {
@@ -51,7 +51,7 @@ TEST(StatusFileOnDisk, IsOpenedForTextWithSharingThatDeniesNobodyThenDeletedThen
     EXPECT_EQ(calls, L"open w 64\nremove\nrename\n");
 }
 
-TEST(StatusFileOnDisk, IsNotOpenedWhenItsPathCannotBeConverted) {
+TEST(ServiceStatusOnDisk, IsNotOpenedWhenItsPathCannotBeConverted) {
     const support::tFolder folder;
     bool opened = false;
     imports::_wfsopen.replace([&](auto...) -> FILE* {
@@ -63,7 +63,7 @@ TEST(StatusFileOnDisk, IsNotOpenedWhenItsPathCannotBeConverted) {
     EXPECT_FALSE(opened);
 }
 
-TEST(StatusFileOnDisk, KeepsTheOldFileWhenTheNewOneIsCutShort) {
+TEST(ServiceStatusOnDisk, KeepsTheOldFileWhenTheNewOneIsCutShort) {
     const support::tFolder folder;
     folder.write("s", "old");
     std::size_t closed = 0;
@@ -79,7 +79,7 @@ TEST(StatusFileOnDisk, KeepsTheOldFileWhenTheNewOneIsCutShort) {
     EXPECT_EQ(bytes(folder.path() / "s"), "old");
 }
 
-TEST(StatusFileOnDisk, WritesTheTextWithOneCall) {
+TEST(ServiceStatusOnDisk, WritesTheTextWithOneCall) {
     const support::tFolder folder;
     int calls = 0;
     imports::fwrite.replace([&](const void* data, std::size_t size, std::size_t count, FILE* file) {
@@ -91,7 +91,7 @@ TEST(StatusFileOnDisk, WritesTheTextWithOneCall) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(StatusFileOnDisk, KeepsTheOldFileWhenTheDiskIsFoundFullAtTheClose) {
+TEST(ServiceStatusOnDisk, KeepsTheOldFileWhenTheDiskIsFoundFullAtTheClose) {
     const support::tFolder folder;
     folder.write("s", "old");
     imports::fclose.replace([](FILE* file) {
@@ -102,14 +102,14 @@ TEST(StatusFileOnDisk, KeepsTheOldFileWhenTheDiskIsFoundFullAtTheClose) {
     EXPECT_EQ(bytes(folder.path() / "s"), "old");
 }
 
-TEST(StatusFileOnDisk, GoesOnWhenThereIsNothingToDelete) {
+TEST(ServiceStatusOnDisk, GoesOnWhenThereIsNothingToDelete) {
     const support::tFolder folder;
     imports::_wremove.replace([](const wchar_t*) { return -1; });
     EXPECT_EQ(failureOf(folder, "new"), "none");
     EXPECT_EQ(bytes(folder.path() / "s"), "new");
 }
 
-TEST(StatusFileOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
+TEST(ServiceStatusOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
     const support::tFolder folder;
     folder.write("s", "old");
     imports::_wrename.replace([](auto...) { return -1; });
@@ -118,7 +118,7 @@ TEST(StatusFileOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
     EXPECT_EQ(bytes(folder.path() / ".s.tmp"), "new");
 }
 
-TEST(StatusTextOnWindows, SurvivesATimeThatTheRuntimeHasNoTextFor) {
+TEST(ServiceStatusOnWindows, SurvivesATimeThatTheRuntimeHasNoTextFor) {
     const support::tServiceWorld world;
     imports::_ctime64.replace([](const __time64_t*) -> char* { return nullptr; });
     startService();
@@ -126,7 +126,7 @@ TEST(StatusTextOnWindows, SurvivesATimeThatTheRuntimeHasNoTextFor) {
               std::string::npos);
 }
 
-TEST(StatusTextOnWindows, ShowsTheTimeThatTheRuntimeGives) {
+TEST(ServiceStatusOnWindows, ShowsTheTimeThatTheRuntimeGives) {
     const support::tServiceWorld world;
     imports::_time64.replace([](__time64_t*) -> __time64_t { return 1'794'799'600; });
     imports::_ctime64.replace([](const __time64_t* now) -> char* {
@@ -139,7 +139,7 @@ TEST(StatusTextOnWindows, ShowsTheTimeThatTheRuntimeGives) {
               std::string::npos);
 }
 
-TEST(StatusTextOnWindows, KeepsAFailedWriteToItself) {
+TEST(ServiceStatusOnWindows, KeepsAFailedWriteToItself) {
     const support::tServiceWorld world;
     startService();
     const std::string before = bytes(world.statusFolder / "zuZiptraRemoteService.status");
@@ -168,7 +168,7 @@ int opensWhileAnExceptionPropagates() {
     }
 }
 
-TEST(StatusTextOnWindows, IsWrittenAlsoWhileAnExceptionPropagates) {
+TEST(ServiceStatusOnWindows, IsWrittenAlsoWhileAnExceptionPropagates) {
     const support::tServiceWorld world;
     startService();
     world.removeStatus();
@@ -177,14 +177,14 @@ TEST(StatusTextOnWindows, IsWrittenAlsoWhileAnExceptionPropagates) {
 }
 
 // The failure cannot be thrown then, and the folder is of no use: one at the root of the drive, of anybody's making.
-TEST(StatusTextOnWindows, IsWrittenNowhereWhenTheFolderIsUnknownWhileAnExceptionPropagates) {
+TEST(ServiceStatusOnWindows, IsWrittenNowhereWhenTheFolderIsUnknownWhileAnExceptionPropagates) {
     support::tServiceWorld world;
     startService();
     world.places.appDataFolder.reset();
     EXPECT_EQ(opensWhileAnExceptionPropagates(), 0);
 }
 
-TEST(StatusTextOnWindows, LetsExceptionsThatAreNoStandardOnesPass) {
+TEST(ServiceStatusOnWindows, LetsExceptionsThatAreNoStandardOnesPass) {
     const support::tServiceWorld world;
     startService();
     imports::_time64.replace([](__time64_t*) -> __time64_t { throw 42; });

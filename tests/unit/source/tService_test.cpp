@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/failingNew.h"
 #include "tests/support/serviceWorld.h"
 
 namespace {
@@ -97,37 +96,6 @@ TEST_F(Service, AStopRequestStaysMadeForEveryLaterRun) {
     signalServiceStop();
     runService();
     runService();
-}
-
-// Memory that runs out, at each allocation in turn.
-
-TEST_F(Service, AStartThatFindsNoMemoryFailsAndLeavesAnEarlierServiceAlone) {
-    startService();
-    tService* const earlier = gService;
-    failingNew::start(1, failingNew::tHowLong::forEver);
-    const std::int32_t started = startService();
-    EXPECT_TRUE(failingNew::stop());
-    EXPECT_EQ(started, -1);
-    EXPECT_EQ(gService, earlier);
-}
-
-TEST_F(Service, AStartEitherFailsOrSucceedsWhereverMemoryRunsOut) {
-    bool failed = true;
-    for (int nth = 1; failed; ++nth) {
-        failingNew::start(nth, failingNew::tHowLong::once);
-        const std::int32_t started = startService();
-        failed = failingNew::stop();
-        EXPECT_EQ(started, gService == nullptr ? -1 : 0) << nth;
-        stopService();
-    }
-}
-
-TEST_F(Service, AStopSucceedsWithoutMemory) {
-    startService();
-    failingNew::start(1, failingNew::tHowLong::forEver);
-    stopService();
-    EXPECT_TRUE(failingNew::stop());
-    EXPECT_EQ(gService, nullptr);
 }
 
 }  // namespace

@@ -2,7 +2,10 @@
 
 #include <stdexcept>
 
+#include "err/Exception.h"
+#include "tests/support/caughtReports.h"
 #include "tests/support/hostCalls_win32.h"
+#include "tests/support/serviceWorld.h"
 
 namespace {
 
@@ -104,6 +107,60 @@ TEST_F(ServiceLife, AStandardExceptionFromTheLastStatusFileDoesNotKeepTheService
     EXPECT_EQ(gService, nullptr);
 }
 
+TEST_F(ServiceLife, AStandardExceptionFromTheAccessListMeansMinusOne) {
+    imports::SetEntriesInAclA.replace([](auto...) -> DWORD { throw std::runtime_error("no list today"); });
+    EXPECT_EQ(startService(), -1);
+    EXPECT_EQ(gService, nullptr);
+}
+
+TEST_F(ServiceLife, AStandardExceptionFromTheWaitEndsTheRunAndNothingElse) {
+    const support::tServiceWorld world;
+    startService();
+    imports::WaitForSingleObject.replace([](auto...) -> DWORD { throw std::runtime_error("no wait today"); });
+    runService();
+    EXPECT_NE(gService, nullptr);
+}
+
+TEST_F(ServiceLife, AStandardExceptionFromTheStopRequestIsNotPassedOn) {
+    startService();
+    imports::SetEvent.replace([](HANDLE) -> BOOL { throw std::runtime_error("no signal today"); });
+    EXPECT_NO_THROW(signalServiceStop());
+    EXPECT_NE(gService, nullptr);
+}
+
+TEST_F(ServiceLife, ADestructionThatThrowsLeavesThePointerAsItWas) {
+    startService();
+    const tService* const before = gService;
+    imports::CloseHandle.replace([](HANDLE) -> BOOL { throw std::runtime_error("no close today"); });
+    EXPECT_NO_THROW(stopService());
+    EXPECT_EQ(gService, before);
+    gService = nullptr;
+}
+
+TEST_F(ServiceLife, EachEntryPointPassesItsExceptionToTheConversion) {
+    static constexpr zuerr::RaiseReport failure{zuerr::osFault, {"test", 1}};
+    const support::tServiceWorld world;
+    const support::tCaughtReports caught;
+    const auto createEvent = imports::CreateEventA.current();
+
+    imports::CreateEventA.replace([](auto...) -> HANDLE { zuerr::Raise(failure); });
+    startService();
+    EXPECT_EQ(caught.texts.size(), 1U);
+    imports::CreateEventA.replace(createEvent);
+    startService();
+    imports::WaitForSingleObject.replace([](auto...) -> DWORD { zuerr::Raise(failure); });
+    runService();
+    EXPECT_EQ(caught.texts.size(), 2U);
+    imports::SetEvent.replace([](HANDLE) -> BOOL { zuerr::Raise(failure); });
+    signalServiceStop();
+    EXPECT_EQ(caught.texts.size(), 3U);
+    imports::CloseHandle.replace([](HANDLE) -> BOOL { zuerr::Raise(failure); });
+    stopService();
+    EXPECT_EQ(caught.texts.size(), 4U);
+    imports::ImportBase::restoreAll();
+    gService = nullptr;
+}
+
 TEST_F(ServiceLife, ExceptionsOfOtherKindsAreNotCaught) {
     imports::CreateEventA.replace([](auto...) -> HANDLE { throw 7; });
     EXPECT_THROW(startService(), int);
@@ -113,6 +170,11 @@ TEST_F(ServiceLife, ExceptionsOfOtherKindsAreNotCaught) {
     startService();
     imports::RegOpenKeyExW.replace([](auto...) -> LSTATUS { throw 7; });
     EXPECT_THROW(runService(), int);
+
+    imports::CloseHandle.replace([](HANDLE) -> BOOL { throw 7; });
+    EXPECT_THROW(stopService(), int);
+    imports::ImportBase::restoreAll();
+    gService = nullptr;
 }
 
 }  // namespace

@@ -24,9 +24,9 @@ struct tAnswer {
 };
 
 /// A registry that says what the test scripts, and notes who asks for what.
-class RegistryReader : public testing::Test {
+class StdPathRegistryReader : public testing::Test {
 protected:
-    RegistryReader() {
+    StdPathRegistryReader() {
         imports::RegOpenKeyExW.replace([this](HKEY hive, const wchar_t* path, DWORD options, REGSAM access, HKEY* key) {
             EXPECT_EQ(hive, HKEY_LOCAL_MACHINE);
             EXPECT_STREQ(path, L"SOFTWARE\\Corvell\\Common\\Installer");
@@ -112,65 +112,65 @@ const std::string outOfMemory =
 
 const std::string systemText = R"(,"string":"The system's text.\r\n")";
 
-TEST_F(RegistryReader, AsksWith512BytesAndKeepsExactlyWhatTheValueHeld) {
+TEST_F(StdPathRegistryReader, AsksWith512BytesAndKeepsExactlyWhatTheValueHeld) {
     answers = {{ERROR_SUCCESS, 10, {u"C:\\D\0", 5}}};
     EXPECT_EQ(read(), std::u16string(u"C:\\D\0", 5));
     EXPECT_EQ(status.code, 0);
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
 }
 
-TEST_F(RegistryReader, ReadsAValueThatJustFitsTheFirstBufferAtOnce) {
+TEST_F(StdPathRegistryReader, ReadsAValueThatJustFitsTheFirstBufferAtOnce) {
     const std::u16string value(256, u'x');
     answers = {{ERROR_SUCCESS, 512, value}};
     EXPECT_EQ(read(), value);
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
 }
 
-TEST_F(RegistryReader, AsksAgainWithTheSizeThatTheFirstCallReported) {
+TEST_F(StdPathRegistryReader, AsksAgainWithTheSizeThatTheFirstCallReported) {
     const std::u16string value(300, u'x');
     answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_SUCCESS, 600, value}};
     EXPECT_EQ(read(), value);
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "close"));
 }
 
-TEST_F(RegistryReader, GoesOnAskingWhileTheValueGrows) {
+TEST_F(StdPathRegistryReader, GoesOnAskingWhileTheValueGrows) {
     const std::u16string value(400, u'x');
     answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_MORE_DATA, 800, u""}, {ERROR_SUCCESS, 800, value}};
     EXPECT_EQ(read(), value);
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "query 800", "close"));
 }
 
-TEST_F(RegistryReader, KeepsLessWhenTheValueShrinksBetweenTwoCalls) {
+TEST_F(StdPathRegistryReader, KeepsLessWhenTheValueShrinksBetweenTwoCalls) {
     answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_SUCCESS, 4, u"ab"}};
     EXPECT_EQ(read(), u"ab");
 }
 
-TEST_F(RegistryReader, DropsTheOddByteOfAValueThatIsNoText) {
+TEST_F(StdPathRegistryReader, DropsTheOddByteOfAValueThatIsNoText) {
     answers = {{ERROR_SUCCESS, 5, u"abc"}};
     EXPECT_EQ(read(), u"ab");
 }
 
-TEST_F(RegistryReader, HasRoomForTheOddByteOfALongValue) {
+TEST_F(StdPathRegistryReader, HasRoomForTheOddByteOfALongValue) {
     // The stand-in writes all of the room that it is told of; a buffer of 300 characters would be one byte too small.
     answers = {{ERROR_MORE_DATA, 601, u""}, {ERROR_SUCCESS, 601, std::u16string(300, u'x')}};
     EXPECT_EQ(read(), std::u16string(300, u'x'));
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 601", "close"));
 }
 
-TEST_F(RegistryReader, GivesAnEmptyTextForAValueWithoutData) {
+TEST_F(StdPathRegistryReader, GivesAnEmptyTextForAValueWithoutData) {
     answers = {{ERROR_SUCCESS, 0, u""}};
     EXPECT_EQ(read(), u"");
     EXPECT_EQ(status.code, 0);
 }
 
-TEST_F(RegistryReader, MindsNoFailureToCloseTheKey) {
+TEST_F(StdPathRegistryReader, MindsNoFailureToCloseTheKey) {
     closeResult = ERROR_INVALID_HANDLE;
     answers = {{ERROR_SUCCESS, 4, u"ab"}};
     EXPECT_EQ(read(), u"ab");
     EXPECT_EQ(status.code, 0);
 }
 
-TEST_F(RegistryReader, ReportsAMissingKeyAndClosesNothing) {
+TEST_F(StdPathRegistryReader, ReportsAMissingKeyAndClosesNothing) {
     openResult = ERROR_FILE_NOT_FOUND;
     EXPECT_EQ(read(), u"");
     EXPECT_EQ(status.code, -52006);
@@ -179,7 +179,7 @@ TEST_F(RegistryReader, ReportsAMissingKeyAndClosesNothing) {
     EXPECT_EQ(reportAtFree, status.json) << "the text is released when the report is built";
 }
 
-TEST_F(RegistryReader, ReportsAMissingValueAndClosesTheKey) {
+TEST_F(StdPathRegistryReader, ReportsAMissingValueAndClosesTheKey) {
     answers = {{ERROR_FILE_NOT_FOUND, 512, u""}};
     read();
     EXPECT_EQ(status.code, -52006);
@@ -188,14 +188,14 @@ TEST_F(RegistryReader, ReportsAMissingValueAndClosesTheKey) {
     EXPECT_EQ(reportAtFree, status.json);
 }
 
-TEST_F(RegistryReader, ReportsAFailureOfTheSecondQuery) {
+TEST_F(StdPathRegistryReader, ReportsAFailureOfTheSecondQuery) {
     answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_ACCESS_DENIED, 600, u""}};
     read();
     EXPECT_EQ(status.json, report(256, 5, systemText, "RegQueryValue failed"));
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "format 5", "free", "close"));
 }
 
-TEST_F(RegistryReader, LeavesTheTextOutWhenTheSystemHasNone) {
+TEST_F(StdPathRegistryReader, LeavesTheTextOutWhenTheSystemHasNone) {
     message.reset();
     openResult = static_cast<LSTATUS>(0xDEADBEEF);
     read();
@@ -203,13 +203,13 @@ TEST_F(RegistryReader, LeavesTheTextOutWhenTheSystemHasNone) {
     EXPECT_THAT(calls, ElementsAre("open", "format 3735928559"));
 }
 
-TEST_F(RegistryReader, ReportsThatMemoryRunsOutBeforeTheFirstQueryAndClosesTheKey) {
+TEST_F(StdPathRegistryReader, ReportsThatMemoryRunsOutBeforeTheFirstQueryAndClosesTheKey) {
     EXPECT_EQ(allocations::refused(512, [this] { read(); }), 2) << "the buffer, and the report's";
     EXPECT_EQ(status.code, -52000);
     EXPECT_THAT(calls, ElementsAre("open", "close"));
 }
 
-TEST_F(RegistryReader, ReportsThatMemoryRunsOutForALongValueAndClosesTheKey) {
+TEST_F(StdPathRegistryReader, ReportsThatMemoryRunsOutForALongValueAndClosesTheKey) {
     answers = {{ERROR_MORE_DATA, 60000, u""}};
     EXPECT_EQ(allocations::refused(60000, [this] { read(); }), 1);
     EXPECT_EQ(status.code, -52000);
@@ -217,14 +217,7 @@ TEST_F(RegistryReader, ReportsThatMemoryRunsOutForALongValueAndClosesTheKey) {
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
 }
 
-TEST_F(RegistryReader, CallsNothingWhenTheRecordHoldsAFailure) {
-    status.code = -7;
-    read();
-    EXPECT_EQ(status.code, -7);
-    EXPECT_THAT(calls, ElementsAre());
-}
-
-TEST_F(RegistryReader, GivesTheSharedDirectoryOfAValueOfAnyType) {
+TEST_F(StdPathRegistryReader, GivesTheSharedDirectoryOfAValueOfAnyType) {
     const std::u16string value(u" D:\\Shared\\ \0", 13);
     answers = {{ERROR_SUCCESS, 26, value}};
     std::string result;
@@ -232,12 +225,12 @@ TEST_F(RegistryReader, GivesTheSharedDirectoryOfAValueOfAnyType) {
     EXPECT_EQ(result, "D:\\Shared");
 }
 
-TEST_F(RegistryReader, SpellsThePluginDirectoryWithBackslashes) {
+TEST_F(StdPathRegistryReader, SpellsThePluginDirectoryWithBackslashes) {
     answers = {{ERROR_SUCCESS, 20, {u"D:\\Shared\\", 10}}};
     EXPECT_EQ(nStdPath::getPluginDirectory().native(), L"D:\\Shared\\ZiptraRemoteService\\plugins");
 }
 
-TEST(Registry, TellsOfAKeyThatIsNotThereWithTheSystemsOwnText) {
+TEST(StdPathRegistry, TellsOfAKeyThatIsNotThereWithTheSystemsOwnText) {
     zuerr::StatusRecord status;
     nStdPath::tWideBuffer wide;
     nStdPath::readRegistryString(u"SOFTWARE\\Corvell\\No such key", u"x", 0, wide, status);
@@ -245,9 +238,9 @@ TEST(Registry, TellsOfAKeyThatIsNotThereWithTheSystemsOwnText) {
     EXPECT_NE(std::string(status.json).find(R"("code":2,"string":")"), std::string::npos) << status.json;
 }
 
-class KnownFolder : public testing::Test {
+class StdPathKnownFolder : public testing::Test {
 protected:
-    KnownFolder() {
+    StdPathKnownFolder() {
         imports::SHGetFolderPathW.replace([this](HWND window, int csidl, HANDLE token, DWORD flags, wchar_t* path) {
             EXPECT_EQ(window, nullptr);
             EXPECT_EQ(csidl, 35);
@@ -270,7 +263,7 @@ protected:
     zuerr::StatusRecord status;
 };
 
-TEST_F(KnownFolder, IsAskedForWithABufferOf260Zeros) {
+TEST_F(StdPathKnownFolder, IsAskedForWithABufferOf260Zeros) {
     nStdPath::tWideBuffer wide;
     nStdPath::getKnownFolder(35, wide, status);
     EXPECT_EQ(calls, 1);
@@ -278,13 +271,7 @@ TEST_F(KnownFolder, IsAskedForWithABufferOf260Zeros) {
     EXPECT_EQ(std::u16string(wide.begin(), wide.end()), u"C:\\ProgramData" + std::u16string(246, 0));
 }
 
-TEST_F(KnownFolder, IsFollowedByTheMakersFolder) {
-    std::string directory;
-    nStdPath::getCommonAppDataDirectory(directory, status);
-    EXPECT_EQ(directory, "C:\\ProgramData\\Corvell");
-}
-
-TEST_F(KnownFolder, ReportsEveryResultButZero) {
+TEST_F(StdPathKnownFolder, ReportsEveryResultButZero) {
     for (const HRESULT failing : {E_INVALIDARG, E_FAIL, S_FALSE}) {
         result = failing;
         zuerr::StatusRecord failed;
@@ -298,7 +285,7 @@ TEST_F(KnownFolder, ReportsEveryResultButZero) {
     }
 }
 
-TEST_F(KnownFolder, IsNotAskedForWhenThereIsNoMemoryForTheBuffer) {
+TEST_F(StdPathKnownFolder, IsNotAskedForWhenThereIsNoMemoryForTheBuffer) {
     std::string directory = "as it was";
     EXPECT_EQ(allocations::refused(513, [&] { nStdPath::getCommonAppDataDirectory(directory, status); }), 1);
     EXPECT_EQ(calls, 0);
@@ -307,15 +294,87 @@ TEST_F(KnownFolder, IsNotAskedForWhenThereIsNoMemoryForTheBuffer) {
     EXPECT_EQ(directory, "\\Corvell");
 }
 
-TEST_F(KnownFolder, CallsNothingWhenTheRecordHoldsAFailure) {
-    status.code = -7;
-    nStdPath::tWideBuffer wide;
-    nStdPath::getKnownFolder(35, wide, status);
-    EXPECT_EQ(calls, 0);
-    EXPECT_EQ(wide.size(), 0U);
+/// The system's loader on a machine where shell32 has not been loaded yet.
+class StdPathShell32 : public StdPathKnownFolder {
+protected:
+    StdPathShell32() {
+        imports::GetSystemDirectoryW.replace(
+            [](wchar_t* path, UINT) { return UINT(std::wcslen(std::wcscpy(path, L"S:\\s"))); });
+        imports::GetModuleHandleW.replace([this](const wchar_t* path) {
+            loaderCalls += "find ";
+            EXPECT_EQ(std::wstring(path), L"S:\\s\\shell32.dll");
+            return loaded ? handle : nullptr;
+        });
+        imports::LoadLibraryExW.replace([this](const wchar_t* path, HANDLE file, DWORD flags) {
+            loaderCalls += "load ";
+            EXPECT_EQ(std::wstring(path), L"S:\\s\\shell32.dll");
+            EXPECT_EQ(file, nullptr);
+            EXPECT_EQ(flags, DWORD{LOAD_WITH_ALTERED_SEARCH_PATH});
+            EXPECT_EQ(mode, DWORD{SEM_FAILCRITICALERRORS}) << "a message box would block the start";
+            loaded = canBeLoaded;
+            SetLastError(ERROR_MOD_NOT_FOUND);
+            return loaded ? handle : nullptr;
+        });
+        imports::SetThreadErrorMode.replace([this](DWORD newMode, DWORD* previous) {
+            if (previous != nullptr) *previous = mode;
+            mode = newMode;
+            SetLastError(ERROR_SUCCESS);
+            return TRUE;
+        });
+    }
+
+    std::string directory;
+    const HMODULE handle =
+        GetModuleHandleA("shell32.dll") != nullptr ? GetModuleHandleA("shell32.dll") : LoadLibraryA("shell32.dll");
+    bool loaded = false;
+    bool canBeLoaded = true;
+    DWORD mode = SEM_NOOPENFILEERRORBOX;
+    std::string loaderCalls;
+};
+
+TEST_F(StdPathShell32, IsLoadedFromTheSystemFolderByTheFirstCallAndFoundByLaterOnes) {
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, 0);
+    EXPECT_EQ(directory, "C:\\ProgramData\\Corvell");
+    EXPECT_EQ(loaderCalls, "find load find ");
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX}) << "the thread's mode is restored";
 }
 
-TEST(KnownFolders, IncludeTheMachinesApplicationData) {
+TEST_F(StdPathShell32, ThatCannotBeLoadedIsADescribedFailureAndIsTriedAgain) {
+    canBeLoaded = false;
+    zuerr::StatusRecord failed;
+    nStdPath::getCommonAppDataDirectory(directory, failed);
+    EXPECT_EQ(failed.code, -52006);
+    EXPECT_EQ(failed.json,
+              R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":293,)"
+              R"("component":"zuZiptraRemoteService","internal_error":{"api":"hresult","code":-2147024770},)"
+              R"("zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
+    EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX});
+
+    canBeLoaded = true;
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, 0);
+    EXPECT_EQ(directory, "C:\\ProgramData\\Corvell");
+    EXPECT_EQ(loaderCalls, "find load find load ");
+}
+
+TEST_F(StdPathShell32, WithoutTheFunctionIsAFailureWhateverTheLastErrorIs) {
+    imports::GetProcAddress.replace([](auto...) -> FARPROC { return nullptr; });
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(StdPathShell32, IsNotLookedForAtTheRootOfADriveIfTheSystemFolderIsUnknown) {
+    imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
+    nStdPath::getCommonAppDataDirectory(directory, status);
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_EQ(loaderCalls, "");
+}
+
+TEST(StdPathKnownFolders, IncludeTheMachinesApplicationData) {
     zuerr::StatusRecord status;
     std::string directory;
     nStdPath::getCommonAppDataDirectory(directory, status);
@@ -325,7 +384,7 @@ TEST(KnownFolders, IncludeTheMachinesApplicationData) {
 }
 
 // The C library is everybody's in this process, and a plug-in may set its locale.
-TEST(TrimPathInALocale, KeepsTheLastByteOfALetterThatTheLocaleTakesForASpace) {
+TEST(StdPathTrimPathInALocale, KeepsTheLastByteOfALetterThatTheLocaleTakesForASpace) {
     ASSERT_NE(std::setlocale(LC_ALL, "German_Germany.1252"), nullptr);
     EXPECT_NE(std::isspace(0xA0), 0) << "this locale shows nothing";
     std::string path = " \xC2\xA0 voil\xC3\xA0 ";

@@ -3,19 +3,19 @@
 
 #include <array>
 #include <cstddef>
+#include <cwchar>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "source/nDeployment.h"
-#include "source/tService.h"
+#include "source/nDeploymentPlatform.h"
 #include "tests/support/framework.h"
 #include "tests/support/imports_win32.h"
 
 namespace {
 
 using support::tScriptedFramework;
-using testing::Each;
 using testing::ElementsAre;
 using testing::SizeIs;
 
@@ -24,9 +24,9 @@ int theLibrary = 0;  // its address is the library's handle
 HMODULE handle() { return reinterpret_cast<HMODULE>(&theLibrary); }
 
 /// The loader as the binding sees it.
-class Binding : public testing::Test {
+class DeploymentPlatform : public testing::Test {
 protected:
-    Binding() {
+    DeploymentPlatform() {
         imports::GetModuleHandleA.replace([this](LPCSTR name) -> HMODULE {
             calls.push_back(std::string("find ") + name);
             return loaded ? handle() : nullptr;
@@ -48,9 +48,23 @@ protected:
             loaded = false;
             return TRUE;
         });
-        imports::Sleep.replace([this](DWORD milliseconds) {
-            pauses.push_back(milliseconds);
-            if (onPause) onPause();
+    }
+
+    /// Windows 7 without the search flags: what each absolute path leads to is up to the test.
+    void refuseSearchFlags() {
+        imports::LoadLibraryExA.replace([](auto...) -> HMODULE {
+            SetLastError(ERROR_INVALID_PARAMETER);
+            return nullptr;
+        });
+        imports::GetModuleFileNameW.replace([](HMODULE, wchar_t* path, DWORD) {
+            return DWORD(std::wcslen(std::wcscpy(path, L"C:\\größe\\host.exe")));
+        });
+        imports::GetSystemDirectoryW.replace(
+            [](wchar_t* path, UINT) { return UINT(std::wcslen(std::wcscpy(path, L"S:\\s"))); });
+        imports::LoadLibraryExW.replace([this](const wchar_t* path, HANDLE, DWORD flags) -> HMODULE {
+            EXPECT_EQ(flags, DWORD{LOAD_WITH_ALTERED_SEARCH_PATH});
+            paths.emplace_back(path);
+            return paths.size() == triesUntilFound ? handle() : nullptr;
         });
     }
 
@@ -62,57 +76,95 @@ protected:
     bool loaded = false;
     FARPROC entry = scripted();
     std::vector<std::string> calls;
-    std::vector<DWORD> pauses;
-    std::function<void()> onPause;
+    std::vector<std::wstring> paths;
+    std::size_t triesUntilFound = 0;
 };
 
 // 2560 = beside the executable (512) and in the system folder (2048): nowhere else could somebody plant a library.
-TEST_F(Binding, LooksBesideTheExecutableAndInTheSystemFolderOnly) {
-    EXPECT_EQ(nDeployment::bindFramework(), &tScriptedFramework::instantiate);
+TEST_F(DeploymentPlatform, LooksBesideTheExecutableAndInTheSystemFolderOnly) {
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
     EXPECT_THAT(calls,
                 ElementsAre("find zusysapi.dll", "load zusysapi.dll 2560", "look up zusysInstantiateFramework2"));
 }
 
-TEST_F(Binding, TakesNoSecondReferenceToALibraryThatIsThere) {
+TEST_F(DeploymentPlatform, TakesNoSecondReferenceToALibraryThatIsThere) {
     loaded = true;
-    EXPECT_EQ(nDeployment::bindFramework(), &tScriptedFramework::instantiate);
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
     EXPECT_THAT(calls, ElementsAre("find zusysapi.dll", "look up zusysInstantiateFramework2"));
 }
 
-TEST_F(Binding, GivesNothingWhenTheLibraryIsMissing) {
+TEST_F(DeploymentPlatform, GivesNothingWhenTheLibraryIsMissing) {
     present = false;
-    EXPECT_EQ(nDeployment::bindFramework(), nullptr);
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_THAT(calls, ElementsAre("find zusysapi.dll", "load zusysapi.dll 2560"));
 }
 
-TEST_F(Binding, LetsALibraryWithoutTheEntryGoAgain) {
+TEST_F(DeploymentPlatform, LetsALibraryWithoutTheEntryGoAgain) {
     entry = nullptr;
-    EXPECT_EQ(nDeployment::bindFramework(), nullptr);
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_EQ(calls.back(), "free");
     EXPECT_FALSE(loaded);
 }
 
-TEST_F(Binding, AFrameworkThatAnswersAtTheThirdAttemptCostsTwoPausesOfTenSeconds) {
-    tScriptedFramework framework;
-    framework.outcome = [](int attempt, int /*step*/) { return attempt <= 2 ? -1 : 0; };
-    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
-    EXPECT_THAT(pauses, ElementsAre(10'000U, 10'000U));
+TEST_F(DeploymentPlatform, TriesTheTwoFoldersByAbsolutePathsWhereTheSearchFlagsAreUnknown) {
+    refuseSearchFlags();
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
+    EXPECT_THAT(paths, ElementsAre(L"C:\\größe\\zusysapi.dll", L"S:\\s\\zusysapi.dll"));
 }
 
-TEST_F(Binding, AMachineWithoutTheLibraryWaitsOutSevenPausesAndSaysSo) {
-    present = false;
-    EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
-                 zuZiptraRemoteService::CannotInitSystemFramework);
-    EXPECT_THAT(pauses, SizeIs(7));
-    EXPECT_THAT(pauses, Each(10'000U));
+TEST_F(DeploymentPlatform, TakesTheLibraryBesideTheExecutableFirstWhereTheSearchFlagsAreUnknown) {
+    refuseSearchFlags();
+    for (triesUntilFound = 1; triesUntilFound <= 2; ++triesUntilFound) {
+        paths.clear();
+        EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
+        EXPECT_THAT(paths, SizeIs(triesUntilFound));
+    }
 }
 
-TEST_F(Binding, ALibraryThatComesLaterIsFound) {
-    tScriptedFramework framework;
+TEST_F(DeploymentPlatform, TriesNoAbsolutePathAfterAnyOtherError) {
+    refuseSearchFlags();
     present = false;
-    onPause = [this] { present = true; };
-    EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
-    EXPECT_THAT(pauses, SizeIs(1));
+    imports::LoadLibraryExA.replace([](auto...) -> HMODULE {
+        SetLastError(ERROR_BAD_EXE_FORMAT);
+        return nullptr;
+    });
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
+    EXPECT_THAT(paths, SizeIs(0));
+}
+
+TEST_F(DeploymentPlatform, TriesNoFolderThatTheSystemDoesNotTell) {
+    refuseSearchFlags();
+    imports::GetModuleFileNameW.replace([](auto...) { return DWORD{0}; });
+    imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
+    EXPECT_THAT(paths, SizeIs(0));
+}
+
+// A damaged library would otherwise display a message box, and the start would wait for someone to close it.
+TEST_F(DeploymentPlatform, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheErrorHasBeenRead) {
+    refuseSearchFlags();
+    DWORD mode = SEM_NOOPENFILEERRORBOX;
+    imports::SetThreadErrorMode.replace([&](DWORD newMode, DWORD* previous) {
+        if (previous != nullptr) *previous = mode;
+        mode = newMode;
+        SetLastError(ERROR_SUCCESS);
+        return TRUE;
+    });
+    imports::LoadLibraryExA.replace([&](auto...) -> HMODULE {
+        EXPECT_EQ(mode, DWORD{SEM_FAILCRITICALERRORS});
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    });
+    EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
+    EXPECT_THAT(paths, SizeIs(2));
+    EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX});
+}
+
+TEST_F(DeploymentPlatform, SleepsForAsManyMillisecondsAsItIsTold) {
+    DWORD slept = 0;
+    imports::Sleep.replace([&slept](DWORD milliseconds) { slept = milliseconds; });
+    nDeployment::sleepMs(10'000);
+    EXPECT_EQ(slept, 10'000U);
 }
 
 // The binary interface: an object is a pointer to a table of functions. This one is made by hand, so that a change in
@@ -204,7 +256,7 @@ std::int32_t instantiate(std::uint32_t first, std::uint32_t second, tObject** ou
     return 0;
 }
 
-TEST_F(Binding, CallsTheSlotsThatTheLibraryHasThemIn) {
+TEST_F(DeploymentPlatform, CallsTheSlotsThatTheLibraryHasThemIn) {
     std::vector<std::string> seen;
     slotCalls = &seen;
     frameworkTable.functions[0] = reinterpret_cast<void*>(&identify);
