@@ -105,6 +105,7 @@ private:
     IMPORT(L"kernel32.dll", FormatMessageA)              \
     IMPORT(L"kernel32.dll", FormatMessageW)              \
     IMPORT(L"kernel32.dll", FreeLibrary)                 \
+    IMPORT(L"kernel32.dll", GetACP)                      \
     IMPORT(L"kernel32.dll", GetCurrentProcessId)         \
     IMPORT(L"kernel32.dll", GetCurrentThreadId)          \
     IMPORT(L"kernel32.dll", GetLastError)                \
@@ -121,6 +122,7 @@ private:
     IMPORT(L"kernel32.dll", SetConsoleCtrlHandler)       \
     IMPORT(L"kernel32.dll", SetEvent)                    \
     IMPORT(L"kernel32.dll", SetLastError)                \
+    IMPORT(L"kernel32.dll", SetThreadErrorMode)          \
     IMPORT(L"kernel32.dll", Sleep)                       \
     IMPORT(L"kernel32.dll", WaitForSingleObject)         \
     IMPORT(L"msvcrt.dll", _ctime64)                      \
