@@ -61,7 +61,7 @@ tPluginDescription plugin(const std::string& initialize, const std::string& stop
 
 class tPluginManagerThrowing : public testing::Test {
 protected:
-    ~ThrowingPlugins() override {
+    ~tPluginManagerThrowing() override {
         // A library whose clean-up threw is the test's to unload.
         for (tPluginEntry entry : manager.entries()) entry.library.close();
     }
