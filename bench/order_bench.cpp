@@ -8,7 +8,7 @@
 #include "bench/groups.h"
 #include "bench/pairs.h"
 #include "source/nPluginOrder.h"
-#include "source/tStartedNames.h"
+#include "source/nPluginStart.h"
 
 namespace {
 
@@ -42,11 +42,11 @@ std::vector<std::string> namesOf(const tDescriptions& descriptions) {
 
 /// As many as can start when each one does whose dependencies have started.
 std::size_t countStartable(const tDescriptions& descriptions) {
-    tStartedNames started(descriptions.size());
+    nPluginStart::tStarted started = nPluginStart::noneStarted(descriptions);
     std::size_t count = 0;
     for (const tPluginDescription& description : descriptions) {
-        if (!started.haveStarted(description.dependencies)) continue;
-        started.add(description.name);
+        if (!nPluginStart::dependenciesStarted(description.dependencies, started)) continue;
+        started.at(description.name) = true;
         ++count;
     }
     return count;

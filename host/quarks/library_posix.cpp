@@ -13,20 +13,20 @@ constexpr std::uint32_t procedureNotFound = 127;
 
 }  // namespace
 
-Handle load(const char* path, std::uint32_t& osError) noexcept {
+tHandle load(const char* path, std::uint32_t& osError) {
     // For dlopen an empty path is the program itself.
     void* const library = *path == '\0' ? nullptr : dlopen(path, RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) osError = moduleNotFound;
     return library;
 }
 
-bool unload(Handle library, std::uint32_t& osError) noexcept {
+bool unload(tHandle library, std::uint32_t& osError) noexcept {
     const bool unloaded = dlclose(library) == 0;
     if (!unloaded) osError = invalidHandle;
     return unloaded;
 }
 
-void* symbol(Handle library, const char* name, std::uint32_t& osError) noexcept {
+void* symbol(tHandle library, const char* name, std::uint32_t& osError) noexcept {
     void* const address = dlsym(library, name);
     if (address == nullptr) osError = procedureNotFound;
     return address;

@@ -1,22 +1,64 @@
 #include <windows.h>
 
+#include <string>
+
 #include "quarks/library.h"
 
 namespace nLibrary {
+namespace {
 
-Handle load(const char* path, std::uint32_t& osError) noexcept {
-    const HMODULE module = LoadLibraryExA(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+/// Returns the empty text for text that is not UTF-8.
+std::wstring wideFromUtf8(const std::string& text) {
+    const int size = static_cast<int>(text.size());
+    // No text is longer in UTF-16 than in UTF-8.
+    std::wstring wide(text.size(), L'\0');
+    const int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), size, wide.data(), size);
+    wide.resize(static_cast<std::size_t>(length));
+    return wide;
+}
+
+/// Returns the empty text where the code page lacks a character; one that merely looks alike does not count.
+std::string narrowFromWide(const std::wstring& wide, UINT codePage) {
+    constexpr std::size_t longestCharacter = 4;
+    std::string narrow(wide.size() * longestCharacter, '\0');
+    BOOL lost = FALSE;
+    const int length = WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, wide.data(), static_cast<int>(wide.size()),
+                                           narrow.data(), static_cast<int>(narrow.size()), nullptr, &lost);
+    narrow.resize(lost != FALSE ? 0 : static_cast<std::size_t>(length));
+    return narrow;
+}
+
+/// Returns the UTF-8 path as LoadLibraryExA reads it. The manifest asks for UTF-8, which Windows 10 heeds from version
+/// 1903 on; before that it is the machine's code page. Empty if a character would be lost.
+std::string toSystemPath(const char* path) {
+    const UINT codePage = GetACP();
+    return codePage == CP_UTF8 ? path : narrowFromWide(wideFromUtf8(path), codePage);
+}
+
+}  // namespace
+
+tHandle load(const char* path, std::uint32_t& osError) {
+    const std::string systemPath = toSystemPath(path);
+    if (systemPath.empty() && *path != '\0') {
+        osError = ERROR_NO_UNICODE_TRANSLATION;
+        return nullptr;
+    }
+    // For a damaged library the system would otherwise display a message box and wait for an answer.
+    DWORD previousMode = 0;
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previousMode);
+    const HMODULE module = LoadLibraryExA(systemPath.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (module == nullptr) osError = GetLastError();
+    SetThreadErrorMode(previousMode, nullptr);
     return module;
 }
 
-bool unload(Handle library, std::uint32_t& osError) noexcept {
+bool unload(tHandle library, std::uint32_t& osError) noexcept {
     const bool unloaded = FreeLibrary(static_cast<HMODULE>(library)) != FALSE;
     if (!unloaded) osError = GetLastError();
     return unloaded;
 }
 
-void* symbol(Handle library, const char* name, std::uint32_t& osError) noexcept {
+void* symbol(tHandle library, const char* name, std::uint32_t& osError) noexcept {
     const FARPROC address = GetProcAddress(static_cast<HMODULE>(library), name);
     if (address == nullptr) osError = GetLastError();
     return reinterpret_cast<void*>(address);

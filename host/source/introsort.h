@@ -6,19 +6,19 @@
 #include <span>
 #include <utility>
 
-/// A sort for predicates that need not be consistent. std::sort demands a strict weak order and may run out of bounds
-/// without one; this one stays within the range, ends and keeps every element whatever the predicate answers, also when
-/// it throws. The result depends on the input and the answers alone, not on the toolchain. It is not stable.
+/// A sort for predicates that need not be consistent. std::sort requires a strict weak order and may run out of bounds
+/// without one; this one stays within the range, ends and loses no element whatever the predicate returns, even if it
+/// throws. The result depends on the input and the answers alone, not on the toolchain. It is not stable.
 ///
-/// `before(a, b)` tells whether a goes before b. Where the partitions go so badly that 1.5 * log2(n) of them lie within
-/// one another, a heap sort takes over, so that no input costs quadratic time.
+/// `before(a, b)` returns whether a precedes b. Where the partitions are so bad that 1.5 * log2(n) of them are nested,
+/// a heap sort takes over, so that no input costs quadratic time.
 namespace nIntrosort {
 
 /// Ranges of at most this length are sorted by insertion.
 inline constexpr std::size_t insertionLimit = 32;
 
-/// Each element is compared with the first one: if it goes before that, it becomes the first, otherwise it moves
-/// towards the front for as long as it goes before its neighbour.
+/// Each element is compared with the first one: if it precedes that, it becomes the first, otherwise it moves towards
+/// the front for as long as it precedes its neighbour.
 template <class T, class Before>
 void insertionSort(std::span<T> range, Before& before) {
     for (std::size_t i = 1; i < range.size(); ++i) {
@@ -64,7 +64,7 @@ void moveMedianToFront(std::span<T> range, Before& before) {
     std::swap(first, middle);
 }
 
-/// Puts a pivot where nothing behind it goes before it and it goes before nothing in front of it; gives its place.
+/// Partitions around a pivot and returns its index: no later element precedes it, and it precedes no earlier one.
 template <class T, class Before>
 std::size_t partition(std::span<T> range, Before& before) {
     moveMedianToFront(range, before);

@@ -5,6 +5,7 @@
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/operations.hpp>
+#include <cstddef>
 #include <cstdlib>
 #include <utility>
 
@@ -17,9 +18,18 @@
 namespace nPluginData {
 namespace {
 
+// The order of the fields; how long texts and lists are is the library's business.
+static_assert(offsetof(tPluginDescription, name) < offsetof(tPluginDescription, dependencies) &&
+              offsetof(tPluginDescription, dependencies) < offsetof(tPluginDescription, requiresMask) &&
+              offsetof(tPluginDescription, requiresMask) < offsetof(tPluginDescription, path) &&
+              offsetof(tPluginDescription, path) < offsetof(tPluginDescription, initialize) &&
+              offsetof(tPluginDescription, initialize) < offsetof(tPluginDescription, stop) &&
+              offsetof(tPluginDescription, stop) < offsetof(tPluginDescription, cleanup));
+static_assert(sizeof(tPluginDescription::requiresMask) == 4);
+
 constexpr const char* sourceFile = ".\\source\\nPluginData";
 
-/// Empty when the section or the key is missing.
+/// Returns the empty text when the section or the key is missing.
 std::string lookUp(nIni::tDocument& document, const char* name) {
     nIni::tSection* const section = nIni::findSection(document, "Service");
     if (section == nullptr) return {};
@@ -29,9 +39,9 @@ std::string lookUp(nIni::tDocument& document, const char* name) {
     return std::string(key->value);
 }
 
-/// The C library's reading of "%u" is the rule: a sign wraps around, what follows the digits does not matter. Its scanf
-/// reads numbers with strtoul; called directly, that does not need the memory which the scanf of one Windows compiler
-/// takes for granted.
+/// The C library's reading of "%u" is the rule: a sign wraps around, and text after the digits is ignored. Its scanf
+/// reads numbers with strtoul. Called directly, strtoul allocates nothing; the scanf of one Windows compiler does, and
+/// does not check the result.
 std::uint32_t toRequiresMask(const std::string& value) {
     if (value.empty()) return tPluginDescription{}.requiresMask;
     return static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 10));
@@ -68,7 +78,7 @@ void listPlugins(std::vector<std::string>& files) {
 void listDescriptionFiles(const boost::filesystem::path& directory, const boost::filesystem::path& extension,
                           std::vector<std::string>& files) {
     boost::system::error_code ignored;
-    // Zeros come from registry values of several texts. The system would take the path for what stands before the zero.
+    // Zeros come from registry values of several texts. The system would treat the part preceding the zero as the path.
     const bool hasZero =
         directory.native().find(boost::filesystem::path::value_type{}) != boost::filesystem::path::string_type::npos;
     if (hasZero || !boost::filesystem::is_directory(directory, ignored)) {

@@ -7,14 +7,14 @@
 /// The first order of the plug-ins.
 namespace nPluginOrder {
 
-/// A plug-in goes before one that names it as a dependency; two that do not name each other, or both do, go by name.
-/// Only direct dependencies count, so this is no strict weak order: A before B before C before A is possible. Both
-/// lists of dependencies must be sorted, as readDescription leaves them.
-[[nodiscard]] bool goesBefore(const tPluginDescription& a, const tPluginDescription& b) noexcept;
+/// Returns whether a precedes b: by name, unless exactly one of them depends on the other, which it then follows.
+/// Only direct dependencies count, so this is not a strict weak order: A before B before C before A is possible.
+/// Requires: both lists of dependencies are sorted, as readDescription leaves them.
+[[nodiscard]] bool precedes(const tPluginDescription& a, const tPluginDescription& b) noexcept;
 
-/// Orders the descriptions by goesBefore. The result depends on the input alone, not on the toolchain, and every
-/// description survives whatever the predicate answers, which std::sort does not promise here. Nothing has changed when
-/// memory runs out (std::bad_alloc).
+/// Orders the descriptions by `precedes`. The result depends on the input alone, not on the toolchain, and no
+/// description is lost although the predicate is inconsistent; std::sort promises neither.
+/// Throws std::bad_alloc when memory runs out, with nothing changed.
 void sort(std::vector<tPluginDescription>& descriptions);
 
 }  // namespace nPluginOrder

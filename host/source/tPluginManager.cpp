@@ -1,44 +1,50 @@
 #include "source/tPluginManager.h"
 
-#include <algorithm>
-#include <boost/function.hpp>
+#include <cstddef>
 #include <optional>
 #include <utility>
 
 #include "err/Exception.h"
-#include "source/tStartedNames.h"
+#include "source/nPluginStart.h"
 #include "time/stopwatch.h"
 
 namespace {
+
+// The order of the fields; how long texts and lists are is the library's business.
+static_assert(offsetof(tPluginEntry, library) == 0 && offsetof(tPluginEntry, description) == sizeof(tSharedLibrary));
+constexpr std::size_t codes = offsetof(tPluginEntry, initCode);
+static_assert(codes == sizeof(tSharedLibrary) + sizeof(tPluginDescription));
+static_assert(offsetof(tPluginEntry, stopCode) == codes + 4 && offsetof(tPluginEntry, cleanupCode) == codes + 8);
+static_assert(offsetof(tPluginEntry, initTimeMs) == codes + 16 && offsetof(tPluginEntry, stopTimeMs) == codes + 24);
+static_assert(offsetof(tPluginEntry, cleanupTimeMs) == codes + 32 && sizeof(tPluginEntry) == codes + 40);
 
 constexpr const char* sourceFile = ".\\source\\tPluginManager";
 constexpr zuerr::RaiseReport featureMissing{zuerr::featureUnsupported, {sourceFile, 41}};
 constexpr zuerr::RaiseReport dependencyMissing{zuerr::resourceNotFound, {sourceFile, 48}};
 constexpr zuerr::RaiseReport initializeFailed{"pluginStatus", {sourceFile, 55}};
 
-/// Starts the plug-in and adds it to the started ones. Throws when it cannot be started; its library may be loaded
-/// then. All memory is asked for before the plug-in's own code runs: it is never initialised and then given up.
+/// Starts the plug-in and notes that it has started. Throws when it cannot be started; its library may then be loaded.
+/// All memory is allocated before the plug-in's own code runs, so that no plug-in is initialised and then given up.
 void start(tPluginEntry& entry, const tPluginDescription& description, std::uint32_t allowedMask,
-           tStartedNames& started) {
+           nPluginStart::tStarted& started) {
     entry.description = description;
-    if ((description.requiresMask & allowedMask) == 0) zuerr::Raise(featureMissing);
-    if (!started.haveStarted(description.dependencies)) zuerr::Raise(dependencyMissing);
-    std::string name = description.name;
+    if (!nPluginStart::featureAllowed(description.requiresMask, allowedMask)) zuerr::Raise(featureMissing);
+    if (!nPluginStart::dependenciesStarted(description.dependencies, started)) zuerr::Raise(dependencyMissing);
     entry.library.open(description);
     entry.initCode = entry.library.initialize();
     if (entry.initCode < 0) {
         entry.library.close();
         zuerr::Raise(initializeFailed, entry.initCode);
     }
-    started.add(std::move(name));
+    started.at(description.name) = true;
 }
 
-/// Makes a call that may lead into a plug-in; gives the code of the exception that comes out of it, if one does.
+/// Makes a call that may lead into a plug-in. Returns the code of the exception that it throws, nullopt if it returns.
 ///
-/// That exception may have been made by a plug-in, and its destructor is then code in the plug-in's library. It is
-/// gone when this returns: the library may be unloaded after that, not before.
-template <class tCall>
-std::optional<std::int32_t> failureOf(const tCall& call) {
+/// A plug-in may have made that exception, and its destructor is then code in the plug-in's library. It is destroyed
+/// when this returns: the library may be unloaded after that, not before.
+template <class Call>
+std::optional<std::int32_t> caughtCode(const Call& call) {
     const zuerr::ForeignCall guard;
     try {
         call();
@@ -48,25 +54,23 @@ std::optional<std::int32_t> failureOf(const tCall& call) {
     }
 }
 
-/// Makes the call for every entry, last started first, and keeps its code and duration where the members say.
-void callBackwards(std::vector<tPluginEntry>& entries, const boost::function<void(tSharedLibrary&)>& call,
-                   std::int32_t tPluginEntry::*code, std::uint64_t tPluginEntry::*timeMs) {
-    std::for_each(entries.rbegin(), entries.rend(), [&](tPluginEntry& entry) {
-        const nTime::tStopwatch stopwatch;
-        entry.*code = failureOf([&] { call(entry.library); }).value_or(0);
-        entry.*timeMs = stopwatch.elapsedMs();
-    });
+/// Makes the call and stores its code, 0 unless it throws, and its duration.
+template <class Call>
+void runTimed(std::int32_t& code, std::uint64_t& timeMs, const Call& call) {
+    const nTime::tStopwatch stopwatch;
+    code = caughtCode(call).value_or(0);
+    timeMs = stopwatch.elapsedMs();
 }
 
 }  // namespace
 
 void tPluginManager::startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask) {
     entries_.reserve(entries_.size() + descriptions.size());
-    tStartedNames started(descriptions.size());
+    nPluginStart::tStarted started = nPluginStart::noneStarted(descriptions);
     for (const tPluginDescription& description : descriptions) {
         const nTime::tStopwatch stopwatch;
         tPluginEntry entry;
-        if (const auto failure = failureOf([&] { start(entry, description, allowedMask, started); })) {
+        if (const auto failure = caughtCode([&] { start(entry, description, allowedMask, started); })) {
             entry.library.close();
             entry.initCode = *failure;
         }
@@ -76,14 +80,16 @@ void tPluginManager::startAll(const std::vector<tPluginDescription>& description
 }
 
 void tPluginManager::stopAll() {
-    const auto call = [](tSharedLibrary& library) { library.stop(); };
-    callBackwards(entries_, call, &tPluginEntry::stopCode, &tPluginEntry::stopTimeMs);
+    for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
+        runTimed(entry->stopCode, entry->stopTimeMs, [&] { entry->library.stop(); });
+    }
 }
 
 void tPluginManager::cleanupAll() {
-    const auto call = [](tSharedLibrary& library) {
-        library.cleanup();
-        library.close();
-    };
-    callBackwards(entries_, call, &tPluginEntry::cleanupCode, &tPluginEntry::cleanupTimeMs);
+    for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
+        runTimed(entry->cleanupCode, entry->cleanupTimeMs, [&] {
+            entry->library.cleanup();
+            entry->library.close();
+        });
+    }
 }

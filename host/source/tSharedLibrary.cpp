@@ -1,11 +1,16 @@
 #include "source/tSharedLibrary.h"
 
+#include <cstddef>
 #include <string>
 
 #include "err/Exception.h"
 #include "trace/trace.h"
 
 namespace {
+
+static_assert(sizeof(tSharedLibrary::loaded) == 4 && offsetof(tSharedLibrary, loaded) == 0);
+static_assert(offsetof(tSharedLibrary, handle) == 8 && offsetof(tSharedLibrary, initialize) == 16);
+static_assert(offsetof(tSharedLibrary, stop) == 24 && offsetof(tSharedLibrary, cleanup) == 32);
 
 constexpr const char* sourceFile = "zukest/quarks/library";
 constexpr zuerr::RaiseSite loadSite{sourceFile, 134};
@@ -17,15 +22,15 @@ void fail(zuerr::PlatformStatus& status, const zuerr::RaiseSite& site) {
     zuerr::RaiseInto(status, zuerr::invalidParameter.code, zuerr::hostComponent, site);
 }
 
-/// The library's entry of this name, the built-in one when the name is empty.
-template <class tEntry>
-tEntry findEntry(const tSharedLibrary& library, const std::string& name, tEntry builtIn) {
+/// Returns the library's entry of this name, the built-in one when the name is empty.
+template <class Entry>
+Entry findEntry(const tSharedLibrary& library, const std::string& name, Entry builtIn) {
     if (name.empty()) return builtIn;
     zuerr::PlatformStatus status;
     void* const address = library.symbol(name.c_str(), status);
     zuerr::ThrowIfFailed(status);
     // Nothing was thrown for a missing entry if another exception is propagating. It must be safe to call even then.
-    return address == nullptr ? builtIn : reinterpret_cast<tEntry>(address);
+    return address == nullptr ? builtIn : reinterpret_cast<Entry>(address);
 }
 
 }  // namespace

@@ -10,14 +10,14 @@
 /// nothing is unloaded unless unload or close is called. One thread.
 ///
 /// load, unload and symbol report through the status: they fill it with -52005 when they fail, and do nothing at all,
-/// not even a system call, when it holds an error already. open and close throw zuerr::Exception instead, except
+/// not even a system call, when it contains an error already. open and close throw zuerr::Exception instead, except
 /// while another exception is propagating: the failure is then dropped.
 struct tSharedLibrary {
     using tInitialize = std::int32_t (*)();
     using tNotify = void (*)();
 
-    std::int32_t loaded = 0;            ///< 1 while the library is loaded
-    nLibrary::Handle handle = nullptr;  ///< meaningful while loaded is 1
+    std::int32_t loaded = 0;             ///< 1 while the library is loaded
+    nLibrary::tHandle handle = nullptr;  ///< meaningful while loaded is 1
     tInitialize initialize = noInitialize;
     tNotify stop = noNotify;
     tNotify cleanup = noNotify;
@@ -25,10 +25,10 @@ struct tSharedLibrary {
     /// The path is UTF-8. A relative one is looked for along the system's search path.
     void load(const char* path, zuerr::PlatformStatus& status);
 
-    /// Nothing to do when no library is loaded. After a failure it still counts as loaded.
+    /// Does nothing when no library is loaded. After a failure it still counts as loaded.
     void unload(zuerr::PlatformStatus& status);
 
-    /// The address exported under this name; null on failure, and when no library is loaded.
+    /// Returns the address exported under this name; null on failure, and when no library is loaded.
     void* symbol(const char* name, zuerr::PlatformStatus& status) const;
 
     /// Loads the described library and looks its named entries up; an entry without a name is a built-in one, which

@@ -57,15 +57,16 @@ tElements sorted(std::size_t count, tAnswers& answers) {
     return elements;
 }
 
-/// Insertion by the rule written plainly.
-tElements inserted(std::size_t count, tAnswers answers) {
+/// Insertion by the rule written plainly: to the front if it precedes the first, otherwise back while it precedes.
+template <class Precedes>
+tElements inserted(std::size_t count, Precedes precedes) {
     tElements result;
     for (std::size_t value = 0; value < count; ++value) {
         auto place = result.end();
-        if (!result.empty() && answers(value, result.front())) {
+        if (!result.empty() && precedes(value, result.front())) {
             place = result.begin();
         } else {
-            while (std::distance(result.begin(), place) > 1 && answers(value, *std::prev(place))) --place;
+            while (std::distance(result.begin(), place) > 1 && precedes(value, *std::prev(place))) --place;
         }
         result.insert(place, value);
     }
@@ -103,35 +104,40 @@ std::vector<tPluginDescription> toPlugins(std::span<const std::uint8_t> bytes) {
     return plugins;
 }
 
-bool names(const tPluginDescription& dependant, const tPluginDescription& other) {
+bool dependsOn(const tPluginDescription& dependant, const tPluginDescription& other) {
     const std::vector<std::string>& list = dependant.dependencies;
     return std::find(list.begin(), list.end(), other.name) != list.end();
 }
 
 /// The predicate by its rule, with unsigned bytes.
-bool goesBefore(const tPluginDescription& a, const tPluginDescription& b) {
-    const bool first = names(b, a);
-    const bool second = names(a, b);
+bool precedes(const tPluginDescription& a, const tPluginDescription& b) {
+    const bool first = dependsOn(b, a);
+    const bool second = dependsOn(a, b);
     return first != second ? first : static_cast<unsigned char>(a.name[0]) < static_cast<unsigned char>(b.name[0]);
 }
 
 void orderPlugins(std::span<const std::uint8_t> bytes) {
     std::vector<tPluginDescription> plugins = toPlugins(bytes);
     const std::vector<tPluginDescription> copies = plugins;
-    std::vector<const tPluginDescription*> expected;
-    for (const tPluginDescription& plugin : copies) expected.push_back(&plugin);
-    nIntrosort::sort(std::span(expected), [](const auto* a, const auto* b) {
-        check(nPluginOrder::goesBefore(*a, *b) == goesBefore(*a, *b), "goesBefore");
-        return goesBefore(*a, *b);
-    });
+    for (std::size_t i = 0; i < copies.size() && i < 64; ++i) {
+        for (const tPluginDescription& other : copies) {
+            check(nPluginOrder::precedes(copies[i], other) == precedes(copies[i], other), "precedes");
+        }
+    }
 
     nPluginOrder::sort(plugins);
-    check(plugins.size() == expected.size(), "number of plug-ins");
-    for (std::size_t i = 0; i < plugins.size(); ++i) {
-        check(plugins[i].path == expected[i]->path, "order");
-        check(plugins[i].name == expected[i]->name, "name");
-        check(plugins[i].dependencies == expected[i]->dependencies, "dependencies");
+    tElements order;
+    for (const tPluginDescription& plugin : plugins) {
+        order.push_back(std::stoul(plugin.path) - 1);
+        const tPluginDescription& copy = copies.at(order.back());
+        check(plugin.name == copy.name && plugin.dependencies == copy.dependencies, "a whole description");
     }
+    check(order.size() == copies.size(), "number of plug-ins");
+    checkPermutation(order);
+    if (copies.size() > 32) return;
+    check(
+        order == inserted(copies.size(), [&](std::size_t a, std::size_t b) { return precedes(copies[a], copies[b]); }),
+        "order");
 }
 
 }  // namespace

@@ -24,9 +24,9 @@ public:
         clock_.msPerReading = data.ConsumeIntegralInRange(0U, 1U);
     }
 
-    nLibrary::Handle load(const char* /*path*/, std::uint32_t& /*osError*/) override { return this; }
-    bool unload(nLibrary::Handle /*library*/, std::uint32_t& /*osError*/) override { return true; }
-    void* symbol(nLibrary::Handle /*library*/, const char* name, std::uint32_t& /*osError*/) override {
+    nLibrary::tHandle load(const char* /*path*/, std::uint32_t& /*osError*/) override { return this; }
+    bool unload(nLibrary::tHandle /*library*/, std::uint32_t& /*osError*/) override { return true; }
+    void* symbol(nLibrary::tHandle /*library*/, const char* name, std::uint32_t& /*osError*/) override {
         return *name == 'I' ? reinterpret_cast<void*>(&initialize) : reinterpret_cast<void*>(&notify);
     }
 

@@ -11,7 +11,7 @@ std::function<void(const std::string&)> current;
 
 void forward(const char* entry) { current(entry); }
 
-void setCallback(nLibrary::Handle library, void (*callback)(const char*)) {
+void setCallback(nLibrary::tHandle library, void (*callback)(const char*)) {
     std::uint32_t osError = 0;
     void* const entry = nLibrary::symbol(library, "SetCallback", osError);
     reinterpret_cast<void (*)(void (*)(const char*))>(entry)(callback);

@@ -17,7 +17,7 @@ public:
     tCallingPlugin& operator=(const tCallingPlugin&) = delete;
 
 private:
-    nLibrary::Handle library_;
+    nLibrary::tHandle library_;
 };
 
 }  // namespace support

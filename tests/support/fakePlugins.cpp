@@ -69,7 +69,7 @@ std::vector<std::string> tFakePlugins::callsOf(const std::string& verb) const {
     return found;
 }
 
-nLibrary::Handle tFakePlugins::load(const char* path, std::uint32_t& osError) {
+nLibrary::tHandle tFakePlugins::load(const char* path, std::uint32_t& osError) {
     const allocations::tPause pause;
     osError = 126;
     if (*path == '\0') return nullptr;
@@ -81,7 +81,7 @@ nLibrary::Handle tFakePlugins::load(const char* path, std::uint32_t& osError) {
     return &loading;
 }
 
-bool tFakePlugins::unload(nLibrary::Handle library, std::uint32_t& osError) {
+bool tFakePlugins::unload(nLibrary::tHandle library, std::uint32_t& osError) {
     const allocations::tPause pause;
     auto& unloading = *static_cast<tFakePlugin*>(library);
     const std::string path = pathOf(static_cast<std::size_t>(&unloading - plugins_.data()));
@@ -97,7 +97,7 @@ bool tFakePlugins::unload(nLibrary::Handle library, std::uint32_t& osError) {
     return true;
 }
 
-void* tFakePlugins::symbol(nLibrary::Handle library, const char* name, std::uint32_t& osError) {
+void* tFakePlugins::symbol(nLibrary::tHandle library, const char* name, std::uint32_t& osError) {
     const allocations::tPause pause;
     const auto index = static_cast<std::size_t>(static_cast<tFakePlugin*>(library) - plugins_.data());
     calls.push_back("symbol " + pathOf(index) + " " + name);

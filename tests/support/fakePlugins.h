@@ -47,9 +47,9 @@ public:
     /// Those of the calls that begin with this word, without it.
     [[nodiscard]] std::vector<std::string> callsOf(const std::string& verb) const;
 
-    nLibrary::Handle load(const char* path, std::uint32_t& osError) override;
-    bool unload(nLibrary::Handle library, std::uint32_t& osError) override;
-    void* symbol(nLibrary::Handle library, const char* name, std::uint32_t& osError) override;
+    nLibrary::tHandle load(const char* path, std::uint32_t& osError) override;
+    bool unload(nLibrary::tHandle library, std::uint32_t& osError) override;
+    void* symbol(nLibrary::tHandle library, const char* name, std::uint32_t& osError) override;
 
     /// What the entries of the loaded libraries lead to.
     tFakePlugin& enter(std::size_t index, const char* entry);

@@ -105,6 +105,7 @@ private:
     IMPORT(L"kernel32.dll", FormatMessageA)              \
     IMPORT(L"kernel32.dll", FormatMessageW)              \
     IMPORT(L"kernel32.dll", FreeLibrary)                 \
+    IMPORT(L"kernel32.dll", GetACP)                      \
     IMPORT(L"kernel32.dll", GetCurrentProcessId)         \
     IMPORT(L"kernel32.dll", GetCurrentThreadId)          \
     IMPORT(L"kernel32.dll", GetLastError)                \

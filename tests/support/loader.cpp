@@ -12,23 +12,23 @@ tLoader::~tLoader() { current = previous_; }
 
 // The linker gives the calls of a wrapped function to __wrap_NAME, and the function itself the name __real_NAME.
 
-nLibrary::Handle realLoad(const char* path, std::uint32_t& osError) asm("__real__ZN8nLibrary4loadEPKcRj");
-nLibrary::Handle wrappedLoad(const char* path, std::uint32_t& osError) asm("__wrap__ZN8nLibrary4loadEPKcRj");
-nLibrary::Handle wrappedLoad(const char* path, std::uint32_t& osError) {
+nLibrary::tHandle realLoad(const char* path, std::uint32_t& osError) asm("__real__ZN8nLibrary4loadEPKcRj");
+nLibrary::tHandle wrappedLoad(const char* path, std::uint32_t& osError) asm("__wrap__ZN8nLibrary4loadEPKcRj");
+nLibrary::tHandle wrappedLoad(const char* path, std::uint32_t& osError) {
     return current == nullptr ? realLoad(path, osError) : current->load(path, osError);
 }
 
-bool realUnload(nLibrary::Handle library, std::uint32_t& osError) asm("__real__ZN8nLibrary6unloadEPvRj");
-bool wrappedUnload(nLibrary::Handle library, std::uint32_t& osError) asm("__wrap__ZN8nLibrary6unloadEPvRj");
-bool wrappedUnload(nLibrary::Handle library, std::uint32_t& osError) {
+bool realUnload(nLibrary::tHandle library, std::uint32_t& osError) asm("__real__ZN8nLibrary6unloadEPvRj");
+bool wrappedUnload(nLibrary::tHandle library, std::uint32_t& osError) asm("__wrap__ZN8nLibrary6unloadEPvRj");
+bool wrappedUnload(nLibrary::tHandle library, std::uint32_t& osError) {
     return current == nullptr ? realUnload(library, osError) : current->unload(library, osError);
 }
 
-void* realSymbol(nLibrary::Handle library, const char* name,
+void* realSymbol(nLibrary::tHandle library, const char* name,
                  std::uint32_t& osError) asm("__real__ZN8nLibrary6symbolEPvPKcRj");
-void* wrappedSymbol(nLibrary::Handle library, const char* name,
+void* wrappedSymbol(nLibrary::tHandle library, const char* name,
                     std::uint32_t& osError) asm("__wrap__ZN8nLibrary6symbolEPvPKcRj");
-void* wrappedSymbol(nLibrary::Handle library, const char* name, std::uint32_t& osError) {
+void* wrappedSymbol(nLibrary::tHandle library, const char* name, std::uint32_t& osError) {
     return current == nullptr ? realSymbol(library, name, osError) : current->symbol(library, name, osError);
 }
 

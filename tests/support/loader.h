@@ -15,9 +15,9 @@ public:
     tLoader(const tLoader&) = delete;
     tLoader& operator=(const tLoader&) = delete;
 
-    virtual nLibrary::Handle load(const char* path, std::uint32_t& osError) = 0;
-    virtual bool unload(nLibrary::Handle library, std::uint32_t& osError) = 0;
-    virtual void* symbol(nLibrary::Handle library, const char* name, std::uint32_t& osError) = 0;
+    virtual nLibrary::tHandle load(const char* path, std::uint32_t& osError) = 0;
+    virtual bool unload(nLibrary::tHandle library, std::uint32_t& osError) = 0;
+    virtual void* symbol(nLibrary::tHandle library, const char* name, std::uint32_t& osError) = 0;
 
 private:
     tLoader* previous_;

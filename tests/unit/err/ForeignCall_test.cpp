@@ -72,7 +72,7 @@ protected:
 
 private:
     std::uint32_t osError_ = 0;
-    nLibrary::Handle library_;
+    nLibrary::tHandle library_;
 };
 
 TEST_F(ForeignExceptions, TakeFromOurRuntimesCountWhatTheirThrowDidNotAddToIt) {

@@ -19,66 +19,68 @@ constexpr std::uint32_t procedureNotFound = 127;
 int call(void* function) { return reinterpret_cast<int (*)()>(function)(); }
 
 /// Loads a test plug-in for the length of a test.
-class Library : public testing::Test {
+class nLibraryLoaded : public testing::Test {
 protected:
-    ~Library() override {
+    ~nLibraryLoaded() override {
         if (library_ != nullptr) nLibrary::unload(library_, osError_);
     }
 
     std::uint32_t osError_ = untouched;
-    nLibrary::Handle library_ = nLibrary::load(support::pluginPath("behaviours").c_str(), osError_);
+    nLibrary::tHandle library_ = nLibrary::load(support::pluginPath("behaviours").c_str(), osError_);
 };
 
-TEST_F(Library, LoadsAndLeavesTheErrorNumberAlone) {
+TEST_F(nLibraryLoaded, LoadsAndLeavesTheErrorNumberAlone) {
     EXPECT_NE(library_, nullptr);
     EXPECT_EQ(osError_, untouched);
 }
 
-TEST_F(Library, FindsAnExportedFunctionByItsName) {
+TEST_F(nLibraryLoaded, FindsAnExportedFunctionByItsName) {
     void* const address = nLibrary::symbol(library_, "InitWarning3", osError_);
     ASSERT_NE(address, nullptr);
     EXPECT_EQ(call(address), 3);
     EXPECT_EQ(osError_, untouched);
 }
 
-TEST_F(Library, GivesNullAndTheErrorNumberForANameThatIsNotExported) {
+TEST_F(nLibraryLoaded, GivesNullAndTheErrorNumberForANameThatIsNotExported) {
     EXPECT_EQ(nLibrary::symbol(library_, "NoSuchEntry", osError_), nullptr);
     EXPECT_EQ(osError_, procedureNotFound);
 }
 
-TEST_F(Library, TellsNamesApartByCase) { EXPECT_EQ(nLibrary::symbol(library_, "initwarning3", osError_), nullptr); }
+TEST_F(nLibraryLoaded, TellsNamesApartByCase) {
+    EXPECT_EQ(nLibrary::symbol(library_, "initwarning3", osError_), nullptr);
+}
 
-TEST_F(Library, IsLoadedAgainUnderTheSameHandle) {
-    const nLibrary::Handle again = nLibrary::load(support::pluginPath("behaviours").c_str(), osError_);
+TEST_F(nLibraryLoaded, IsLoadedAgainUnderTheSameHandle) {
+    const nLibrary::tHandle again = nLibrary::load(support::pluginPath("behaviours").c_str(), osError_);
     EXPECT_EQ(again, library_);
     EXPECT_TRUE(nLibrary::unload(again, osError_));
     EXPECT_NE(nLibrary::symbol(library_, "InitOk", osError_), nullptr) << "one of two references is left";
 }
 
-TEST(LibraryLoading, RunsTheLibrarysOwnStartAndEndOnce) {
+TEST(nLibrary, RunsTheLibrarysOwnStartAndEndOnce) {
     const support::tPluginLog log;
     std::uint32_t osError = untouched;
-    const nLibrary::Handle library = nLibrary::load(support::pluginPath("behaviours").c_str(), osError);
+    const nLibrary::tHandle library = nLibrary::load(support::pluginPath("behaviours").c_str(), osError);
     EXPECT_EQ(log.lines(), (std::vector<std::string>{"behaviours loads"}));
     EXPECT_TRUE(nLibrary::unload(library, osError));
     EXPECT_EQ(log.lines(), (std::vector<std::string>{"behaviours loads", "behaviours unloads"}));
     EXPECT_EQ(osError, untouched);
 }
 
-TEST(LibraryLoading, GivesNullAndTheErrorNumberForAMissingFile) {
+TEST(nLibrary, GivesNullAndTheErrorNumberForAMissingFile) {
     std::uint32_t osError = untouched;
     EXPECT_EQ(nLibrary::load(support::pluginPath("no such library").c_str(), osError), nullptr);
     EXPECT_EQ(osError, moduleNotFound);
 }
 
-TEST(LibraryLoading, GivesNullAndAnErrorNumberForAnEmptyPath) {
+TEST(nLibrary, GivesNullAndAnErrorNumberForAnEmptyPath) {
     std::uint32_t osError = untouched;
     EXPECT_EQ(nLibrary::load("", osError), nullptr);
     EXPECT_NE(osError, untouched);
     EXPECT_NE(osError, 0U);
 }
 
-TEST(LibraryLoading, GivesNullAndAnErrorNumberForAFileThatIsNoLibrary) {
+TEST(nLibrary, GivesNullAndAnErrorNumberForAFileThatIsNoLibrary) {
     const std::string path = support::testProgramFolder() + "/no library.dll";
     std::ofstream(path) << "MZ, but no more";
     std::uint32_t osError = untouched;
@@ -88,16 +90,16 @@ TEST(LibraryLoading, GivesNullAndAnErrorNumberForAFileThatIsNoLibrary) {
     std::remove(path.c_str());
 }
 
-TEST(LibraryLoading, GivesNullAndAnErrorNumberForALibraryThatRefuses) {
+TEST(nLibrary, GivesNullAndAnErrorNumberForALibraryThatRefuses) {
     std::uint32_t osError = untouched;
     EXPECT_EQ(nLibrary::load(support::pluginPath("refusing").c_str(), osError), nullptr);
     EXPECT_NE(osError, untouched);
     EXPECT_NE(osError, 0U);
 }
 
-TEST(LibraryLoading, LooksInTheLibrarysOwnFolderForWhatItDependsOn) {
+TEST(nLibrary, LooksInTheLibrarysOwnFolderForWhatItDependsOn) {
     std::uint32_t osError = untouched;
-    const nLibrary::Handle library = nLibrary::load(support::pluginPath("dependant").c_str(), osError);
+    const nLibrary::tHandle library = nLibrary::load(support::pluginPath("dependant").c_str(), osError);
     ASSERT_NE(library, nullptr) << osError;
     EXPECT_EQ(call(nLibrary::symbol(library, "InitAnswer", osError)), 42);
     EXPECT_TRUE(nLibrary::unload(library, osError));

@@ -12,7 +12,7 @@
 namespace {
 
 /// What only a file system with links and limits can show.
-class FoundDescriptions : public testing::Test {
+class nPluginDataLinks : public testing::Test {
 protected:
     std::vector<std::string> listed(const std::string& name = ".") {
         std::vector<std::string> files;
@@ -24,13 +24,13 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(FoundDescriptions, MayBeLinksToFiles) {
+TEST_F(nPluginDataLinks, MayBeLinksToFiles) {
     folder.write("a.txt");
     std::filesystem::create_symlink("a.txt", folder.path() / "link.ini");
     EXPECT_THAT(listed(), testing::ElementsAre("link.ini"));
 }
 
-TEST_F(FoundDescriptions, AreNoLinksToNothingToFoldersOrToThemselves) {
+TEST_F(nPluginDataLinks, AreNoLinksToNothingToFoldersOrToThemselves) {
     folder.makeFolder("inner");
     std::filesystem::create_symlink("missing", folder.path() / "nothing.ini");
     std::filesystem::create_symlink("inner", folder.path() / "folder.ini");
@@ -39,19 +39,19 @@ TEST_F(FoundDescriptions, AreNoLinksToNothingToFoldersOrToThemselves) {
     EXPECT_THAT(listed(), testing::ElementsAre("a.ini"));
 }
 
-TEST_F(FoundDescriptions, AreNoPipes) {
+TEST_F(nPluginDataLinks, AreNoPipes) {
     ASSERT_EQ(mkfifo((folder.path() / "pipe.ini").c_str(), 0600), 0);
     EXPECT_THAT(listed(), testing::IsEmpty());
 }
 
-TEST_F(FoundDescriptions, AreFoundThroughALinkToTheirDirectory) {
+TEST_F(nPluginDataLinks, AreFoundThroughALinkToTheirDirectory) {
     folder.makeFolder("inner");
     folder.write("inner/a.ini");
     std::filesystem::create_directory_symlink("inner", folder.path() / "link");
     EXPECT_THAT(listed("link"), testing::ElementsAre("a.ini"));
 }
 
-TEST_F(FoundDescriptions, OfADirectoryWhoseStatusCannotBeHadAreAnError) {
+TEST_F(nPluginDataLinks, OfADirectoryWhoseStatusIsNotAvailableAreAnError) {
     std::filesystem::create_symlink("itself", folder.path() / "itself");
     try {
         listed("itself");
@@ -61,7 +61,7 @@ TEST_F(FoundDescriptions, OfADirectoryWhoseStatusCannotBeHadAreAnError) {
     }
 }
 
-TEST_F(FoundDescriptions, OfADirectoryThatCannotBeReadAreBoostsOwnException) {
+TEST_F(nPluginDataLinks, OfADirectoryThatCannotBeReadAreBoostsOwnException) {
     rlimit limit{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     const rlimit none{0, limit.rlim_max};
@@ -70,12 +70,23 @@ TEST_F(FoundDescriptions, OfADirectoryThatCannotBeReadAreBoostsOwnException) {
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-TEST_F(FoundDescriptions, KeepABlankOrABackslashInTheirNames) {
+TEST_F(nPluginDataLinks, KeepABlankOrABackslashInTheirNames) {
     folder.write("a \\b .ini");
     EXPECT_THAT(listed(), testing::ElementsAre("a \\b .ini"));
 }
 
-TEST(UnreadableDescription, IsAnErrorWithTheParsersCode) {
+TEST(nPluginData, RequiresTheLow32BitsOfANumberOf64) {
+    const support::tFolder folder;
+    const std::pair<const char*, std::uint32_t> rows[] = {
+        {"4294967296", 0}, {"4294967297", 1}, {"18446744073709551616", 4294967295}, {"-4294967296", 0}};
+    for (const auto& [value, expected] : rows) {
+        tPluginDescription record;
+        nPluginData::readDescription(folder.write("a.ini", std::string("[Service]\nRequires=") + value), record);
+        EXPECT_EQ(record.requiresMask, expected) << value;
+    }
+}
+
+TEST(nPluginData, ReportsAnUnreadableFileWithTheParsersCode) {
     const support::tFolder folder;
     tPluginDescription record;
     try {

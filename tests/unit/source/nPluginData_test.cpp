@@ -33,7 +33,7 @@ std::string report(const std::string& code, const std::string& constant, const s
 
 const std::string directoryMissing = report("-52003", "zukesterr_softwareFaultKESTInternalUseOnly", "138");
 
-class DescriptionFiles : public testing::Test {
+class nPluginDataListing : public testing::Test {
 protected:
     std::vector<std::string> listed(const std::filesystem::path& name = {}) const {
         std::vector<std::string> files;
@@ -44,7 +44,7 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(DescriptionFiles, AreTheRegularFilesWithTheExtensionInLowerCase) {
+TEST_F(nPluginDataListing, AreTheRegularFilesWithTheExtensionInLowerCase) {
     const std::string a = folder.write("a.ini");
     folder.write("b.INI");
     folder.write("c.txt");
@@ -52,31 +52,32 @@ TEST_F(DescriptionFiles, AreTheRegularFilesWithTheExtensionInLowerCase) {
     EXPECT_THAT(listed(), ElementsAre(a));
 }
 
-TEST_F(DescriptionFiles, AreToldByWhatFollowsTheLastDot) {
+TEST_F(nPluginDataListing, AreToldByWhatFollowsTheLastDotAlsoIfNothingPrecedesIt) {
     folder.write("ini");
+    const std::string bare = folder.write(".ini");
     folder.write("a.ini.bak");
     folder.write("b.inix");
     folder.write("c.in");
     const std::string d = folder.write("d.bak.ini");
-    EXPECT_THAT(listed(), ElementsAre(d));
+    EXPECT_THAT(listed(), UnorderedElementsAre(bare, d));
 }
 
-TEST_F(DescriptionFiles, AreNoneInAnEmptyDirectory) { EXPECT_THAT(listed(), IsEmpty()); }
+TEST_F(nPluginDataListing, AreNoneInAnEmptyDirectory) { EXPECT_THAT(listed(), IsEmpty()); }
 
-TEST_F(DescriptionFiles, OfFoldersInsideAreNotListed) {
+TEST_F(nPluginDataListing, OfFoldersInsideAreNotListed) {
     folder.makeFolder("inner");
     folder.write("inner/a.ini");
     EXPECT_THAT(listed(), IsEmpty());
 }
 
-TEST_F(DescriptionFiles, AreAddedToTheList) {
+TEST_F(nPluginDataListing, AreAddedToTheList) {
     const std::string a = folder.write("a.ini");
     std::vector<std::string> files{"before"};
     nPluginData::listDescriptionFiles(nStdPath::pathFromUtf8(folder.utf8()), ".ini", files);
     EXPECT_THAT(files, ElementsAre("before", a));
 }
 
-TEST_F(DescriptionFiles, StandInTheFileSystemsOrder) {
+TEST_F(nPluginDataListing, StandInTheFileSystemsOrder) {
     for (const char* const name : {"m.ini", "z.ini", "a.ini", "q.ini", "b.ini", "x.ini", "c.ini", "y.ini"}) {
         folder.write(name);
     }
@@ -87,7 +88,7 @@ TEST_F(DescriptionFiles, StandInTheFileSystemsOrder) {
     EXPECT_EQ(listed(), expected);
 }
 
-TEST_F(DescriptionFiles, AreListedWithAnyNameInAnyFolder) {
+TEST_F(nPluginDataListing, AreListedWithAnyNameInAnyFolder) {
     folder.makeFolder(u"größe 计划 🚀");
     std::vector<std::string> expected;
     for (const std::u16string_view name : {u"with two blanks.ini", u"größe.ini", u"计划.ini", u"🚀.ini"}) {
@@ -96,7 +97,7 @@ TEST_F(DescriptionFiles, AreListedWithAnyNameInAnyFolder) {
     EXPECT_THAT(listed(u"größe 计划 🚀"), testing::UnorderedElementsAreArray(expected));
 }
 
-TEST_F(DescriptionFiles, MayHaveAnotherExtension) {
+TEST_F(nPluginDataListing, MayHaveAnotherExtension) {
     folder.write("a.ini");
     const std::string b = folder.write("b.txt");
     std::vector<std::string> files;
@@ -104,18 +105,18 @@ TEST_F(DescriptionFiles, MayHaveAnotherExtension) {
     EXPECT_THAT(files, ElementsAre(b));
 }
 
-TEST_F(DescriptionFiles, OfAMissingDirectoryAreAnError) {
+TEST_F(nPluginDataListing, OfAMissingDirectoryAreAnError) {
     EXPECT_EQ(thrownBy([this] { listed("missing"); }), directoryMissing);
     EXPECT_EQ(thrownBy([this] { listed("missing/inner"); }), directoryMissing);
 }
 
-TEST_F(DescriptionFiles, OfAFileInPlaceOfTheDirectoryAreAnError) {
+TEST_F(nPluginDataListing, OfAFileInPlaceOfTheDirectoryAreAnError) {
     folder.write("plugins", "no directory");
     EXPECT_EQ(thrownBy([this] { listed("plugins"); }), directoryMissing);
     EXPECT_EQ(thrownBy([this] { listed("plugins/inner"); }), directoryMissing);
 }
 
-class Plugins : public DescriptionFiles {
+class nPluginDataPlugins : public nPluginDataListing {
 protected:
     static std::vector<std::string> all() {
         std::vector<std::string> files;
@@ -126,7 +127,7 @@ protected:
     support::tSharedPlaces places;
 };
 
-TEST_F(Plugins, AreDescribedInTheSharedDirectory) {
+TEST_F(nPluginDataPlugins, AreDescribedInTheSharedDirectory) {
     folder.makeFolder(u"共享 share/ZiptraRemoteService/plugins");
     folder.write(u"共享 share/ZiptraRemoteService/top.ini");
     const std::string a = folder.write(u"共享 share/ZiptraRemoteService/plugins/a.ini");
@@ -135,19 +136,19 @@ TEST_F(Plugins, AreDescribedInTheSharedDirectory) {
     EXPECT_THAT(all(), ElementsAre(a));
 }
 
-TEST_F(Plugins, AreNoneAndThatIsNoErrorWhenTheirDirectoryIsEmpty) {
+TEST_F(nPluginDataPlugins, AreNoneAndThatIsNoErrorWhenTheirDirectoryIsEmpty) {
     folder.makeFolder("ZiptraRemoteService/plugins");
     places.sharedDirectory = folder.utf8();
     EXPECT_THAT(all(), IsEmpty());
 }
 
-TEST_F(Plugins, CannotBeListedWithoutTheirDirectory) {
+TEST_F(nPluginDataPlugins, CannotBeListedWithoutTheirDirectory) {
     folder.makeFolder("ZiptraRemoteService");
     places.sharedDirectory = folder.utf8();
     EXPECT_EQ(thrownBy(all), directoryMissing);
 }
 
-TEST_F(Plugins, CannotBeListedWithoutASharedDirectory) {
+TEST_F(nPluginDataPlugins, CannotBeListedWithoutASharedDirectory) {
     const std::string thrown = thrownBy(all);
     EXPECT_TRUE(thrown.starts_with(R"(-52006 {"error_constant":"kestStatusResourceNotFound",)")) << thrown;
 }
@@ -160,7 +161,7 @@ std::string shown(const tPluginDescription& record) {
     return text + '|' + record.initialize + '|' + record.stop + '|' + record.cleanup;
 }
 
-class Description : public testing::Test {
+class nPluginDataReading : public testing::Test {
 protected:
     /// What the file says, as read into a record that said something else before.
     tPluginDescription of(std::string_view content) {
@@ -183,7 +184,7 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(Description, HoldsEveryKeyOfTheFile) {
+TEST_F(nPluginDataReading, HoldsEveryKeyOfTheFile) {
     EXPECT_EQ(shown(of("[Service]\r\n"
                        "Name=Scheduler\r\n"
                        "Dependencies=Transport, Settings\r\n"
@@ -195,45 +196,47 @@ TEST_F(Description, HoldsEveryKeyOfTheFile) {
               "Scheduler|Settings,Transport,|3|scheduler.dll|SchedulerInitialize|SchedulerStop|SchedulerCleanup");
 }
 
-TEST_F(Description, HoldsDefaultsWhenTheSectionIsEmpty) { EXPECT_EQ(shown(of("[Service]")), "||1||||"); }
+TEST_F(nPluginDataReading, HoldsDefaultsWhenTheSectionIsEmpty) { EXPECT_EQ(shown(of("[Service]")), "||1||||"); }
 
-TEST_F(Description, HoldsDefaultsWhenThereIsNoSuchSection) {
+TEST_F(nPluginDataReading, HoldsDefaultsWhenThereIsNoSuchSection) {
     EXPECT_EQ(shown(of("")), "||1||||");
     EXPECT_EQ(shown(of("[Other]\nName=Scheduler\nRequires=7")), "||1||||");
 }
 
-TEST_F(Description, TakesNoNoticeOfOtherSectionsAndKeys) {
+TEST_F(nPluginDataReading, TakesNoNoticeOfOtherSectionsAndKeys) {
     EXPECT_EQ(shown(of("Name=before\n[Other]\nPath=other.dll\n[Service]\nName=A\nComment=x\n[Last]\nStop=y")),
               "A||1||||");
 }
 
-TEST_F(Description, FindsSectionAndKeysInAnyCase) { EXPECT_EQ(shown(of("[SERVICE]\nnAmE=Mixed")), "Mixed||1||||"); }
+TEST_F(nPluginDataReading, FindsSectionAndKeysInAnyCase) {
+    EXPECT_EQ(shown(of("[SERVICE]\nnAmE=Mixed")), "Mixed||1||||");
+}
 
-TEST_F(Description, DropsDoubleQuotesAroundAValueAndKeepsSingleOnes) {
+TEST_F(nPluginDataReading, DropsDoubleQuotesAroundAValueAndKeepsSingleOnes) {
     EXPECT_EQ(shown(of("[Service]\nPath=\"C:\\My plug-ins\\a.dll\"\nName='A'")), "'A'||1|C:\\My plug-ins\\a.dll|||");
 }
 
-TEST_F(Description, MayHaveEmptyValues) {
+TEST_F(nPluginDataReading, MayHaveEmptyValues) {
     EXPECT_EQ(shown(of("[Service]\nName=\nDependencies=\nPath=\nRequires=\nInitialize=\nStop=\nCleanup=")), "||1||||");
 }
 
-TEST_F(Description, TakesOnlyTheEqualsSignForASeparator) {
+TEST_F(nPluginDataReading, TakesOnlyTheEqualsSignForASeparator) {
     EXPECT_EQ(shown(of("[Service]\nName:x=A\nPath=C:\\a.dll")), "||1|C:\\a.dll|||");
 }
 
-TEST_F(Description, SortsDependenciesByteByByteAndKeepsDuplicates) {
+TEST_F(nPluginDataReading, SortsDependenciesByteByByteAndKeepsDuplicates) {
     EXPECT_THAT(of("[Service]\nDependencies=b,a,b").dependencies, ElementsAre("a", "b", "b"));
     EXPECT_THAT(of("[Service]\nDependencies=\xC3\xA4,a,Z,_,B").dependencies,
                 ElementsAre("B", "Z", "_", "a", "\xC3\xA4"));
 }
 
-TEST_F(Description, RequiresOneWhenTheValueIsMissingOrEmpty) {
+TEST_F(nPluginDataReading, RequiresOneWhenTheValueIsMissingOrEmpty) {
     EXPECT_EQ(of("[Service]\nName=A").requiresMask, 1U);
     EXPECT_EQ(requiresOf(""), 1U);
     EXPECT_EQ(requiresOf("\"\""), 1U);
 }
 
-TEST_F(Description, RequiresZeroWhenTheValueIsNoNumber) {
+TEST_F(nPluginDataReading, RequiresZeroWhenTheValueIsNoNumber) {
     EXPECT_EQ(requiresOf("x"), 0U);
     EXPECT_EQ(requiresOf("x7"), 0U);
     EXPECT_EQ(requiresOf("-"), 0U);
@@ -241,7 +244,7 @@ TEST_F(Description, RequiresZeroWhenTheValueIsNoNumber) {
     EXPECT_EQ(requiresOf("\" \""), 0U);
 }
 
-TEST_F(Description, RequiresTheNumberThatTheValueBeginsWith) {
+TEST_F(nPluginDataReading, RequiresTheNumberThatTheValueBeginsWith) {
     EXPECT_EQ(requiresOf("7"), 7U);
     EXPECT_EQ(requiresOf("0"), 0U);
     EXPECT_EQ(requiresOf("2x"), 2U);
@@ -250,30 +253,30 @@ TEST_F(Description, RequiresTheNumberThatTheValueBeginsWith) {
     EXPECT_EQ(requiresOf("4294967295"), 4294967295U);
 }
 
-TEST_F(Description, RequiresDecimalNumbers) {
+TEST_F(nPluginDataReading, RequiresDecimalNumbers) {
     EXPECT_EQ(requiresOf("010"), 10U);
     EXPECT_EQ(requiresOf("0x10"), 0U);
 }
 
-TEST_F(Description, TakesASignBeforeTheRequiredNumber) {
+TEST_F(nPluginDataReading, TakesASignBeforeTheRequiredNumber) {
     EXPECT_EQ(requiresOf("+3"), 3U);
     EXPECT_EQ(requiresOf("-1"), 4294967295U);
     EXPECT_EQ(requiresOf("-4294967295"), 1U);
 }
 
-TEST_F(Description, KeepsTextsInAnyScriptByteForByte) {
+TEST_F(nPluginDataReading, KeepsTextsInAnyScriptByteForByte) {
     EXPECT_EQ(shown(of("\xEF\xBB\xBF[Service]\nName=\xE8\xAE\xA1\nPath=\xF0\x9F\x9A\x80.dll\nStop=\xFF\x80")),
               "\xE8\xAE\xA1||1|\xF0\x9F\x9A\x80.dll||\xFF\x80|");
 }
 
-TEST_F(Description, IsReadFromAFileOfAnyName) {
+TEST_F(nPluginDataReading, IsReadFromAFileOfAnyName) {
     folder.makeFolder(u"größe 计划");
     tPluginDescription record;
     nPluginData::readDescription(folder.write(u"größe 计划/with blanks 🚀.ini", "[Service]\nName=A"), record);
     EXPECT_EQ(record.name, "A");
 }
 
-TEST_F(Description, IsReadFromAFileWhosePathIsVeryLong) {
+TEST_F(nPluginDataReading, IsReadFromAFileWhosePathIsVeryLong) {
     std::filesystem::path name;
     while (folder.utf8(name).size() < 1000) name /= std::string(100, 'x');
     folder.makeFolder(name);
@@ -282,7 +285,7 @@ TEST_F(Description, IsReadFromAFileWhosePathIsVeryLong) {
     EXPECT_EQ(record.name, "A");
 }
 
-TEST_F(Description, IsFoundAndReadWhereThePathIsVeryLong) {
+TEST_F(nPluginDataReading, IsFoundAndReadWhereThePathIsVeryLong) {
     std::filesystem::path name;
     while (folder.utf8(name).size() < 1000) name /= std::string(100, 'x');
     folder.makeFolder(name);
@@ -295,15 +298,15 @@ TEST_F(Description, IsFoundAndReadWhereThePathIsVeryLong) {
     EXPECT_EQ(record.name, "A");
 }
 
-TEST_F(Description, OfAMissingFileIsAnErrorWithTheParsersCode) {
+TEST_F(nPluginDataReading, OfAMissingFileIsAnErrorWithTheParsersCode) {
     EXPECT_EQ(failure(folder.utf8("missing.ini")), report("-22", "result", "261"));
 }
 
-TEST_F(Description, OfAUtf16FileIsAnErrorWithTheParsersCode) {
+TEST_F(nPluginDataReading, OfAUtf16FileIsAnErrorWithTheParsersCode) {
     EXPECT_EQ(failure(folder.write("a.ini", "\xFF\xFE[\0S\0")), report("-3", "result", "261"));
 }
 
-TEST_F(Description, OfAFileWithAMalformedLineIsAnError) {
+TEST_F(nPluginDataReading, OfAFileWithAMalformedLineIsAnError) {
     const std::string malformed = report("-52005", "zukesterr_invalidParameter", "268");
     for (const char* const content : {"[Service]\nName=A\n\nPath=a.dll", "[Service]\nName=A\n\n", "[Service\nName=A",
                                       "[Service]\nName", "[Service]\n=A", "   ", "[Service]\nName:A"}) {
@@ -317,35 +320,37 @@ std::vector<std::string> split(std::string_view text) {
     return list;
 }
 
-TEST(Dependencies, AreTheTrimmedPiecesBetweenTheCommas) {
+TEST(nPluginDataDependencies, AreTheTrimmedPiecesBetweenTheCommas) {
     EXPECT_THAT(split("Transport, Settings"), ElementsAre("Transport", "Settings"));
     EXPECT_THAT(split(" b , ,a,,"), ElementsAre("b", "a"));
 }
 
-TEST(Dependencies, KeepTheirOrderTheirCaseAndTheirDuplicates) {
+TEST(nPluginDataDependencies, KeepTheirOrderTheirCaseAndTheirDuplicates) {
     EXPECT_THAT(split("b,a,B,b"), ElementsAre("b", "a", "B", "b"));
 }
 
-TEST(Dependencies, AreNoneInATextWithoutNames) {
+TEST(nPluginDataDependencies, AreNoneInATextWithoutNames) {
     EXPECT_THAT(split(""), IsEmpty());
     EXPECT_THAT(split(" \t "), IsEmpty());
     EXPECT_THAT(split(" ,,, , "), IsEmpty());
 }
 
-TEST(Dependencies, AreSeparatedByCommasAlone) { EXPECT_THAT(split("a b;c|d, e\tf"), ElementsAre("a b;c|d", "e\tf")); }
+TEST(nPluginDataDependencies, AreSeparatedByCommasAlone) {
+    EXPECT_THAT(split("a b;c|d, e\tf"), ElementsAre("a b;c|d", "e\tf"));
+}
 
-TEST(Dependencies, LoseEveryKindOfWhiteSpaceAtBothEnds) {
+TEST(nPluginDataDependencies, LoseEveryKindOfWhiteSpaceAtBothEnds) {
     EXPECT_THAT(split(" \t\n\v\f\ra b \t\n\v\f\r,\tc"), ElementsAre("a b", "c"));
 }
 
-TEST(Dependencies, KeepBytesAbove127) {
+TEST(nPluginDataDependencies, KeepBytesAbove127) {
     for (int byte = 128; byte < 256; ++byte) {
         const std::string name(1, static_cast<char>(byte));
         EXPECT_THAT(split(" " + name + " ,a"), ElementsAre(name, "a")) << byte;
     }
 }
 
-TEST(Dependencies, KeepZeros) {
+TEST(nPluginDataDependencies, KeepZeros) {
     using namespace std::string_view_literals;
     EXPECT_THAT(split("a\0b, \0"sv), ElementsAre("a\0b"sv, "\0"sv));
 }

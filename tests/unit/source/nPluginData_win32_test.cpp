@@ -11,49 +11,20 @@
 #include "tests/support/allocations.h"
 #include "tests/support/folder.h"
 #include "tests/support/imports_win32.h"
-#include "trace/trace.h"
 
 namespace {
 
-/// The lines that reach the debugger. They do in a diagnostic build alone, where the prefix is cut off here.
-class TraceTexts : public testing::Test {
-protected:
-    TraceTexts() {
-        imports::OutputDebugStringA.replace([this](const char* line) {
-            const std::string text = line;
-            lines.push_back(text.substr(text.find("] ") + 2));
-        });
+TEST(nPluginData, RequiresTheLargestNumberWhereTheValueExceeds32Bits) {
+    // A long has 32 bits here; elsewhere the low 32 of 64 remain.
+    const support::tFolder folder;
+    for (const char* const value : {"4294967296", "4294967297", "18446744073709551616", "-4294967296"}) {
+        tPluginDescription record;
+        nPluginData::readDescription(folder.write("a.ini", std::string("[Service]\nRequires=") + value), record);
+        EXPECT_EQ(record.requiresMask, 4294967295U) << value;
     }
-
-    void expectLine(const std::string& line) const {
-        EXPECT_EQ(lines, nTrace::enabled ? std::vector{line} : std::vector<std::string>());
-    }
-
-    std::vector<std::string> lines;
-    support::tFolder folder;
-};
-
-TEST_F(TraceTexts, TellThatTheDirectoryDoesNotExist) {
-    std::vector<std::string> files;
-    EXPECT_THROW(nPluginData::listDescriptionFiles(folder.path().wstring() + L"\\missing", L".ini", files),
-                 zuerr::Exception);
-    expectLine("Directory does not exist.");
 }
 
-TEST_F(TraceTexts, TellFileAndLineOfAParseError) {
-    const std::string path = folder.write(u"计划.ini", "[Service]\n\nName=A\n\n");
-    tPluginDescription record;
-    EXPECT_THROW(nPluginData::readDescription(path, record), zuerr::Exception);
-    expectLine("Parse error " + path + ":2");
-}
-
-TEST_F(TraceTexts, TellNothingOfAFileThatCannotBeRead) {
-    tPluginDescription record;
-    EXPECT_THROW(nPluginData::readDescription(folder.utf8("missing.ini"), record), zuerr::Exception);
-    EXPECT_THAT(lines, testing::IsEmpty());
-}
-
-TEST(OpenedDescription, HasTheVeryNameOfTheFileAlsoWhenThatIsNoUtf16) {
+TEST(nPluginData, OpensTheFileByTheVeryNameOfTheFileAlsoWhenThatIsNoUtf16) {
     const std::wstring path = L"C:\\计划 🚀\\lone \xDC00 and \xD800.ini";
     std::vector<std::wstring> opened;
     imports::_wfopen.replace([&opened](const wchar_t* name, const wchar_t* /*mode*/) -> FILE* {
@@ -65,7 +36,7 @@ TEST(OpenedDescription, HasTheVeryNameOfTheFileAlsoWhenThatIsNoUtf16) {
     EXPECT_THAT(opened, testing::ElementsAre(path));
 }
 
-TEST(ListedDescriptions, AreNotConvertedByThePathLibrarysLocale) {
+TEST(nPluginData, PathsAreNotConvertedByThePathLibrarysLocale) {
     const support::tFolder folder;
     const std::string file = folder.write(u"计划.ini");
     std::vector<std::string> files;
@@ -77,20 +48,20 @@ TEST(ListedDescriptions, AreNotConvertedByThePathLibrarysLocale) {
 }
 
 /// Here `new` asks an allocator that a test can let fail.
-class DescriptionWithoutMemory : public testing::Test {
+class nPluginDataMemory : public testing::Test {
 protected:
     const support::tFolder folder;
     const std::string path = folder.write("a.ini", "[Service]\nName=A\nPath=" + std::string(20000, 'x'));
     tPluginDescription record{"earlier", {"x", "y"}, 6, "earlier.dll", "i", "s", "c"};
 };
 
-TEST_F(DescriptionWithoutMemory, IsLeftAsItWasWithoutAnErrorWhenThereIsNoDocument) {
+TEST_F(nPluginDataMemory, IsLeftAsItWasWithoutAnErrorWhenThereIsNoDocument) {
     EXPECT_EQ(allocations::refused(sizeof(nIni::tDocument), [this] { nPluginData::readDescription(path, record); }), 1);
     EXPECT_EQ(record.name, "earlier");
     EXPECT_EQ(record.path, "earlier.dll");
 }
 
-TEST_F(DescriptionWithoutMemory, IsAnErrorWithTheParsersCodeWhenMemoryRunsOutLater) {
+TEST_F(nPluginDataMemory, IsAnErrorWithTheParsersCodeWhenMemoryRunsOutLater) {
     std::int32_t code = 0;
     std::string report;
     EXPECT_GT(allocations::refused(10000,
@@ -109,7 +80,7 @@ TEST_F(DescriptionWithoutMemory, IsAnErrorWithTheParsersCodeWhenMemoryRunsOutLat
     EXPECT_EQ(record.name, "earlier");
 }
 
-TEST_F(DescriptionWithoutMemory, IsReadOrAnErrorAtEachRequestForMemoryThatIsRefused) {
+TEST_F(nPluginDataMemory, IsReadOrAnErrorAtEachRequestForMemoryThatIsRefused) {
     const std::string small = folder.write("b.ini", "[Service]\nName=B\nRequires=6\n");
     bool struck = true;
     for (int nth = 1; struck; ++nth) {
@@ -131,7 +102,7 @@ TEST_F(DescriptionWithoutMemory, IsReadOrAnErrorAtEachRequestForMemoryThatIsRefu
     EXPECT_EQ(record.name, "B");
 }
 
-TEST(UnreadableDescription, IsAnErrorWithTheParsersCode) {
+TEST(nPluginData, ReportsAnUnreadableFileWithTheParsersCode) {
     const support::tFolder folder;
     tPluginDescription record;
     try {

@@ -4,10 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <random>
-#include <span>
-
-#include "source/introsort.h"
 
 namespace {
 
@@ -32,10 +30,11 @@ std::vector<std::string> ordered(std::vector<tPluginDescription> descriptions) {
     return namesOf(descriptions);
 }
 
-/// Names from a to t or so, with any of them as dependencies: rings, chains against the names and doublets.
+/// Few names, with any of them as dependencies: rings, chains against the names and duplicates.
 std::vector<tPluginDescription> randomPlugins(std::mt19937& random, std::size_t count) {
     const auto name = [&random, count] {
-        return std::string(1 + random() % 2, 'a') + std::to_string(random() % count);
+        const std::string letters(1 + random() % 2, 'a');
+        return letters + std::to_string(random() % count);
     };
     std::vector<tPluginDescription> descriptions;
     for (std::size_t i = 0; i < count; ++i) {
@@ -47,77 +46,88 @@ std::vector<tPluginDescription> randomPlugins(std::mt19937& random, std::size_t 
     return descriptions;
 }
 
-TEST(FirstOrder, PutsADependencyFirstWhateverTheNames) {
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("b"), plugin("a", {"b"})));
-    EXPECT_FALSE(nPluginOrder::goesBefore(plugin("a", {"b"}), plugin("b")));
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("a"), plugin("b", {"a"})));
-    EXPECT_FALSE(nPluginOrder::goesBefore(plugin("b", {"a"}), plugin("a")));
+struct tPair {
+    tPluginDescription a;
+    tPluginDescription b;
+    bool aPrecedesB;
+    bool bPrecedesA;
+};
+
+TEST(nPluginOrder, PrecedesByNameUnlessExactlyOneDependsOnTheOther) {
+    const std::vector<tPair> pairs = {
+        {plugin("a"), plugin("b"), true, false},
+        {plugin("a", {"x"}), plugin("b", {"y"}), true, false},
+        {plugin("a", {"b"}), plugin("b"), false, true},
+        {plugin("a", {"A", "b"}), plugin("b"), false, true},
+        {plugin("a", {"b", "c"}), plugin("b"), false, true},
+        {plugin("a"), plugin("b", {"a"}), true, false},
+        {plugin("a", {"b"}), plugin("b", {"a"}), true, false},
+        // Dependencies are compared exactly.
+        {plugin("a", {"B", "b ", "bb"}), plugin("b"), true, false},
+        // Nothing precedes itself or its like; of two with one name, the one that depends on that name is the later.
+        {plugin("a"), plugin("a"), false, false},
+        {plugin("a", {"a"}), plugin("a", {"a"}), false, false},
+        {plugin("a"), plugin("a", {"a"}), true, false},
+        // Names are compared as unsigned bytes.
+        {plugin("Zebra"), plugin("apple"), true, false},
+        {plugin("z"), plugin("\xC3\xA4"), true, false},
+        {plugin("a"), plugin("aa"), true, false},
+        {plugin(""), plugin("a"), true, false},
+        {plugin(std::string("a\0a", 3)), plugin(std::string("a\0b", 3)), true, false},
+    };
+    for (const tPair& pair : pairs) {
+        EXPECT_EQ(nPluginOrder::precedes(pair.a, pair.b), pair.aPrecedesB) << pair.a.name << ' ' << pair.b.name;
+        EXPECT_EQ(nPluginOrder::precedes(pair.b, pair.a), pair.bPrecedesA) << pair.b.name << ' ' << pair.a.name;
+    }
 }
 
-TEST(FirstOrder, GoesByNameWhereNeitherNamesTheOther) {
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("a", {"x"}), plugin("b", {"y"})));
-    EXPECT_FALSE(nPluginOrder::goesBefore(plugin("b", {"x"}), plugin("a", {"y"})));
-}
-
-TEST(FirstOrder, GoesByNameWhereBothNameEachOther) {
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("a", {"b"}), plugin("b", {"a"})));
-    EXPECT_FALSE(nPluginOrder::goesBefore(plugin("b", {"a"}), plugin("a", {"b"})));
-}
-
-TEST(FirstOrder, PutsNothingBeforeItself) {
-    EXPECT_FALSE(nPluginOrder::goesBefore(plugin("a"), plugin("a")));
-    EXPECT_FALSE(nPluginOrder::goesBefore(plugin("a", {"a"}), plugin("a", {"a"})));
-}
-
-TEST(FirstOrder, TakesOneOfTwoOfTheSameNameFirstWhenTheOtherNamesIt) {
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("a"), plugin("a", {"a"})));
-    EXPECT_FALSE(nPluginOrder::goesBefore(plugin("a", {"a"}), plugin("a")));
-}
-
-TEST(FirstOrder, ComparesDependenciesExactly) {
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("a", {"B", "b ", "bb"}), plugin("b")));
-}
-
-TEST(FirstOrder, ComparesNamesByTheirBytes) {
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("Zebra"), plugin("apple")));
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("z"), plugin("\xC3\xA4")));
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin("a"), plugin("aa")));
-    EXPECT_TRUE(nPluginOrder::goesBefore(plugin(""), plugin("a")));
-}
-
-TEST(FirstOrder, FindsADependencyAmongMany) {
+TEST(nPluginOrder, FindsADependencyAmongMany) {
     std::vector<std::string> many;
     for (int i = 0; i < 1000; ++i) many.push_back("dependency " + std::to_string(i));
     const tPluginDescription dependant = plugin("a", many);
-    for (const std::string& name : many) EXPECT_TRUE(nPluginOrder::goesBefore(plugin(name), dependant)) << name;
-    EXPECT_FALSE(nPluginOrder::goesBefore(plugin("dependency 1000"), dependant));
+    for (const std::string& name : many) EXPECT_TRUE(nPluginOrder::precedes(plugin(name), dependant)) << name;
+    EXPECT_FALSE(nPluginOrder::precedes(plugin("dependency 1000"), dependant));
 }
 
-TEST(FirstOrder, OfNothingIsNothing) { EXPECT_THAT(ordered({}), testing::IsEmpty()); }
-
-TEST(FirstOrder, SortsByNameAndDependency) {
+TEST(nPluginOrder, SortsByNameAndDependency) {
+    EXPECT_THAT(ordered({}), testing::IsEmpty());
     EXPECT_THAT(ordered({plugin("c"), plugin("a", {"b"}), plugin("B"), plugin("b")}), ElementsAre("B", "b", "a", "c"));
-}
-
-TEST(FirstOrder, PutsTwoOfTheSameNameNextToEachOther) {
     EXPECT_THAT(ordered({plugin("b"), plugin("a"), plugin("c"), plugin("b")}), ElementsAre("a", "b", "b", "c"));
 }
 
-TEST(FirstOrder, LooksAtNoIndirectDependency) {
-    // a needs b, b needs c. c goes before b and b before a, yet c goes behind a: what insertion makes of it stands.
+TEST(nPluginOrder, LooksAtNoIndirectDependency) {
+    // a needs b, b needs c. c precedes b and b precedes a, yet a precedes c: insertion decides.
     EXPECT_THAT(ordered({plugin("a", {"b"}), plugin("b", {"c"}), plugin("c")}), ElementsAre("c", "b", "a"));
     EXPECT_THAT(ordered({plugin("b", {"c"}), plugin("a", {"b"}), plugin("c")}), ElementsAre("c", "b", "a"));
     EXPECT_THAT(ordered({plugin("a", {"b"}), plugin("c"), plugin("b", {"c"})}), ElementsAre("b", "a", "c"));
 }
 
-/// The paths of the descriptions as the predicate orders them when the sort asks it itself.
-std::vector<std::string> pathsByPredicate(const std::vector<tPluginDescription>& plugins) {
-    std::vector<const tPluginDescription*> expected;
-    for (const tPluginDescription& description : plugins) expected.push_back(&description);
-    nIntrosort::sort(std::span(expected),
-                     [](const auto* a, const auto* b) { return nPluginOrder::goesBefore(*a, *b); });
+/// The rule in other words than the product's.
+bool ruleSays(const tPluginDescription& a, const tPluginDescription& b) {
+    const auto count = [](const tPluginDescription& dependant, const std::string& name) {
+        return std::count(dependant.dependencies.begin(), dependant.dependencies.end(), name);
+    };
+    const bool bNeedsA = count(b, a.name) > 0;
+    const bool aNeedsB = count(a, b.name) > 0;
+    if (bNeedsA != aNeedsB) return bNeedsA;
+    return std::lexicographical_compare(a.name.begin(), a.name.end(), b.name.begin(), b.name.end(),
+                                        [](unsigned char x, unsigned char y) { return x < y; });
+}
+
+/// Insertion as prescribed for up to 32: to the front if it precedes the first, otherwise back while it precedes.
+std::vector<std::string> pathsInserted(const std::vector<tPluginDescription>& plugins) {
+    std::vector<const tPluginDescription*> list;
+    for (const tPluginDescription& description : plugins) {
+        auto place = list.end();
+        if (!list.empty() && ruleSays(description, *list.front())) {
+            place = list.begin();
+        } else {
+            while (place - list.begin() > 1 && ruleSays(description, **std::prev(place))) --place;
+        }
+        list.insert(place, &description);
+    }
     std::vector<std::string> paths;
-    for (const tPluginDescription* const description : expected) paths.push_back(description->path);
+    for (const tPluginDescription* const description : list) paths.push_back(description->path);
     return paths;
 }
 
@@ -128,83 +138,51 @@ std::vector<std::string> orderedPaths(std::vector<tPluginDescription> plugins) {
     return paths;
 }
 
-TEST(FirstOrder, IsThatOfThePredicateWhateverTheDigestsOfTheNames) {
+TEST(nPluginOrder, InsertsUpTo32ByTheRule) {
     std::mt19937 random(1);
-    for (std::size_t round = 0; round < 2000; ++round) {
-        const std::vector<tPluginDescription> plugins = randomPlugins(random, round % 80);
-        ASSERT_EQ(orderedPaths(plugins), pathsByPredicate(plugins)) << round;
+    for (std::size_t round = 0; round < 3000; ++round) {
+        const std::vector<tPluginDescription> plugins = randomPlugins(random, round % 33);
+        ASSERT_EQ(orderedPaths(plugins), pathsInserted(plugins)) << round;
     }
 }
 
-TEST(FirstOrder, IsThatOfThePredicateWhateverTheNamesBeginAndEndWith) {
-    const std::string zero(1, '\0');
-    std::mt19937 random(4);
-    for (const std::string& front : {std::string(), std::string("Maker's plug-in "), zero, std::string("\xC3\xA4")}) {
-        for (const std::string& back : {std::string(), zero, zero + zero, std::string("\xFF of eight bytes")}) {
-            // Some names get what goes behind, so that names differ only there.
-            const auto dress = [&](const std::string& name) { return front + name + (name[0] == 'a' ? back : ""); };
-            for (std::size_t round = 0; round < 40; ++round) {
-                std::vector<tPluginDescription> plugins = randomPlugins(random, 60);
-                for (tPluginDescription& description : plugins) {
-                    description.name = dress(description.name);
-                    for (std::string& name : description.dependencies) name = dress(name);
-                    std::sort(description.dependencies.begin(), description.dependencies.end());
-                }
-                ASSERT_EQ(orderedPaths(plugins), pathsByPredicate(plugins)) << front << ' ' << back << ' ' << round;
-            }
-        }
-    }
-}
-
-TEST(FirstOrder, TellsNamesApartThatDifferBehindEightBytes) {
-    EXPECT_THAT(ordered({plugin("x12345678b"), plugin("y"), plugin("x12345678"), plugin("x12345678a")}),
-                ElementsAre("x12345678", "x12345678a", "x12345678b", "y"));
-}
-
-TEST(FirstOrder, HeedsADependencyOnOneOfTheSameName) {
-    // The first one waits for a plug-in of its own name, which the other one is; the other one waits for nothing.
-    std::vector<tPluginDescription> plugins{plugin("a", {"a"}), plugin("a")};
-    plugins[0].path = "dependant";
-    EXPECT_THAT(orderedPaths(plugins), ElementsAre("", "dependant"));
-}
-
-TEST(FirstOrder, KeepsEveryDescriptionWhateverItNames) {
+TEST(nPluginOrder, KeepsItsOrderOfManyInconsistentOnesFromVersionToVersion) {
+    // A digest of the orders as first released.
     std::mt19937 random(2);
-    for (std::size_t round = 0; round < 500; ++round) {
-        std::vector<tPluginDescription> plugins = randomPlugins(random, round);
-        nPluginOrder::sort(plugins);
-        std::vector<bool> seen(round);
-        for (const tPluginDescription& description : plugins) seen[std::stoul(description.path)] = true;
-        ASSERT_EQ(std::count(seen.begin(), seen.end(), true), static_cast<std::ptrdiff_t>(round));
+    std::uint32_t digest = 0;
+    for (std::size_t count = 33; count < 500; ++count) {
+        const std::vector<std::string> paths = orderedPaths(randomPlugins(random, count));
+        std::vector<bool> seen(count);
+        for (const std::string& path : paths) {
+            digest = digest * 31 + static_cast<std::uint32_t>(std::stoul(path));
+            seen[std::stoul(path)] = true;
+        }
+        ASSERT_EQ(std::count(seen.begin(), seen.end(), true), static_cast<std::ptrdiff_t>(count)) << "none is lost";
     }
+    EXPECT_EQ(digest, 2623699182U);
 }
 
-TEST(FirstOrder, MovesDescriptionsWithoutCopyingTheirTexts) {
-    std::vector<tPluginDescription> plugins{plugin("b", {"a"}), plugin("a")};
-    plugins[0].path = "a path that is too long to be kept inside of a string object";
+TEST(nPluginOrder, MovesWholeDescriptionsWithoutCopyingTheirTexts) {
+    tPluginDescription last = plugin("b", {"a", "c"});
+    last.requiresMask = 6;
+    last.path = "a path that is too long to be kept inside of a string object";
+    last.initialize = "i";
+    last.stop = "s";
+    last.cleanup = "c";
+    std::vector<tPluginDescription> plugins{last, plugin("a")};
     const char* const text = plugins[0].path.data();
     const std::string* const dependencies = plugins[0].dependencies.data();
     nPluginOrder::sort(plugins);
     EXPECT_EQ(plugins[1].path.data(), text);
     EXPECT_EQ(plugins[1].dependencies.data(), dependencies);
-}
-
-TEST(FirstOrder, CarriesEveryFieldAlong) {
-    tPluginDescription last = plugin("b", {"a", "c"});
-    last.requiresMask = 6;
-    last.path = "b.dll";
-    last.initialize = "i";
-    last.stop = "s";
-    last.cleanup = "c";
-    std::vector<tPluginDescription> plugins{last, plugin("a")};
-    nPluginOrder::sort(plugins);
     EXPECT_EQ(plugins[1].name, "b");
     EXPECT_THAT(plugins[1].dependencies, ElementsAre("a", "c"));
     EXPECT_EQ(plugins[1].requiresMask, 6U);
-    EXPECT_EQ(plugins[1].path + plugins[1].initialize + plugins[1].stop + plugins[1].cleanup, "b.dllisc");
+    EXPECT_EQ(plugins[1].path, last.path);
+    EXPECT_EQ(plugins[1].initialize + plugins[1].stop + plugins[1].cleanup, "isc");
 }
 
-TEST(FirstOrder, OfTenThousandThatDependOnEarlierNamesIsTheirNameOrder) {
+TEST(nPluginOrder, OfTenThousandThatDependOnEarlierNamesIsTheirNameOrder) {
     std::mt19937 random(3);
     std::vector<tPluginDescription> plugins;
     std::vector<std::string> expected;

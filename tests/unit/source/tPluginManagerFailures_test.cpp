@@ -17,11 +17,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class PluginFailures : public support::tManagerTest {};
+class tPluginManagerFailures : public support::tManagerTest {};
 
 // Memory that runs out, at each request in turn.
 
-TEST_F(PluginFailures, APluginThatMemoryRunsOutForFailsAloneAndBeforeItIsInitialised) {
+TEST_F(tPluginManagerFailures, APluginThatMemoryRunsOutForFailsAloneAndBeforeItIsInitialised) {
     std::vector<tPluginDescription> descriptions = {describe("A"), describe("B")};
     for (tPluginDescription& description : descriptions) description.name += ", and more than a small buffer holds";
     int lost = 0;
@@ -50,7 +50,7 @@ TEST_F(PluginFailures, APluginThatMemoryRunsOutForFailsAloneAndBeforeItIsInitial
 
 // Libraries and Initialize entries that fail.
 
-TEST_F(PluginFailures, ALibraryThatDoesNotLoadIsNotUnloaded) {
+TEST_F(tPluginManagerFailures, ALibraryThatDoesNotLoadIsNotUnloaded) {
     plugins_.plugin("A").loads = false;
     start({describe("A")});
     EXPECT_THAT(initCodes(), ElementsAre(-52005));
@@ -58,7 +58,7 @@ TEST_F(PluginFailures, ALibraryThatDoesNotLoadIsNotUnloaded) {
     EXPECT_THAT(reports_.texts, ElementsAre(R"({"file":"zukest/quarks/library","line":134,"component":"zuZiptraR"})"));
 }
 
-TEST_F(PluginFailures, ALibraryThatLacksAnEntryIsUnloadedWithoutACallIntoIt) {
+TEST_F(tPluginManagerFailures, ALibraryThatLacksAnEntryIsUnloadedWithoutACallIntoIt) {
     plugins_.plugin("A").missing = {"Stop"};
     start({describe("A")});
     EXPECT_THAT(initCodes(), ElementsAre(-52005));
@@ -66,7 +66,7 @@ TEST_F(PluginFailures, ALibraryThatLacksAnEntryIsUnloadedWithoutACallIntoIt) {
     EXPECT_THAT(reports_.texts, ElementsAre(R"({"file":"zukest/quarks/library","line":299,"component":"zuZiptraR"})"));
 }
 
-TEST_F(PluginFailures, ANegativeInitializeResultIsReportedAsThePluginsOwn) {
+TEST_F(tPluginManagerFailures, ANegativeInitializeResultIsReportedAsThePluginsOwn) {
     plugins_.plugin("A").initialize = [] { return -7; };
     start({describe("A")});
     EXPECT_THAT(reports_.texts,
@@ -74,13 +74,13 @@ TEST_F(PluginFailures, ANegativeInitializeResultIsReportedAsThePluginsOwn) {
                             R"("file":".\\source\\tPluginManager","line":55,"component":"zuZiptraRemoteService"})"));
 }
 
-TEST_F(PluginFailures, TheSmallestInitializeResultIsKeptAsItIs) {
+TEST_F(tPluginManagerFailures, TheSmallestInitializeResultIsKeptAsItIs) {
     plugins_.plugin("A").initialize = [] { return INT32_MIN; };
     start({describe("A")});
     EXPECT_THAT(initCodes(), ElementsAre(INT32_MIN));
 }
 
-TEST_F(PluginFailures, AFailedPluginIsNeitherStoppedNorCleanedUp) {
+TEST_F(tPluginManagerFailures, AFailedPluginIsNeitherStoppedNorCleanedUp) {
     plugins_.plugin("A").initialize = [] { return -7; };
     start({describe("A")});
     plugins_.calls.clear();
@@ -91,7 +91,7 @@ TEST_F(PluginFailures, AFailedPluginIsNeitherStoppedNorCleanedUp) {
     EXPECT_THAT(initCodes(), ElementsAre(-7));
 }
 
-TEST_F(PluginFailures, AnExceptionFromInitializeFailsThePluginWithItsCode) {
+TEST_F(tPluginManagerFailures, AnExceptionFromInitializeFailsThePluginWithItsCode) {
     plugins_.plugin("A").initialize = []() -> std::int32_t { throw std::runtime_error("A"); };
     plugins_.plugin("B").initialize = []() -> std::int32_t { throw std::bad_alloc(); };
     plugins_.plugin("C").initialize = []() -> std::int32_t { zuerr::Raise({"own", {"file", 1}, nullptr}, -9); };
@@ -103,14 +103,14 @@ TEST_F(PluginFailures, AnExceptionFromInitializeFailsThePluginWithItsCode) {
     EXPECT_THAT(plugins_.calls, ElementsAre("call E Stop", "call E Cleanup", "unload E"));
 }
 
-TEST_F(PluginFailures, AnExceptionThatCarriesNoErrorFailsThePluginAllTheSame) {
+TEST_F(tPluginManagerFailures, AnExceptionThatCarriesNoErrorFailsThePluginAllTheSame) {
     plugins_.plugin("A").initialize = []() -> std::int32_t { throw zuerr::Exception(); };
     start({describe("A"), describe("B", {"A"})});
     EXPECT_THAT(initCodes(), ElementsAre(0, -52006));
     EXPECT_EQ(manager_.entries()[0].library.loaded, 0);
 }
 
-TEST_F(PluginFailures, AnExceptionOfUnknownTypeIsPassedOn) {
+TEST_F(tPluginManagerFailures, AnExceptionOfUnknownTypeIsPassedOn) {
     plugins_.plugin("A").initialize = []() -> std::int32_t { throw 7; };
     EXPECT_THROW(start({describe("A")}), int);
 }
@@ -126,7 +126,7 @@ private:
     std::vector<std::string>& calls_;
 };
 
-TEST_F(PluginFailures, AnExceptionIsGoneBeforeTheLibraryThatThrewItIsUnloaded) {
+TEST_F(tPluginManagerFailures, AnExceptionIsGoneBeforeTheLibraryThatThrewItIsUnloaded) {
     plugins_.plugin("A").initialize = [&]() -> std::int32_t { throw WatchedException(plugins_.calls); };
     start({describe("A")});
     EXPECT_THAT(plugins_.calls, ElementsAre("load A", "symbol A Init", "symbol A Stop", "symbol A Cleanup",
@@ -135,7 +135,7 @@ TEST_F(PluginFailures, AnExceptionIsGoneBeforeTheLibraryThatThrewItIsUnloaded) {
 
 // Unloads that fail.
 
-TEST_F(PluginFailures, AnUnloadThatFailsOnceReplacesTheNegativeResultAndIsTriedOnceMore) {
+TEST_F(tPluginManagerFailures, AnUnloadThatFailsOnceReplacesTheNegativeResultAndIsTriedOnceMore) {
     plugins_.plugin("A").initialize = [] { return -7; };
     plugins_.plugin("A").refusedUnloads = 1;
     start({describe("A"), describe("B")});
@@ -145,7 +145,7 @@ TEST_F(PluginFailures, AnUnloadThatFailsOnceReplacesTheNegativeResultAndIsTriedO
     EXPECT_THAT(reports_.texts, ElementsAre(R"({"file":"zukest/quarks/library","line":225,"component":"zuZiptraR"})"));
 }
 
-TEST_F(PluginFailures, AnUnloadThatFailsTwiceEndsTheStartWithoutThatEntry) {
+TEST_F(tPluginManagerFailures, AnUnloadThatFailsTwiceEndsTheStartWithoutThatEntry) {
     plugins_.plugin("B").initialize = [] { return -7; };
     plugins_.plugin("B").refusedUnloads = 2;
     try {
@@ -161,7 +161,7 @@ TEST_F(PluginFailures, AnUnloadThatFailsTwiceEndsTheStartWithoutThatEntry) {
     EXPECT_EQ(manager_.entries()[0].description.name, "A");
 }
 
-TEST_F(PluginFailures, AFailedPluginWhoseOneUnloadFailsEndsTheStart) {
+TEST_F(tPluginManagerFailures, AFailedPluginWhoseOneUnloadFailsEndsTheStart) {
     plugins_.plugin("A").initialize = []() -> std::int32_t { throw std::runtime_error("A"); };
     plugins_.plugin("A").refusedUnloads = 1;
     EXPECT_THROW(start({describe("A")}), zuerr::Exception);
@@ -169,7 +169,7 @@ TEST_F(PluginFailures, AFailedPluginWhoseOneUnloadFailsEndsTheStart) {
     EXPECT_THAT(manager_.entries(), IsEmpty());
 }
 
-TEST_F(PluginFailures, WhatHasStartedBeforeTheStartEndedIsStoppedAndCleanedUp) {
+TEST_F(tPluginManagerFailures, WhatHasStartedBeforeTheStartEndedIsStoppedAndCleanedUp) {
     plugins_.plugin("B").missing = {"Init"};
     plugins_.plugin("B").refusedUnloads = 1;
     EXPECT_THROW(start({describe("A"), describe("B")}), zuerr::Exception);

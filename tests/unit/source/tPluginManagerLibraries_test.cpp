@@ -34,7 +34,7 @@ tPluginEntry live(const tPluginDescription& description) {
     return manager.entries().at(0);
 }
 
-class PluginLibraries : public testing::Test {
+class tPluginManagerLibraries : public testing::Test {
 protected:
     /// What a clean-up that threw has left to do.
     static void unload(tPluginEntry entry) { entry.library.close(); }
@@ -42,14 +42,14 @@ protected:
     /// The same for a library whose entry is lost: finds it by loading it again.
     static void unloadOnceMore(const char* name) {
         std::uint32_t osError = 0;
-        const nLibrary::Handle library = nLibrary::load(support::pluginPath(name).c_str(), osError);
+        const nLibrary::tHandle library = nLibrary::load(support::pluginPath(name).c_str(), osError);
         EXPECT_TRUE(nLibrary::unload(library, osError) && nLibrary::unload(library, osError));
     }
 
     support::tPluginLog log_;
 };
 
-TEST_F(PluginLibraries, AWellBehavedPluginLivesItsLife) {
+TEST_F(tPluginManagerLibraries, AWellBehavedPluginLivesItsLife) {
     const tPluginEntry entry = live(behaviours("InitOk"));
     EXPECT_EQ(entry.initCode, 0);
     EXPECT_EQ(entry.stopCode, 0);
@@ -58,38 +58,38 @@ TEST_F(PluginLibraries, AWellBehavedPluginLivesItsLife) {
                                           "behaviours CleanupOk", "behaviours unloads"));
 }
 
-TEST_F(PluginLibraries, AWarningIsKept) { EXPECT_EQ(live(behaviours("InitWarning3")).initCode, 3); }
+TEST_F(tPluginManagerLibraries, AWarningIsKept) { EXPECT_EQ(live(behaviours("InitWarning3")).initCode, 3); }
 
-TEST_F(PluginLibraries, AFailingPluginIsUnloadedAtOnce) {
+TEST_F(tPluginManagerLibraries, AFailingPluginIsUnloadedAtOnce) {
     const tPluginEntry entry = live(behaviours("InitFails7"));
     EXPECT_EQ(entry.initCode, -7);
     EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitFails7", "behaviours unloads"));
 }
 
-TEST_F(PluginLibraries, WhatStopAndCleanupReturnIsIgnored) {
+TEST_F(tPluginManagerLibraries, WhatStopAndCleanupReturnIsIgnored) {
     const tPluginEntry entry = live(behaviours("InitOk", "StopReturnsMinus9", "CleanupReturnsMinus9"));
     EXPECT_EQ(entry.stopCode, 0);
     EXPECT_EQ(entry.cleanupCode, 0);
 }
 
-TEST_F(PluginLibraries, AMissingEntryFailsThePluginAndUnloadsIt) {
+TEST_F(tPluginManagerLibraries, AMissingEntryFailsThePluginAndUnloadsIt) {
     EXPECT_EQ(live(behaviours("InitOk", "NoSuchEntry")).initCode, -52005);
     EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours unloads"));
 }
 
-TEST_F(PluginLibraries, ALibraryThatRefusesToLoadFailsThePlugin) {
+TEST_F(tPluginManagerLibraries, ALibraryThatRefusesToLoadFailsThePlugin) {
     tPluginDescription description;
     description.path = support::pluginPath("refusing");
     EXPECT_EQ(live(description).initCode, -52005);
 }
 
-TEST_F(PluginLibraries, AMissingFileFailsThePlugin) {
+TEST_F(tPluginManagerLibraries, AMissingFileFailsThePlugin) {
     tPluginDescription description;
     description.path = support::pluginPath("no such library");
     EXPECT_EQ(live(description).initCode, -52005);
 }
 
-TEST_F(PluginLibraries, AnExceptionOfThePluginsRuntimeIsKnownInOurs) {
+TEST_F(tPluginManagerLibraries, AnExceptionOfThePluginsRuntimeIsKnownInOurs) {
     EXPECT_EQ(live(behaviours("InitThrowsRuntimeError")).initCode, -52003);
     EXPECT_EQ(live(behaviours("InitThrowsBadAlloc")).initCode, -52000);
     EXPECT_EQ(live(behaviours("InitThrowsOwnException")).initCode, -52003);
@@ -98,20 +98,20 @@ TEST_F(PluginLibraries, AnExceptionOfThePluginsRuntimeIsKnownInOurs) {
     EXPECT_EQ(live(behaviours("InitOk", "StopThrowsOwnException")).stopCode, -52003);
 }
 
-TEST_F(PluginLibraries, AnExceptionIsDestroyedByItsLibraryBeforeThatIsUnloaded) {
+TEST_F(tPluginManagerLibraries, AnExceptionIsDestroyedByItsLibraryBeforeThatIsUnloaded) {
     live(behaviours("InitThrowsOwnException"));
     EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitThrowsOwnException",
                                           "behaviours destroys its exception", "behaviours unloads"));
 }
 
-TEST_F(PluginLibraries, AnExceptionFromStopDoesNotKeepThePluginFromItsCleanUp) {
+TEST_F(tPluginManagerLibraries, AnExceptionFromStopDoesNotKeepThePluginFromItsCleanUp) {
     live(behaviours("InitOk", "StopThrowsOwnException"));
     EXPECT_THAT(log_.lines(),
                 ElementsAre("behaviours loads", "behaviours InitOk", "behaviours StopThrowsOwnException",
                             "behaviours destroys its exception", "behaviours CleanupOk", "behaviours unloads"));
 }
 
-TEST_F(PluginLibraries, AnExceptionFromCleanupLeavesItsLibraryLoaded) {
+TEST_F(tPluginManagerLibraries, AnExceptionFromCleanupLeavesItsLibraryLoaded) {
     for (const char* const cleanup : {"CleanupThrowsRuntimeError", "CleanupThrowsOwnException"}) {
         const tPluginEntry entry = live(behaviours("InitOk", "StopOk", cleanup));
         EXPECT_EQ(entry.cleanupCode, -52003);
@@ -124,7 +124,7 @@ TEST_F(PluginLibraries, AnExceptionFromCleanupLeavesItsLibraryLoaded) {
     unload(entry);
 }
 
-TEST_F(PluginLibraries, AnExceptionOfUnknownTypeFromInitializeIsPassedOnWithTheLibraryLoaded) {
+TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromInitializeIsPassedOnWithTheLibraryLoaded) {
     // The exception is caught outside of the product, so the test has to book it.
     const zuerr::ForeignCall guard;
     tPluginManager manager;
@@ -133,7 +133,7 @@ TEST_F(PluginLibraries, AnExceptionOfUnknownTypeFromInitializeIsPassedOnWithTheL
     unloadOnceMore("behaviours");
 }
 
-TEST_F(PluginLibraries, AnExceptionOfUnknownTypeFromStopOrCleanupIsPassedOn) {
+TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromStopOrCleanupIsPassedOn) {
     const zuerr::ForeignCall guard;
     tPluginManager manager;
     manager.startAll({behaviours("InitOk", "StopThrowsInt", "CleanupThrowsInt")}, 1);
@@ -142,7 +142,7 @@ TEST_F(PluginLibraries, AnExceptionOfUnknownTypeFromStopOrCleanupIsPassedOn) {
     unload(manager.entries().at(0));
 }
 
-TEST_F(PluginLibraries, HundredsOfExceptionsFromPluginsDoNotBlurWhetherOneIsPropagating) {
+TEST_F(tPluginManagerLibraries, HundredsOfExceptionsFromPluginsDoNotBlurWhetherOneIsPropagating) {
     constexpr int rounds = 100;
     for (int round = 0; round < rounds; ++round) {
         live(behaviours("InitThrowsOwnException"));
@@ -162,7 +162,7 @@ TEST_F(PluginLibraries, HundredsOfExceptionsFromPluginsDoNotBlurWhetherOneIsProp
         std::runtime_error);
 }
 
-TEST_F(PluginLibraries, OnePluginsExceptionLeavesTheOthersAlone) {
+TEST_F(tPluginManagerLibraries, OnePluginsExceptionLeavesTheOthersAlone) {
     tPluginDescription first = behaviours("InitOk");
     first.name = "first";
     tPluginDescription second = behaviours("InitThrowsOwnException");
@@ -185,7 +185,7 @@ TEST_F(PluginLibraries, OnePluginsExceptionLeavesTheOthersAlone) {
         << "one library, unloaded with its last";
 }
 
-TEST_F(PluginLibraries, APathMayHoldAnyName) {
+TEST_F(tPluginManagerLibraries, APathMayHoldAnyName) {
     namespace fs = std::filesystem;
     const fs::path folder = fs::path(support::pluginPath("behaviours")).parent_path() / u8"插件 Blüte";
     fs::create_directories(folder);

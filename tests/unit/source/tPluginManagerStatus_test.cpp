@@ -17,9 +17,9 @@ class AnyLibrary : public support::tLoader {
 public:
     explicit AnyLibrary(support::tFakeClock& timeOfTheTest) : clock(timeOfTheTest) { current_ = this; }
 
-    nLibrary::Handle load(const char* /*path*/, std::uint32_t& /*osError*/) override { return this; }
-    bool unload(nLibrary::Handle /*library*/, std::uint32_t& /*osError*/) override { return true; }
-    void* symbol(nLibrary::Handle /*library*/, const char* name, std::uint32_t& /*osError*/) override {
+    nLibrary::tHandle load(const char* /*path*/, std::uint32_t& /*osError*/) override { return this; }
+    bool unload(nLibrary::tHandle /*library*/, std::uint32_t& /*osError*/) override { return true; }
+    void* symbol(nLibrary::tHandle /*library*/, const char* name, std::uint32_t& /*osError*/) override {
         const std::string_view entry = name;
         if (entry.ends_with("Init")) return reinterpret_cast<void*>(&initialize);
         if (entry.ends_with("Stop")) return reinterpret_cast<void*>(&stop);
@@ -43,7 +43,7 @@ private:
     inline static AnyLibrary* current_ = nullptr;
 };
 
-class PluginStatus : public testing::Test {
+class tPluginManagerStatus : public testing::Test {
 protected:
     static tPluginDescription alpha() {
         tPluginDescription description;
@@ -71,9 +71,9 @@ protected:
     tPluginManager manager_;
 };
 
-TEST_F(PluginStatus, IsEmptyWithoutEntries) { EXPECT_EQ(manager_.statusText(), ""); }
+TEST_F(tPluginManagerStatus, IsEmptyWithoutEntries) { EXPECT_EQ(manager_.statusText(), ""); }
 
-TEST_F(PluginStatus, ShowsEachCallWithItsTimeAndCode) {
+TEST_F(tPluginManagerStatus, ShowsEachCallWithItsTimeAndCode) {
     library_.initMs = 15;
     library_.initCode = 3;
     library_.stopMs = 2;
@@ -94,7 +94,7 @@ TEST_F(PluginStatus, ShowsEachCallWithItsTimeAndCode) {
               "\n");
 }
 
-TEST_F(PluginStatus, ListsDependenciesAndLeavesOutTheCallThatTookNoTimeAndSucceeded) {
+TEST_F(tPluginManagerStatus, ListsDependenciesAndLeavesOutTheCallThatTookNoTimeAndSucceeded) {
     library_.initMs = 15;
     library_.stopMs = 2;
     tPluginDescription description = alpha();
@@ -115,7 +115,7 @@ TEST_F(PluginStatus, ListsDependenciesAndLeavesOutTheCallThatTookNoTimeAndSuccee
               "\n");
 }
 
-TEST_F(PluginStatus, ShowsThreeLinesAndAnEmptyOneWhenAllCallsWereQuickAndSucceeded) {
+TEST_F(tPluginManagerStatus, ShowsThreeLinesAndAnEmptyOneWhenAllCallsWereQuickAndSucceeded) {
     manager_.startAll({alpha()}, 1);
     manager_.stopAll();
     manager_.cleanupAll();
@@ -126,7 +126,7 @@ TEST_F(PluginStatus, ShowsThreeLinesAndAnEmptyOneWhenAllCallsWereQuickAndSucceed
               "\n");
 }
 
-TEST_F(PluginStatus, ShowsNoStopAndCleanUpLinesBeforeTheStop) {
+TEST_F(tPluginManagerStatus, ShowsNoStopAndCleanUpLinesBeforeTheStop) {
     library_.initMs = library_.stopMs = library_.cleanupMs = 1;
     EXPECT_EQ(textAfterStart(alpha()),
               "Alpha (depends on )\n"
@@ -137,7 +137,7 @@ TEST_F(PluginStatus, ShowsNoStopAndCleanUpLinesBeforeTheStop) {
               "\n");
 }
 
-TEST_F(PluginStatus, ShowsTheCodeOfAFailureThatTookNoTime) {
+TEST_F(tPluginManagerStatus, ShowsTheCodeOfAFailureThatTookNoTime) {
     tPluginDescription description = named("Alpha");
     description.dependencies = {"nobody"};
     EXPECT_EQ(textAfterStart(description),
@@ -149,7 +149,7 @@ TEST_F(PluginStatus, ShowsTheCodeOfAFailureThatTookNoTime) {
               "\n");
 }
 
-TEST_F(PluginStatus, LabelsTheCallsOfEntriesWithoutANameByTheirKind) {
+TEST_F(tPluginManagerStatus, LabelsTheCallsOfEntriesWithoutANameByTheirKind) {
     // What does nothing takes no time, unless the clock happens to tick just then.
     clock_.msPerReading = 1;
     manager_.startAll({named("Alpha")}, 1);
@@ -168,35 +168,35 @@ TEST_F(PluginStatus, LabelsTheCallsOfEntriesWithoutANameByTheirKind) {
               "\n");
 }
 
-TEST_F(PluginStatus, FollowsTheStartOrder) {
+TEST_F(tPluginManagerStatus, FollowsTheStartOrder) {
     manager_.startAll({named("B"), named("A")}, 1);
     EXPECT_EQ(manager_.statusText(),
               "B (depends on )\nLoaded From: \nRequires: 1\n\n"
               "A (depends on )\nLoaded From: \nRequires: 1\n\n");
 }
 
-TEST_F(PluginStatus, PrintsTheMaskUnsigned) {
+TEST_F(tPluginManagerStatus, PrintsTheMaskUnsigned) {
     tPluginDescription description = named("Alpha");
     description.requiresMask = 0xFFFFFFFF;
     EXPECT_EQ(textAfterStart(description), "Alpha (depends on )\nLoaded From: \nRequires: 4294967295\n\n");
 }
 
-TEST_F(PluginStatus, PrintsTheLowHalfOfATimeWhichStillCountsAsNotZero) {
+TEST_F(tPluginManagerStatus, PrintsTheLowHalfOfATimeWhichStillCountsAsNotZero) {
     library_.initMs = 0x1'0000'0000;
     EXPECT_NE(textAfterStart(alpha()).find("AlphaInit Time: 0 ms\nAlphaInit Code: 0\n"), std::string::npos);
 }
 
-TEST_F(PluginStatus, PrintsTheLargestTimeUnsigned) {
+TEST_F(tPluginManagerStatus, PrintsTheLargestTimeUnsigned) {
     library_.initMs = 0xFFFFFFFF;
     EXPECT_NE(textAfterStart(alpha()).find("AlphaInit Time: 4294967295 ms\n"), std::string::npos);
 }
 
-TEST_F(PluginStatus, PrintsTheSmallestCodeSigned) {
+TEST_F(tPluginManagerStatus, PrintsTheSmallestCodeSigned) {
     library_.initCode = INT32_MIN;
     EXPECT_NE(textAfterStart(alpha()).find("AlphaInit Code: -2147483648\n"), std::string::npos);
 }
 
-TEST_F(PluginStatus, GroupsNoDigitsWhateverTheGlobalLocaleSays) {
+TEST_F(tPluginManagerStatus, GroupsNoDigitsWhateverTheGlobalLocaleSays) {
     class Grouping : public std::numpunct<char> {
         [[nodiscard]] char do_thousands_sep() const override { return '.'; }
         [[nodiscard]] std::string do_grouping() const override { return "\3"; }
@@ -208,14 +208,14 @@ TEST_F(PluginStatus, GroupsNoDigitsWhateverTheGlobalLocaleSays) {
     EXPECT_NE(text.find("AlphaInit Time: 1234567 ms\n"), std::string::npos) << text;
 }
 
-TEST_F(PluginStatus, PassesTextsOnAsTheyAre) {
+TEST_F(tPluginManagerStatus, PassesTextsOnAsTheyAre) {
     tPluginDescription description = named("%s \"Bl\xC3\xBCte\"");
     description.path = "\xE6\x8F\x92\xE4\xBB\xB6/a b.dll";
     EXPECT_EQ(textAfterStart(description),
               "%s \"Bl\xC3\xBCte\" (depends on )\nLoaded From: \xE6\x8F\x92\xE4\xBB\xB6/a b.dll\nRequires: 1\n\n");
 }
 
-TEST_F(PluginStatus, IsWholeOrNotAtAllWhereverMemoryRunsOut) {
+TEST_F(tPluginManagerStatus, IsWholeOrNotAtAllWhereverMemoryRunsOut) {
     const std::string whole = textAfterStart(alpha());
     bool failed = true;
     for (int nth = 1; failed; ++nth) {
@@ -231,7 +231,7 @@ TEST_F(PluginStatus, IsWholeOrNotAtAllWhereverMemoryRunsOut) {
     }
 }
 
-TEST_F(PluginStatus, ChangesNothing) {
+TEST_F(tPluginManagerStatus, ChangesNothing) {
     library_.initMs = 15;
     const std::string text = textAfterStart(alpha());
     EXPECT_EQ(manager_.statusText(), text);

@@ -12,11 +12,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class PluginStop : public support::tManagerTest {};
+class tPluginManagerStop : public support::tManagerTest {};
 
 // Stopping and cleaning up.
 
-TEST_F(PluginStop, StopsAndCleansUpTheLastStartedFirst) {
+TEST_F(tPluginManagerStop, StopsAndCleansUpTheLastStartedFirst) {
     start({describe("A"), describe("B"), describe("C")});
     plugins_.calls.clear();
     stopAndCleanUp();
@@ -26,7 +26,7 @@ TEST_F(PluginStop, StopsAndCleansUpTheLastStartedFirst) {
     EXPECT_THAT(cleanupCodes(), ElementsAre(0, 0, 0));
 }
 
-TEST_F(PluginStop, AnExceptionFromStopBecomesItsStopCodeAndGoesNoFurther) {
+TEST_F(tPluginManagerStop, AnExceptionFromStopBecomesItsStopCodeAndGoesNoFurther) {
     plugins_.plugin("A").stop = [] { throw std::runtime_error("A"); };
     plugins_.plugin("B").stop = [] { throw std::bad_alloc(); };
     plugins_.plugin("C").stop = [] { zuerr::Raise({zuerr::osFault, {"file", 1}}); };
@@ -39,7 +39,7 @@ TEST_F(PluginStop, AnExceptionFromStopBecomesItsStopCodeAndGoesNoFurther) {
     EXPECT_THAT(plugins_.callsOf("unload"), ElementsAre("D", "C", "B", "A"));
 }
 
-TEST_F(PluginStop, AnExceptionFromCleanupBecomesItsCodeAndSkipsThatUnload) {
+TEST_F(tPluginManagerStop, AnExceptionFromCleanupBecomesItsCodeAndSkipsThatUnload) {
     plugins_.plugin("A").cleanup = [] { throw std::runtime_error("A"); };
     plugins_.plugin("B").cleanup = [] { throw std::bad_alloc(); };
     start({describe("A"), describe("B"), describe("C")});
@@ -49,7 +49,7 @@ TEST_F(PluginStop, AnExceptionFromCleanupBecomesItsCodeAndSkipsThatUnload) {
     EXPECT_EQ(manager_.entries()[0].library.loaded, 1);
 }
 
-TEST_F(PluginStop, AnUnloadThatFailsInCleanUpShowsAsThatEntrysCode) {
+TEST_F(tPluginManagerStop, AnUnloadThatFailsInCleanUpShowsAsThatEntrysCode) {
     plugins_.plugin("B").refusedUnloads = 1;
     start({describe("A"), describe("B"), describe("C")});
     stopAndCleanUp();
@@ -59,7 +59,7 @@ TEST_F(PluginStop, AnUnloadThatFailsInCleanUpShowsAsThatEntrysCode) {
     EXPECT_THAT(reports_.texts, ElementsAre(R"({"file":"zukest/quarks/library","line":225,"component":"zuZiptraR"})"));
 }
 
-TEST_F(PluginStop, AfterTheUnloadAllCallsAreHarmless) {
+TEST_F(tPluginManagerStop, AfterTheUnloadAllCallsAreHarmless) {
     start({describe("A")});
     stopAndCleanUp();
     EXPECT_EQ(manager_.entries()[0].library.loaded, 0);
@@ -68,7 +68,7 @@ TEST_F(PluginStop, AfterTheUnloadAllCallsAreHarmless) {
     EXPECT_THAT(plugins_.calls, IsEmpty());
 }
 
-TEST_F(PluginStop, ExceptionsOfUnknownTypeFromStopAndCleanupArePassedOn) {
+TEST_F(tPluginManagerStop, ExceptionsOfUnknownTypeFromStopAndCleanupArePassedOn) {
     plugins_.plugin("A").stop = [] { throw 7; };
     plugins_.plugin("A").cleanup = [] { throw 7; };
     start({describe("A")});
@@ -78,7 +78,7 @@ TEST_F(PluginStop, ExceptionsOfUnknownTypeFromStopAndCleanupArePassedOn) {
 
 // Durations.
 
-TEST_F(PluginStop, TheInitTimeCoversTheLoadTheCallAndTheUnloadAfterAFailure) {
+TEST_F(tPluginManagerStop, TheInitTimeCoversTheLoadTheCallAndTheUnloadAfterAFailure) {
     plugins_.plugin("A").onLoad = [&] { clock_.advance(10); };
     plugins_.plugin("A").initialize = [&] {
         clock_.advance(200);
@@ -89,14 +89,14 @@ TEST_F(PluginStop, TheInitTimeCoversTheLoadTheCallAndTheUnloadAfterAFailure) {
     EXPECT_EQ(manager_.entries()[0].initTimeMs, 3'210U);
 }
 
-TEST_F(PluginStop, TheInitTimeCoversTheUnloadAfterAnException) {
+TEST_F(tPluginManagerStop, TheInitTimeCoversTheUnloadAfterAnException) {
     plugins_.plugin("A").initialize = []() -> std::int32_t { throw std::runtime_error("A"); };
     plugins_.plugin("A").onUnload = [&] { clock_.advance(30); };
     start({describe("A")});
     EXPECT_EQ(manager_.entries()[0].initTimeMs, 30U);
 }
 
-TEST_F(PluginStop, EachCallHasItsOwnDuration) {
+TEST_F(tPluginManagerStop, EachCallHasItsOwnDuration) {
     plugins_.plugin("A").initialize = [&] {
         clock_.advance(1);
         return 0;
@@ -116,7 +116,7 @@ TEST_F(PluginStop, EachCallHasItsOwnDuration) {
     EXPECT_EQ(manager_.entries()[1].cleanupTimeMs, 0U);
 }
 
-TEST_F(PluginStop, CallsThatThrowAreTimedToo) {
+TEST_F(tPluginManagerStop, CallsThatThrowAreTimedToo) {
     plugins_.plugin("A").stop = [&] {
         clock_.advance(5);
         throw std::runtime_error("A");
@@ -131,7 +131,7 @@ TEST_F(PluginStop, CallsThatThrowAreTimedToo) {
     EXPECT_EQ(manager_.entries()[0].cleanupTimeMs, 6U);
 }
 
-TEST(PluginManagerClock, DurationsAreWholeTicksInTruncatedMilliseconds) {
+TEST(tPluginManagerClock, DurationsAreWholeTicksInTruncatedMilliseconds) {
     support::tFakeClock clock(156'250);
     support::tFakePlugins plugins;
     plugins.plugin("A").initialize = [&] {

@@ -59,9 +59,9 @@ tPluginDescription plugin(const std::string& initialize, const std::string& stop
     return description;
 }
 
-class ThrowingPlugins : public testing::Test {
+class tPluginManagerThrowing : public testing::Test {
 protected:
-    ~ThrowingPlugins() override {
+    ~tPluginManagerThrowing() override {
         // A library whose clean-up threw is the test's to unload.
         for (tPluginEntry entry : manager.entries()) entry.library.close();
     }
@@ -79,7 +79,7 @@ void expectTheHostToJudgeRightly() {
     support::expectPropagationToBeTold();
 }
 
-TEST_F(ThrowingPlugins, FromInitializeFailWithTheCodeOfWhatTheyThrowAndAreUnloaded) {
+TEST_F(tPluginManagerThrowing, FromInitializeFailWithTheCodeOfWhatTheyThrowAndAreUnloaded) {
     for (const tThrow& each : known) {
         manager.startAll({plugin(each.entry, "ThrowInt", "ThrowInt")}, 1);
         EXPECT_EQ(last().initCode, each.code) << each.entry;
@@ -94,7 +94,7 @@ TEST_F(ThrowingPlugins, FromInitializeFailWithTheCodeOfWhatTheyThrowAndAreUnload
     expectTheHostToJudgeRightly();
 }
 
-TEST_F(ThrowingPlugins, FromInitializeFailTheirDependantsWhateverTheCode) {
+TEST_F(tPluginManagerThrowing, FromInitializeFailTheirDependantsWhateverTheCode) {
     for (const tThrow& each : known) {
         tPluginDescription first = plugin(each.entry);
         first.name = "first";
@@ -105,7 +105,7 @@ TEST_F(ThrowingPlugins, FromInitializeFailTheirDependantsWhateverTheCode) {
     }
 }
 
-TEST_F(ThrowingPlugins, FromStopKeepTheCodeOfWhatTheyThrowAndAreCleanedUpAllTheSame) {
+TEST_F(tPluginManagerThrowing, FromStopKeepTheCodeOfWhatTheyThrowAndAreCleanedUpAllTheSame) {
     for (const tThrow& each : known) manager.startAll({plugin("", each.entry)}, 1);
     manager.stopAll();
     manager.cleanupAll();
@@ -119,7 +119,7 @@ TEST_F(ThrowingPlugins, FromStopKeepTheCodeOfWhatTheyThrowAndAreCleanedUpAllTheS
     expectTheHostToJudgeRightly();
 }
 
-TEST_F(ThrowingPlugins, FromCleanupKeepTheCodeOfWhatTheyThrowAndStayLoaded) {
+TEST_F(tPluginManagerThrowing, FromCleanupKeepTheCodeOfWhatTheyThrowAndStayLoaded) {
     for (const tThrow& each : known) manager.startAll({plugin("", "", each.entry)}, 1);
     manager.stopAll();
     manager.cleanupAll();
@@ -132,7 +132,7 @@ TEST_F(ThrowingPlugins, FromCleanupKeepTheCodeOfWhatTheyThrowAndStayLoaded) {
     expectTheHostToJudgeRightly();
 }
 
-TEST_F(ThrowingPlugins, HundredsOfTimesInOneLifeEachHaveTheirOwnCodes) {
+TEST_F(tPluginManagerThrowing, HundredsOfTimesInOneLifeEachHaveTheirOwnCodes) {
     constexpr std::size_t rounds = 20;
     constexpr std::size_t kinds = std::size(known);
     std::vector<tPluginDescription> plugins;
@@ -170,7 +170,7 @@ void expectPassedOn(Call call, const char* what) {
     }
 }
 
-TEST_F(ThrowingPlugins, OfUnknownThingsFromInitializePassThemOnAndLeaveWhatHasStarted) {
+TEST_F(tPluginManagerThrowing, OfUnknownThingsFromInitializePassThemOnAndLeaveWhatHasStarted) {
     for (const char* const entry : unknown) {
         const std::size_t before = manager.entries().size();
         expectPassedOn([&] { manager.startAll({plugin(""), plugin(entry), plugin("")}, 1); }, entry);
@@ -183,11 +183,11 @@ TEST_F(ThrowingPlugins, OfUnknownThingsFromInitializePassThemOnAndLeaveWhatHasSt
     expectTheHostToJudgeRightly();
     // The libraries that threw are still loaded, once each, without an entry that knows of it.
     std::uint32_t osError = 0;
-    const nLibrary::Handle library = nLibrary::load(support::pluginPath("throwing").c_str(), osError);
+    const nLibrary::tHandle library = nLibrary::load(support::pluginPath("throwing").c_str(), osError);
     for (std::size_t i = 0; i < std::size(unknown) + 1; ++i) EXPECT_TRUE(nLibrary::unload(library, osError)) << i;
 }
 
-TEST_F(ThrowingPlugins, OfUnknownThingsFromStopOrCleanupPassThemOn) {
+TEST_F(tPluginManagerThrowing, OfUnknownThingsFromStopOrCleanupPassThemOn) {
     for (const char* const entry : unknown) {
         tPluginManager own;
         own.startAll({plugin("", entry, entry)}, 1);

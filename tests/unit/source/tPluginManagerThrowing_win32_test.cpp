@@ -9,9 +9,9 @@
 
 namespace {
 
-class FaultingPlugins : public testing::Test {
+class tPluginManagerFaulting : public testing::Test {
 protected:
-    ~FaultingPlugins() override { support::setEnvironment("TEST_FAULT", ""); }
+    ~tPluginManagerFaulting() override { support::setEnvironment("TEST_FAULT", ""); }
 
     /// Starts, stops and cleans up a faulting plug-in between two others, whose codes must be 0.
     const tPluginEntry& live(const char* fault) {
@@ -34,7 +34,7 @@ protected:
     tPluginManager manager;
 };
 
-TEST_F(FaultingPlugins, ThatFailWhileTheyAreLoadedAreLibrariesThatCannotBeLoaded) {
+TEST_F(tPluginManagerFaulting, ThatFailWhileTheyAreLoadedAreLibrariesThatCannotBeLoaded) {
     for (const char* const fault :
          {"fault while loading", "throw while loading", "throw something while loading", "fault while loading"}) {
         manager = {};
@@ -44,14 +44,14 @@ TEST_F(FaultingPlugins, ThatFailWhileTheyAreLoadedAreLibrariesThatCannotBeLoaded
     }
 }
 
-TEST_F(FaultingPlugins, ThatFailWhileTheyAreUnloadedAreUnloaded) {
+TEST_F(tPluginManagerFaulting, ThatFailWhileTheyAreUnloadedAreUnloaded) {
     const tPluginEntry& entry = live("fault while unloading");
     EXPECT_EQ(entry.initCode, 0);
     EXPECT_EQ(entry.cleanupCode, 0);
     EXPECT_EQ(entry.library.loaded, 0);
 }
 
-TEST_F(FaultingPlugins, MayBeLoadedOnceTheyFailNoMore) {
+TEST_F(tPluginManagerFaulting, MayBeLoadedOnceTheyFailNoMore) {
     live("throw while loading");
     manager = {};
     EXPECT_EQ(live("").initCode, 0);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -19,9 +20,9 @@ using testing::StrEq;
 /// A loader that fails the test on every call that was not expected.
 class MockLoader : public support::tLoader {
 public:
-    MOCK_METHOD(nLibrary::Handle, load, (const char* path, std::uint32_t& osError), (override));
-    MOCK_METHOD(bool, unload, (nLibrary::Handle library, std::uint32_t& osError), (override));
-    MOCK_METHOD(void*, symbol, (nLibrary::Handle library, const char* name, std::uint32_t& osError), (override));
+    MOCK_METHOD(nLibrary::tHandle, load, (const char* path, std::uint32_t& osError), (override));
+    MOCK_METHOD(bool, unload, (nLibrary::tHandle library, std::uint32_t& osError), (override));
+    MOCK_METHOD(void*, symbol, (nLibrary::tHandle library, const char* name, std::uint32_t& osError), (override));
 };
 
 int calls = 0;
@@ -34,20 +35,17 @@ void* addressOf(Function function) {
     return reinterpret_cast<void*>(function);
 }
 
-class SharedLibrary : public testing::Test {
+class tSharedLibraryTest : public testing::Test {
 protected:
-    /// A status that holds this code before the operation under test.
     static zuerr::PlatformStatus statusWith(std::int32_t code) {
         zuerr::PlatformStatus status;
         status.code = code;
         return status;
     }
 
-    void expectFailureAtLine(std::int32_t line) const {
-        EXPECT_EQ(status_.code, -52005);
-        EXPECT_EQ(status_.line, line);
+    void expectReport() const {
         EXPECT_STREQ(status_.file.data(), "zukest/quarks/library");
-        EXPECT_STREQ(status_.component.data(), "zuZiptraR") << "the component's field holds nine characters";
+        EXPECT_STREQ(status_.component.data(), "zuZiptraR") << "the component's field is nine characters long";
         EXPECT_EQ(status_.extension, 0U);
     }
 
@@ -84,148 +82,70 @@ protected:
     zuerr::PlatformStatus status_;
 };
 
-TEST_F(SharedLibrary, IsFreshlyNotLoadedAndItsEntriesAreHarmless) {
+TEST_F(tSharedLibraryTest, IsFreshlyNotLoadedAndItsEntriesAreHarmless) {
     EXPECT_EQ(library_.loaded, 0);
     expectBuiltInEntries();
 }
 
-TEST_F(SharedLibrary, IsAPlainValueThatUnloadsNothingWhenItGoes) {
+TEST_F(tSharedLibraryTest, IsAPlainValueThatUnloadsNothingOnDestruction) {
     makeLoaded();
     const tSharedLibrary copy = library_;
     EXPECT_EQ(copy.loaded, 1);
     EXPECT_EQ(copy.handle, &module_);
 }
 
-TEST_F(SharedLibrary, LoadKeepsTheHandleAndCountsAsLoaded) {
-    expectLoad();
-    library_.load("a.dll", status_);
-    EXPECT_EQ(library_.loaded, 1);
-    EXPECT_EQ(library_.handle, &module_);
-    EXPECT_EQ(status_.code, 0);
+struct tCase {
+    const char* operation;
+    bool isLoaded;              ///< before
+    std::int32_t status;        ///< before: 0, a warning or a failure
+    std::optional<bool> works;  ///< what the system call does; empty: it must not be made
+    std::int32_t codeAfter;
+    std::int32_t lineAfter;  ///< of the report
+    bool isLoadedAfter;
+};
+
+constexpr tCase cases[] = {
+    {"load", false, 0, true, 0, 0, true},          {"load", false, 0, false, -52005, 134, false},
+    {"load", false, -1, {}, -1, 0, false},         {"load", false, 5, true, 5, 0, true},
+    {"load", false, 5, false, -52005, 134, false}, {"unload", true, 0, true, 0, 0, false},
+    {"unload", true, 0, false, -52005, 225, true}, {"unload", true, -1, {}, -1, 0, true},
+    {"unload", true, 5, true, 5, 0, false},        {"unload", true, 5, false, -52005, 225, true},
+    {"unload", false, 0, {}, 0, 0, false},         {"symbol", true, 0, true, 0, 0, true},
+    {"symbol", true, 0, false, -52005, 299, true}, {"symbol", true, -1, {}, -1, 0, true},
+    {"symbol", true, 5, true, 5, 0, true},         {"symbol", true, 5, false, -52005, 299, true},
+    {"symbol", false, 0, {}, -52005, 280, false},  {"symbol", false, -1, {}, -1, 0, false},
+    {"symbol", false, 5, {}, -52005, 280, false},
+};
+
+TEST_F(tSharedLibraryTest, ItsCallsReportThroughTheStatusAndDoNothingWhereThatHoldsAFailure) {
+    for (const tCase& row : cases) {
+        const std::string operation = row.operation;
+        SCOPED_TRACE(operation + (row.isLoaded ? ", loaded, " : ", not loaded, ") + std::to_string(row.status));
+        library_ = {};
+        if (row.isLoaded) makeLoaded();
+        status_ = statusWith(row.status);
+        const bool works = row.works.value_or(false);
+        if (operation == "load") {
+            if (row.works) EXPECT_CALL(loader_, load(StrEq("a.dll"), _)).WillOnce(Return(works ? &module_ : nullptr));
+            library_.load("a.dll", status_);
+        } else if (operation == "unload") {
+            if (row.works) EXPECT_CALL(loader_, unload(&module_, _)).WillOnce(Return(works));
+            library_.unload(status_);
+        } else {
+            void* const address = works ? &calls : nullptr;
+            if (row.works) expectSymbol("Entry", address);
+            EXPECT_EQ(library_.symbol("Entry", status_), address);
+        }
+        EXPECT_EQ(library_.loaded, row.isLoadedAfter ? 1 : 0);
+        if (row.isLoadedAfter) EXPECT_EQ(library_.handle, &module_);
+        EXPECT_EQ(status_.code, row.codeAfter);
+        EXPECT_EQ(status_.line, row.lineAfter);
+        if (row.codeAfter == -52005) expectReport();
+        testing::Mock::VerifyAndClearExpectations(&loader_);
+    }
 }
 
-TEST_F(SharedLibrary, LoadReportsLine134WhenTheSystemCannotLoad) {
-    EXPECT_CALL(loader_, load(StrEq("a.dll"), _)).WillOnce(Return(nullptr));
-    library_.load("a.dll", status_);
-    expectFailureAtLine(134);
-    EXPECT_EQ(library_.loaded, 0);
-}
-
-TEST_F(SharedLibrary, LoadDoesNothingWhenTheStatusHoldsAFailure) {
-    status_ = statusWith(-1);
-    library_.load("a.dll", status_);
-    EXPECT_EQ(library_.loaded, 0);
-    EXPECT_EQ(status_.code, -1);
-}
-
-TEST_F(SharedLibrary, LoadKeepsAWarningWhenItSucceeds) {
-    expectLoad();
-    status_ = statusWith(5);
-    library_.load("a.dll", status_);
-    EXPECT_EQ(library_.loaded, 1);
-    EXPECT_EQ(status_.code, 5);
-}
-
-TEST_F(SharedLibrary, LoadOverwritesAWarningWhenItFails) {
-    EXPECT_CALL(loader_, load).WillOnce(Return(nullptr));
-    status_ = statusWith(5);
-    library_.load("a.dll", status_);
-    expectFailureAtLine(134);
-}
-
-TEST_F(SharedLibrary, UnloadGivesTheHandleBack) {
-    makeLoaded();
-    EXPECT_CALL(loader_, unload(&module_, _)).WillOnce(Return(true));
-    library_.unload(status_);
-    EXPECT_EQ(library_.loaded, 0);
-    EXPECT_EQ(status_.code, 0);
-}
-
-TEST_F(SharedLibrary, UnloadOfOneNeverLoadedDoesAndReportsNothing) {
-    library_.unload(status_);
-    EXPECT_EQ(status_.code, 0);
-}
-
-TEST_F(SharedLibrary, UnloadHappensOnce) {
-    makeLoaded();
-    EXPECT_CALL(loader_, unload).WillOnce(Return(true));
-    library_.unload(status_);
-    library_.unload(status_);
-}
-
-TEST_F(SharedLibrary, UnloadReportsLine225AndStaysLoadedWhenTheSystemRefuses) {
-    makeLoaded();
-    EXPECT_CALL(loader_, unload(&module_, _)).WillOnce(Return(false));
-    library_.unload(status_);
-    expectFailureAtLine(225);
-    EXPECT_EQ(library_.loaded, 1);
-}
-
-TEST_F(SharedLibrary, UnloadDoesNothingWhenTheStatusHoldsAFailure) {
-    makeLoaded();
-    status_ = statusWith(-1);
-    library_.unload(status_);
-    EXPECT_EQ(library_.loaded, 1);
-    EXPECT_EQ(status_.code, -1);
-}
-
-TEST_F(SharedLibrary, UnloadWorksUnderAWarningAndKeepsIt) {
-    makeLoaded();
-    EXPECT_CALL(loader_, unload).WillOnce(Return(true));
-    status_ = statusWith(5);
-    library_.unload(status_);
-    EXPECT_EQ(library_.loaded, 0);
-    EXPECT_EQ(status_.code, 5);
-}
-
-TEST_F(SharedLibrary, UnloadOverwritesAWarningWhenItFails) {
-    makeLoaded();
-    EXPECT_CALL(loader_, unload).WillOnce(Return(false));
-    status_ = statusWith(5);
-    library_.unload(status_);
-    expectFailureAtLine(225);
-}
-
-TEST_F(SharedLibrary, SymbolGivesTheAddress) {
-    makeLoaded();
-    expectSymbol("Entry", &calls);
-    EXPECT_EQ(library_.symbol("Entry", status_), &calls);
-    EXPECT_EQ(status_.code, 0);
-}
-
-TEST_F(SharedLibrary, SymbolReportsLine299ForANameThatIsNotExported) {
-    makeLoaded();
-    expectSymbol("Entry", nullptr);
-    EXPECT_EQ(library_.symbol("Entry", status_), nullptr);
-    expectFailureAtLine(299);
-}
-
-TEST_F(SharedLibrary, SymbolReportsLine280WhenNothingIsLoaded) {
-    EXPECT_EQ(library_.symbol("Entry", status_), nullptr);
-    expectFailureAtLine(280);
-}
-
-TEST_F(SharedLibrary, SymbolDoesNothingWhenTheStatusHoldsAFailure) {
-    makeLoaded();
-    status_ = statusWith(-1);
-    EXPECT_EQ(library_.symbol("Entry", status_), nullptr);
-    EXPECT_EQ(status_.code, -1);
-}
-
-TEST_F(SharedLibrary, SymbolOfOneNotLoadedKeepsTheFirstFailure) {
-    status_ = statusWith(-1);
-    EXPECT_EQ(library_.symbol("Entry", status_), nullptr);
-    EXPECT_EQ(status_.code, -1);
-    EXPECT_EQ(status_.line, 0);
-}
-
-TEST_F(SharedLibrary, SymbolOverwritesAWarningWhenItFails) {
-    status_ = statusWith(5);
-    EXPECT_EQ(library_.symbol("Entry", status_), nullptr);
-    expectFailureAtLine(280);
-}
-
-TEST_F(SharedLibrary, OpenLoadsFirstAndThenFindsInitializeStopAndCleanup) {
+TEST_F(tSharedLibraryTest, OpenLoadsFirstAndThenFindsInitializeStopAndCleanup) {
     const InSequence inThisOrder;
     expectLoad();
     expectSymbol("I", addressOf(initializeFive));
@@ -238,14 +158,14 @@ TEST_F(SharedLibrary, OpenLoadsFirstAndThenFindsInitializeStopAndCleanup) {
     EXPECT_EQ(library_.cleanup, &countCallTwice);
 }
 
-TEST_F(SharedLibrary, OpenWithoutEntryNamesSucceedsWithHarmlessEntries) {
+TEST_F(tSharedLibraryTest, OpenWithoutEntryNamesSucceedsWithHarmlessEntries) {
     expectLoad();
     library_.open(description("", "", ""));
     EXPECT_EQ(library_.loaded, 1);
     expectBuiltInEntries();
 }
 
-TEST_F(SharedLibrary, OpenStartsFromTheBuiltInsWhateverTheEntriesWereBefore) {
+TEST_F(tSharedLibraryTest, OpenStartsFromTheBuiltInsWhateverTheEntriesWereBefore) {
     library_.stop = countCall;
     expectLoad();
     expectSymbol("I", addressOf(initializeFive));
@@ -267,7 +187,7 @@ std::string openReport(tSharedLibrary& library, const tPluginDescription& descri
     return "nothing thrown";
 }
 
-TEST_F(SharedLibrary, OpenThrowsWhatTheLoadReported) {
+TEST_F(tSharedLibraryTest, OpenThrowsWhatTheLoadReported) {
     EXPECT_CALL(loader_, load).WillOnce(Return(nullptr));
     EXPECT_EQ(openReport(library_, description("I", "S", "C")),
               R"({"file":"zukest/quarks/library","line":134,"component":"zuZiptraR"})");
@@ -275,7 +195,7 @@ TEST_F(SharedLibrary, OpenThrowsWhatTheLoadReported) {
     expectBuiltInEntries();
 }
 
-TEST_F(SharedLibrary, OpenThrowsLine299ForAMissingEntryAndLeavesTheLibraryLoadedWithTheEntriesItHad) {
+TEST_F(tSharedLibraryTest, OpenThrowsLine299ForAMissingEntryAndLeavesTheLibraryLoadedWithTheEntriesItHad) {
     expectLoad();
     expectSymbol("I", addressOf(initializeFive));
     expectSymbol("S", nullptr);
@@ -285,7 +205,7 @@ TEST_F(SharedLibrary, OpenThrowsLine299ForAMissingEntryAndLeavesTheLibraryLoaded
     expectBuiltInEntries();
 }
 
-TEST_F(SharedLibrary, OpenStoresNoEntryWhenTheLastOneIsMissing) {
+TEST_F(tSharedLibraryTest, OpenStoresNoEntryWhenTheLastOneIsMissing) {
     expectLoad();
     expectSymbol("I", addressOf(initializeFive));
     expectSymbol("S", addressOf(countCall));
@@ -294,7 +214,7 @@ TEST_F(SharedLibrary, OpenStoresNoEntryWhenTheLastOneIsMissing) {
     expectBuiltInEntries();
 }
 
-TEST_F(SharedLibrary, CloseUnloadsAndPutsTheBuiltInsBack) {
+TEST_F(tSharedLibraryTest, CloseUnloadsAndPutsTheBuiltInsBack) {
     makeLoaded();
     library_.initialize = initializeFive;
     library_.stop = countCall;
@@ -305,12 +225,12 @@ TEST_F(SharedLibrary, CloseUnloadsAndPutsTheBuiltInsBack) {
     expectBuiltInEntries();
 }
 
-TEST_F(SharedLibrary, CloseOfOneNeverLoadedIsHarmless) {
+TEST_F(tSharedLibraryTest, CloseOfOneNeverLoadedIsHarmless) {
     library_.close();
     expectBuiltInEntries();
 }
 
-TEST_F(SharedLibrary, CloseThrowsLine225AndChangesNothingWhenTheSystemRefuses) {
+TEST_F(tSharedLibraryTest, CloseThrowsLine225AndChangesNothingWhenTheSystemRefuses) {
     makeLoaded();
     library_.initialize = initializeFive;
     EXPECT_CALL(loader_, unload).WillOnce(Return(false));
@@ -339,14 +259,14 @@ void whileAnExceptionPropagates(Function function) {
         std::runtime_error);
 }
 
-TEST_F(SharedLibrary, OpenDropsAFailedLoadWhileAnotherExceptionPropagates) {
+TEST_F(tSharedLibraryTest, OpenDropsAFailedLoadWhileAnotherExceptionPropagates) {
     EXPECT_CALL(loader_, load).WillOnce(Return(nullptr));
     whileAnExceptionPropagates([&] { library_.open(description("I", "S", "C")); });
     EXPECT_EQ(library_.loaded, 0);
     expectBuiltInEntries();
 }
 
-TEST_F(SharedLibrary, OpenReplacesAMissingEntryByTheBuiltInWhileAnotherExceptionPropagates) {
+TEST_F(tSharedLibraryTest, OpenReplacesAMissingEntryByTheBuiltInWhileAnotherExceptionPropagates) {
     expectLoad();
     expectSymbol("I", addressOf(initializeFive));
     expectSymbol("S", nullptr);
@@ -360,7 +280,7 @@ TEST_F(SharedLibrary, OpenReplacesAMissingEntryByTheBuiltInWhileAnotherException
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(SharedLibrary, CloseDropsItsFailureWhileAnotherExceptionPropagates) {
+TEST_F(tSharedLibraryTest, CloseDropsItsFailureWhileAnotherExceptionPropagates) {
     makeLoaded();
     EXPECT_CALL(loader_, unload).WillOnce(Return(false));
     whileAnExceptionPropagates([&] { library_.close(); });

@@ -17,15 +17,15 @@ static_assert(nTrace::libraries == 4096);
 
 /// Fails at everything, each time with another error number.
 class FailingLoader : public support::tLoader {
-    nLibrary::Handle load(const char* /*path*/, std::uint32_t& osError) override {
+    nLibrary::tHandle load(const char* /*path*/, std::uint32_t& osError) override {
         osError = 126;
         return nullptr;
     }
-    bool unload(nLibrary::Handle /*library*/, std::uint32_t& osError) override {
+    bool unload(nLibrary::tHandle /*library*/, std::uint32_t& osError) override {
         osError = 5;
         return false;
     }
-    void* symbol(nLibrary::Handle /*library*/, const char* /*name*/, std::uint32_t& osError) override {
+    void* symbol(nLibrary::tHandle /*library*/, const char* /*name*/, std::uint32_t& osError) override {
         osError = 127;
         return nullptr;
     }

@@ -1,0 +1,66 @@
+#include "source/nPluginStart.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using tNames = std::vector<std::string>;
+
+/// The names, all of which have started but those described after "-".
+nPluginStart::tStarted startedFrom(const tNames& names) {
+    std::vector<tPluginDescription> descriptions;
+    for (const std::string& name : names) descriptions.emplace_back().name = name;
+    nPluginStart::tStarted started = nPluginStart::noneStarted(descriptions);
+    for (const std::string& name : names) {
+        if (name == "-") break;
+        started.at(name) = true;
+    }
+    return started;
+}
+
+TEST(nPluginStart, AllowsAPluginThatRequiresAnAllowedFeature) {
+    EXPECT_TRUE(nPluginStart::featureAllowed(1, 1));
+    EXPECT_TRUE(nPluginStart::featureAllowed(0x80000002, 0x80000001)) << "one shared feature is enough";
+    EXPECT_FALSE(nPluginStart::featureAllowed(2, 0xFFFFFFFD));
+    EXPECT_FALSE(nPluginStart::featureAllowed(0, 0xFFFFFFFF)) << "none required";
+    EXPECT_FALSE(nPluginStart::featureAllowed(0xFFFFFFFF, 0)) << "none allowed";
+}
+
+struct tRow {
+    tNames started;
+    tNames dependencies;
+    bool passes;
+};
+
+TEST(nPluginStart, DemandsThatEachDependencyHasStartedAndIsNamedOnceAndInOrder) {
+    const std::string zero("zero\0one", 8);
+    const tRow rows[] = {
+        {{}, {}, true},
+        {{"a"}, {}, true},
+        {{}, {"a"}, false},
+        {{"a", "c"}, {"a"}, true},
+        {{"a", "c"}, {"a", "c"}, true},
+        {{"a", "c"}, {"a", "b", "c"}, false},
+        {{"a", "c"}, {"a", "c", "d"}, false},
+        {{"a", "-", "b"}, {"b"}, false},
+        // Described twice counts as once.
+        {{"a"}, {"a", "a"}, false},
+        {{"a", "a"}, {"a"}, true},
+        {{"a", "a"}, {"a", "a"}, false},
+        // Only sorted lists pass.
+        {{"a", "b"}, {"b", "a"}, false},
+        // Names are compared byte by byte, also an empty one.
+        {{"Name"}, {"name"}, false},
+        {{"Name"}, {"Name "}, false},
+        {{zero}, {"zero"}, false},
+        {{zero}, {zero}, true},
+        {{""}, {""}, true},
+        {{"a"}, {""}, false},
+    };
+    for (const tRow& row : rows) {
+        EXPECT_EQ(nPluginStart::dependenciesStarted(row.dependencies, startedFrom(row.started)), row.passes)
+            << testing::PrintToString(row.started) << ' ' << testing::PrintToString(row.dependencies);
+    }
+}
+
+}  // namespace
