@@ -118,7 +118,7 @@ void raise(FuzzedDataProvider& data, Subject& subject) {
     const std::string file = takeText(data);
     const std::string component = takeText(data);
     const auto line = data.ConsumeIntegral<std::int32_t>();
-    zuerr::RaiseInto(subject.record, code, constant.c_str(), {file.c_str(), line}, component.c_str());
+    zuerr::RaiseInto(subject.record, code, {constant.c_str(), {file.c_str(), line}, component.c_str()});
     Model& model = subject.model;
     if (model.code < 0) return;
     model.setCode(code);
