@@ -1,18 +1,14 @@
 #include <windows.h>
 
-#include "time/clock.h"
+#include "time/systemClock.h"
 
 namespace nTime {
 
 std::uint32_t readTimeIncrement() noexcept {
-    constexpr DWORD usualIncrement = 156'250;  // 15.625 ms
     DWORD adjustment = 0;
     DWORD increment = 0;
     BOOL adjustmentDisabled = FALSE;
-    const BOOL known = GetSystemTimeAdjustment(&adjustment, &increment, &adjustmentDisabled);
-    if (known != FALSE && increment != 0) return increment;
-    // Both readings of a duration have to count the same ticks.
-    return gClockSettings.initialised ? static_cast<std::uint32_t>(gClockSettings.tickLength / 100) : usualIncrement;
+    return GetSystemTimeAdjustment(&adjustment, &increment, &adjustmentDisabled) == FALSE ? 0 : increment;
 }
 
 std::uint64_t readTickCount() noexcept { return GetTickCount64(); }

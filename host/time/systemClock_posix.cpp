@@ -1,7 +1,7 @@
 // Never shipped: lets the portable core run under native tools, with ticks of one millisecond.
 #include <chrono>
 
-#include "time/clock.h"
+#include "time/systemClock.h"
 
 namespace nTime {
 
