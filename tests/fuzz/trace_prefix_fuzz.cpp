@@ -40,10 +40,10 @@ struct Line {
     }
 };
 
-void checkInBuffer(std::size_t room, const Line& line, const std::string& text, const nTrace::IndentationTable& table,
+void checkInBuffer(std::size_t room, const Line& line, const std::string& text, const nTrace::tIndentationTable& table,
                    std::uint32_t thread) {
     std::vector<char> buffer(room, '#');
-    const nTrace::Site site{line.file.c_str(), line.component.c_str(), line.number};
+    const nTrace::tSite site{line.file.c_str(), line.component.c_str(), line.number};
     const char* const end = nTrace::writePrefix(buffer.data(), room, site, table, thread);
 
     const std::string_view expected = std::string_view(text).substr(0, room - 1);
@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     FuzzedDataProvider data(bytes, size);
     Line line;
     line.number = data.ConsumeIntegral<std::uint32_t>();
-    nTrace::IndentationTable table{};
+    nTrace::tIndentationTable table{};
     const auto thread = data.ConsumeIntegralInRange<std::uint32_t>(0, 3);
     // The first slot in use counts; filled from the back, it is the last one that this loop meets.
     for (auto slot = table.rbegin(); slot != table.rend(); ++slot) {
