@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// The status codes of the program: 0 is success, a negative code an error, a positive one a warning.
-/// A code and the text that a report carries for it under "error_constant" always travel together.
+/// A code and the text that a report contains for it under "error_constant" always travel together.
 namespace zuerr {
 
 struct ErrorConstant {
@@ -23,11 +23,27 @@ inline constexpr ErrorConstant insufficientPermissions{-52026, "zukesterr_insuff
 /// The component that every report of this program names.
 inline constexpr const char* hostComponent = "zuZiptraRemoteService";
 
-/// The place that a report names as its source. The values are part of what support staff look up, so they are
-/// constants kept by hand: they stay the same when the code around a raise moves.
+/// The place that a report names as its source. Support staff look these values up (docs/codes.md), so they are
+/// constants maintained by hand: they stay the same when the code around a raise moves.
 struct RaiseSite {
     const char* file;
     std::int32_t line;
+};
+
+/// What a raise reports. A file that raises names its reports as constants at its top. The texts are borrowed.
+struct RaiseReport {
+    constexpr RaiseReport(const ErrorConstant& errorConstant, const RaiseSite& raiseSite)
+        : code(errorConstant.code), constant(errorConstant.text), site(raiseSite), component(hostComponent) {}
+
+    /// For a code that is known only when it is raised. A null constant or component is left out of the report.
+    constexpr RaiseReport(const char* constantText, const RaiseSite& raiseSite,
+                          const char* componentText = hostComponent)
+        : code(0), constant(constantText), site(raiseSite), component(componentText) {}
+
+    std::int32_t code;  ///< of the error constant; 0 if the raise supplies it
+    const char* constant;
+    RaiseSite site;
+    const char* component;
 };
 
 }  // namespace zuerr

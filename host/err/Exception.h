@@ -7,50 +7,50 @@
 
 namespace zuerr {
 
-/// Holds the status record that an exception carries.
+/// Contains the status record that an exception carries.
 class ExceptionBase {
 public:
     ExceptionBase() = default;
-    /// Takes the record over by Copy's rule: the other one is left without its report.
+    /// Takes the record by Copy's rule: the other object is left without its report.
     ExceptionBase(const ExceptionBase& other) noexcept;
     ExceptionBase& operator=(const ExceptionBase&) = delete;
     virtual ~ExceptionBase() = default;
 
-    /// The report text, owned by this object; null when there is none.
+    /// Returns the report text, owned by this object, or null if there is none.
     [[nodiscard]] virtual const char* report() const noexcept { return record.json; }
 
-    /// Mutable because a copy moves the report out of the object copied from, as the language's copy of a thrown
-    /// object demands a const source.
+    /// Mutable because copying a thrown object takes a const source, and the copy moves the report out of it.
     mutable StatusRecord record;
 };
 
-/// The exception of this program. Catching std::exception and asking what() gives the JSON report.
+/// The exception of this program. Code that catches std::exception gets the JSON report from what().
 class Exception : public virtual ExceptionBase, public virtual std::exception {
 public:
-    /// The report text; "{}" when there is none, so that callers may print it unseen.
+    /// Returns the report text; "{}" if there is none, so that callers need not check before they print it.
     [[nodiscard]] const char* what() const noexcept override;
 };
 
-/// Throws an Exception with this report, and with the code that belongs to it or the one given.
-[[noreturn]] void Raise(const RaiseReport& report);
+/// Throws an Exception with this report and with the code passed or the report's own.
 [[noreturn]] void Raise(const RaiseReport& report, std::int32_t code);
+[[noreturn]] inline void Raise(const RaiseReport& report) { Raise(report, report.code); }
 
-/// Throws what the record holds if it is an error and no other exception is propagating: clean-up never throws over
-/// the failure that caused it. The record is cleared in every case.
+/// Throws an error that the record contains unless another exception is propagating: clean-up never throws over the
+/// failure that caused it. Clears the record in every case.
 void ThrowIfFailed(StatusRecord& record);
 void ThrowIfFailed(PlatformStatus& record);
 
-/// For a handler: the code of the exception being handled. std::bad_alloc gives -52000, the program's own exceptions
-/// their code, any other std::exception -52003. An exception of another type is not caught and leaves this function.
+/// Requires: an exception is being handled.
+/// Returns its code: -52000 for std::bad_alloc, the record's code for the program's own exceptions, -52003 for any
+/// other std::exception. Throws an exception of any other type again.
 [[nodiscard]] std::int32_t CurrentExceptionCode();
 
-/// Whether an exception is unwinding this thread's stack.
+/// Returns whether an exception is unwinding this thread's stack.
 [[nodiscard]] bool ExceptionIsPropagating() noexcept;
 
-/// Stands around a call into foreign code, such as a plug-in, and the handler of what that throws. A library that
-/// brings its own C++ runtime counts its throws in that runtime while the catch is counted in ours, which leaves our
-/// std::uncaught_exceptions() one short for good. The guard's end, reached when the exception has been handled, books
-/// the difference so that ExceptionIsPropagating stays right on this thread. Guards may be nested.
+/// A guard around a call into foreign code, such as a plug-in, and the handler of what that throws. A library with a
+/// C++ runtime of its own counts its throws in that runtime while our catch is counted in ours, which leaves our
+/// std::uncaught_exceptions() one too low for good. The guard's destructor, which runs after the handler, records the
+/// difference, so that ExceptionIsPropagating stays right on this thread. Guards may be nested.
 class ForeignCall {
 public:
     ForeignCall() noexcept;

@@ -1,6 +1,5 @@
 #include "err/JsonReport.h"
 
-#include <algorithm>
 #include <array>
 #include <bitset>
 #include <charconv>
@@ -10,15 +9,30 @@
 namespace zuerr {
 namespace {
 
+/// For each byte the letter that follows the backslash where it is escaped, 0 where it is copied.
+constexpr auto escapeLetters = [] {
+    std::array<char, 256> letters{};
+    letters['\b'] = 'b';
+    letters['\t'] = 't';
+    letters['\n'] = 'n';
+    letters['\f'] = 'f';
+    letters['\r'] = 'r';
+    letters['"'] = '"';
+    letters['\\'] = '\\';
+    return letters;
+}();
+
+char escapeLetter(char character) noexcept { return escapeLetters[static_cast<unsigned char>(character)]; }
+
 std::size_t escapedLength(const char* text) noexcept {
     std::size_t length = 0;
-    for (; *text != 0; ++text) length += jsonEscapeLetter(*text) == 0 ? 1 : 2;
+    for (; *text != 0; ++text) length += escapeLetter(*text) == 0 ? 1 : 2;
     return length;
 }
 
 char* writeEscaped(char* out, const char* text) noexcept {
     for (; *text != 0; ++text) {
-        const char letter = jsonEscapeLetter(*text);
+        const char letter = escapeLetter(*text);
         if (letter != 0) *out++ = '\\';
         *out++ = letter == 0 ? *text : letter;
     }
@@ -54,7 +68,7 @@ bool closesEmptyContainer(const char* cursor) noexcept {
     return isOpener(*previous) && closerOf(*previous) == *cursor;
 }
 
-/// Opens a gap for `bytes` characters and the comma that they need; returns where the member goes, or null.
+/// Opens a gap for `bytes` characters and the comma that they need. Returns where to write them, or null.
 char* makeRoom(char* cursor, std::size_t bytes) noexcept {
     const bool atStart = isOpener(*cursor);
     char* const insertion = atStart ? cursor + 1 : cursor;
@@ -62,7 +76,7 @@ char* makeRoom(char* cursor, std::size_t bytes) noexcept {
     const std::size_t needed = bytes + (alone ? 0 : 1);
 
     const std::size_t rest = std::strlen(insertion);
-    // From the terminator on to the sentinel: too little room if that comes too soon.
+    // The free room ends at the sentinel.
     if (std::memchr(insertion + rest + 1, jsonSentinel, needed) != nullptr) return nullptr;
 
     std::memmove(insertion + needed, insertion, rest + 1);
@@ -75,7 +89,7 @@ char* makeRoom(char* cursor, std::size_t bytes) noexcept {
     return insertion + 1;
 }
 
-/// Writes the key, if any, and leaves the value to `write`, which fills exactly `valueLength` bytes.
+/// Writes the key, if any, and then calls `write`, which fills exactly `valueLength` bytes with the value.
 template <class Write>
 char* addMember(char* cursor, const char* key, std::size_t valueLength, Write write) noexcept {
     if (cursor == nullptr) return nullptr;
@@ -92,27 +106,27 @@ char* addMember(char* cursor, const char* key, std::size_t valueLength, Write wr
 /// Adds a text that needs no escaping and no quotes.
 char* addLiteral(char* cursor, const char* key, std::string_view literal) noexcept {
     return addMember(cursor, key, literal.size(),
-                     [=](char* out) noexcept { return std::copy(literal.begin(), literal.end(), out); });
+                     [=](char* out) noexcept { return out + literal.copy(out, literal.size()); });
 }
 
 template <class Number>
 char* addNumber(char* cursor, const char* key, Number value) noexcept {
     std::array<char, 16> digits{};
-    const char* const end = std::to_chars(digits.begin(), digits.end(), value).ptr;
-    return addLiteral(cursor, key, {digits.begin(), end});
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    return addLiteral(cursor, key, {digits.data(), end});
 }
 
-/// Walks a JSON text. Each step returns false, or stops, at the first byte that does not fit.
+/// Reads a JSON text. Each step returns false, or stops, at the first byte that is not valid.
 class Scanner {
 public:
     explicit Scanner(char* text) noexcept : at_(text) {}
 
-    /// The closing character of the container that the text begins with, or null.
+    /// Returns the closing character of the container that the text begins with, or null.
     char* containerEnd() noexcept {
         if (!isOpener(*at_)) return nullptr;
         open();
         for (;;) {
-            // Here a container has just been opened, or a value in one has just ended.
+            // A container has just been opened, or a value in one has just ended.
             skipBlanks();
             const bool first = justOpened_;
             justOpened_ = false;
@@ -132,7 +146,7 @@ public:
     }
 
 private:
-    /// Deeper nesting than this is refused: a report has two levels, and the scanner has no memory to ask for.
+    /// Deeper nesting is refused: a report has two levels, and the scanner must not allocate memory.
     static constexpr std::size_t maximumDepth = 1024;
 
     void skipBlanks() noexcept {
@@ -259,9 +273,9 @@ bool CopyText(char* buffer, std::uint32_t size, const char* text) noexcept {
 template <class Write>
 JsonChain& JsonChain::add(Write write) noexcept {
     while (cursor_ != nullptr) {
-        char* const behind = write(cursor_);
-        if (behind != nullptr) {
-            cursor_ = behind;
+        char* const next = write(cursor_);
+        if (next != nullptr) {
+            cursor_ = next;
             break;
         }
         cursor_ = grow_ == nullptr ? nullptr : grow_(argument_, cursor_);
@@ -284,6 +298,11 @@ JsonChain& JsonChain::AddUInt(const char* key, std::uint32_t value) noexcept {
 JsonChain& JsonChain::EnterObject(const char* key) noexcept {
     add([=](char* cursor) noexcept { return zuerr::AddObject(cursor, key); });
     if (cursor_ != nullptr) --cursor_;
+    return *this;
+}
+
+JsonChain& JsonChain::LeaveObject() noexcept {
+    if (cursor_ != nullptr) ++cursor_;
     return *this;
 }
 

@@ -1,11 +1,18 @@
 #include "err/PlatformStatus.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
 namespace zuerr {
 namespace {
+
+static_assert(offsetof(PlatformStatus, size) == 0 && sizeof(PlatformStatus::size) == 4);
+static_assert(offsetof(PlatformStatus, code) == 4 && sizeof(PlatformStatus::code) == 4);
+static_assert(offsetof(PlatformStatus, component) == 8 && sizeof(PlatformStatus::component) == 10);
+static_assert(offsetof(PlatformStatus, file) == 18 && sizeof(PlatformStatus::file) == 101);
+static_assert(offsetof(PlatformStatus, line) == 120 && sizeof(PlatformStatus::line) == 4);
+static_assert(offsetof(PlatformStatus, extension) == 128 && sizeof(PlatformStatus::extension) == 8);
 
 /// Free bytes that a converted record has before each member is written: enough for any of them.
 constexpr std::size_t memberRoom = 258;
@@ -13,21 +20,23 @@ constexpr std::size_t memberRoom = 258;
 template <std::size_t size>
 void setText(std::array<char, size>& field, std::string_view text) noexcept {
     field.fill(0);
-    std::copy_n(text.begin(), std::min(text.size(), size - 1), field.begin());
+    text.copy(field.data(), size - 1);
 }
 
-/// A path that is too long loses its middle: the drive and the file name tell most.
+/// Cuts the middle out of a path that is too long: the drive and the file name say most.
 void setPath(std::array<char, 101>& field, std::string_view path) noexcept {
     constexpr std::size_t kept = 49;
     setText(field, path);
     if (path.size() < field.size()) return;
     field[kept] = field[kept + 1] = '.';
-    std::copy_n(path.end() - kept, kept, field.begin() + kept + 2);
+    path.copy(field.data() + kept + 2, kept, path.size() - kept);
 }
 
-bool ensureRoom(StatusRecord& record) noexcept {
+/// Returns a chain for one member, with room for any; one that writes nothing if there is no memory.
+JsonChain appendWithRoom(StatusRecord& record) noexcept {
     const std::size_t used = record.json == nullptr ? sizeof("{}") : std::strlen(record.json) + 1;
-    return record.reallocJson(record, static_cast<std::uint32_t>(used + memberRoom + 1));
+    const bool enough = record.reallocJson(record, static_cast<std::uint32_t>(used + memberRoom + 1));
+    return enough ? Append(record) : JsonChain(nullptr, nullptr, nullptr);
 }
 
 }  // namespace
@@ -43,16 +52,14 @@ void RaiseInto(PlatformStatus& record, std::int32_t code, const char* component,
     record.extension = 0;
 }
 
-void Convert(const PlatformStatus& platform, StatusRecord& record) noexcept {
+void ConvertPlatformStatus(const PlatformStatus& platform, StatusRecord& record) noexcept {
     if (platform.code == 0 || !SetCode(record, platform.code)) return;
     if (platform.size < PlatformStatus::fullSize) return;
     if (platform.file[0] != 0) {
-        if (ensureRoom(record)) Append(record).AddString("file", platform.file.data());
-        if (ensureRoom(record)) Append(record).AddInt("line", platform.line);
+        if (appendWithRoom(record).AddString("file", platform.file.data()).cursor() == nullptr) return;
+        if (appendWithRoom(record).AddInt("line", platform.line).cursor() == nullptr) return;
     }
-    if (platform.component[0] != 0 && ensureRoom(record)) {
-        Append(record).AddString("component", platform.component.data());
-    }
+    if (platform.component[0] != 0) appendWithRoom(record).AddString("component", platform.component.data());
 }
 
 }  // namespace zuerr

@@ -10,7 +10,7 @@ namespace zuerr {
 /// The fixed-size status of the platform pieces (shared libraries, events): they report without allocating, and their
 /// caller turns the record into a StatusRecord or an exception.
 struct PlatformStatus {
-    /// Records that declare fewer bytes carry a code and nothing else.
+    /// Records that declare fewer bytes carry only a code.
     static constexpr std::uint32_t fullSize = 208;
 
     std::uint32_t size = fullSize;
@@ -23,10 +23,11 @@ struct PlatformStatus {
     [[nodiscard]] bool failed() const noexcept { return code < 0; }
 };
 
-/// Fills the record unless it holds an error already: the first error wins, an error replaces a warning.
+/// Fills the record unless it already contains an error: the first error wins, and an error replaces a warning.
 void RaiseInto(PlatformStatus& record, std::int32_t code, const char* component, const RaiseSite& site) noexcept;
 
-/// Gives `record` the platform's code by SetCode's rule and, when taken, file, line and component as its report.
-void Convert(const PlatformStatus& platform, StatusRecord& record) noexcept;
+/// Gives `record` the platform's code by SetCode's rule and, if it is taken, file, line and component as its report.
+/// The first member for which there is no memory is left out together with all that follow.
+void ConvertPlatformStatus(const PlatformStatus& platform, StatusRecord& record) noexcept;
 
 }  // namespace zuerr

@@ -1,13 +1,19 @@
 #include "err/StatusRecord.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <string_view>
 
 namespace zuerr {
 namespace {
 
+static_assert(offsetof(StatusRecord, code) == 0 && sizeof(StatusRecord::code) == 4);
+static_assert(offsetof(StatusRecord, capacity) == 4 && sizeof(StatusRecord::capacity) == 4);
+static_assert(offsetof(StatusRecord, reallocJson) == 8 && sizeof(StatusRecord::reallocJson) == 8);
+static_assert(offsetof(StatusRecord, json) == 16 && sizeof(StatusRecord) == 24);
+
 constexpr std::uint32_t largestCapacity = 0x7FFFFFFF;
+constexpr std::uint32_t largestToGrow = 0x40000000;
 constexpr std::uint32_t smallestCapacity = 512;
 constexpr std::uint32_t emptyReportSize = 4;  // "{}", its terminator and the sentinel
 
@@ -17,43 +23,20 @@ std::uint32_t roundedCapacity(std::uint32_t request) noexcept {
     return capacity;
 }
 
-/// A JsonChain's way to more room: doubles the record's buffer and finds the cursor's place in it again.
-char* growRecord(void* argument, const char* cursor) {
+/// How a JsonChain grows: doubles the record's buffer and returns the cursor's position in the new one.
+char* growRecord(void* argument, const char* cursor) noexcept {
     StatusRecord& record = *static_cast<StatusRecord*>(argument);
-    const std::uint32_t before = record.capacity;
-    if (2 * before - 4 > largestCapacity - 2) return nullptr;
+    if (record.capacity > largestToGrow) return nullptr;
     const auto offset = cursor - record.json;
-    // A manager that answers yes and gives nothing would be asked for ever.
-    if (!record.reallocJson(record, 2 * before - 2) || record.capacity <= before) return nullptr;
+    if (!record.reallocJson(record, 2 * record.capacity - 2)) return nullptr;
     return FindEnd(record.json) == nullptr ? nullptr : record.json + offset;
-}
-
-/// Makes sure of a text and the marker behind it. A manager may say yes and give nothing.
-bool ensureText(StatusRecord& record) noexcept {
-    return record.reallocJson(record, emptyReportSize) && record.capacity >= emptyReportSize;
-}
-
-/// Puts a text in the place of "{}" if that is what there is, and if there is room.
-bool replaceEmpty(char* json, std::string_view text) noexcept {
-    if (std::string_view(json) != "{}") return false;
-    // As for any member: the room lies between the terminator and the sentinel.
-    const std::size_t needed = text.size() + 1 - sizeof("{}");
-    if (std::memchr(json + sizeof("{}"), jsonSentinel, needed) != nullptr) return false;
-    text.copy(json, text.size());
-    return true;
-}
-
-void addMembers(JsonChain chain, const char* constant, const RaiseSite& site, const char* component) noexcept {
-    if (constant != nullptr) chain.AddString("error_constant", constant);
-    chain.AddString("file", site.file).AddInt("line", site.line);
-    if (component != nullptr) chain.AddString("component", component);
 }
 
 }  // namespace
 
 StatusRecord::~StatusRecord() { Clear(*this); }
 
-bool StatusRecord::reallocJsonDefault(StatusRecord& record, std::uint32_t capacity) {
+bool StatusRecord::reallocJsonDefault(StatusRecord& record, std::uint32_t capacity) noexcept {
     if (capacity == 0) {
         std::free(record.json);
         record.json = nullptr;
@@ -83,8 +66,7 @@ bool SetCode(StatusRecord& record, std::int32_t code) noexcept {
     if (!newError && !newWarning) return false;
     record.code = code;
     if (record.json == nullptr) return true;
-    if (record.capacity < sizeof("{}")) record.reallocJson(record, sizeof("{}"));
-    if (record.capacity < sizeof("{}")) return true;
+    if (record.capacity < sizeof("{}") && !record.reallocJson(record, sizeof("{}"))) return true;
     std::memcpy(record.json, "{}", sizeof("{}"));
     CopyText(record.json, record.capacity, nullptr);
     return true;
@@ -101,30 +83,24 @@ bool Copy(StatusRecord& destination, StatusRecord& source) noexcept {
         return true;
     }
     const char* const text = source.json == nullptr ? "{}" : source.json;
-    const std::size_t length = std::strlen(text);
-    if (length <= largestCapacity - 2 && destination.reallocJson(destination, static_cast<std::uint32_t>(length + 2))) {
-        CopyText(destination.json, destination.capacity, text);
-    }
+    // The text, its terminator and the sentinel were in the source's buffer, so their size has 32 bits.
+    const auto needed = static_cast<std::uint32_t>(std::strlen(text) + 2);
+    if (destination.reallocJson(destination, needed)) CopyText(destination.json, destination.capacity, text);
     return true;
 }
 
 JsonChain Append(StatusRecord& record) noexcept {
-    return {ensureText(record) ? FindEnd(record.json) : nullptr, growRecord, &record};
+    return {record.reallocJson(record, emptyReportSize) ? FindEnd(record.json) : nullptr, growRecord, &record};
 }
 
-void RaiseInto(StatusRecord& record, std::int32_t code, const char* constant, const RaiseSite& site,
-               const char* component) noexcept {
-    if (record.failed()) return;
+JsonChain RaiseInto(StatusRecord& record, std::int32_t code, const RaiseReport& report) noexcept {
+    if (record.failed()) return {nullptr, growRecord, &record};
     SetCode(record, code);
-    addMembers(Append(record), constant, site, component);
-}
-
-void RaiseInto(StatusRecord& record, std::int32_t code, const RaiseReport& report) noexcept {
-    if (record.failed()) return;
-    SetCode(record, code);
-    if (!ensureText(record)) return;
-    if (replaceEmpty(record.json, report.text())) return;
-    addMembers(Append(record), report.constant(), report.site(), report.component());
+    JsonChain chain = Append(record);
+    if (report.constant != nullptr) chain.AddString("error_constant", report.constant);
+    chain.AddString("file", report.site.file).AddInt("line", report.site.line);
+    if (report.component != nullptr) chain.AddString("component", report.component);
+    return chain;
 }
 
 }  // namespace zuerr

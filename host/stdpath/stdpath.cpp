@@ -57,19 +57,16 @@ void trimPath(std::string& path) {
 
 void raiseSystemError(zuerr::StatusRecord& status, std::int32_t line, const tSystemError& error,
                       const char* description) noexcept {
-    if (status.failed()) return;
-    const zuerr::ErrorConstant& constant = zuerr::statusResourceNotFound;
-    zuerr::RaiseInto(status, constant.code, constant.text, {"zutolq\\stdpath", line}, zuerr::hostComponent);
-
-    zuerr::JsonChain internalError = zuerr::Append(status);
-    internalError.EnterObject("internal_error");
+    const zuerr::RaiseReport report{zuerr::statusResourceNotFound, {"zutolq\\stdpath", line}};
+    zuerr::JsonChain chain = zuerr::RaiseInto(status, report.code, report);
+    chain.EnterObject("internal_error");
     if (error.kind == tSystemError::tKind::hresult) {
-        internalError.AddString("api", "hresult").AddInt("code", static_cast<std::int32_t>(error.code));
+        chain.AddString("api", "hresult").AddInt("code", static_cast<std::int32_t>(error.code));
     } else {
-        internalError.AddString("api", "win32").AddUInt("code", error.code);
-        if (error.message != nullptr) internalError.AddString("string", error.message);
+        chain.AddString("api", "win32").AddUInt("code", error.code);
+        if (error.message != nullptr) chain.AddString("string", error.message);
     }
-    zuerr::Append(status).EnterObject("zutolq_debug").AddString("desc", description);
+    chain.LeaveObject().EnterObject("zutolq_debug").AddString("desc", description);
 }
 
 }  // namespace nStdPath

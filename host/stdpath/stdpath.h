@@ -13,7 +13,7 @@
 namespace nStdPath {
 
 /// What the platform's readers write into, in UTF-16.
-using tWideBuffer = zuerr::Buffer<char16_t>;
+using tWideBuffer = zuerr::WideBuffer;
 
 /// The maker's shared directory, from the installer's registry value ZUSHAREDDIR64. Unchanged on failure.
 void getSharedDirectory(std::string& result, zuerr::StatusRecord& status);

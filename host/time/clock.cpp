@@ -1,35 +1,55 @@
 #include "time/clock.h"
 
+#include <cstdlib>
+
+#include "time/systemClock.h"
+
 namespace nTime {
 namespace {
 
+static_assert(sizeof(tClockSettings::initialised) == 1);
+static_assert(sizeof(tClockSettings::tickLength) == 8 && sizeof(tClockSettings::counterPeriod) == 8);
+static_assert(sizeof(tClockSettings::tickLengthUnit) == 4 && sizeof(tClockSettings::counterPeriodUnit) == 4);
+
 constexpr std::uint64_t picosecondsPerSecond = 1'000'000'000'000;
 constexpr std::uint32_t nanosecondsPerIncrementUnit = 100;
+constexpr std::uint32_t usualIncrement = 156'250;  // 15.625 ms
+
+/// Returns the last known or the usual increment if the system does not say: both readings of a duration must count
+/// the same ticks.
+std::uint32_t currentIncrement() noexcept {
+    const std::uint32_t increment = readTimeIncrement();
+    if (increment != 0) return increment;
+    if (!gClockSettings.initialised) return usualIncrement;
+    return static_cast<std::uint32_t>(gClockSettings.tickLength / nanosecondsPerIncrementUnit);
+}
 
 }  // namespace
 
-ClockSettings gClockSettings{};
+tClockSettings gClockSettings{};
 
 void InitialiseClock() noexcept {
-    gClockSettings.tickLengthUnit = Unit::nanoseconds;
-    gClockSettings.counterPeriodUnit = Unit::picoseconds;
-    gClockSettings.tickLength = std::uint64_t{readTimeIncrement()} * nanosecondsPerIncrementUnit;
-    gClockSettings.counterPeriod = picosecondsPerSecond / readCounterFrequency();
+    gClockSettings.tickLengthUnit = tUnit::nanoseconds;
+    gClockSettings.counterPeriodUnit = tUnit::picoseconds;
+    gClockSettings.tickLength = std::uint64_t{currentIncrement()} * nanosecondsPerIncrementUnit;
+    const std::uint64_t frequency = readCounterFrequency();
+    if (frequency == 0) std::abort();
+    gClockSettings.counterPeriod = picosecondsPerSecond / frequency;
     gClockSettings.initialised = true;
 }
 
-std::uint64_t ticksFromMilliseconds(std::uint64_t milliseconds, std::uint32_t timeIncrement) noexcept {
-    const std::uint64_t nanoseconds = Convert(milliseconds, Unit::milliseconds, Unit::nanoseconds);
+std::uint64_t ticksFromMs(std::uint64_t milliseconds, std::uint32_t timeIncrement) noexcept {
+    const std::uint64_t nanoseconds = Convert(milliseconds, tUnit::milliseconds, tUnit::nanoseconds);
     const std::uint32_t tickLength = timeIncrement * nanosecondsPerIncrementUnit;
     return nanoseconds / tickLength + (nanoseconds % tickLength == 0 ? 0 : 1);
 }
 
 std::uint64_t NowTicks() noexcept {
     const std::uint64_t milliseconds = readTickCount();
-    return ticksFromMilliseconds(milliseconds, readTimeIncrement());
+    return ticksFromMs(milliseconds, currentIncrement());
 }
 
-std::uint64_t NowInTickLengthUnit() noexcept {
+std::uint64_t nowInTickLengthUnit() noexcept {
     if (!gClockSettings.initialised) InitialiseClock();
     return NowTicks() * gClockSettings.tickLength;
 }

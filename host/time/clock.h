@@ -9,29 +9,25 @@
 namespace nTime {
 
 /// Filled once by InitialiseClock. Plain variables: a second thread that fills them writes the same values.
-struct ClockSettings {
+struct tClockSettings {
     bool initialised;
     std::uint64_t tickLength;
-    Unit tickLengthUnit;
-    std::uint64_t counterPeriod;  ///< of the high-resolution counter; kept for diagnostics, the clock does not use it
-    Unit counterPeriodUnit;
+    tUnit tickLengthUnit;
+    std::uint64_t counterPeriod;  ///< of the high-resolution counter; for diagnostics, the clock does not use it
+    tUnit counterPeriodUnit;
 };
-extern ClockSettings gClockSettings;
+extern tClockSettings gClockSettings;
 
+/// Fills the settings. Ends the process (std::abort) if the system reports a counter frequency of zero.
 void InitialiseClock() noexcept;
 
-/// Now in ticks since the system started; a part tick counts whole.
+/// Returns the ticks since the system started, a part tick counted whole.
 [[nodiscard]] std::uint64_t NowTicks() noexcept;
 
-/// Now in the tick length unit: ticks times tick length. Initialises the clock if nobody has.
-[[nodiscard]] std::uint64_t NowInTickLengthUnit() noexcept;
+/// Returns NowTicks times the tick length. Initialises the clock if it is not yet initialised.
+[[nodiscard]] std::uint64_t nowInTickLengthUnit() noexcept;
 
-/// What the clock asks of the platform.
-[[nodiscard]] std::uint32_t readTimeIncrement() noexcept;     ///< one tick, in units of 100 nanoseconds
-[[nodiscard]] std::uint64_t readTickCount() noexcept;         ///< milliseconds since the system started
-[[nodiscard]] std::uint64_t readCounterFrequency() noexcept;  ///< high-resolution counts per second
-
-/// The pure half of NowTicks.
-[[nodiscard]] std::uint64_t ticksFromMilliseconds(std::uint64_t milliseconds, std::uint32_t timeIncrement) noexcept;
+/// Returns how many ticks of `timeIncrement` times 100 nanoseconds have begun after so many milliseconds.
+[[nodiscard]] std::uint64_t ticksFromMs(std::uint64_t milliseconds, std::uint32_t timeIncrement) noexcept;
 
 }  // namespace nTime

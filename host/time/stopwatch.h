@@ -6,14 +6,14 @@
 
 namespace nTime {
 
-/// Measures from its construction on, in whole clock ticks. One thread.
+/// Measures the time since its construction in whole clock ticks. Thread: for one thread.
 class tStopwatch {
 public:
-    tStopwatch() noexcept : start_(NowInTickLengthUnit()) {}
+    tStopwatch() noexcept : start_(nowInTickLengthUnit()) {}
 
-    /// Whole milliseconds, truncated.
+    /// Returns whole milliseconds, truncated.
     [[nodiscard]] std::uint64_t elapsedMs() const noexcept {
-        return Convert(NowInTickLengthUnit() - start_, gClockSettings.tickLengthUnit, Unit::milliseconds);
+        return Convert(nowInTickLengthUnit() - start_, gClockSettings.tickLengthUnit, tUnit::milliseconds);
     }
 
 private:

@@ -4,8 +4,8 @@
 
 namespace nTime {
 
-/// Time units in ascending order; the numbers are the system's own.
-enum class Unit : std::int32_t {
+/// Time units in ascending order; the numbers are part of the interface.
+enum class tUnit : std::int32_t {
     picoseconds = 0,
     nanoseconds = 1,
     microseconds = 2,
@@ -15,7 +15,7 @@ enum class Unit : std::int32_t {
     hours = 6,
 };
 
-/// Steps unit by unit: divisions truncate at each step, multiplications wrap in 64 bits.
-[[nodiscard]] std::uint64_t Convert(std::uint64_t value, Unit fromUnit, Unit toUnit) noexcept;
+/// Converts one unit at a time: divisions truncate at each step, multiplications wrap in 64 bits.
+[[nodiscard]] std::uint64_t Convert(std::uint64_t value, tUnit fromUnit, tUnit toUnit) noexcept;
 
 }  // namespace nTime

@@ -6,6 +6,10 @@
 namespace nTrace {
 namespace {
 
+static_assert(offsetof(tIndentation, threadId) == 0 && offsetof(tIndentation, depth) == 4);
+static_assert(offsetof(tIndentation, inUse) == 8 && sizeof(tIndentationTable) == std::size_t{16} * 12);
+static_assert(offsetof(tSite, file) == 0 && offsetof(tSite, component) == 8 && sizeof(tSite::line) == 4);
+
 constexpr std::size_t componentWidth = 10;
 constexpr std::size_t fileWidth = 32;
 constexpr std::size_t lineDigits = 4;
@@ -45,14 +49,14 @@ char* writeLineNumber(char* out, std::size_t size, std::uint32_t line) noexcept 
     return writeBytes(out, size, digits.data(), digits.size());
 }
 
-char* writeIndentation(char* out, std::size_t size, const IndentationTable& table, std::uint32_t threadId) noexcept {
-    const auto slot = std::find_if(table.begin(), table.end(), [threadId](const Indentation& candidate) {
+char* writeIndentation(char* out, std::size_t size, const tIndentationTable& table, std::uint32_t threadId) noexcept {
+    const auto slot = std::find_if(table.begin(), table.end(), [threadId](const tIndentation& candidate) {
         return candidate.inUse != 0 && candidate.threadId == threadId;
     });
     return writeRun(out, size, ' ', slot == table.end() ? 0 : slot->depth);
 }
 
-char* writePrefix(char* out, std::size_t size, const Site& site, const IndentationTable& table,
+char* writePrefix(char* out, std::size_t size, const tSite& site, const tIndentationTable& table,
                   std::uint32_t threadId) noexcept {
     char* const last = out + size;
     const auto room = [&] { return static_cast<std::size_t>(last - out); };

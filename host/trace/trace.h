@@ -1,43 +1,50 @@
 #pragma once
 
+#include <cstdarg>
 #include <cstdint>
-#include <type_traits>
 
 #include "trace/prefix.h"
 
 /// Developer diagnostics. Outside a diagnostic build (the CMake option ZUZIPTRA_TRACE) the entry point does nothing and
-/// leaves no code behind; in one it hands a line to the debugger: a prefix that names the site, then the text.
+/// leaves no code in the program; in one it writes a line to the debugger: a prefix that names the site, then the text.
 namespace nTrace {
 
-/// Categories: the bits of the mask that ZUZIPTRA_TRACE_MASK lets through.
+/// Categories: the bits of the mask.
 inline constexpr std::uint32_t libraries = 0x1000;
 inline constexpr std::uint32_t descriptions = 0x2000;
 inline constexpr std::uint32_t errors = 0x4000;
 
 inline constexpr bool enabled = ZUZIPTRA_TRACE != 0;
-inline constexpr std::uint32_t mask = ZUZIPTRA_TRACE_MASK;
 
-/// A printf format together with the place that it stands in.
-struct Format {
-    const char* text;
-    Site site;
+/// The categories that a diagnostic build writes: ZUZIPTRA_TRACE_MASK until a debugger or a test changes it.
+extern std::uint32_t gMask;
 
-    // Implicit, so that a call reads like printf; the compiler fills in the caller's place.
+/// The category of a trace call together with its site, which the compiler fills in.
+struct tCategory {
+    // Implicit, so that a call passes the bare category.
     // NOLINTNEXTLINE(google-explicit-constructor,hicpp-explicit-conversions)
-    consteval Format(const char* literal, const char* file = __builtin_FILE(), std::uint32_t line = __builtin_LINE())
-        : text(literal), site{file, "zuZiptraRemoteService", line} {}
+    constexpr tCategory(std::uint32_t category, const char* file = __builtin_FILE(),
+                        std::uint32_t line = __builtin_LINE())
+        : bits(category), site{file, "zuZiptraRemoteService", line} {}
+
+    std::uint32_t bits;
+    tSite site;
 };
 
-/// Formats and writes one line whatever the category; longer lines are cut. Any thread; never throws.
-void writeLine(const Site& site, const char* format, ...) noexcept;
+/// Formats and writes one line whatever the mask; a longer line is cut. Thread: any. Never throws.
+[[gnu::format(printf, 2, 0)]] void writeLine(const tSite& site, const char* format, std::va_list arguments) noexcept;
 
-/// The trace entry point. The arguments are those of printf.
-template <class... Arguments>
-void trace([[maybe_unused]] std::uint32_t category, [[maybe_unused]] Format format,
-           [[maybe_unused]] Arguments... arguments) noexcept {
-    static_assert((std::is_scalar_v<Arguments> && ...), "printf takes numbers and pointers only");
+/// The trace entry point: takes printf's format and arguments, which the compiler checks in every build. Thread: any.
+[[gnu::format(printf, 2, 3)]] inline void trace([[maybe_unused]] tCategory category,
+                                                [[maybe_unused]] const char* format, ...) noexcept {
     if constexpr (enabled) {
-        if ((category & mask) != 0) writeLine(format.site, format.text, arguments...);
+        if ((category.bits & gMask) == 0) return;
+        std::va_list arguments;
+        va_start(arguments, format);
+        // The analyzer of clang 14 does not see that va_start has initialised them.
+        // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
+        writeLine(category.site, format, arguments);
+        va_end(arguments);
     }
 }
 

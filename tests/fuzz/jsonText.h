@@ -5,7 +5,7 @@
 
 #include "check.h"
 
-/// JSON texts by the writer's rules written plainly, and another library's opinion of them.
+/// JSON texts written plainly by the writer's rules, and another library's opinion of them.
 namespace jsonText {
 
 inline std::string quoted(const std::string& text) {
@@ -22,18 +22,18 @@ inline std::string quoted(const std::string& text) {
     return result + "\"";
 }
 
-/// The writer copies other control characters, which no reader takes.
-inline bool holdsControlCharacter(const std::string& text) {
+/// The writer copies other control characters, which no reader accepts.
+inline bool containsControlCharacter(const std::string& text) {
     for (const char character : text) {
         if (character >= 0 && character < ' ') return true;
     }
     return false;
 }
 
-/// ASCII, and no control character that is not escaped: what every reader takes.
+/// Printable ASCII, which every reader accepts.
 inline bool isReadable(char character) { return character >= ' ' && character <= '~'; }
 
-/// The other library takes the text, once what it does not take is replaced.
+/// Checks that the other library accepts the text once the bytes that it cannot accept are replaced.
 inline void check(std::string text) {
     for (char& character : text) character = isReadable(character) ? character : '?';
     ::check(nlohmann::json::accept(text), "JSON");

@@ -1,4 +1,4 @@
-// FindEnd against the rules of the lenient JSON reader written down once more, recursively.
+// FindEnd against a second, recursive reader that follows the same lenient rules.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace {
 /// FindEnd refuses deeper nesting.
 constexpr int maximumDepth = 1024;
 
-/// Each reader takes the text from its token on and gives what follows the token, or nothing when it is malformed.
+/// Each reader receives the text from its token on and returns the text after the token, or nothing if it is malformed.
 using Rest = std::optional<std::string_view>;
 
 Rest value(std::string_view text, int depth);
@@ -67,10 +67,10 @@ Rest number(std::string_view text) {
 }
 
 Rest pair(std::string_view text, int depth) {
-    const Rest behindKey = string(text);
-    if (!behindKey) return std::nullopt;
-    const Rest behindColon = word(withoutBlanks(*behindKey), ":");
-    return behindColon ? value(withoutBlanks(*behindColon), depth) : std::nullopt;
+    const Rest afterKey = string(text);
+    if (!afterKey) return std::nullopt;
+    const Rest afterColon = word(withoutBlanks(*afterKey), ":");
+    return afterColon ? value(withoutBlanks(*afterColon), depth) : std::nullopt;
 }
 
 Rest container(std::string_view text, int depth) {
@@ -98,7 +98,7 @@ Rest value(std::string_view text, int depth) {
     return number(text);
 }
 
-/// Where the top-level container ends, or -1.
+/// Returns where the top-level container ends, or -1.
 std::ptrdiff_t expectedEnd(std::string_view text) {
     if (!startsWithAny(text, "{[")) return -1;
     const Rest rest = container(text, 1);

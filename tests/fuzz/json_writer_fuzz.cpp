@@ -14,13 +14,13 @@
 
 namespace {
 
-/// A container's text, its buffer's room, and the offset behind the last value written: what the buffer must show.
+/// A container's text, its buffer's room, and the offset after the last value written: what the buffer must contain.
 struct Model {
     std::string text;
     std::size_t capacity;
-    std::size_t behindLast = 0;
+    std::size_t afterLast = 0;
 
-    /// Inserts at this offset by the writer's rule; returns false when there is no room.
+    /// Inserts at this offset by the writer's rule. Returns false if there is no room.
     bool insert(std::size_t offset, const std::string& member) {
         const bool atStart = text[offset] == '{' || text[offset] == '[';
         const std::size_t at = atStart ? offset + 1 : offset;
@@ -28,7 +28,7 @@ struct Model {
         const std::string inserted = empty ? member : atStart ? member + "," : "," + member;
         if (text.size() + inserted.size() + 2 > capacity) return false;
         text.insert(at, inserted);
-        behindLast = atStart ? at + member.size() : at + inserted.size();
+        afterLast = atStart ? at + member.size() : at + inserted.size();
         return true;
     }
 };
@@ -40,13 +40,13 @@ void checkBuffer(const std::vector<char>& buffer, const Model& model) {
     check(buffer == expected, "text, terminator, zero fill and sentinel");
 }
 
-/// A lone control character is an error for FindEnd.
+/// A control character that is not escaped is an error for FindEnd.
 void checkEnd(std::vector<char>& buffer, const Model& model) {
-    const bool valid = !jsonText::holdsControlCharacter(model.text);
+    const bool valid = !jsonText::containsControlCharacter(model.text);
     check(zuerr::FindEnd(buffer.data()) == (valid ? buffer.data() + model.text.size() - 1 : nullptr), "the end");
 }
 
-/// Text without a zero: any bytes, or such as every JSON reader takes.
+/// Returns text without a zero: any bytes, or only those that every JSON reader accepts.
 std::string takeText(FuzzedDataProvider& data, bool readable) {
     std::string text = data.ConsumeRandomLengthString(40);
     for (char& character : text) {
@@ -56,7 +56,7 @@ std::string takeText(FuzzedDataProvider& data, bool readable) {
     return text;
 }
 
-/// What is to be written.
+/// A member to be written.
 struct Member {
     Member(FuzzedDataProvider& data, bool readable, bool inArray, std::size_t number)
         : hasKey(!inArray),
@@ -93,24 +93,24 @@ struct Place {
     bool inArray;
 };
 
-/// The start of the text, its end, inside the object written last if it was one, or behind the value written last.
+/// The start of the text, its end, inside the object written last if it was one, or after the value written last.
 Place takePlace(FuzzedDataProvider& data, const Model& model, bool array, bool lastIsInArray) {
     switch (data.ConsumeIntegralInRange(0, 3)) {
         case 0: return {0, array};
         case 1: return {model.text.size() - 1, array};
         case 2:
-            if (model.behindLast < 2 || model.text.substr(model.behindLast - 2, 2) != "{}") break;
-            return {model.behindLast - 1, false};
+            if (model.afterLast < 2 || model.text.substr(model.afterLast - 2, 2) != "{}") break;
+            return {model.afterLast - 1, false};
         default: break;
     }
-    return {model.behindLast, lastIsInArray};
+    return {model.afterLast, lastIsInArray};
 }
 
-/// Writes into the buffer and into the model. False when there was no room.
+/// Writes into the buffer and into the model. Returns false if there was no room.
 bool write(const Member& member, std::size_t offset, std::vector<char>& buffer, Model& model) {
     const bool fits = model.insert(offset, member.asText());
-    char* const behind = member.write(buffer.data() + offset);
-    check(behind == (fits ? buffer.data() + model.behindLast : nullptr), "the cursor returned");
+    char* const next = member.write(buffer.data() + offset);
+    check(next == (fits ? buffer.data() + model.afterLast : nullptr), "the cursor returned");
     checkBuffer(buffer, model);
     return fits;
 }
@@ -131,7 +131,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const bool array = data.ConsumeBool();
     const bool grows = data.ConsumeBool();
     Model model{array ? "[]" : "{}", data.ConsumeIntegralInRange<std::size_t>(4, 600)};
-    model.behindLast = 1;
+    model.afterLast = 1;
     std::vector<char> buffer(model.capacity, '#');
     check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), model.text.c_str()), "room");
 

@@ -1,5 +1,4 @@
-// Status records under random calls, with buffer managers that run out of memory and may not say so, against a model.
-// plain model.
+// Status records under random calls, with buffer managers that run out of memory, against a plain model.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <array>
@@ -19,12 +18,10 @@ using zuerr::StatusRecord;
 /// How many requests for a larger buffer are still granted.
 int grants = 0;
 int modelGrants = 0;
-/// Whether a request that is not granted is answered with yes nevertheless, which must make no difference.
-bool lies = false;
-/// Whether no more is given than is asked for.
+/// Whether exactly the requested size is granted.
 bool exact = false;
 
-bool giveExactly(StatusRecord& record, std::uint32_t capacity) {
+bool growExactly(StatusRecord& record, std::uint32_t capacity) noexcept {
     char* const buffer = static_cast<char*>(std::malloc(capacity));
     zuerr::CopyText(buffer, capacity, record.json == nullptr ? "{}" : record.json);
     std::free(record.json);
@@ -33,10 +30,10 @@ bool giveExactly(StatusRecord& record, std::uint32_t capacity) {
     return true;
 }
 
-bool stingyManager(StatusRecord& record, std::uint32_t capacity) {
+bool stingyManager(StatusRecord& record, std::uint32_t capacity) noexcept {
     if (capacity <= record.capacity) return StatusRecord::reallocJsonDefault(record, capacity);
-    if (grants-- <= 0) return lies;
-    return exact ? giveExactly(record, capacity) : StatusRecord::reallocJsonDefault(record, capacity);
+    if (grants-- <= 0) return false;
+    return exact ? growExactly(record, capacity) : StatusRecord::reallocJsonDefault(record, capacity);
 }
 
 struct Model {
@@ -63,15 +60,15 @@ struct Model {
     }
 
     /// Whether members can be added at all.
-    bool begin() { return grow(4) && !jsonText::holdsControlCharacter(text); }
+    bool begin() { return grow(4) && !jsonText::containsControlCharacter(text); }
 
-    /// Adds to the object that `depth` closing braces follow.
+    /// Adds to the object before the last `depth` closing braces.
     bool add(const std::string& member, std::size_t depth) {
         const std::size_t at = text.size() - depth;
         std::string next = text;
         next.insert(at, (text[at - 1] == '{' ? "" : ",") + member);
         while (next.size() + 2 > capacity) {
-            if (!grow(2 * capacity - 2) || jsonText::holdsControlCharacter(text)) return false;
+            if (!grow(2 * capacity - 2) || jsonText::containsControlCharacter(text)) return false;
         }
         text = next;
         return true;
@@ -100,8 +97,8 @@ struct Subject {
     Model model;
 };
 
-/// Printable, or such as is escaped; seldom another control character, which makes the text invalid; sometimes long, so
-/// that buffers grow.
+/// Returns printable and escaped characters; rarely another control character, which makes the text invalid; sometimes
+/// many, so that buffers grow.
 std::string takeText(FuzzedDataProvider& data) {
     const int repeats = data.ConsumeIntegralInRange(0, 7) == 0 ? data.ConsumeIntegralInRange(1, 600) : 0;
     std::string text = std::string(static_cast<std::size_t>(repeats), 'x') + data.ConsumeRandomLengthString(30);
@@ -118,7 +115,7 @@ void raise(FuzzedDataProvider& data, Subject& subject) {
     const std::string file = takeText(data);
     const std::string component = takeText(data);
     const auto line = data.ConsumeIntegral<std::int32_t>();
-    zuerr::RaiseInto(subject.record, code, constant.c_str(), {file.c_str(), line}, component.c_str());
+    zuerr::RaiseInto(subject.record, code, {constant.c_str(), {file.c_str(), line}, component.c_str()});
     Model& model = subject.model;
     if (model.code < 0) return;
     model.setCode(code);
@@ -130,36 +127,41 @@ void raise(FuzzedDataProvider& data, Subject& subject) {
 
 void append(FuzzedDataProvider& data, Subject& subject) {
     zuerr::JsonChain chain = zuerr::Append(subject.record);
-    bool goesOn = subject.model.begin();
+    bool complete = subject.model.begin();
     std::size_t depth = 1;
     for (int i = data.ConsumeIntegralInRange(1, 5); i > 0; --i) {
         const std::string key = takeText(data);
         std::string member = jsonText::quoted(key) + ":";
-        switch (data.ConsumeIntegralInRange(0, 3)) {
+        switch (data.ConsumeIntegralInRange(0, 4)) {
             case 0: {
                 const std::string value = takeText(data);
                 chain.AddString(key.c_str(), value.c_str());
-                goesOn = goesOn && subject.model.add(member + jsonText::quoted(value), depth);
+                complete = complete && subject.model.add(member + jsonText::quoted(value), depth);
                 break;
             }
             case 1: {
                 const auto value = data.ConsumeIntegral<std::int32_t>();
                 chain.AddInt(key.c_str(), value);
-                goesOn = goesOn && subject.model.add(member + std::to_string(value), depth);
+                complete = complete && subject.model.add(member + std::to_string(value), depth);
                 break;
             }
             case 2: {
                 const auto value = data.ConsumeIntegral<std::uint32_t>();
                 chain.AddUInt(key.c_str(), value);
-                goesOn = goesOn && subject.model.add(member + std::to_string(value), depth);
+                complete = complete && subject.model.add(member + std::to_string(value), depth);
                 break;
             }
+            case 3:
+                if (depth == 1) break;
+                chain.LeaveObject();
+                --depth;
+                break;
             default:
                 chain.EnterObject(key.c_str());
-                goesOn = goesOn && subject.model.add(member + "{}", depth++);
+                complete = complete && subject.model.add(member + "{}", depth++);
                 break;
         }
-        check((chain.cursor() != nullptr) == goesOn, "where the chain stops");
+        check((chain.cursor() != nullptr) == complete, "where the chain stops");
     }
 }
 
@@ -182,7 +184,6 @@ void checkSubject(const Subject& subject) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     FuzzedDataProvider data(bytes, size);
     grants = modelGrants = data.ConsumeIntegralInRange(0, 20);
-    lies = data.ConsumeBool();
     exact = data.ConsumeBool();
     std::array<Subject, 3> subjects{Subject(true), Subject(true), Subject(false)};
     while (data.remaining_bytes() > 0) {

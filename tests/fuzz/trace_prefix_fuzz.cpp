@@ -1,4 +1,4 @@
-// The trace prefix in every size of buffer, up to one that leaves room, against the same line put together with
+// The trace prefix in every size of buffer, up to one with room to spare, against the same line composed with
 // std::string.
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -25,7 +25,7 @@ std::string lastFourDigits(std::uint32_t line) {
 
 std::string takeText(FuzzedDataProvider& data) { return data.ConsumeRandomLengthString(50).c_str(); }
 
-/// More than the longest buffer holds is as good as that.
+/// Any larger depth fills the largest buffer, too.
 constexpr std::uint32_t deepest = 100;
 
 struct Line {
@@ -40,10 +40,10 @@ struct Line {
     }
 };
 
-void checkInBuffer(std::size_t room, const Line& line, const std::string& text, const nTrace::IndentationTable& table,
+void checkInBuffer(std::size_t room, const Line& line, const std::string& text, const nTrace::tIndentationTable& table,
                    std::uint32_t thread) {
     std::vector<char> buffer(room, '#');
-    const nTrace::Site site{line.file.c_str(), line.component.c_str(), line.number};
+    const nTrace::tSite site{line.file.c_str(), line.component.c_str(), line.number};
     const char* const end = nTrace::writePrefix(buffer.data(), room, site, table, thread);
 
     const std::string_view expected = std::string_view(text).substr(0, room - 1);
@@ -57,9 +57,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     FuzzedDataProvider data(bytes, size);
     Line line;
     line.number = data.ConsumeIntegral<std::uint32_t>();
-    nTrace::IndentationTable table{};
+    nTrace::tIndentationTable table{};
     const auto thread = data.ConsumeIntegralInRange<std::uint32_t>(0, 3);
-    // The first slot in use counts; filled from the back, it is the last one that this loop meets.
+    // The first slot in use counts: filled backwards, it is the last one in this loop.
     for (auto slot = table.rbegin(); slot != table.rend(); ++slot) {
         *slot = {data.ConsumeIntegralInRange<std::uint32_t>(0, 3), data.ConsumeIntegral<std::uint32_t>(),
                  data.ConsumeIntegralInRange<std::uint32_t>(0, 2)};
@@ -68,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     line.component = takeText(data);
     line.file = takeText(data);
-    // One byte of room for the zero, and some more than is needed unless the depth is beyond all measure.
+    // From one byte for the zero to more than is needed, unless the depth exceeds any buffer.
     const std::string text = line.text();
     const std::size_t largest = line.depth < deepest ? text.size() + 3 : text.size();
     for (std::size_t room = 1; room <= largest; ++room) checkInBuffer(room, line, text, table, thread);

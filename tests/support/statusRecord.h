@@ -22,25 +22,19 @@ class StatusRecordManager : public testing::Test {
 protected:
     StatusRecordManager() { requests.clear(); }
 
-    static bool remember(zuerr::StatusRecord& record, std::uint32_t capacity) {
+    static bool remember(zuerr::StatusRecord& record, std::uint32_t capacity) noexcept {
         requests.push_back(capacity);
         return zuerr::StatusRecord::reallocJsonDefault(record, capacity);
     }
 
     /// Releases, but gives nothing.
-    static bool refuse(zuerr::StatusRecord& record, std::uint32_t capacity) {
+    static bool refuse(zuerr::StatusRecord& record, std::uint32_t capacity) noexcept {
         requests.push_back(capacity);
         return capacity <= record.capacity && zuerr::StatusRecord::reallocJsonDefault(record, capacity);
     }
 
-    /// Gives what the default manager gives first and no more, but never says no.
-    static bool pretend(zuerr::StatusRecord& record, std::uint32_t capacity) {
-        if (capacity <= 512) return zuerr::StatusRecord::reallocJsonDefault(record, capacity);
-        return true;
-    }
-
     /// Gives exactly what it is asked for.
-    static bool exact(zuerr::StatusRecord& record, std::uint32_t capacity) {
+    static bool exact(zuerr::StatusRecord& record, std::uint32_t capacity) noexcept {
         if (capacity == 0) return zuerr::StatusRecord::reallocJsonDefault(record, 0);
         if (capacity <= record.capacity) return true;
         char* const buffer = static_cast<char*>(std::malloc(capacity));

@@ -62,7 +62,7 @@ TEST(MemoryOfErrors, RaisingIntoARecordKeepsTheCodeAndWholeMembers) {
     EXPECT_GT(
         sweepRecord("RaiseInto", -52008,
                     [](StatusRecord& record) {
-                        RaiseInto(record, -52008, longText().c_str(), {longText().c_str(), 217}, longText().c_str());
+                        RaiseInto(record, -52008, {longText().c_str(), {longText().c_str(), 217}, longText().c_str()});
                     }),
         4);
 }
@@ -79,7 +79,7 @@ TEST(MemoryOfErrors, AppendingKeepsTheCodeAndWholeMembers) {
 }
 
 TEST(MemoryOfErrors, AnotherManagersReportIsCopiedWholeOrNotAtAll) {
-    static constexpr auto ownManager = [](StatusRecord& record, std::uint32_t capacity) {
+    static constexpr auto ownManager = [](StatusRecord& record, std::uint32_t capacity) noexcept {
         return StatusRecord::reallocJsonDefault(record, capacity);
     };
     EXPECT_GT(sweepRecord("Copy", -7,
@@ -98,7 +98,7 @@ TEST(MemoryOfErrors, APlatformStatusIsConvertedWithItsCode) {
                           [](StatusRecord& record) {
                               PlatformStatus platform;
                               RaiseInto(platform, -52005, zuerr::hostComponent, {longText().c_str(), 134});
-                              Convert(platform, record);
+                              ConvertPlatformStatus(platform, record);
                           }),
               0);
 }
@@ -118,7 +118,7 @@ TEST(MemoryOfErrors, ARaisedExceptionHasItsCode) {
 TEST(MemoryOfErrors, AFailedRecordIsThrownWithItsCode) {
     const auto throws = [](tAttempt& attempt) {
         StatusRecord record;
-        RaiseInto(record, -52006, "constant", site, nullptr);
+        RaiseInto(record, -52006, {"constant", site, nullptr});
         attempt.operate([&] { zuerr::ThrowIfFailed(record); });
         EXPECT_EQ(attempt.code(), -52006);
         EXPECT_NE(attempt.report(), "") << "the record had it already";
@@ -142,7 +142,7 @@ TEST(MemoryOfErrors, AFailedPlatformStatusIsThrownWithItsCode) {
 TEST(MemoryOfErrors, ABlockThatCannotGrowStaysAndTheRecordSaysMinus52000) {
     const auto grows = [](tAttempt& attempt) {
         StatusRecord status;
-        zuerr::Buffer<std::int32_t> buffer;
+        zuerr::WideBuffer buffer;
         buffer.resize(4, status);
         *buffer.data() = 7;
         attempt.operate([&] { buffer.resize(100'000, status); });

@@ -65,7 +65,7 @@ void throwFromBelow(int levels) {
 
 void throwWithCode(std::int32_t code) {
     zuerr::ExceptionBase exception;
-    zuerr::RaiseInto(exception.record, code, "plugin", {"throwing", 8}, nullptr);
+    zuerr::RaiseInto(exception.record, code, {"plugin", {"throwing", 8}, nullptr});
     throw zuerr::ExceptionBase(exception);
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -10,47 +11,31 @@
 #include <vector>
 
 #include "tests/support/allocations.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/report.h"
 
 namespace {
 
+using support::caughtCode;
+using support::caughtReport;
+using support::whileUnwinding;
 using testing::ElementsAre;
 using testing::StrEq;
 using zuerr::CurrentExceptionCode;
 using zuerr::Exception;
 using zuerr::ExceptionBase;
 using zuerr::ExceptionIsPropagating;
+using zuerr::PlatformStatus;
 using zuerr::Raise;
-using zuerr::RaiseInto;
 using zuerr::StatusRecord;
 using zuerr::ThrowIfFailed;
 
-constexpr zuerr::RaiseSite site{".\\source\\tService", 217};
+constexpr zuerr::RaiseReport osFault{zuerr::osFault, {".\\source\\tService", 217}};
+constexpr zuerr::RaiseReport fileAndLine{nullptr, {"a", 1}, nullptr};
 
-/// What CurrentExceptionCode gives in a catch-all handler around the action.
-template <class Action>
-std::int32_t codeOf(Action action) {
-    try {
-        action();
-    } catch (...) {
-        return CurrentExceptionCode();
-    }
-    return 0;
-}
-
-/// Does something while an exception unwinds the stack.
-template <class Action>
-void whileUnwinding(Action action) {
-    struct Guard {
-        Action action;
-        ~Guard() { action(); }
-    };
-    try {
-        const Guard guard{action};
-        throw std::runtime_error("on its way");
-    } catch (const std::runtime_error& error) {
-        EXPECT_THAT(error.what(), StrEq("on its way"));
-    }
+/// A buffer manager that is not the default one.
+bool ownManager(StatusRecord& record, std::uint32_t capacity) noexcept {
+    return StatusRecord::reallocJsonDefault(record, capacity);
 }
 
 // The classes
@@ -65,24 +50,18 @@ TEST(Exception, IsVirtuallyBothAnExceptionBaseAndAStandardException) {
     EXPECT_EQ(static_cast<ExceptionBase*>(&joined), static_cast<ExceptionBase*>(static_cast<Exception*>(&joined)));
 }
 
-TEST(Exception, GivesItsReportThroughWhatAndThroughTheBasesAccessor) {
+TEST(Exception, ReturnsItsReportFromWhatAndFromTheBasesAccessor) {
     Exception exception;
-    RaiseInto(exception.record, -52008, "zukesterr_osFault", site, nullptr);
-    const std::exception& standard = exception;
-    const ExceptionBase& base = exception;
-    EXPECT_EQ(standard.what(), exception.record.json);
-    EXPECT_EQ(base.report(), exception.record.json);
-}
-
-TEST(Exception, WithoutAReportGivesAnEmptyObjectAsItsText) {
-    const Exception exception;
     EXPECT_EQ(exception.report(), nullptr);
     EXPECT_THAT(exception.what(), StrEq("{}"));
+    RaiseInto(exception.record, -52008, osFault);
+    EXPECT_EQ(static_cast<const std::exception&>(exception).what(), exception.record.json);
+    EXPECT_EQ(static_cast<const ExceptionBase&>(exception).report(), exception.record.json);
 }
 
-TEST(Exception, CopiedHandsItsReportToTheCopy) {
+TEST(Exception, MovesItsReportIntoACopy) {
     Exception original;
-    RaiseInto(original.record, -52008, "zukesterr_osFault", site, nullptr);
+    RaiseInto(original.record, -52008, osFault);
     const char* const text = original.record.json;
     const Exception copy(original);
     EXPECT_EQ(copy.record.code, -52008);
@@ -91,12 +70,11 @@ TEST(Exception, CopiedHandsItsReportToTheCopy) {
     EXPECT_EQ(original.report(), nullptr);
 }
 
-TEST(Exception, ReleasesItsReportThroughTheRecordsManager) {
+TEST(Exception, FreesItsReportThroughTheRecordsManager) {
     static std::vector<std::uint32_t> requests;
     {
         Exception exception;
-        exception.record.code = -1;
-        exception.record.reallocJson = [](StatusRecord& record, std::uint32_t capacity) {
+        exception.record.reallocJson = [](StatusRecord& record, std::uint32_t capacity) noexcept {
             requests.push_back(capacity);
             return StatusRecord::reallocJsonDefault(record, capacity);
         };
@@ -104,67 +82,80 @@ TEST(Exception, ReleasesItsReportThroughTheRecordsManager) {
     EXPECT_THAT(requests, ElementsAre(0));
 }
 
-TEST(Exception, IsDestroyedWholeThroughItsBase) {
+TEST(Exception, IsDestroyedCompletelyThroughItsBase) {
     auto* const exception = new Exception;
-    RaiseInto(exception->record, -1, "constant", site, nullptr);
+    RaiseInto(exception->record, -1, osFault);
     delete static_cast<ExceptionBase*>(exception);  // a leak checker judges
 }
 
 // Raise
 
 TEST(Raise, ThrowsTheCodeWithItsReport) {
-    try {
-        Raise({zuerr::osFault, site});
-        FAIL() << "nothing thrown";
-    } catch (const std::exception& exception) {
-        EXPECT_THAT(exception.what(), StrEq(R"({"error_constant":"zukesterr_osFault","file":".\\source\\tService",)"
-                                            R"("line":217,"component":"zuZiptraRemoteService"})"));
-        const auto members = report::parsed(exception.what());
-        EXPECT_EQ(members["file"], ".\\source\\tService");
-        EXPECT_TRUE(members["line"].is_number_integer());
-        EXPECT_EQ(dynamic_cast<const ExceptionBase&>(exception).record.code, -52008);
-    }
+    EXPECT_EQ(caughtReport([] { Raise(osFault); }),
+              R"(-52008 {"error_constant":"zukesterr_osFault","file":".\\source\\tService",)"
+              R"("line":217,"component":"zuZiptraRemoteService"})");
+    EXPECT_EQ(caughtReport([] { Raise(osFault, -7); }).substr(0, 3), "-7 ");
 }
 
 TEST(Raise, LeavesOutAConstantOrComponentThatIsNotGiven) {
+    EXPECT_EQ(caughtReport([] { Raise(fileAndLine, -7); }), R"(-7 {"file":"a","line":1})");
+}
+
+TEST(Raise, AcceptsEveryLine) {
+    for (const std::int32_t line : {std::numeric_limits<std::int32_t>::min(), -1, 0, 9, 10, 2'147'483'647}) {
+        EXPECT_EQ(caughtReport([&] {
+                      Raise({nullptr, {"a", line}, nullptr}, -7);
+                  }),
+                  R"(-7 {"file":"a","line":)" + std::to_string(line) + "}");
+    }
+}
+
+TEST(Raise, AcceptsTextsThatAreKnownOnlyAtRunTime) {
+    const std::string constant = "con\"stant";
+    const std::string file = "C:\\Ger\xC3\xA4t\n";
+    const std::string component(5, 'c');
+    EXPECT_EQ(caughtReport([&] {
+                  Raise({constant.c_str(), {file.c_str(), 1}, component.c_str()}, -7);
+              }),
+              R"(-7 {"error_constant":"con\"stant","file":"C:\\Ger)"
+              "\xC3\xA4t"
+              R"(\n","line":1,"component":"ccccc"})");
+}
+
+TEST(Raise, KeepsAPathOf300CharactersInOneBufferOf512Bytes) {
+    const std::string file(300, 'x');
     try {
-        Raise({nullptr, {"a", 1}, nullptr}, -7);
+        Raise({zuerr::osFault, {file.c_str(), 1}});
     } catch (const Exception& exception) {
-        EXPECT_EQ(exception.record.code, -7);
-        EXPECT_THAT(exception.what(), StrEq(R"({"file":"a","line":1})"));
+        EXPECT_EQ(exception.record.capacity, 512U);
+        EXPECT_EQ(report::parsed(exception.what())["file"], file);
+        EXPECT_EQ(report::parsed(exception.what()).size(), 4U);
     }
 }
 
 TEST(Raise, ThrowsTheCodeWhenThereIsNoMemoryForItsReport) {
-    std::int32_t code = 0;
-    bool hasReport = true;
-    try {
-        // The language's own memory for the thrown object is below this.
-        allocations::refused(512, [] { Raise({zuerr::osFault, site}); });
-    } catch (const Exception& exception) {
-        code = exception.record.code;
-        hasReport = exception.report() != nullptr;
-    }
-    EXPECT_EQ(code, -52008);
-    EXPECT_FALSE(hasReport);
+    std::string caught;
+    // The language's own memory for the thrown object is below this.
+    caught.reserve(100);
+    caught = caughtReport([] { allocations::refused(512, [] { Raise(osFault); }); });
+    EXPECT_EQ(caught, "-52008 {}");
 }
 
 TEST(Raise, ThrowsAnExceptionThatOutlivesAPointerToIt) {
     std::exception_ptr kept;
     try {
-        Raise({zuerr::osFault, site});
+        Raise(osFault);
     } catch (...) {
         kept = std::current_exception();
     }
-    EXPECT_EQ(codeOf([&] { std::rethrow_exception(kept); }), -52008);
-    EXPECT_EQ(codeOf([&] { std::rethrow_exception(kept); }), -52008);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(caughtCode([&] { std::rethrow_exception(kept); }), -52008);
 }
 
 // ThrowIfFailed
 
-TEST(ThrowIfFailed, ThrowsWhatTheRecordHoldsAndClearsIt) {
+TEST(ThrowIfFailed, ThrowsTheRecordsErrorWithItsReportAndClearsTheRecord) {
     StatusRecord record;
-    RaiseInto(record, -52008, "zukesterr_osFault", site, nullptr);
+    RaiseInto(record, -52008, fileAndLine);
     const char* const text = record.json;
     try {
         ThrowIfFailed(record);
@@ -177,18 +168,19 @@ TEST(ThrowIfFailed, ThrowsWhatTheRecordHoldsAndClearsIt) {
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST(ThrowIfFailed, ThrowsNothingForSuccessOrAWarningAndClearsTheRecord) {
-    StatusRecord record;
-    EXPECT_NO_THROW(ThrowIfFailed(record));
-    RaiseInto(record, 5, "warning", site, nullptr);
-    EXPECT_NO_THROW(ThrowIfFailed(record));
-    EXPECT_EQ(record.code, 0);
-    EXPECT_EQ(record.json, nullptr);
+TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingForSuccessAndForAWarning) {
+    for (const std::int32_t code : {0, 5}) {
+        StatusRecord record;
+        RaiseInto(record, code, fileAndLine);
+        EXPECT_NO_THROW(ThrowIfFailed(record));
+        EXPECT_EQ(record.code, 0);
+        EXPECT_EQ(record.json, nullptr);
+    }
 }
 
-TEST(ThrowIfFailed, DoesNotThrowOverAPropagatingExceptionButClearsTheRecord) {
+TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingOverAPropagatingException) {
     StatusRecord record;
-    RaiseInto(record, -52008, "zukesterr_osFault", site, nullptr);
+    RaiseInto(record, -52008, fileAndLine);
     whileUnwinding([&] { ThrowIfFailed(record); });
     EXPECT_EQ(record.code, 0);
     EXPECT_EQ(record.json, nullptr);
@@ -206,18 +198,28 @@ TEST(ThrowIfFailed, ThrowsInAHandler) {
 
 TEST(ThrowIfFailed, CopiesTheReportOfARecordWithItsOwnManager) {
     StatusRecord record;
-    record.reallocJson = [](StatusRecord& self, std::uint32_t capacity) {
-        return StatusRecord::reallocJsonDefault(self, capacity);
-    };
-    RaiseInto(record, -1, nullptr, {"a", 1}, nullptr);
-    try {
-        ThrowIfFailed(record);
-        FAIL() << "nothing thrown";
-    } catch (const Exception& exception) {
-        EXPECT_THAT(exception.what(), StrEq(R"({"file":"a","line":1})"));
-        EXPECT_EQ(exception.record.reallocJson, &StatusRecord::reallocJsonDefault);
-    }
+    record.reallocJson = ownManager;
+    RaiseInto(record, -1, fileAndLine);
+    EXPECT_EQ(caughtReport([&] { ThrowIfFailed(record); }), R"(-1 {"file":"a","line":1})");
     EXPECT_EQ(record.json, nullptr);
+}
+
+TEST(ThrowIfFailed, ThrowsAPlatformStatusConvertedAndClearsIt) {
+    PlatformStatus status;
+    RaiseInto(status, -52008, "quarks", {"a", 12});
+    EXPECT_EQ(caughtReport([&] { ThrowIfFailed(status); }), R"(-52008 {"file":"a","line":12,"component":"quarks"})");
+    EXPECT_EQ(status.code, 0);
+    EXPECT_THAT(status.file.data(), StrEq(""));
+}
+
+TEST(ThrowIfFailed, ClearsAPlatformStatusWithoutThrowingForSuccessAndForAWarningAndKeepsItsSize) {
+    for (const std::int32_t code : {0, 3}) {
+        PlatformStatus status{.size = 8};
+        RaiseInto(status, code, "quarks", {"a", 12});
+        EXPECT_NO_THROW(ThrowIfFailed(status));
+        EXPECT_EQ(status.code, 0);
+        EXPECT_EQ(status.size, 8U);
+    }
 }
 
 // ExceptionIsPropagating
@@ -236,31 +238,29 @@ TEST(ExceptionIsPropagating, IsTrueOnlyWhileTheStackIsUnwound) {
 TEST(ExceptionIsPropagating, IsNotChangedByForeignCallsThatThrowNothingOrThrowInOurOwnRuntime) {
     for (int i = 0; i < 3; ++i) {
         const zuerr::ForeignCall call;
-        EXPECT_EQ(codeOf([] { throw std::runtime_error("ours"); }), -52003);
+        EXPECT_EQ(caughtCode([] { throw std::runtime_error("ours"); }), -52003);
         EXPECT_FALSE(ExceptionIsPropagating());
     }
-    EXPECT_FALSE(ExceptionIsPropagating());
-    try {
-        const zuerr::ForeignCall call;
-        throw std::runtime_error("through the guard");
-    } catch (const std::runtime_error&) {
-        EXPECT_FALSE(ExceptionIsPropagating());
-    }
+    EXPECT_EQ(caughtCode([] {
+                  const zuerr::ForeignCall call;
+                  throw std::runtime_error("through the guard");
+              }),
+              -52003);
     EXPECT_FALSE(ExceptionIsPropagating());
     whileUnwinding([] { EXPECT_TRUE(ExceptionIsPropagating()); });
 }
 
 // CurrentExceptionCode
 
-TEST(CurrentExceptionCode, IsMinus52000ForABadAlloc) {
-    EXPECT_EQ(codeOf([] { throw std::bad_alloc(); }), -52000);
-    EXPECT_EQ(codeOf([] { throw std::bad_array_new_length(); }), -52000);
-}
-
-TEST(CurrentExceptionCode, IsTheCodeOfTheProgramsOwnExceptions) {
-    EXPECT_EQ(codeOf([] { Raise({zuerr::osFault, site}); }), -52008);
-    EXPECT_EQ(codeOf([] { Raise({"warning", site, nullptr}, 5); }), 5);
-    EXPECT_EQ(codeOf([] {
+TEST(CurrentExceptionCode, DependsOnTheTypeOfTheException) {
+    EXPECT_EQ(caughtCode([] { throw std::bad_alloc(); }), -52000);
+    EXPECT_EQ(caughtCode([] { throw std::bad_array_new_length(); }), -52000);
+    EXPECT_EQ(caughtCode([] { Raise(osFault); }), -52008);
+    EXPECT_EQ(caughtCode([] { Raise(osFault, 5); }), 5);
+    EXPECT_EQ(caughtCode([] { throw std::runtime_error("x"); }), -52003);
+    EXPECT_EQ(caughtCode([] { throw std::exception(); }), -52003);
+    EXPECT_EQ(caughtCode([] { throw std::bad_cast(); }), -52003);
+    EXPECT_EQ(caughtCode([] {
                   ExceptionBase base;
                   base.record.code = -3;
                   throw ExceptionBase(base);
@@ -268,25 +268,19 @@ TEST(CurrentExceptionCode, IsTheCodeOfTheProgramsOwnExceptions) {
               -3);
 }
 
-TEST(CurrentExceptionCode, IsMinus52003ForAnyOtherStandardException) {
-    EXPECT_EQ(codeOf([] { throw std::runtime_error("x"); }), -52003);
-    EXPECT_EQ(codeOf([] { throw std::exception(); }), -52003);
-    EXPECT_EQ(codeOf([] { throw std::bad_cast(); }), -52003);
-}
-
-TEST(CurrentExceptionCode, AsksForBadAllocFirst) {
+TEST(CurrentExceptionCode, ChecksForBadAllocFirst) {
     struct Both : std::bad_alloc, ExceptionBase {};
-    EXPECT_EQ(codeOf([] { throw Both(); }), -52000);
+    EXPECT_EQ(caughtCode([] { throw Both(); }), -52000);
 }
 
 TEST(CurrentExceptionCode, LetsAnExceptionOfAnyOtherTypeThrough) {
-    EXPECT_THROW(codeOf([] { throw 42; }), int);
+    EXPECT_THROW(caughtCode([] { throw 42; }), int);
     EXPECT_FALSE(ExceptionIsPropagating());
 }
 
 TEST(CurrentExceptionCode, LeavesTheHandledExceptionAsItIs) {
     try {
-        Raise({zuerr::osFault, site});
+        Raise(osFault);
     } catch (const Exception& exception) {
         const std::string before = exception.what();
         EXPECT_EQ(CurrentExceptionCode(), -52008);

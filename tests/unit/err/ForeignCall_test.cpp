@@ -8,22 +8,23 @@
 
 #include "err/Exception.h"
 #include "quarks/library.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/plugins.h"
 
 namespace {
 
+using support::whileUnwinding;
 using testing::StrEq;
-using zuerr::CurrentExceptionCode;
 using zuerr::ExceptionIsPropagating;
 using zuerr::ForeignCall;
 using zuerr::StatusRecord;
 
-class ForeignExceptions : public testing::Test {
+class ForeignCallTest : public testing::Test {
 protected:
     using tEntry = void (*)();
 
-    ForeignExceptions() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {}
-    ~ForeignExceptions() override { nLibrary::unload(library_, osError_); }
+    ForeignCallTest() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {}
+    ~ForeignCallTest() override { nLibrary::unload(library_, osError_); }
 
     template <class tFunction = tEntry>
     tFunction entry(const char* name) {
@@ -32,42 +33,22 @@ protected:
         return reinterpret_cast<tFunction>(address);
     }
 
-    /// Calls it as a plug-in is to be called.
+    /// Calls the entry as the host calls a plug-in.
     static std::int32_t codeOf(tEntry entry) {
         const ForeignCall guard;
-        try {
-            entry();
-        } catch (...) {
-            return CurrentExceptionCode();
-        }
-        return 0;
+        return support::caughtCode(entry);
     }
 
-    /// Whether ThrowIfFailed throws where nothing is propagating, and does not where something is.
-    static testing::AssertionResult failuresAreThrownRightly() {
-        StatusRecord failed;
-        failed.code = -1;
-        bool thrown = false;
-        try {
+    /// Returns whether ThrowIfFailed throws, as it must while nothing is propagating. While something is propagating
+    /// it must not: the program would end here.
+    static bool failuresAreThrown() {
+        const auto throwFailure = [] {
+            StatusRecord failed;
+            failed.code = -1;
             zuerr::ThrowIfFailed(failed);
-        } catch (const zuerr::Exception&) {
-            thrown = true;
-        }
-        if (!thrown) return testing::AssertionFailure() << "a failure is not thrown";
-
-        struct CleanUp {
-            ~CleanUp() {
-                StatusRecord record;
-                record.code = -2;
-                zuerr::ThrowIfFailed(record);  // were it to throw, the program would end here
-            }
         };
-        try {
-            const CleanUp cleanUp;
-            throw std::runtime_error("first");
-        } catch (const std::runtime_error&) {
-            return testing::AssertionSuccess();
-        }
+        whileUnwinding(throwFailure);
+        return support::caughtCode(throwFailure) == -1;
     }
 
 private:
@@ -75,31 +56,26 @@ private:
     nLibrary::tHandle library_;
 };
 
-TEST_F(ForeignExceptions, TakeFromOurRuntimesCountWhatTheirThrowDidNotAddToIt) {
+TEST_F(ForeignCallTest, IsNeededAsAForeignThrowIsMissingFromOurRuntimesCount) {
     const ForeignCall guard;
     const int before = std::uncaught_exceptions();
     EXPECT_THROW(entry("ThrowRuntimeError")(), std::runtime_error);
     EXPECT_EQ(std::uncaught_exceptions(), before - 1);
 }
 
-TEST_F(ForeignExceptions, HaveTheCodesOfOurOwn) {
-    EXPECT_EQ(codeOf(entry("ThrowRuntimeError")), -52003);
-    EXPECT_EQ(codeOf(entry("ThrowBadAlloc")), -52000);
-    EXPECT_EQ(codeOf(entry("ThrowOsFault")), -52008);
-}
-
-TEST_F(ForeignExceptions, LeaveFailuresToBeThrownRightlyHoweverManyThereWere) {
-    for (const char* name : {"ThrowRuntimeError", "ThrowBadAlloc", "ThrowOsFault"}) {
-        const tEntry thrower = entry(name);
+TEST_F(ForeignCallTest, KeepsPropagationRightAfterAnyNumberOfForeignExceptions) {
+    const std::pair<const char*, std::int32_t> throwers[] = {
+        {"ThrowRuntimeError", -52003}, {"ThrowBadAlloc", -52000}, {"ThrowOsFault", -52008}};
+    for (const auto& [name, code] : throwers) {
         for (int i = 0; i < 300; ++i) {
-            codeOf(thrower);
+            ASSERT_EQ(codeOf(entry(name)), code);
             ASSERT_FALSE(ExceptionIsPropagating());
-            ASSERT_TRUE(failuresAreThrownRightly());
+            ASSERT_TRUE(failuresAreThrown());
         }
     }
 }
 
-TEST_F(ForeignExceptions, CaughtInTheirOwnLibraryTakeNothing) {
+TEST_F(ForeignCallTest, CountsNothingForAnExceptionThatItsOwnLibraryCatches) {
     const auto catcher = entry<std::int32_t (*)()>("CatchOwnOsFault");
     const int before = std::uncaught_exceptions();
     {
@@ -107,30 +83,21 @@ TEST_F(ForeignExceptions, CaughtInTheirOwnLibraryTakeNothing) {
         EXPECT_EQ(catcher(), -52008);
     }
     EXPECT_EQ(std::uncaught_exceptions(), before);
-    EXPECT_TRUE(failuresAreThrownRightly());
+    EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignExceptions, HandledWhileOneOfOursPropagatesLeaveThatOnePropagating) {
-    struct CleanUp {
-        tEntry thrower;
-        ~CleanUp() {
-            EXPECT_TRUE(ExceptionIsPropagating());
-            EXPECT_EQ(codeOf(thrower), -52008);
-            EXPECT_TRUE(ExceptionIsPropagating());
+TEST_F(ForeignCallTest, LeavesAnExceptionOfOursPropagating) {
+    whileUnwinding([thrower = entry("ThrowOsFault")] {
+        EXPECT_TRUE(ExceptionIsPropagating());
+        for (int i = 0; i < 2; ++i) {
             EXPECT_EQ(codeOf(thrower), -52008);
             EXPECT_TRUE(ExceptionIsPropagating());
         }
-    };
-    try {
-        const CleanUp cleanUp{entry("ThrowOsFault")};
-        throw std::runtime_error("ours");
-    } catch (const std::runtime_error& error) {
-        EXPECT_THAT(error.what(), StrEq("ours"));
-    }
-    EXPECT_TRUE(failuresAreThrownRightly());
+    });
+    EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignExceptions, AreBookedOnceUnderNestedGuards) {
+TEST_F(ForeignCallTest, CountsAnExceptionOnceUnderNestedGuards) {
     {
         const ForeignCall outer;
         {
@@ -140,26 +107,24 @@ TEST_F(ForeignExceptions, AreBookedOnceUnderNestedGuards) {
         EXPECT_FALSE(ExceptionIsPropagating());
     }
     EXPECT_FALSE(ExceptionIsPropagating());
-    EXPECT_TRUE(failuresAreThrownRightly());
+    EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignExceptions, AreBookedOnTheirThread) {
-    const tEntry thrower = entry("ThrowRuntimeError");
-    std::thread other([thrower] {
+TEST_F(ForeignCallTest, CountsForEachThreadSeparately) {
+    std::thread([thrower = entry("ThrowRuntimeError")] {
         EXPECT_EQ(codeOf(thrower), -52003);
-        EXPECT_TRUE(failuresAreThrownRightly());
-    });
-    other.join();
-    EXPECT_TRUE(failuresAreThrownRightly());
+        EXPECT_TRUE(failuresAreThrown());
+    }).join();
+    EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignExceptions, GiveTheirReportToARecordOfOurs) {
+TEST_F(ForeignCallTest, LetsAForeignReportBeCopiedIntoARecordOfOurs) {
     const ForeignCall guard;
     StatusRecord record;
     try {
         entry("ThrowOsFault")();
     } catch (const zuerr::ExceptionBase& exception) {
-        // The report was made by another buffer manager, so it is copied and not handed over.
+        // Another buffer manager made the report, so it is copied and not moved.
         EXPECT_NE(exception.record.reallocJson, record.reallocJson);
         EXPECT_TRUE(Copy(record, exception.record));
         EXPECT_NE(exception.report(), nullptr);

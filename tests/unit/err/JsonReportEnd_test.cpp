@@ -9,7 +9,7 @@ namespace {
 
 using zuerr::FindEnd;
 
-/// The offset that FindEnd gives, -1 for null.
+/// The offset that FindEnd returns, -1 for null.
 std::ptrdiff_t endOf(std::string text) {
     const char* const end = FindEnd(text.data());
     return end == nullptr ? -1 : end - text.data();
@@ -32,7 +32,7 @@ TEST(FindEnd, IsTheClosingBraceOrBracketOfTheTopLevelContainer) {
     expectValid({"{}", "[]", R"({"a":1})", R"({"a":1,"b":2})", "[[],{},[[{}]]]", R"({"a":{"b":{"c":{}}},"d":[]})"});
 }
 
-TEST(FindEnd, IsNullForWhatBeginsWithNoBraceOrBracket) {
+TEST(FindEnd, IsNullForATextThatDoesNotBeginWithABraceOrBracket) {
     expectInvalid({"", "x", " {}", "1", "\"a\"", "true", "}", "]", "]]", "x]", "(]"});
 }
 
@@ -45,23 +45,23 @@ TEST(FindEnd, AllowsBlanksAroundTokens) {
     expectInvalid({"[\v]", "[1\f]", "{\"a\"\v:1}"});
 }
 
-TEST(FindEnd, WantsOneCommaBetweenValuesAndNoneElsewhere) {
+TEST(FindEnd, RequiresOneCommaBetweenValuesAndNoneElsewhere) {
     expectInvalid({"{,}", "[,]", "[,1]", "[1,]", "[1,,2]", "[1 2]", R"({"a":1,})", R"({"a":1 "b":2})", R"(["a":1])"});
 }
 
-TEST(FindEnd, WantsAStringAndAColonBeforeEachValueOfAnObject) {
+TEST(FindEnd, RequiresAStringAndAColonBeforeEachValueOfAnObject) {
     expectInvalid({R"({"a"})", R"({"a" 1})", R"({"a"::1})", R"({"a":})", "{a:1}", "{1:1}", "{[]:1}", "{:1}"});
 }
 
-TEST(FindEnd, TakesNoOtherByteForTheQuoteThatBeginsAKey) {
+TEST(FindEnd, AcceptsNoOtherByteAsTheQuoteThatBeginsAKey) {
     expectInvalid({R"({x":1})", R"({'a":1})", R"({":1})", R"({"a":1,b":2})"});
 }
 
-TEST(FindEnd, TakesNoOtherByteForTheColon) { expectInvalid({R"({"a",1})", R"({"a"=1})", R"({"a" "1"})"}); }
+TEST(FindEnd, AcceptsNoOtherByteAsTheColon) { expectInvalid({R"({"a",1})", R"({"a"=1})", R"({"a" "1"})"}); }
 
-TEST(FindEnd, ReadsNoBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])"}); }
+TEST(FindEnd, IgnoresBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])"}); }
 
-TEST(FindEnd, KnowsEightEscapesAndFourHexadecimalDigits) {
+TEST(FindEnd, AcceptsEightEscapesAndFourHexadecimalDigits) {
     expectValid({R"(["\"\/\\\b\f\n\r\t"])", R"(["\u00e9\uABCD\u0000\u9f9F"])"});
     expectInvalid({R"(["\x"])", R"(["\v"])", R"(["\u12g4"])", R"(["\u123"])", R"(["\u"])", R"(["\U1234"])"});
 }
@@ -81,13 +81,13 @@ TEST(FindEnd, IsNullForAStringThatDoesNotEnd) {
     expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", "[\"a\\\"", "[\"\\u", "[\"\\u12", "['a']"});
 }
 
-TEST(FindEnd, ReadsNothingBehindTheTerminatorOfATextThatEndsInAnEscape) {
+TEST(FindEnd, ReadsNothingPastTheTerminatorOfATextThatEndsInAnEscape) {
     using std::string_literals::operator""s;
     EXPECT_EQ(endOf("[\"\\\0\"]"s), -1);
     EXPECT_EQ(endOf("[\"\\u123\0\"]"s), -1);
 }
 
-TEST(FindEnd, AcceptsLeadingZerosALoneMinusSignAndMissingDigitsBehindPointOrExponentSign) {
+TEST(FindEnd, AcceptsLeadingZerosALoneMinusSignAndMissingDigitsAfterPointOrExponentSign) {
     expectValid({"[007]", "[-007]", "[-]", "[1.]", "[-.5]", "[-.]", "[1e+]", "[1E-]"});
 }
 

@@ -5,6 +5,8 @@
 
 #include <limits>
 #include <string>
+#include <type_traits>
+#include <vector>
 
 #include "tests/support/report.h"
 
@@ -21,79 +23,56 @@ using zuerr::JsonChain;
 
 // Members and their order
 
-TEST(JsonReport, AppendsAtTheClosingBraceInTheOrderOfWriting) {
-    Buffer buffer(512, "{}");
-    char* cursor = AddString(buffer.end(), "error_constant", "zukesterr_osFault");
-    cursor = AddString(cursor, "file", "a.cpp");
-    EXPECT_THAT(buffer.text(), StrEq(R"({"error_constant":"zukesterr_osFault","file":"a.cpp"})"));
-    EXPECT_EQ(cursor, buffer.end());
+/// The text after a number is written into it at the offset, counted from the end if negative. An array element has no
+/// key.
+std::string inserted(const std::string& text, int offset) {
+    Buffer buffer(512, text.c_str());
+    char* const cursor = buffer.text() + offset + (offset < 0 ? static_cast<int>(text.size()) : 0);
+    const bool inArray = text.find('"') == std::string::npos && text.find('{') == std::string::npos;
+    EXPECT_NE(AddInt(cursor, inArray ? nullptr : "k", 9), nullptr);
     EXPECT_TRUE(buffer.wellLaidOut());
+    return buffer.text();
 }
 
-TEST(JsonReport, AppendsBehindWhatIsThereWhenTheEndIsLookedUpAgain) {
-    Buffer buffer(512, "{}");
-    AddInt(buffer.end(), "a", 1);
-    AddInt(buffer.end(), "b", 2);
-    EXPECT_THAT(buffer.text(), StrEq(R"({"a":1,"b":2})"));
+TEST(JsonReport, AppendsAtTheClosingBrace) {
+    EXPECT_EQ(inserted("{}", -1), R"({"k":9})");
+    EXPECT_EQ(inserted(R"({"a":1})", -1), R"({"a":1,"k":9})");
+    EXPECT_EQ(inserted("[[]]", -1), "[[],9]");
 }
 
 TEST(JsonReport, PrependsAtTheOpeningBrace) {
-    Buffer buffer(512, "{}");
-    AddInt(buffer.text(), "second", 2);
-    AddInt(buffer.text(), "first", 1);
-    EXPECT_THAT(buffer.text(), StrEq(R"({"first":1,"second":2})"));
+    EXPECT_EQ(inserted("{}", 0), R"({"k":9})");
+    EXPECT_EQ(inserted(R"({"a":1})", 0), R"({"k":9,"a":1})");
+    EXPECT_EQ(inserted("[[]]", 0), "[9,[]]");
 }
 
-TEST(JsonReport, KeepsTheOrderOfAChainThatBeganAtTheOpeningBrace) {
-    Buffer buffer(512, R"({"last":0})");
-    char* cursor = AddInt(buffer.text(), "a", 1);
+TEST(JsonReport, InsertsAfterAValueInTheMiddle) {
+    EXPECT_EQ(inserted(R"({"a":1,"c":3})", 6), R"({"a":1,"k":9,"c":3})");
+    EXPECT_EQ(inserted(R"([{"a":1}])", -2), R"([{"a":1,"k":9}])");
+}
+
+TEST(JsonReport, IgnoresBlanksWhenItDecidesAboutTheComma) {
+    EXPECT_EQ(inserted("{ \t\r\n}", 0), "{\"k\":9 \t\r\n}");
+    EXPECT_EQ(inserted("[ \t\r\n]", -1), "[ \t\r\n9]");
+    EXPECT_EQ(inserted("{\"a\":1 \n}", -1), "{\"a\":1 \n,\"k\":9}");
+}
+
+TEST(JsonReport, WritesNoCommaAtTheEndOfTheText) {
+    EXPECT_EQ(inserted("", 0), "9");
+    EXPECT_EQ(inserted("[", 0), "[9");
+}
+
+TEST(JsonReport, KeepsTheOrderOfWritesAtTheReturnedCursors) {
+    Buffer atEnd(512, "{}");
+    char* cursor = AddString(atEnd.end(), "error_constant", "zukesterr_osFault");
+    cursor = AddString(cursor, "file", "a.cpp");
+    EXPECT_THAT(atEnd.text(), StrEq(R"({"error_constant":"zukesterr_osFault","file":"a.cpp"})"));
+    EXPECT_EQ(cursor, atEnd.end());
+    Buffer atStart(512, R"({"last":0})");
+    cursor = AddInt(atStart.text(), "a", 1);
     cursor = AddInt(cursor, "b", 2);
     AddInt(cursor, "c", 3);
-    EXPECT_THAT(buffer.text(), StrEq(R"({"a":1,"b":2,"c":3,"last":0})"));
-}
-
-TEST(JsonReport, InsertsBehindAValueInTheMiddle) {
-    Buffer buffer(512, R"({"a":1,"c":3})");
-    AddInt(buffer.text() + std::strlen(R"({"a":1)"), "b", 2);
-    EXPECT_THAT(buffer.text(), StrEq(R"({"a":1,"b":2,"c":3})"));
-}
-
-TEST(JsonReport, NeedsNoCommaInAnEmptyContainerThatHoldsBlanks) {
-    Buffer atStart(512, "{ \t\r\n}");
-    AddInt(atStart.text(), "a", 1);
-    EXPECT_EQ(report::parsed(atStart.text()), report::parsed(R"({"a":1})"));
-    Buffer atEnd(512, "[ \t\r\n]");
-    AddInt(atEnd.end(), nullptr, 1);
-    EXPECT_EQ(report::parsed(atEnd.text()), report::parsed("[1]"));
-}
-
-TEST(JsonReport, WritesACommaAfterBlanksBehindAMember) {
-    Buffer buffer(512, "{\"a\":1 \n}");
-    AddInt(buffer.end(), "b", 2);
-    EXPECT_EQ(report::parsed(buffer.text()), report::parsed(R"({"a":1,"b":2})"));
-}
-
-TEST(JsonReport, WritesACommaBeforeAContainerOfTheOtherKind) {
-    Buffer buffer(512, "[[]]");
-    AddInt(buffer.text(), nullptr, 1);
-    EXPECT_THAT(buffer.text(), StrEq("[1,[]]"));
-    AddInt(buffer.end(), nullptr, 2);
-    EXPECT_THAT(buffer.text(), StrEq("[1,[],2]"));
-}
-
-TEST(JsonReport, WritesACommaInTheLastContainerOfAnother) {
-    Buffer buffer(512, R"([{"a":1}])");
-    AddInt(buffer.end() - 1, "b", 2);
-    EXPECT_THAT(buffer.text(), StrEq(R"([{"a":1,"b":2}])"));
-}
-
-TEST(JsonReport, NeedsNoCommaAtTheEndOfTheText) {
-    Buffer empty(64, "");
-    AddInt(empty.text(), nullptr, 7);
-    EXPECT_THAT(empty.text(), StrEq("7"));
-    Buffer opened(64, "[");
-    AddInt(opened.text(), nullptr, 7);
-    EXPECT_THAT(opened.text(), StrEq("[7"));
+    EXPECT_THAT(atStart.text(), StrEq(R"({"a":1,"b":2,"c":3,"last":0})"));
 }
 
 TEST(JsonReport, WritesArrayElementsWithoutAKey) {
@@ -115,7 +94,7 @@ TEST(JsonReport, FillsANestedObjectWithoutACommaBeforeItsFirstMember) {
     EXPECT_TRUE(buffer.wellLaidOut());
 }
 
-TEST(JsonReport, PassesANullCursorThrough) {
+TEST(JsonReport, ReturnsANullCursorAsItIs) {
     EXPECT_EQ(AddString(nullptr, "a", "b"), nullptr);
     EXPECT_EQ(AddInt(nullptr, "a", 1), nullptr);
     EXPECT_EQ(AddUInt(nullptr, "a", 1), nullptr);
@@ -157,16 +136,7 @@ TEST(JsonReport, EscapesKeysLikeValues) {
     EXPECT_THAT(buffer.text(), StrEq(R"({"a\\\"":"b"})"));
 }
 
-TEST(JsonReport, CountsTwoExtraBytesForAQuoteAndABackslash) {
-    constexpr std::size_t needed = sizeof(R"("k":"\"\\")") - 1;
-    Buffer tooSmall = Buffer::withRoom(needed - 1, "{}");
-    EXPECT_EQ(AddString(tooSmall.end(), "k", "\"\\"), nullptr);
-    Buffer exact = Buffer::withRoom(needed, "{}");
-    EXPECT_NE(AddString(exact.end(), "k", "\"\\"), nullptr);
-    EXPECT_THAT(exact.text(), StrEq(R"({"k":"\"\\"})"));
-}
-
-TEST(JsonReport, GivesBackNonAsciiTextThroughAnotherReader) {
+TEST(JsonReport, WritesTextThatAnotherReaderReadsBack) {
     const std::string value = "C:\\Gerät\\部署\n\"x\"";
     Buffer buffer(512, "{}");
     AddString(buffer.end(), "file", value.c_str());
@@ -174,6 +144,8 @@ TEST(JsonReport, GivesBackNonAsciiTextThroughAnotherReader) {
 }
 
 // Room
+
+static_assert(std::is_nothrow_invocable_v<JsonChain::Grow, void*, const char*>);
 
 /// Every kind of member, each in a container where it needs a comma and in one where it needs none.
 struct Member {
@@ -184,7 +156,7 @@ struct Member {
 
 class JsonReportRoom : public testing::TestWithParam<Member> {};
 
-TEST_P(JsonReportRoom, KeepsTheTextByteForByteWhenTheRoomIsOneByteShort) {
+TEST_P(JsonReportRoom, KeepsTheTextByteForByteWhenTheRoomIsTooSmall) {
     const std::size_t needed = std::strlen(GetParam().text);
     for (const char* before : {"{}", "{\"a\":1}"}) {
         const std::size_t comma = std::strlen(before) > 2 ? 1 : 0;
@@ -200,33 +172,27 @@ TEST_P(JsonReportRoom, KeepsTheTextByteForByteWhenTheRoomIsOneByteShort) {
 
 TEST_P(JsonReportRoom, FitsExactlyIntoTheRoomThatItNeeds) {
     const std::string member = GetParam().text;
-    Buffer alone = Buffer::withRoom(member.size(), "{}");
-    const char* behind = GetParam().add(alone.end());
-    EXPECT_EQ(alone.text(), "{" + member + "}");
-    EXPECT_EQ(behind, alone.end());
-    EXPECT_TRUE(alone.wellLaidOut());
-
-    Buffer second = Buffer::withRoom(member.size() + 1, "{\"a\":1}");
-    behind = GetParam().add(second.end());
-    EXPECT_EQ(second.text(), "{\"a\":1," + member + "}");
-    EXPECT_EQ(behind, second.end());
-    EXPECT_TRUE(second.wellLaidOut());
-
-    Buffer first = Buffer::withRoom(member.size() + 1, "{\"a\":1}");
-    behind = GetParam().add(first.text());
-    EXPECT_EQ(first.text(), "{" + member + ",\"a\":1}");
-    EXPECT_EQ(behind, first.text() + 1 + member.size());
-    EXPECT_TRUE(first.wellLaidOut());
+    const auto expectWritten = [&](const std::string& before, bool atEnd, std::size_t comma, const std::string& after,
+                                   std::size_t cursor) {
+        Buffer buffer = Buffer::withRoom(member.size() + comma, before.c_str());
+        const char* const next = GetParam().add(atEnd ? buffer.end() : buffer.text());
+        EXPECT_EQ(buffer.text(), after);
+        EXPECT_EQ(next, buffer.text() + cursor);
+        EXPECT_TRUE(buffer.wellLaidOut());
+    };
+    expectWritten("{}", true, 0, "{" + member + "}", 1 + member.size());
+    expectWritten("{\"a\":1}", true, 1, "{\"a\":1," + member + "}", 7 + member.size());
+    expectWritten("{\"a\":1}", false, 1, "{" + member + ",\"a\":1}", 1 + member.size());
 }
 
 INSTANTIATE_TEST_SUITE_P(
     All, JsonReportRoom,
-    testing::Values(Member{"String", [](char* cursor) { return AddString(cursor, "k", "a\nb"); }, R"("k":"a\nb")"},
-                    Member{"EmptyString", [](char* cursor) { return AddString(cursor, "", ""); }, R"("":"")"},
-                    Member{"Int", [](char* cursor) { return AddInt(cursor, "k", -12); }, R"("k":-12)"},
-                    Member{"UInt", [](char* cursor) { return AddUInt(cursor, "k", 4'000'000'000); },
-                           R"("k":4000000000)"},
-                    Member{"Object", [](char* cursor) { return AddObject(cursor, "k"); }, R"("k":{})"}),
+    testing::Values(
+        Member{"String", [](char* cursor) { return AddString(cursor, "k", "a\n\"\\"); }, R"("k":"a\n\"\\")"},
+        Member{"EmptyString", [](char* cursor) { return AddString(cursor, "", ""); }, R"("":"")"},
+        Member{"Int", [](char* cursor) { return AddInt(cursor, "k", -12); }, R"("k":-12)"},
+        Member{"UInt", [](char* cursor) { return AddUInt(cursor, "k", 4'000'000'000); }, R"("k":4000000000)"},
+        Member{"Object", [](char* cursor) { return AddObject(cursor, "k"); }, R"("k":{})"}),
     [](const auto& member) { return member.param.name; });
 
 TEST(JsonReport, RejectsInABufferOf512BytesWhatFitsAfterDoubling) {
@@ -245,7 +211,7 @@ TEST(JsonReport, RejectsInABufferOf512BytesWhatFitsAfterDoubling) {
 
 // CopyText
 
-TEST(CopyText, ReplacesTheTextAndStampsFillAndSentinel) {
+TEST(CopyText, ReplacesTheTextAndWritesFillAndSentinel) {
     Buffer buffer(16, R"({"a":12345})");
     EXPECT_TRUE(CopyText(buffer.text(), 16, "{}"));
     EXPECT_THAT(buffer.text(), StrEq("{}"));
@@ -260,14 +226,14 @@ TEST(CopyText, NeedsTheTextItsTerminatorAndTheSentinel) {
     EXPECT_EQ(bytes, (std::vector<char>{'{', '}', 0, 'J', '#', '#', '#', '#'}));
 }
 
-TEST(CopyText, StampsBehindTheTextThatIsThereWhenGivenNone) {
+TEST(CopyText, KeepsThePresentTextWhenGivenNone) {
     std::vector<char> bytes{'[', ']', 0, 'x', 'y', 'z'};
     EXPECT_TRUE(CopyText(bytes.data(), 6, nullptr));
     EXPECT_EQ(bytes, (std::vector<char>{'[', ']', 0, 0, 0, 'J'}));
     EXPECT_FALSE(CopyText(bytes.data(), 3, nullptr));
 }
 
-TEST(CopyText, HoldsAnEmptyTextInTwoBytes) {
+TEST(CopyText, StoresAnEmptyTextInTwoBytes) {
     std::vector<char> bytes(2, '#');
     EXPECT_FALSE(CopyText(bytes.data(), 1, ""));
     EXPECT_TRUE(CopyText(bytes.data(), 2, ""));
@@ -276,20 +242,20 @@ TEST(CopyText, HoldsAnEmptyTextInTwoBytes) {
 
 // JsonChain
 
-TEST(JsonChain, WritesMembersInOrderAndTellsWhereItStands) {
+TEST(JsonChain, WritesMembersInOrderAndReturnsItsCursor) {
     Buffer buffer(512, "{}");
     JsonChain chain(buffer.end(), nullptr, nullptr);
     chain.AddString("s", "text").AddInt("i", -1).AddUInt("u", 1).EnterObject("o");
     EXPECT_THAT(buffer.text(), StrEq(R"({"s":"text","i":-1,"u":1,"o":{}})"));
     EXPECT_THAT(chain.cursor(), StrEq("}}"));
-    chain.AddInt("x", 1).AddInt("y", 2);
-    EXPECT_THAT(buffer.text(), StrEq(R"({"s":"text","i":-1,"u":1,"o":{"x":1,"y":2}})"));
+    chain.AddInt("x", 1).AddInt("y", 2).LeaveObject().EnterObject("p").LeaveObject().AddInt("z", 3);
+    EXPECT_THAT(buffer.text(), StrEq(R"({"s":"text","i":-1,"u":1,"o":{"x":1,"y":2},"p":{},"z":3})"));
 }
 
-TEST(JsonChain, LeavesOutTheMemberThatDoesNotFitAndEveryLaterOneWhenItCannotGrow) {
+TEST(JsonChain, LeavesOutTheMemberThatDoesNotFitAndEveryLaterOneIfItCannotGrow) {
     Buffer buffer = Buffer::withRoom(10, "{}");
     JsonChain chain(buffer.end(), nullptr, nullptr);
-    chain.AddInt("a", 1).AddString("b", "too long for ten").AddInt("c", 3).EnterObject("d");
+    chain.AddInt("a", 1).AddString("b", "too long for ten").AddInt("c", 3).EnterObject("d").LeaveObject();
     EXPECT_THAT(buffer.text(), StrEq(R"({"a":1})"));
     EXPECT_EQ(chain.cursor(), nullptr);
 }
@@ -301,7 +267,7 @@ struct Growth {
     int steps;
     int calls = 0;
 
-    static char* grow(void* argument, const char* cursor) {
+    static char* grow(void* argument, const char* cursor) noexcept {
         Growth& self = *static_cast<Growth*>(argument);
         if (self.calls == self.steps) return nullptr;
         ++self.calls;
@@ -311,7 +277,7 @@ struct Growth {
     }
 };
 
-TEST(JsonChain, GrowsAsOftenAsAMemberNeedsAndGoesOnAtTheSamePlace) {
+TEST(JsonChain, GrowsAsOftenAsAMemberNeedsAndContinuesAtTheSamePlace) {
     Growth growth{Buffer::withRoom(0, "{}"), 5, 100};
     JsonChain chain(growth.buffer.end(), Growth::grow, &growth);
     chain.AddString("long", "0123456789012345678901234567890").EnterObject("o").AddInt("x", 1);
@@ -329,7 +295,7 @@ TEST(JsonChain, StopsForGoodWhenGrowingFails) {
     EXPECT_EQ(growth.calls, 2);
 }
 
-TEST(JsonChain, BegunAtANullCursorWritesNothingAndAsksForNothing) {
+TEST(JsonChain, WritesNothingAndDoesNotGrowFromANullCursor) {
     Growth growth{Buffer::withRoom(9, "{}"), 4, 2};
     JsonChain chain(nullptr, Growth::grow, &growth);
     chain.AddString("a", "b").AddInt("c", 1).AddUInt("d", 1).EnterObject("e");

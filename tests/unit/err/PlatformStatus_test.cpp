@@ -3,24 +3,38 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <limits>
 #include <string>
+#include <vector>
 
-#include "err/Exception.h"
 #include "tests/support/allocations.h"
 #include "tests/support/report.h"
 
 namespace {
 
 using testing::StrEq;
-using zuerr::Convert;
 using zuerr::PlatformStatus;
 using zuerr::RaiseInto;
+using zuerr::RaiseSite;
 using zuerr::StatusRecord;
 
-constexpr zuerr::RaiseSite site{".\\quarks\\library", 12};
+constexpr RaiseSite site{".\\quarks\\library", 12};
 
-TEST(PlatformStatus, IsFreshWithSuccessAndTheFullSize) {
+PlatformStatus raised(std::int32_t code, const char* component, const RaiseSite& raiseSite) {
+    PlatformStatus status;
+    RaiseInto(status, code, component, raiseSite);
+    return status;
+}
+
+/// Code and report of the record that a platform status is converted into.
+std::string converted(const PlatformStatus& platform) {
+    StatusRecord record;
+    ConvertPlatformStatus(platform, record);
+    return std::to_string(record.code) + " " + (record.json == nullptr ? "none" : record.json);
+}
+
+TEST(PlatformStatus, IsInitiallySuccessOfTheFullSize) {
     const PlatformStatus status;
     EXPECT_EQ(status.size, 208U);
     EXPECT_EQ(status.code, 0);
@@ -33,7 +47,7 @@ TEST(PlatformStatus, IsFreshWithSuccessAndTheFullSize) {
 
 // Raising
 
-TEST(PlatformStatus, TakesCodeComponentFileAndLine) {
+TEST(PlatformStatus, TakesCodeComponentFileAndLineAndResetsTheExtension) {
     PlatformStatus status;
     status.extension = 42;
     RaiseInto(status, -52008, "quarks", site);
@@ -46,46 +60,30 @@ TEST(PlatformStatus, TakesCodeComponentFileAndLine) {
 }
 
 TEST(PlatformStatus, CutsAComponentToNineCharacters) {
-    PlatformStatus status;
-    RaiseInto(status, -1, "ninechars", site);
-    EXPECT_THAT(status.component.data(), StrEq("ninechars"));
-    status = {};
-    RaiseInto(status, -1, "zuZiptraRemoteService", site);
-    EXPECT_THAT(status.component.data(), StrEq("zuZiptraR"));
+    EXPECT_THAT(raised(-1, "ninechars", site).component.data(), StrEq("ninechars"));
+    EXPECT_THAT(raised(-1, "zuZiptraRemoteService", site).component.data(), StrEq("zuZiptraR"));
 }
 
-TEST(PlatformStatus, KeepsAPathOf100Characters) {
-    const std::string path = std::string(99, 'x') + "y";
-    PlatformStatus status;
-    RaiseInto(status, -1, "", {path.c_str(), 1});
-    EXPECT_EQ(status.file.data(), path);
-}
-
-TEST(PlatformStatus, ShortensALongerPathInTheMiddle) {
+TEST(PlatformStatus, CutsTheMiddleOutOfAPathOfMoreThan100Characters) {
+    const std::string whole = std::string(99, 'x') + "y";
+    EXPECT_EQ(raised(-1, "", {whole.c_str(), 1}).file.data(), whole);
     for (const std::size_t middle : {3, 4, 1000}) {
         const std::string first = std::string(48, 'a') + "b";
         const std::string last = "c" + std::string(48, 'd');
         const std::string path = first + std::string(middle, 'm') + last;
-        PlatformStatus status;
-        RaiseInto(status, -1, "", {path.c_str(), 1});
-        EXPECT_EQ(status.file.data(), first + ".." + last);
+        EXPECT_EQ(raised(-1, "", {path.c_str(), 1}).file.data(), first + ".." + last);
     }
 }
 
-TEST(PlatformStatus, LetsTheFirstErrorWin) {
-    PlatformStatus status;
-    RaiseInto(status, -1, "first", {"a", 1});
+TEST(PlatformStatus, KeepsTheFirstError) {
+    PlatformStatus status = raised(-1, "first", {"a", 1});
     RaiseInto(status, -2, "second", {"b", 2});
     RaiseInto(status, 3, "third", {"c", 3});
-    EXPECT_EQ(status.code, -1);
-    EXPECT_THAT(status.component.data(), StrEq("first"));
-    EXPECT_THAT(status.file.data(), StrEq("a"));
-    EXPECT_EQ(status.line, 1);
+    EXPECT_EQ(converted(status), R"(-1 {"file":"a","line":1,"component":"first"})");
 }
 
-TEST(PlatformStatus, ReplacesAWarningByAnErrorAndItsLongerTexts) {
-    PlatformStatus status;
-    RaiseInto(status, 3, "warning", {"long/file/name", 3});
+TEST(PlatformStatus, ReplacesAWarningByAnErrorAndClearsItsLongerTexts) {
+    PlatformStatus status = raised(3, "warning", {"long/file/name", 3});
     RaiseInto(status, -1, "err", {"a", 1});
     EXPECT_EQ(status.code, -1);
     EXPECT_EQ(status.component, (decltype(status.component){'e', 'r', 'r'}));
@@ -93,7 +91,7 @@ TEST(PlatformStatus, ReplacesAWarningByAnErrorAndItsLongerTexts) {
     EXPECT_EQ(status.line, 1);
 }
 
-TEST(PlatformStatus, OfADeclaredSizeBelow208TakesTheCodeOnly) {
+TEST(PlatformStatus, TakesOnlyTheCodeIfItsDeclaredSizeIsBelow208) {
     PlatformStatus status{.size = 207};
     RaiseInto(status, -1, "component", site);
     EXPECT_EQ(status.code, -1);
@@ -104,147 +102,94 @@ TEST(PlatformStatus, OfADeclaredSizeBelow208TakesTheCodeOnly) {
 
 // Conversion
 
-TEST(ConvertPlatformStatus, WritesFileLineAndComponent) {
-    PlatformStatus platform;
-    RaiseInto(platform, -52008, "zuZiptraRemoteService", site);
-    StatusRecord record;
-    Convert(platform, record);
-    EXPECT_EQ(record.code, -52008);
-    EXPECT_THAT(record.json, StrEq(R"({"file":".\\quarks\\library","line":12,"component":"zuZiptraR"})"));
-}
-
-TEST(ConvertPlatformStatus, DoesNothingForSuccess) {
-    PlatformStatus platform;
-    RaiseInto(platform, 0, "component", site);
-    StatusRecord record;
-    Convert(platform, record);
-    EXPECT_EQ(record.code, 0);
-    EXPECT_EQ(record.json, nullptr);
-}
-
-TEST(ConvertPlatformStatus, CarriesTheSmallestWarning) {
-    PlatformStatus platform;
-    RaiseInto(platform, 1, "component", site);
-    StatusRecord record;
-    Convert(platform, record);
-    EXPECT_EQ(record.code, 1);
-}
-
-TEST(ConvertPlatformStatus, DoesNothingWhenTheRecordRefusesTheCode) {
-    PlatformStatus platform;
-    RaiseInto(platform, -52008, "component", site);
-    StatusRecord record;
-    record.code = -1;
-    Convert(platform, record);
-    EXPECT_EQ(record.code, -1);
-    EXPECT_EQ(record.json, nullptr);
-}
-
-TEST(ConvertPlatformStatus, CarriesTheCodeOnlyForADeclaredSizeBelow208) {
-    PlatformStatus platform;
-    RaiseInto(platform, -1, "component", site);
-    platform.size = 207;
-    StatusRecord record;
-    Convert(platform, record);
-    EXPECT_EQ(record.code, -1);
-    EXPECT_EQ(record.json, nullptr);
+TEST(ConvertPlatformStatus, WritesFileLineAndComponentForAnErrorAndForAWarning) {
+    for (const std::int32_t code : {-52008, 1, 3}) {
+        EXPECT_EQ(converted(raised(code, "zuZiptraRemoteService", site)),
+                  std::to_string(code) + R"( {"file":".\\quarks\\library","line":12,"component":"zuZiptraR"})");
+    }
 }
 
 TEST(ConvertPlatformStatus, LeavesOutFileAndLineWithoutAFileAndAnEmptyComponent) {
-    PlatformStatus platform;
-    RaiseInto(platform, -1, "component", {"", 12});
-    StatusRecord withoutFile;
-    Convert(platform, withoutFile);
-    EXPECT_THAT(withoutFile.json, StrEq(R"({"component":"component"})"));
-
-    platform = {};
-    RaiseInto(platform, -1, "", {"a", 12});
-    StatusRecord withoutComponent;
-    Convert(platform, withoutComponent);
-    EXPECT_THAT(withoutComponent.json, StrEq(R"({"file":"a","line":12})"));
+    EXPECT_EQ(converted(raised(-1, "component", {"", 12})), R"(-1 {"component":"component"})");
+    EXPECT_EQ(converted(raised(-1, "", {"a", 12})), R"(-1 {"file":"a","line":12})");
 }
 
-TEST(ConvertPlatformStatus, CarriesAWarning) {
-    PlatformStatus platform;
-    RaiseInto(platform, 3, "c", {"a", 12});
-    StatusRecord record;
-    Convert(platform, record);
-    EXPECT_EQ(record.code, 3);
-    EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":12,"component":"c"})"));
-}
+TEST(ConvertPlatformStatus, DoesNothingForSuccess) { EXPECT_EQ(converted(raised(0, "component", site)), "0 none"); }
 
-TEST(ConvertPlatformStatus, FitsTheLongestMembersThatThereAre) {
-    PlatformStatus platform;
-    RaiseInto(platform, std::numeric_limits<std::int32_t>::min(), "\"\"\"\"\"\"\"\"\"",
-              {std::string(100, '\\').c_str(), std::numeric_limits<std::int32_t>::min()});
+TEST(ConvertPlatformStatus, DoesNothingIfTheRecordRefusesTheCode) {
     StatusRecord record;
-    Convert(platform, record);
-    const auto members = report::parsed(record.json);
-    EXPECT_EQ(members["file"], std::string(100, '\\'));
-    EXPECT_EQ(members["line"], std::numeric_limits<std::int32_t>::min());
-    EXPECT_EQ(members["component"], "\"\"\"\"\"\"\"\"\"");
-    EXPECT_EQ(record.capacity, 512U);
-}
-
-TEST(ConvertPlatformStatus, MakesSureOf258BytesOfRoomBeforeEachMember) {
-    static std::vector<std::uint32_t> requests;
-    static std::vector<std::size_t> lengths;
-    StatusRecord record;
-    record.reallocJson = [](StatusRecord& self, std::uint32_t capacity) {
-        // The writer makes sure of an empty report before each member as well.
-        if (capacity > 4) {
-            requests.push_back(capacity);
-            lengths.push_back(self.json == nullptr ? 2 : std::strlen(self.json));
-        }
-        return StatusRecord::reallocJsonDefault(self, capacity);
-    };
-    PlatformStatus platform;
-    RaiseInto(platform, -1, "component", site);
-    Convert(platform, record);
-    ASSERT_EQ(requests.size(), 3U);
-    // Text, terminator, room, sentinel.
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(requests[i], lengths[i] + 1 + 258 + 1);
-}
-
-TEST(ConvertPlatformStatus, KeepsTheCodeWhenMemoryRunsOut) {
-    PlatformStatus platform;
-    RaiseInto(platform, -52008, "component", site);
-    StatusRecord record;
-    allocations::refused(0, [&] { Convert(platform, record); });
-    EXPECT_EQ(record.code, -52008);
+    record.code = -1;
+    ConvertPlatformStatus(raised(-52008, "component", site), record);
+    EXPECT_EQ(record.code, -1);
     EXPECT_EQ(record.json, nullptr);
 }
 
-// Throwing
+TEST(ConvertPlatformStatus, CarriesOnlyTheCodeForADeclaredSizeBelow208) {
+    PlatformStatus platform = raised(-1, "component", site);
+    platform.size = 207;
+    EXPECT_EQ(converted(platform), "-1 none");
+}
 
-TEST(ThrowIfFailedPlatformStatus, ThrowsTheConvertedErrorAndClearsTheRecord) {
-    PlatformStatus status;
-    RaiseInto(status, -52008, "quarks", site);
-    try {
-        zuerr::ThrowIfFailed(status);
-        FAIL() << "nothing thrown";
-    } catch (const zuerr::Exception& exception) {
-        EXPECT_EQ(exception.record.code, -52008);
-        EXPECT_THAT(exception.what(), StrEq(R"({"file":".\\quarks\\library","line":12,"component":"quarks"})"));
+TEST(ConvertPlatformStatus, HasRoomForTheLongestMembersInABufferOf512Bytes) {
+    const std::string file(100, '\\');
+    const auto line = std::numeric_limits<std::int32_t>::min();
+    StatusRecord record;
+    ConvertPlatformStatus(raised(line, R"(""""""""")", {file.c_str(), line}), record);
+    const auto members = report::parsed(record.json);
+    EXPECT_EQ(members["file"], file);
+    EXPECT_EQ(members["line"], line);
+    EXPECT_EQ(members["component"], R"(""""""""")");
+    EXPECT_EQ(record.capacity, 512U);
+}
+
+/// A manager that grants as many requests as the test allows, and what it was asked for.
+struct tManager {
+    inline static std::vector<std::uint32_t> requests;
+    inline static std::vector<std::size_t> lengths;
+    inline static std::size_t refused = 0;  ///< the number of the request that is refused, counted from 1
+
+    static bool realloc(StatusRecord& record, std::uint32_t capacity) noexcept {
+        // The writer itself makes sure of an empty report before each member.
+        if (capacity > 4) {
+            requests.push_back(capacity);
+            lengths.push_back(record.json == nullptr ? 2 : std::strlen(record.json));
+            if (requests.size() == refused) return false;
+        }
+        return StatusRecord::reallocJsonDefault(record, capacity);
     }
-    EXPECT_EQ(status.code, 0);
-    EXPECT_THAT(status.file.data(), StrEq(""));
+
+    static std::string convertedWithRefusal(std::size_t number) {
+        requests.clear();
+        lengths.clear();
+        refused = number;
+        StatusRecord record;
+        record.reallocJson = realloc;
+        ConvertPlatformStatus(raised(-1, "component", {"a", 12}), record);
+        return record.json == nullptr ? "none" : record.json;
+    }
+};
+
+TEST(ConvertPlatformStatus, MakesSureOf258BytesOfRoomBeforeEachMember) {
+    EXPECT_EQ(tManager::convertedWithRefusal(0), R"({"file":"a","line":12,"component":"component"})");
+    ASSERT_EQ(tManager::requests.size(), 3U);
+    // Text, terminator, room, sentinel.
+    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(tManager::requests[i], tManager::lengths[i] + 1 + 258 + 1);
 }
 
-TEST(ThrowIfFailedPlatformStatus, ThrowsNothingForAWarningOrSuccess) {
-    PlatformStatus status;
-    EXPECT_NO_THROW(zuerr::ThrowIfFailed(status));
-    RaiseInto(status, 3, "quarks", site);
-    EXPECT_NO_THROW(zuerr::ThrowIfFailed(status));
-    EXPECT_EQ(status.code, 0);
+TEST(ConvertPlatformStatus, WritesNoMemberAfterARefusedGrowth) {
+    EXPECT_EQ(tManager::convertedWithRefusal(1), "none");
+    EXPECT_EQ(tManager::requests.size(), 1U);
+    EXPECT_EQ(tManager::convertedWithRefusal(2), R"({"file":"a"})");
+    EXPECT_EQ(tManager::requests.size(), 2U);
+    EXPECT_EQ(tManager::convertedWithRefusal(3), R"({"file":"a","line":12})");
 }
 
-TEST(ThrowIfFailedPlatformStatus, KeepsTheDeclaredSize) {
-    PlatformStatus status{.size = 8};
-    RaiseInto(status, 3, "quarks", site);
-    zuerr::ThrowIfFailed(status);
-    EXPECT_EQ(status.size, 8U);
-    EXPECT_EQ(status.code, 0);
+TEST(ConvertPlatformStatus, KeepsTheCodeWhenMemoryRunsOut) {
+    const PlatformStatus platform = raised(-52008, "component", site);
+    StatusRecord record;
+    allocations::refused(0, [&] { ConvertPlatformStatus(platform, record); });
+    EXPECT_EQ(record.code, -52008);
+    EXPECT_EQ(record.json, nullptr);
 }
 
 }  // namespace

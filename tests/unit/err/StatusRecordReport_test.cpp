@@ -1,9 +1,8 @@
-// What is written into a record: raising, appending, and the growth of the report.
+// The report in a record: raising, appending, and the growth of the buffer.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "err/StatusRecord.h"
 #include "tests/support/allocations.h"
@@ -17,59 +16,74 @@ using testing::ElementsAre;
 using testing::StrEq;
 using zuerr::Append;
 using zuerr::RaiseInto;
+using zuerr::RaiseReport;
 using zuerr::StatusRecord;
 
-constexpr zuerr::RaiseSite site{".\\source\\tService", 217};
+constexpr RaiseReport osFault{zuerr::osFault, {".\\source\\tService", 217}};
+constexpr const char* osFaultText = R"({"error_constant":"zukesterr_osFault","file":".\\source\\tService",)"
+                                    R"("line":217,"component":"zuZiptraRemoteService"})";
+constexpr RaiseReport fileAndLine{nullptr, {"a", -7}, nullptr};
 
-TEST(RaiseInto, WritesConstantFileLineAndComponentInThisOrder) {
+class StatusRecordReport : public StatusRecordManager {};
+
+// RaiseInto
+
+TEST_F(StatusRecordReport, ContainsConstantFileLineAndComponentInThisOrder) {
     StatusRecord record;
-    RaiseInto(record, -52008, "zukesterr_osFault", site, "zuZiptraRemoteService");
+    RaiseInto(record, -52008, osFault);
     EXPECT_EQ(record.code, -52008);
-    EXPECT_THAT(record.json, StrEq(R"({"error_constant":"zukesterr_osFault","file":".\\source\\tService",)"
-                                   R"("line":217,"component":"zuZiptraRemoteService"})"));
-    EXPECT_EQ(report::parsed(record.json)["file"], ".\\source\\tService");
+    EXPECT_THAT(record.json, StrEq(osFaultText));
     EXPECT_EQ(record.capacity, 512U);
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST(RaiseInto, LeavesOutAConstantOrComponentThatIsNotGiven) {
-    StatusRecord record;
-    RaiseInto(record, -1, nullptr, {"a", -7}, nullptr);
-    EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":-7})"));
+TEST_F(StatusRecordReport, OmitsAConstantOrComponentThatIsNotGiven) {
+    const std::pair<RaiseReport, const char*> rows[] = {
+        {fileAndLine, R"({"file":"a","line":-7})"},
+        {{"b", {"a", 1}, nullptr}, R"({"error_constant":"b","file":"a","line":1})"},
+        {{nullptr, {"", 0}}, R"({"file":"","line":0,"component":"zuZiptraRemoteService"})"}};
+    for (const auto& [raised, text] : rows) {
+        StatusRecord record;
+        RaiseInto(record, -1, raised);
+        EXPECT_THAT(record.json, StrEq(text));
+        EXPECT_EQ(raised.code, 0);
+    }
 }
 
-TEST(RaiseInto, DoesNothingWhenTheRecordHoldsAnError) {
+TEST_F(StatusRecordReport, IsNotWrittenIntoARecordThatContainsAnError) {
     StatusRecord record;
     record.code = -1;
-    RaiseInto(record, -2, "constant", site, nullptr);
+    RaiseInto(record, -2, osFault).AddInt("a", 1);
     EXPECT_EQ(record.code, -1);
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST(RaiseInto, ReplacesAWarningAndItsReport) {
+TEST_F(StatusRecordReport, ReplacesThatOfAWarningByThatOfAnErrorOnly) {
     StatusRecord record;
-    RaiseInto(record, 5, "warning", site, nullptr);
-    EXPECT_EQ(record.code, 5);
-    RaiseInto(record, -1, nullptr, {"a", 1}, nullptr);
+    RaiseInto(record, 5, osFault);
+    RaiseInto(record, -1, fileAndLine);
     EXPECT_EQ(record.code, -1);
-    EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":1})"));
+    EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":-7})"));
+    EXPECT_TRUE(wellLaidOut(record));
+
+    StatusRecord warned;
+    RaiseInto(warned, 5, fileAndLine);
+    RaiseInto(warned, 6, fileAndLine);
+    EXPECT_EQ(warned.code, 5);
+    EXPECT_THAT(warned.json, StrEq(R"({"file":"a","line":-7,"file":"a","line":-7})"));
 }
 
-TEST(RaiseInto, KeepsAPathOf300CharactersInOneBufferOf512Bytes) {
+TEST_F(StatusRecordReport, TakesFurtherMembersThroughTheRaisesChain) {
     StatusRecord record;
-    const std::string file(300, 'x');
-    RaiseInto(record, -52008, "zukesterr_osFault", {file.c_str(), 1}, "zuZiptraRemoteService");
-    EXPECT_EQ(record.capacity, 512U);
-    const auto members = report::parsed(record.json);
-    EXPECT_EQ(members.size(), 4U);
-    EXPECT_EQ(members["file"], file);
+    RaiseInto(record, -1, fileAndLine).EnterObject("b").AddInt("c", 1).LeaveObject().AddUInt("d", 2);
+    EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":-7,"b":{"c":1},"d":2})"));
 }
 
-TEST_F(StatusRecordManager, IsAskedFor1022BytesWhenAReportNeedsMoreThan512) {
+TEST_F(StatusRecordReport, AsksFor1022BytesIfItNeedsMoreThan512) {
     StatusRecord record;
     record.reallocJson = remember;
     const std::string file(500, 'x');
-    RaiseInto(record, -52008, "zukesterr_osFault", {file.c_str(), 1}, "zuZiptraRemoteService");
+    RaiseInto(record, -52008, {zuerr::osFault, {file.c_str(), 1}});
     EXPECT_THAT(requests, ElementsAre(4, 1022));
     EXPECT_EQ(record.capacity, 1024U);
     const auto members = report::parsed(record.json);
@@ -78,60 +92,60 @@ TEST_F(StatusRecordManager, IsAskedFor1022BytesWhenAReportNeedsMoreThan512) {
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST_F(StatusRecordManager, IsAskedAgainUntilALongMemberFits) {
+TEST_F(StatusRecordReport, GrowsUntilALongMemberFits) {
     StatusRecord record;
     record.reallocJson = remember;
     const std::string file(3000, '\\');
-    RaiseInto(record, -1, nullptr, {file.c_str(), 1}, nullptr);
+    RaiseInto(record, -1, {nullptr, {file.c_str(), 1}, nullptr});
     EXPECT_THAT(requests, ElementsAre(4, 1022, 2046, 4094, 8190));
     EXPECT_EQ(report::parsed(record.json)["file"], file);
 }
 
-TEST_F(StatusRecordManager, MayGiveNoByteMoreThanItIsAskedFor) {
+TEST_F(StatusRecordReport, IsCompleteIfTheManagerGrantsExactlyWhatItIsAskedFor) {
     StatusRecord record;
     record.reallocJson = exact;
-    RaiseInto(record, -52008, "zukesterr_osFault", site, "zuZiptraRemoteService");
-    EXPECT_EQ(report::parsed(record.json).size(), 4U);
+    RaiseInto(record, -52008, osFault);
+    EXPECT_THAT(record.json, StrEq(osFaultText));
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST(RaiseInto, LeavesOutTheMemberThatMemoryIsMissingForAndEveryLaterOne) {
+TEST_F(StatusRecordReport, EndsBeforeTheFirstMemberForWhichThereIsNoMemory) {
     StatusRecord record;
     const std::string file(500, 'x');
-    const int refusals = allocations::refused(1024, [&] {
-        RaiseInto(record, -52008, "zukesterr_osFault", {file.c_str(), 1}, "zuZiptraRemoteService");
-    });
-    EXPECT_EQ(refusals, 1);
+    EXPECT_EQ(allocations::refused(1024,
+                                   [&] {
+                                       RaiseInto(record, -52008, {zuerr::osFault, {file.c_str(), 1}}).AddInt("a", 1);
+                                   }),
+              1);
     EXPECT_EQ(record.code, -52008);
     EXPECT_THAT(record.json, StrEq(R"({"error_constant":"zukesterr_osFault"})"));
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST(RaiseInto, KeepsTheCodeWhenThereIsNoMemoryForAnyReport) {
+TEST_F(StatusRecordReport, IsMissingIfThereIsNoMemoryForABuffer) {
     StatusRecord record;
-    allocations::refused(0, [&] { RaiseInto(record, -52008, "zukesterr_osFault", site, nullptr); });
+    EXPECT_EQ(allocations::refused(0, [&] { RaiseInto(record, -52008, osFault); }), 1);
     EXPECT_EQ(record.code, -52008);
     EXPECT_EQ(record.json, nullptr);
 }
 
-// Appending and growth
+// Append
 
-TEST(Append, StartsAReportWhereThereIsNone) {
+TEST_F(StatusRecordReport, IsStartedByAppendIfThereIsNone) {
     StatusRecord record;
     Append(record).AddInt("a", 1);
     EXPECT_THAT(record.json, StrEq(R"({"a":1})"));
     EXPECT_EQ(record.code, 0);
 }
 
-TEST(Append, GoesOnBehindTheMembersThatAreThere) {
+TEST_F(StatusRecordReport, IsContinuedByAppend) {
     StatusRecord record;
-    RaiseInto(record, -52006, "kestStatusResourceNotFound", {"zutolq\\stdpath", 232}, nullptr);
-    Append(record).EnterObject("internal_error").AddString("api", "win32").AddUInt("code", 2);
-    EXPECT_THAT(record.json, StrEq(R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath",)"
-                                   R"("line":232,"internal_error":{"api":"win32","code":2}})"));
+    RaiseInto(record, -1, fileAndLine);
+    Append(record).EnterObject("b").AddString("c", "d");
+    EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":-7,"b":{"c":"d"}})"));
 }
 
-TEST(Append, KeepsItsPlaceInANestedObjectWhenTheBufferMoves) {
+TEST_F(StatusRecordReport, KeepsTheChainsPlaceInANestedObjectWhenTheBufferMoves) {
     StatusRecord record;
     const std::string text(600, 'x');
     Append(record).AddInt("a", 1).EnterObject("o").AddInt("b", 2).AddString("c", text.c_str()).AddInt("d", 4);
@@ -140,7 +154,7 @@ TEST(Append, KeepsItsPlaceInANestedObjectWhenTheBufferMoves) {
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST(Append, LeavesATextThatIsNoJsonAsItIs) {
+TEST_F(StatusRecordReport, StaysAsItIsIfItIsNotJson) {
     StatusRecord record;
     record.reallocJson(record, 1);
     zuerr::CopyText(record.json, record.capacity, "no JSON");
@@ -148,7 +162,7 @@ TEST(Append, LeavesATextThatIsNoJsonAsItIs) {
     EXPECT_THAT(record.json, StrEq("no JSON"));
 }
 
-TEST(Append, DropsTheMemberWhenTheGrownTextIsNoLongerValid) {
+TEST_F(StatusRecordReport, TakesNoFurtherMemberIfItIsNotValidAfterGrowth) {
     // The writer copies control characters unchanged; the validator, which runs after each growth, refuses them.
     StatusRecord record;
     const std::string text(600, 'x');
@@ -157,57 +171,24 @@ TEST(Append, DropsTheMemberWhenTheGrownTextIsNoLongerValid) {
     EXPECT_EQ(record.capacity, 1024U);
 }
 
-TEST_F(StatusRecordManager, IsNotAskedForEverWhenItSaysYesAndGivesNothing) {
-    StatusRecord record;
-    record.reallocJson = pretend;
-    const std::string text(600, 'x');
-    Append(record).AddInt("a", 1).AddString("b", text.c_str()).AddInt("c", 1);
-    EXPECT_THAT(record.json, StrEq(R"({"a":1})"));
-}
-
-TEST(RaiseInto, KeepsTheCodeAloneWhenTheManagerSaysYesAndGivesNothing) {
-    StatusRecord record;
-    record.reallocJson = [](StatusRecord& /*self*/, std::uint32_t /*capacity*/) { return true; };
-    RaiseInto(record, -52008, "zukesterr_osFault", site, "zuZiptraRemoteService");
-    EXPECT_EQ(record.code, -52008);
-    EXPECT_EQ(record.json, nullptr);
-}
-
-TEST(RaiseInto, KeepsTheCodeOfAReadyReportWhenTheManagerSaysYesAndGivesNothing) {
-    StatusRecord record;
-    record.reallocJson = [](StatusRecord& /*self*/, std::uint32_t /*capacity*/) { return true; };
-    RaiseInto(record, -52008, {zuerr::osFault, {".\\source\\tService", 217}});
-    EXPECT_EQ(record.code, -52008);
-    EXPECT_EQ(record.json, nullptr);
-}
-
-TEST(Append, WritesNothingIntoABufferWithoutRoomForTheMarker) {
-    std::string buffer("{}\0\0\0\0\0\0\0\0\0\0J", 13);
-    StatusRecord record;
-    record.reallocJson = [](StatusRecord& /*self*/, std::uint32_t /*capacity*/) { return true; };
-    record.json = buffer.data();
-    record.capacity = 3;  // what lies behind is somebody else's
-    Append(record).AddInt("a", 1);
-    EXPECT_EQ(buffer, std::string("{}\0\0\0\0\0\0\0\0\0\0J", 13));
-}
-
-TEST_F(StatusRecordManager, IsAskedForTwiceTheCapacityLess2UpToAgainst2Gigabytes) {
+TEST_F(StatusRecordReport, DoublesItsBufferUpToTwoGigabytes) {
     const auto requestsAt = [](std::uint32_t capacity) {
         StatusRecord record;
         record.reallocJson(record, 4);
         zuerr::CopyText(record.json, 4, "{}");
         record.reallocJson = refuse;
-        record.capacity = capacity;  // a claim: the sentinel stands right behind the text, so there is no room
+        record.capacity = capacity;  // a claim: the sentinel is directly after the text, so there is no room
         requests.clear();
         Append(record).AddInt("a", 1);
         EXPECT_THAT(record.json, StrEq("{}"));
         return requests;
     };
+    EXPECT_THAT(requestsAt(4), ElementsAre(4, 6));
     EXPECT_THAT(requestsAt(512), ElementsAre(4, 1022));
     EXPECT_THAT(requestsAt(0x40000000), ElementsAre(4, 0x7FFFFFFE));
-    EXPECT_THAT(requestsAt(0x40000001), ElementsAre(4));
-    EXPECT_THAT(requestsAt(0x80000000), ElementsAre(4));
-    EXPECT_THAT(requestsAt(0xFFFFFFFF), ElementsAre(4));
+    for (const std::uint32_t capacity : {0x40000001U, 0x80000000U, 0x80000002U, 0xFFFFFFFFU}) {
+        EXPECT_THAT(requestsAt(capacity), ElementsAre(4)) << capacity;
+    }
 }
 
 }  // namespace

@@ -1,14 +1,14 @@
+// The record's code and buffer. For its report see StatusRecordReport_test.cpp.
 #include "err/StatusRecord.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "tests/support/allocations.h"
 #include "tests/support/statusRecord.h"
@@ -26,37 +26,46 @@ using zuerr::RaiseInto;
 using zuerr::SetCode;
 using zuerr::StatusRecord;
 
-constexpr zuerr::RaiseSite site{".\\source\\tService", 217};
+static_assert(std::is_nothrow_invocable_v<StatusRecord::ReallocJson, StatusRecord&, std::uint32_t>);
 
-// The record itself
+constexpr zuerr::RaiseReport anyReport{"constant", {".\\source\\tService", 217}, nullptr};
 
-TEST(StatusRecord, IsFreshWithSuccessAndNoReport) {
+class StatusRecordTest : public StatusRecordManager {
+protected:
+    /// A buffer of this size without room for an empty report.
+    static void giveBuffer(StatusRecord& record, std::uint32_t capacity) {
+        record.json = static_cast<char*>(std::calloc(capacity, 1));
+        record.json[capacity - 1] = zuerr::jsonSentinel;
+        record.capacity = capacity;
+    }
+};
+
+TEST_F(StatusRecordTest, IsInitiallySuccessWithoutAReport) {
     const StatusRecord record;
     EXPECT_EQ(record.code, 0);
     EXPECT_EQ(record.capacity, 0U);
     EXPECT_EQ(record.json, nullptr);
     EXPECT_EQ(record.reallocJson, &StatusRecord::reallocJsonDefault);
-    EXPECT_FALSE(record.failed());
 }
 
-TEST(StatusRecord, HasFailedOnlyWithANegativeCode) {
-    StatusRecord record;
-    record.code = 1;
-    EXPECT_FALSE(record.failed());
-    record.code = -1;
-    EXPECT_TRUE(record.failed());
+TEST_F(StatusRecordTest, HasFailedOnlyWithANegativeCode) {
+    for (const std::int32_t code : {-1, 0, 1}) {
+        StatusRecord record;
+        record.code = code;
+        EXPECT_EQ(record.failed(), code < 0);
+    }
 }
 
-TEST(StatusRecord, ClearedHoldsSuccessAndNoBuffer) {
+TEST_F(StatusRecordTest, ContainsSuccessAndNoBufferOnceCleared) {
     StatusRecord record;
-    RaiseInto(record, -52008, "zukesterr_osFault", site, nullptr);
+    RaiseInto(record, -52008, anyReport);
     Clear(record);
     EXPECT_EQ(record.code, 0);
     EXPECT_EQ(record.capacity, 0U);
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST_F(StatusRecordManager, IsAskedForNothingWhenTheRecordIsClearedOrGoes) {
+TEST_F(StatusRecordTest, FreesItsBufferThroughItsManagerWhenClearedAndWhenDestroyed) {
     {
         StatusRecord record;
         record.reallocJson = remember;
@@ -68,140 +77,89 @@ TEST_F(StatusRecordManager, IsAskedForNothingWhenTheRecordIsClearedOrGoes) {
 
 // SetCode
 
-TEST(SetCode, LetsTheFirstErrorWin) {
-    StatusRecord record;
-    EXPECT_TRUE(SetCode(record, -52008));
-    EXPECT_FALSE(SetCode(record, -52026));
-    EXPECT_FALSE(SetCode(record, 5));
-    EXPECT_FALSE(SetCode(record, 0));
-    EXPECT_EQ(record.code, -52008);
+TEST_F(StatusRecordTest, TakesACodeThatOutranksThePresentOne) {
+    // The present code, the new one, and whether it is taken.
+    const std::tuple<std::int32_t, std::int32_t, bool> rows[] = {
+        {0, 0, false},  {0, 1, true},   {0, -1, true},  {5, 0, false},     {5, 6, false},          {1, -1, true},
+        {-1, 0, false}, {-1, 1, false}, {-1, 5, false}, {5, -52005, true}, {-52008, -52026, false}};
+    for (const auto& [present, code, taken] : rows) {
+        StatusRecord record;
+        record.code = present;
+        EXPECT_EQ(SetCode(record, code), taken) << present << ", " << code;
+        EXPECT_EQ(record.code, taken ? code : present);
+        EXPECT_EQ(record.json, nullptr);
+    }
 }
 
-TEST(SetCode, ReplacesAWarningByAnErrorOnly) {
+TEST_F(StatusRecordTest, ResetsItsReportIfTheCodeIsTaken) {
     StatusRecord record;
-    EXPECT_TRUE(SetCode(record, 5));
-    EXPECT_FALSE(SetCode(record, 6));
-    EXPECT_FALSE(SetCode(record, 0));
-    EXPECT_EQ(record.code, 5);
-    EXPECT_TRUE(SetCode(record, -52005));
-    EXPECT_EQ(record.code, -52005);
-}
-
-TEST(SetCode, ReplacesTheSmallestWarningByTheSmallestError) {
-    StatusRecord record;
-    EXPECT_TRUE(SetCode(record, 1));
-    EXPECT_TRUE(SetCode(record, -1));
-    EXPECT_EQ(record.code, -1);
-}
-
-TEST(SetCode, RefusesSuccessOverSuccess) {
-    StatusRecord record;
-    EXPECT_FALSE(SetCode(record, 0));
-    EXPECT_EQ(record.code, 0);
-}
-
-TEST(SetCode, ResetsTheReportWhenTheCodeIsTaken) {
-    StatusRecord record;
-    RaiseInto(record, 5, "warning", site, nullptr);
+    RaiseInto(record, 5, anyReport);
     EXPECT_TRUE(SetCode(record, -52005));
     EXPECT_THAT(record.json, StrEq("{}"));
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST(SetCode, KeepsTheReportWhenTheCodeIsRefused) {
+TEST_F(StatusRecordTest, KeepsItsReportIfTheCodeIsRefused) {
     StatusRecord record;
-    RaiseInto(record, -52008, "first", site, nullptr);
+    RaiseInto(record, -52008, anyReport);
     const std::string before = record.json;
     EXPECT_FALSE(SetCode(record, -52005));
     EXPECT_EQ(record.json, before);
 }
 
-TEST(SetCode, TakesTheCodeWithoutABuffer) {
-    StatusRecord record;
-    EXPECT_TRUE(SetCode(record, -1));
-    EXPECT_EQ(record.json, nullptr);
-}
-
-TEST_F(StatusRecordManager, IsAskedForThreeBytesWhenTheBufferIsTooSmallForAnEmptyReport) {
+TEST_F(StatusRecordTest, AsksForThreeBytesIfItsBufferIsTooSmallForAnEmptyReport) {
     StatusRecord record;
     record.reallocJson = remember;
-    record.json = static_cast<char*>(std::calloc(2, 1));
-    record.json[1] = zuerr::jsonSentinel;
-    record.capacity = 2;
+    giveBuffer(record, 2);
     EXPECT_TRUE(SetCode(record, -1));
     EXPECT_THAT(requests, ElementsAre(3));
     EXPECT_THAT(record.json, StrEq("{}"));
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST_F(StatusRecordManager, MayGiveNoMoreThanTheThreeBytesOfAnEmptyReport) {
-    StatusRecord record;
-    record.reallocJson = exact;
-    record.json = static_cast<char*>(std::calloc(2, 1));
-    record.capacity = 2;
-    EXPECT_TRUE(SetCode(record, -1));
-    EXPECT_EQ(record.capacity, 3U);
-    EXPECT_THAT(record.json, StrEq("{}"));
-}
-
-TEST_F(StatusRecordManager, IsAskedForNothingWhenTheBufferIsJustLargeEnoughForAnEmptyReport) {
-    StatusRecord record;
-    record.reallocJson = remember;
-    record.json = static_cast<char*>(std::calloc(3, 1));
-    record.capacity = 3;
-    EXPECT_TRUE(SetCode(record, -1));
+TEST_F(StatusRecordTest, IsContentWithThreeBytesForAnEmptyReport) {
+    for (const std::uint32_t capacity : {2, 3}) {
+        StatusRecord record;
+        record.reallocJson = exact;
+        giveBuffer(record, capacity);
+        EXPECT_TRUE(SetCode(record, -1));
+        EXPECT_EQ(record.capacity, 3U);
+        EXPECT_THAT(record.json, StrEq("{}"));
+    }
+    StatusRecord large;
+    large.reallocJson = remember;
+    giveBuffer(large, 3);
+    EXPECT_TRUE(SetCode(large, -1));
     EXPECT_THAT(requests, IsEmpty());
-    EXPECT_THAT(record.json, StrEq("{}"));
 }
 
-TEST_F(StatusRecordManager, LeavesTheOldTextWhenThatIsRefused) {
+TEST_F(StatusRecordTest, KeepsItsOldTextIfThreeBytesAreRefused) {
     StatusRecord record;
     record.reallocJson = refuse;
-    record.json = static_cast<char*>(std::calloc(2, 1));
-    record.capacity = 2;
+    giveBuffer(record, 2);
     EXPECT_TRUE(SetCode(record, -1));
     EXPECT_EQ(record.code, -1);
     EXPECT_THAT(record.json, StrEq(""));
-}
-
-TEST_F(StatusRecordManager, LeavesTheOldTextWhenItSaysYesAndGivesNothing) {
-    std::array<char, 3> buffer{0, zuerr::jsonSentinel, '!'};
-    StatusRecord record;
-    record.reallocJson = [](StatusRecord& /*self*/, std::uint32_t /*capacity*/) { return true; };
-    record.json = buffer.data();
-    record.capacity = 2;
-    EXPECT_TRUE(SetCode(record, -1));
-    EXPECT_EQ(record.code, -1);
-    EXPECT_THAT(record.json, StrEq(""));
-    EXPECT_EQ(buffer[2], '!') << "behind the buffer";
 }
 
 // The default buffer manager
 
-TEST(DefaultManager, GivesAnEmptyReportIn512BytesAtFirst) {
-    for (const std::uint32_t request : {1U, 4U, 512U}) {
+TEST_F(StatusRecordTest, GrowsByDefaultTo512BytesOrTheNextPowerOfTwo) {
+    const std::pair<std::uint32_t, std::uint32_t> sizes[] = {{1, 512},     {4, 512},         {512, 512},
+                                                             {513, 1024},  {1022, 1024},     {1024, 1024},
+                                                             {1025, 2048}, {65'536, 65'536}, {65'537, 131'072}};
+    for (const auto& [request, capacity] : sizes) {
         StatusRecord record;
         EXPECT_TRUE(record.reallocJson(record, request));
-        EXPECT_EQ(record.capacity, 512U);
+        EXPECT_EQ(record.capacity, capacity);
         EXPECT_THAT(record.json, StrEq("{}"));
         EXPECT_TRUE(wellLaidOut(record));
     }
 }
 
-TEST(DefaultManager, RoundsUpToAPowerOfTwo) {
-    const std::vector<std::pair<std::uint32_t, std::uint32_t>> sizes{{513, 1024},  {1022, 1024},     {1024, 1024},
-                                                                     {1025, 2048}, {65'536, 65'536}, {65'537, 131'072}};
-    for (const auto& [request, capacity] : sizes) {
-        StatusRecord record;
-        EXPECT_TRUE(record.reallocJson(record, request));
-        EXPECT_EQ(record.capacity, capacity);
-        EXPECT_TRUE(wellLaidOut(record));
-    }
-}
-
-TEST(DefaultManager, KeepsTheTextWhenItGrows) {
+TEST_F(StatusRecordTest, KeepsItsTextWhenItGrows) {
     StatusRecord record;
-    RaiseInto(record, -1, "constant", site, nullptr);
+    RaiseInto(record, -1, anyReport);
     const std::string before = record.json;
     EXPECT_TRUE(record.reallocJson(record, 513));
     EXPECT_EQ(record.json, before);
@@ -209,7 +167,7 @@ TEST(DefaultManager, KeepsTheTextWhenItGrows) {
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST(DefaultManager, DoesNothingWhenTheBufferIsLargeEnough) {
+TEST_F(StatusRecordTest, KeepsABufferThatIsLargeEnough) {
     StatusRecord record;
     EXPECT_TRUE(record.reallocJson(record, 600));
     const char* const before = record.json;
@@ -219,16 +177,17 @@ TEST(DefaultManager, DoesNothingWhenTheBufferIsLargeEnough) {
     EXPECT_EQ(record.capacity, 1024U);
 }
 
-TEST(DefaultManager, ReleasesTheBufferForARequestOfNothing) {
+TEST_F(StatusRecordTest, FreesItsBufferForARequestOfZeroBytes) {
     StatusRecord record;
-    EXPECT_TRUE(record.reallocJson(record, 0));
-    EXPECT_TRUE(record.reallocJson(record, 1));
-    EXPECT_TRUE(record.reallocJson(record, 0));
-    EXPECT_EQ(record.json, nullptr);
-    EXPECT_EQ(record.capacity, 0U);
+    for (const std::uint32_t size : {0, 1}) {
+        EXPECT_TRUE(record.reallocJson(record, size));
+        EXPECT_TRUE(record.reallocJson(record, 0));
+        EXPECT_EQ(record.json, nullptr);
+        EXPECT_EQ(record.capacity, 0U);
+    }
 }
 
-TEST(DefaultManager, RefusesMoreThan2GigabytesWithoutAskingForMemory) {
+TEST_F(StatusRecordTest, RefusesTwoGigabytesWithoutAskingForMemory) {
     StatusRecord record;
     EXPECT_TRUE(record.reallocJson(record, 1));
     bool grown = true;
@@ -236,10 +195,9 @@ TEST(DefaultManager, RefusesMoreThan2GigabytesWithoutAskingForMemory) {
     EXPECT_FALSE(grown);
     EXPECT_EQ(allocations::refused(0, [&] { grown = record.reallocJson(record, 0x7FFFFFFF); }), 1);
     EXPECT_FALSE(grown);
-    EXPECT_EQ(record.capacity, 512U);
 }
 
-TEST(DefaultManager, KeepsTheBufferWhenMemoryRunsOut) {
+TEST_F(StatusRecordTest, KeepsItsBufferWhenMemoryRunsOut) {
     StatusRecord record;
     EXPECT_TRUE(record.reallocJson(record, 1));
     const char* const before = record.json;
@@ -253,9 +211,9 @@ TEST(DefaultManager, KeepsTheBufferWhenMemoryRunsOut) {
 
 // Copy
 
-TEST(CopyRecord, HandsTheBufferOverBetweenRecordsOfOneManager) {
+TEST_F(StatusRecordTest, MovesItsBufferToACopyWithTheSameManager) {
     StatusRecord source;
-    RaiseInto(source, -52008, "zukesterr_osFault", site, nullptr);
+    RaiseInto(source, -52008, anyReport);
     const char* const buffer = source.json;
     StatusRecord destination;
     EXPECT_TRUE(destination.reallocJson(destination, 1));
@@ -268,58 +226,45 @@ TEST(CopyRecord, HandsTheBufferOverBetweenRecordsOfOneManager) {
     EXPECT_EQ(source.capacity, 0U);
 }
 
-TEST(CopyRecord, TakesOverThatThereIsNoReport) {
-    StatusRecord source;
-    source.code = -1;
-    StatusRecord destination;
-    RaiseInto(destination, 5, "warning", site, nullptr);
-    EXPECT_TRUE(Copy(destination, source));
-    EXPECT_EQ(destination.code, -1);
-    EXPECT_EQ(destination.json, nullptr);
-}
-
-TEST(CopyRecord, LeavesADestinationWithAnErrorUntouched) {
-    StatusRecord source;
-    RaiseInto(source, -52008, "second", site, nullptr);
-    StatusRecord destination;
-    RaiseInto(destination, -52026, "first", site, nullptr);
-    const std::string before = destination.json;
-    EXPECT_FALSE(Copy(destination, source));
-    EXPECT_EQ(destination.code, -52026);
-    EXPECT_EQ(destination.json, before);
-    EXPECT_NE(source.json, nullptr);
-}
-
-TEST(CopyRecord, RefusesSuccess) {
-    StatusRecord source;
-    EXPECT_TRUE(source.reallocJson(source, 1));
-    StatusRecord destination;
-    EXPECT_FALSE(Copy(destination, source));
-    EXPECT_EQ(destination.json, nullptr);
-    EXPECT_NE(source.json, nullptr);
-}
-
-TEST(CopyRecord, OfARecordToItselfChangesNothing) {
-    StatusRecord record;
-    RaiseInto(record, 5, "warning", site, nullptr);
-    EXPECT_FALSE(Copy(record, record));
-    EXPECT_THAT(record.json, StartsWith(R"({"error_constant":"warning")"));
-}
-
-TEST_F(StatusRecordManager, IsToldToReleaseTheOldReportBeforeAnotherTakesItsPlace) {
+TEST_F(StatusRecordTest, LosesItsReportToACopyOfARecordWithoutOne) {
     StatusRecord source;
     source.reallocJson = remember;
     source.code = -1;
     StatusRecord destination;
     destination.reallocJson = remember;
-    EXPECT_TRUE(destination.reallocJson(destination, 4));
+    RaiseInto(destination, 5, anyReport);
+    requests.clear();
     EXPECT_TRUE(Copy(destination, source));
-    EXPECT_THAT(requests, ElementsAre(4, 0));
+    EXPECT_EQ(destination.code, -1);
+    EXPECT_EQ(destination.json, nullptr);
+    EXPECT_THAT(requests, ElementsAre(0)) << "the old report is freed";
 }
 
-TEST_F(StatusRecordManager, CopiesTheTextBetweenRecordsOfDifferentManagers) {
+TEST_F(StatusRecordTest, IsNotChangedByACopyWhoseCodeIsRefused) {
+    const std::pair<std::int32_t, std::int32_t> codes[] = {{-52026, -52008}, {0, 0}};
+    for (const auto& [present, code] : codes) {
+        StatusRecord source;
+        RaiseInto(source, code, anyReport);
+        StatusRecord destination;
+        RaiseInto(destination, present, {"first", {"a", 1}});
+        const std::string before = destination.json;
+        EXPECT_FALSE(Copy(destination, source));
+        EXPECT_EQ(destination.code, present);
+        EXPECT_EQ(destination.json, before);
+        EXPECT_NE(source.json, nullptr);
+    }
+}
+
+TEST_F(StatusRecordTest, IsNotChangedByACopyToItself) {
+    StatusRecord record;
+    RaiseInto(record, 5, anyReport);
+    EXPECT_FALSE(Copy(record, record));
+    EXPECT_THAT(record.json, StartsWith(R"({"error_constant":"constant")"));
+}
+
+TEST_F(StatusRecordTest, CopiesItsTextToARecordWithAnotherManager) {
     StatusRecord source;
-    RaiseInto(source, -52008, "zukesterr_osFault", site, nullptr);
+    RaiseInto(source, -52008, anyReport);
     StatusRecord destination;
     destination.reallocJson = remember;
     EXPECT_TRUE(Copy(destination, source));
@@ -330,7 +275,7 @@ TEST_F(StatusRecordManager, CopiesTheTextBetweenRecordsOfDifferentManagers) {
     EXPECT_TRUE(wellLaidOut(destination));
 }
 
-TEST_F(StatusRecordManager, CopiesAnEmptyReportFromADifferentManagersRecordWithoutOne) {
+TEST_F(StatusRecordTest, CopiesAnEmptyReportToARecordWithAnotherManagerIfItHasNone) {
     StatusRecord source;
     source.code = -1;
     StatusRecord destination;
@@ -341,33 +286,14 @@ TEST_F(StatusRecordManager, CopiesAnEmptyReportFromADifferentManagersRecordWitho
     EXPECT_TRUE(wellLaidOut(destination));
 }
 
-TEST_F(StatusRecordManager, CopiesTheCodeAloneWhenItRefusesTheText) {
+TEST_F(StatusRecordTest, CopiesOnlyItsCodeIfTheOtherManagerRefusesTheText) {
     StatusRecord source;
-    RaiseInto(source, -52008, "zukesterr_osFault", site, nullptr);
+    RaiseInto(source, -52008, anyReport);
     StatusRecord destination;
     destination.reallocJson = refuse;
     EXPECT_TRUE(Copy(destination, source));
     EXPECT_EQ(destination.code, -52008);
     EXPECT_EQ(destination.json, nullptr);
-}
-
-// Append
-
-TEST_F(StatusRecordManager, IsAskedForTwiceTheRoomLessTwoUpTo2GigabytesAndNoMore) {
-    const auto requestsAt = [](std::uint32_t capacity) {
-        requests.clear();
-        StatusRecord record;
-        record.reallocJson = refuse;
-        record.json = static_cast<char*>(std::malloc(4));
-        zuerr::CopyText(record.json, 4, "{}");
-        record.capacity = capacity;
-        zuerr::Append(record).AddInt("member", 1);
-        return requests;
-    };
-    EXPECT_THAT(requestsAt(4), ElementsAre(4, 6));
-    EXPECT_THAT(requestsAt(0x40000000), ElementsAre(4, 0x7FFFFFFE));
-    EXPECT_THAT(requestsAt(0x40000001), ElementsAre(4));
-    EXPECT_THAT(requestsAt(0x40000002), ElementsAre(4));
 }
 
 }  // namespace

@@ -2,91 +2,110 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <cstdlib>
 #include <limits>
+#include <utility>
 
 #include "tests/support/fakeClock.h"
+#include "time/stopwatch.h"
 
 namespace {
 
 using nTime::gClockSettings;
-using nTime::NowInTickLengthUnit;
 using nTime::NowTicks;
-using nTime::ticksFromMilliseconds;
-using nTime::Unit;
+using nTime::ticksFromMs;
+using nTime::tUnit;
 
 constexpr std::uint32_t usualIncrement = 156'250;  // 15.625 ms
 
-TEST(Ticks, CountAPartTickWhole) {
-    EXPECT_EQ(ticksFromMilliseconds(0, usualIncrement), 0U);
-    EXPECT_EQ(ticksFromMilliseconds(1, usualIncrement), 1U);
-    EXPECT_EQ(ticksFromMilliseconds(15, usualIncrement), 1U);
-    EXPECT_EQ(ticksFromMilliseconds(16, usualIncrement), 2U);
+TEST(Clock, CountsAPartTickAsAWholeOne) {
+    const std::pair<std::uint64_t, std::uint64_t> rows[] = {{0, 0},   {1, 1},     {15, 1},   {16, 2},
+                                                            {125, 8}, {1000, 64}, {1001, 65}};
+    for (const auto& [milliseconds, ticks] : rows) {
+        EXPECT_EQ(ticksFromMs(milliseconds, usualIncrement), ticks);
+        support::tFakeClock clock(usualIncrement);
+        clock.nowMs = milliseconds;
+        EXPECT_EQ(NowTicks(), ticks);
+    }
 }
 
-TEST(Ticks, CountWholeTicksExactly) {
-    EXPECT_EQ(ticksFromMilliseconds(125, usualIncrement), 8U);
-    EXPECT_EQ(ticksFromMilliseconds(1000, usualIncrement), 64U);
-    EXPECT_EQ(ticksFromMilliseconds(1001, usualIncrement), 65U);
-    EXPECT_EQ(ticksFromMilliseconds(7, 10'000), 7U);
-}
-
-TEST(Ticks, WrapTheNanosecondsIn64Bits) {
+TEST(Clock, WrapsTheNanosecondsIn64Bits) {
     constexpr std::uint64_t nanosecondsPerMillisecond = 1'000'000;
     constexpr std::uint64_t wrapping = std::numeric_limits<std::uint64_t>::max() / nanosecondsPerMillisecond + 1;
-    EXPECT_EQ(ticksFromMilliseconds(wrapping, 10'000), 1U);
+    EXPECT_EQ(ticksFromMs(wrapping, 10'000), 1U);
 }
 
-TEST(Ticks, ComputeTheTickLengthIn32Bits) {
+TEST(Clock, ComputesTheTickLengthOfAReadingIn32Bits) {
     // 42,949,673 * 100 is 4 more than 32 bits hold, which leaves a tick of 4 nanoseconds.
-    EXPECT_EQ(ticksFromMilliseconds(1, 42'949'673), 250'000U);
+    EXPECT_EQ(ticksFromMs(1, 42'949'673), 250'000U);
 }
 
-TEST(Clock, KnowsItsUnitsOnceInitialised) {
-    gClockSettings = {};
-    nTime::InitialiseClock();
-    EXPECT_TRUE(gClockSettings.initialised);
-    EXPECT_EQ(gClockSettings.tickLength, std::uint64_t{nTime::readTimeIncrement()} * 100);
-    EXPECT_EQ(gClockSettings.tickLengthUnit, Unit::nanoseconds);
-    EXPECT_EQ(gClockSettings.counterPeriod, 1'000'000'000'000 / nTime::readCounterFrequency());
-    EXPECT_EQ(gClockSettings.counterPeriodUnit, Unit::picoseconds);
-}
-
-TEST(Clock, GivesTheCounterPeriodInWholePicoseconds) {
-    support::tFakeClock clock;
-    clock.counterFrequency = 1;
-    nTime::InitialiseClock();
-    EXPECT_EQ(gClockSettings.counterPeriod, 1'000'000'000'000U);
+TEST(Clock, FillsItsSettingsWhenItIsInitialised) {
+    support::tFakeClock clock(usualIncrement);
     clock.counterFrequency = 3'579'545;
     nTime::InitialiseClock();
-    EXPECT_EQ(gClockSettings.counterPeriod, 279'365U);
-}
-
-TEST(Clock, InitialisesItselfWhenItIsFirstRead) {
-    gClockSettings = {};
-    EXPECT_GT(NowInTickLengthUnit(), 0U);
     EXPECT_TRUE(gClockSettings.initialised);
+    EXPECT_EQ(gClockSettings.tickLength, 15'625'000U);
+    EXPECT_EQ(gClockSettings.tickLengthUnit, tUnit::nanoseconds);
+    EXPECT_EQ(gClockSettings.counterPeriod, 279'365U) << "whole picoseconds";
+    EXPECT_EQ(gClockSettings.counterPeriodUnit, tUnit::picoseconds);
+
+    clock.counterFrequency = 1;
+    clock.timeIncrement = 0xFFFFFFFF;
+    nTime::InitialiseClock();
+    EXPECT_EQ(gClockSettings.counterPeriod, 1'000'000'000'000U);
+    EXPECT_EQ(gClockSettings.tickLength, 429'496'729'500U) << "in 64 bits";
 }
 
-TEST(Clock, DoesNotInitialiseItselfAgain) {
-    static_cast<void>(NowInTickLengthUnit());
-    const std::uint64_t before = gClockSettings.tickLength;
-    gClockSettings.tickLength = 0;
-    EXPECT_EQ(NowInTickLengthUnit(), 0U);
-    gClockSettings.tickLength = before;
+TEST(Clock, InitialisesItselfOnlyWhenItIsFirstRead) {
+    const support::tFakeClock clock;
+    EXPECT_EQ(nTime::nowInTickLengthUnit(), 1'000'000'000U);
+    EXPECT_TRUE(gClockSettings.initialised);
+    gClockSettings.tickLength = 7;
+    EXPECT_EQ(nTime::nowInTickLengthUnit(), 7000U);
+}
+
+TEST(Clock, ReadsTheIncrementAgainAtEachReading) {
+    support::tFakeClock clock(usualIncrement);
+    EXPECT_EQ(NowTicks(), 64U);
+    clock.timeIncrement = 10'000;
+    EXPECT_EQ(NowTicks(), 1000U);
+}
+
+TEST(Clock, UsesTheUsualIncrementOrTheLastOneIfTheSystemReportsNone) {
+    support::tFakeClock clock(0);
+    EXPECT_EQ(NowTicks(), 64U);
+    nTime::InitialiseClock();
+    EXPECT_EQ(gClockSettings.tickLength, 15'625'000U);
+
+    clock.timeIncrement = 100'000;
+    nTime::InitialiseClock();
+    const nTime::tStopwatch stopwatch;
+    clock.timeIncrement = 0;
+    clock.advance(50);
+    EXPECT_EQ(stopwatch.elapsedMs(), 50U) << "both readings of a duration count the same ticks";
+}
+
+TEST(Clock, AbortsTheProcessForACounterFrequencyOfZero) {
+    const auto initialise = [] {
+        // Instead of the system's crash report.
+        std::signal(SIGABRT, [](int) { std::_Exit(42); });
+        support::tFakeClock clock;
+        clock.counterFrequency = 0;
+        nTime::InitialiseClock();
+    };
+    EXPECT_EXIT(initialise(), testing::ExitedWithCode(42), "");
 }
 
 TEST(Clock, NeverGoesBack) {
+    gClockSettings = {};
     std::uint64_t last = NowTicks();
     for (int i = 0; i < 1000; ++i) {
         const std::uint64_t now = NowTicks();
         EXPECT_GE(now, last);
         last = now;
     }
-}
-
-TEST(Clock, ReadsWholeTicks) {
-    const std::uint64_t now = NowInTickLengthUnit();
-    EXPECT_EQ(now % gClockSettings.tickLength, 0U);
 }
 
 }  // namespace

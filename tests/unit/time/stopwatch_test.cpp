@@ -2,26 +2,47 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
+#include "tests/support/fakeClock.h"
 
 namespace {
 
+using nTime::tStopwatch;
+
+constexpr std::uint32_t usualIncrement = 156'250;  // 15.625 ms
+
 TEST(Stopwatch, InitialisesTheClock) {
     nTime::gClockSettings = {};
-    const nTime::tStopwatch stopwatch;
+    const tStopwatch stopwatch;
     EXPECT_TRUE(nTime::gClockSettings.initialised);
 }
 
-TEST(Stopwatch, RunsOnAndNeverBack) {
-    const nTime::tStopwatch stopwatch;
-    std::uint64_t last = stopwatch.elapsedMs();
-    // Two of the longest ticks, so that one has ended whatever the clock.
-    std::this_thread::sleep_for(std::chrono::milliseconds(32));
-    const std::uint64_t now = stopwatch.elapsedMs();
-    EXPECT_GT(now, last);
-    last = now;
-    EXPECT_GE(stopwatch.elapsedMs(), last);
+TEST(Stopwatch, MeasuresWholeTicksTruncatedToMilliseconds) {
+    support::tFakeClock clock(usualIncrement);
+    const tStopwatch stopwatch;  // at 1000 ms, where a tick ends
+    const std::pair<std::uint64_t, std::uint64_t> rows[] = {
+        {1000, 0}, {1001, 15}, {1015, 15}, {1016, 31}, {2000, 1000}};
+    for (const auto& [nowMs, elapsedMs] : rows) {
+        clock.nowMs = nowMs;
+        EXPECT_EQ(stopwatch.elapsedMs(), elapsedMs) << nowMs;
+    }
+}
+
+TEST(Stopwatch, MeasuresNothingWithinOneTick) {
+    support::tFakeClock clock(usualIncrement);
+    clock.nowMs = 1001;
+    const tStopwatch stopwatch;
+    clock.nowMs = 1015;
+    EXPECT_EQ(stopwatch.elapsedMs(), 0U);
+}
+
+TEST(Stopwatch, MeasuresMoreMillisecondsThan32BitsHold) {
+    constexpr std::uint64_t sixtyDays = 60ULL * 24 * 60 * 60 * 1000;
+    static_assert(sixtyDays > 0xFFFFFFFF);
+    support::tFakeClock clock;
+    clock.nowMs = 5;
+    const tStopwatch stopwatch;
+    clock.advance(sixtyDays);
+    EXPECT_EQ(stopwatch.elapsedMs(), sixtyDays);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(DebuggerCalls, HandALineOverAsItIs) {
+TEST(DebuggerCalls, PassALineOnAsItIs) {
     std::vector<std::string> lines;
     imports::OutputDebugStringA.replace([&](LPCSTR line) { lines.emplace_back(line); });
     nTrace::writeToDebugger("one\n");
@@ -20,19 +20,19 @@ TEST(DebuggerCalls, HandALineOverAsItIs) {
     EXPECT_THAT(lines, ElementsAre("one\n", "%s"));
 }
 
-TEST(DebuggerCalls, AskForTheThreadOncePerLineAndHandItOverInOnePiece) {
+TEST(DebuggerCalls, ReadTheThreadOncePerLineAndWriteTheLineInOnePiece) {
     std::string calls;
     imports::GetCurrentThreadId.replace([&] {
         calls += "thread ";
         return DWORD{1};
     });
     imports::OutputDebugStringA.replace([&](LPCSTR) { calls += "output "; });
-    nTrace::writeLine({"a.cpp", "component", 1}, "text %d", 1);
+    nTrace::writeLine({"a.cpp", "component", 1}, "text", nullptr);
     imports::ImportBase::restoreAll();
     EXPECT_EQ(calls, "thread output ");
 }
 
-TEST(DebuggerCalls, GiveTheSystemsThreadNumber) {
+TEST(DebuggerCalls, ReturnTheSystemsThreadNumber) {
     imports::GetCurrentThreadId.replace([] { return DWORD{0xFEDCBA98}; });
     const std::uint32_t id = nTrace::currentThreadId();
     imports::ImportBase::restoreAll();

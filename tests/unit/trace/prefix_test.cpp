@@ -5,13 +5,14 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 
-using nTrace::Indentation;
-using nTrace::IndentationTable;
-using nTrace::Site;
+using nTrace::tIndentation;
+using nTrace::tIndentationTable;
+using nTrace::tSite;
 
 constexpr std::uint32_t thread = 4711;
 
@@ -25,7 +26,7 @@ std::string written(std::size_t size, Write write) {
     return buffer.data();
 }
 
-std::string aligned(const char* text, std::size_t width, std::size_t size = 100) {
+std::string aligned(const char* text, std::size_t width, std::size_t size) {
     return written(size, [=](char* out, std::size_t room) { return nTrace::writeAligned(out, room, text, width); });
 }
 
@@ -33,15 +34,15 @@ std::string lineNumber(std::uint32_t line, std::size_t size = 100) {
     return written(size, [=](char* out, std::size_t room) { return nTrace::writeLineNumber(out, room, line); });
 }
 
-std::string indentation(const IndentationTable& table, std::size_t size = 100) {
+std::string indentation(const tIndentationTable& table, std::size_t size = 100) {
     return written(size, [&](char* out, std::size_t room) { return writeIndentation(out, room, table, thread); });
 }
 
-std::string prefix(const Site& site, const IndentationTable& table = {}, std::size_t size = 1000) {
+std::string prefix(const tSite& site, const tIndentationTable& table = {}, std::size_t size = 1000) {
     return written(size, [&](char* out, std::size_t room) { return writePrefix(out, room, site, table, thread); });
 }
 
-TEST(TraceText, IsWrittenAsItIsOrCut) {
+TEST(TracePrefix, WritesATextAsItIsOrCutsIt) {
     const auto text = [](std::size_t size) {
         return written(size, [](char* out, std::size_t room) { return nTrace::writeText(out, room, "] "); });
     };
@@ -51,82 +52,66 @@ TEST(TraceText, IsWrittenAsItIsOrCut) {
     EXPECT_EQ(text(1), "");
 }
 
-TEST(TraceAlignment, WritesANameOfTheWidthAsItStands) { EXPECT_EQ(aligned("abcdefghij", 10), "abcdefghij"); }
-
-TEST(TraceAlignment, PadsAShorterNameOnTheLeft) {
-    EXPECT_EQ(aligned("abc", 10), "       abc");
-    EXPECT_EQ(aligned("", 10), "          ");
+TEST(TracePrefix, AlignsANameOnTheRightInTenCharactersAndCutsItWhereTheRoomEnds) {
+    struct {
+        const char* name;
+        std::size_t size;
+        const char* result;
+    } const rows[] = {{"abcdefghij", 100, "abcdefghij"},
+                      {"abc", 100, "       abc"},
+                      {"", 100, "          "},
+                      {"abcdefghijk", 100, "bcdefghijk"},
+                      {"zuZiptraRemoteService", 100, "oteService"},
+                      {"abc", 11, "       abc"},
+                      {"abc", 10, "       ab"},
+                      {"abc", 8, "       "},
+                      {"abc", 4, "   "},
+                      {"abc", 1, ""},
+                      {"abcdefghijk", 4, "bcd"}};
+    for (const auto& row : rows) EXPECT_EQ(aligned(row.name, 10, row.size), row.result);
 }
 
-TEST(TraceAlignment, KeepsTheEndOfALongerName) {
-    EXPECT_EQ(aligned("abcdefghijk", 10), "bcdefghijk");
-    EXPECT_EQ(aligned("zuZiptraRemoteService", 10), "oteService");
-}
-
-TEST(TraceAlignment, IsCutOnTheRightWhereTheRoomEnds) {
-    EXPECT_EQ(aligned("abc", 10, 11), "       abc");
-    EXPECT_EQ(aligned("abc", 10, 10), "       ab");
-    EXPECT_EQ(aligned("abc", 10, 8), "       ");
-    EXPECT_EQ(aligned("abc", 10, 4), "   ");
-    EXPECT_EQ(aligned("abc", 10, 1), "");
-    EXPECT_EQ(aligned("abcdefghijk", 10, 4), "bcd");
-}
-
-TEST(TraceLineNumber, HasFourDigits) {
-    EXPECT_EQ(lineNumber(0), "0000");
-    EXPECT_EQ(lineNumber(7), "0007");
-    EXPECT_EQ(lineNumber(9999), "9999");
-}
-
-TEST(TraceLineNumber, KeepsItsLastFourDigits) {
-    EXPECT_EQ(lineNumber(10'000), "0000");
-    EXPECT_EQ(lineNumber(12'345), "2345");
-    EXPECT_EQ(lineNumber(std::numeric_limits<std::uint32_t>::max()), "7295");
-}
-
-TEST(TraceLineNumber, IsCutWhereTheRoomEnds) {
+TEST(TracePrefix, WritesTheLastFourDigitsOfALineNumber) {
+    const std::pair<std::uint32_t, const char*> rows[] = {{0, "0000"},      {7, "0007"},      {9999, "9999"},
+                                                          {10'000, "0000"}, {12'345, "2345"}, {0xFFFFFFFF, "7295"}};
+    for (const auto& [line, digits] : rows) EXPECT_EQ(lineNumber(line), digits);
     EXPECT_EQ(lineNumber(1234, 5), "1234");
     EXPECT_EQ(lineNumber(1234, 4), "123");
     EXPECT_EQ(lineNumber(1234, 1), "");
 }
 
-TEST(TraceIndentation, IsOneSpacePerLevelOfTheThread) {
-    IndentationTable table{};
+TEST(TracePrefix, IndentsByOneSpacePerLevelOfTheThread) {
+    tIndentationTable table{};
     table[15] = {thread, 3, 1};
     EXPECT_EQ(indentation(table), "   ");
     table[15].depth = 0;
     EXPECT_EQ(indentation(table), "");
 }
 
-TEST(TraceIndentation, IsNoneForAThreadWithoutASlot) {
-    IndentationTable table{};
+TEST(TracePrefix, DoesNotIndentForAThreadWithoutASlot) {
+    tIndentationTable table{};
     EXPECT_EQ(indentation(table), "");
     table.fill({thread + 1, 3, 1});
     EXPECT_EQ(indentation(table), "");
 }
 
-TEST(TraceIndentation, PassesOverSlotsThatAreNotInUse) {
-    IndentationTable table{};
+TEST(TracePrefix, SkipsSlotsThatAreNotInUse) {
+    tIndentationTable table{};
     table[0] = {thread, 3, 0};
     EXPECT_EQ(indentation(table), "");
     table[1] = {thread, 2, 1};
     EXPECT_EQ(indentation(table), "  ");
 }
 
-TEST(TraceIndentation, IsCutWhereTheRoomEnds) {
-    IndentationTable table{};
+TEST(TracePrefix, CutsTheIndentationWhereTheRoomEnds) {
+    tIndentationTable table{};
     table[0] = {thread, std::numeric_limits<std::uint32_t>::max(), 1};
     EXPECT_EQ(indentation(table, 5), "    ");
     EXPECT_EQ(indentation(table, 1), "");
 }
 
-TEST(TraceTable, HasSixteenSlotsOfThree32BitNumbers) {
-    EXPECT_EQ(IndentationTable{}.size(), 16U);
-    EXPECT_EQ(sizeof(Indentation), 12U);
-}
-
-TEST(TracePrefix, PutsThePiecesInTheirOrder) {
-    IndentationTable table{};
+TEST(TracePrefix, WritesThePiecesInTheirOrder) {
+    tIndentationTable table{};
     table[4] = {thread, 2, 1};
     EXPECT_EQ(prefix({"source/tService.cpp", "zuZiptraRemoteService", 217}, table),
               "[oteService|             source/tService.cpp|0217]   ");
@@ -139,15 +124,13 @@ TEST(TracePrefix, KeepsTheLast32CharactersOfAFileName) {
 }
 
 TEST(TracePrefix, IsCutInEveryBufferAndAlwaysTerminated) {
-    IndentationTable table{};
+    tIndentationTable table{};
     table[0] = {thread, 5, 1};
-    const Site site{"source/tService.cpp", "zuZiptraRemoteService", 217};
+    const tSite site{"source/tService.cpp", "zuZiptraRemoteService", 217};
     const std::string whole = prefix(site, table);
     for (std::size_t size = 1; size <= whole.size() + 2; ++size) {
         EXPECT_EQ(prefix(site, table, size), whole.substr(0, size - 1));
     }
 }
-
-TEST(TracePrefix, LeavesOnlyTheTerminatorInOneByte) { EXPECT_EQ(prefix({"a.cpp", "component", 1}, {}, 1), ""); }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the conversion of a caught exception says in a diagnostic build.
+// What the conversion of a caught exception traces in a diagnostic build.
 #include "err/Exception.h"
 
 #include <gmock/gmock.h>
@@ -7,38 +7,31 @@
 #include <new>
 #include <stdexcept>
 
-#include "tests/support/debugger.h"
-#include "trace/trace.h"
+#include "tests/support/exceptions.h"
+#include "tests/unit/trace/diagnostic/traced.h"
 
 namespace {
 
+using support::caughtCode;
 using testing::EndsWith;
 using testing::IsEmpty;
 
 static_assert(nTrace::errors == 0x4000);
 
-/// What is traced when this exception is caught and converted.
-template <class Exception>
-std::string traceOf(const Exception& exception) {
-    return debuggerOutput([&] {
-        try {
-            throw Exception(exception);
-        } catch (...) {
-            static_cast<void>(zuerr::CurrentExceptionCode());
-        }
-    });
-}
-
-TEST(ExceptionTrace, TellsTheCodeOfTheProgramsOwn) {
-    zuerr::Exception exception;
-    exception.record.code = -52008;
-    EXPECT_THAT(traceOf(exception), EndsWith("] Exception: -52008\n"));
+TEST(ExceptionTrace, ShowsTheCodeOfTheProgramsOwnExceptions) {
+    EXPECT_THAT(traced(nTrace::errors, [] { caughtCode([] {
+                                                zuerr::Raise({"constant", {"a", 1}}, -52008);
+                                            }); }),
+                EndsWith("] Exception: -52008\n"));
 }
 
 TEST(ExceptionTrace, QuotesAnyOtherStandardException) {
-    EXPECT_THAT(traceOf(std::runtime_error("50% of it")), EndsWith("] Unexpected exception: 50% of it\n"));
+    EXPECT_THAT(traced(nTrace::errors, [] { caughtCode([] { throw std::runtime_error("50% of it"); }); }),
+                EndsWith("] Unexpected exception: 50% of it\n"));
 }
 
-TEST(ExceptionTrace, IsSilentAboutMemoryThatRanOut) { EXPECT_THAT(traceOf(std::bad_alloc()), IsEmpty()); }
+TEST(ExceptionTrace, SaysNothingAboutMemoryThatRanOut) {
+    EXPECT_THAT(traced(nTrace::errors, [] { caughtCode([] { throw std::bad_alloc(); }); }), IsEmpty());
+}
 
 }  // namespace

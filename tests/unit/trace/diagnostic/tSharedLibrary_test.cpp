@@ -1,12 +1,13 @@
-// What the library loader says in a diagnostic build.
+// What the library loader traces in a diagnostic build.
 #include "source/tSharedLibrary.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/debugger.h"
+#include <string>
+
 #include "tests/support/loader.h"
-#include "trace/trace.h"
+#include "tests/unit/trace/diagnostic/traced.h"
 
 namespace {
 
@@ -33,39 +34,38 @@ class FailingLoader : public support::tLoader {
 
 class LibraryTrace : public testing::Test {
 protected:
-    void makeLoaded() { library_.loaded = 1; }
+    /// Returns what the action traces, started without an error.
+    template <class Action>
+    std::string traced(Action action) {
+        return ::traced(nTrace::libraries, [&] {
+            status_ = {};
+            action();
+        });
+    }
 
     FailingLoader loader_;
     tSharedLibrary library_;
     zuerr::PlatformStatus status_;
 };
 
-TEST_F(LibraryTrace, NamesTheLibraryThatDoesNotLoadAndTheError) {
-    EXPECT_THAT(debuggerOutput([&] { library_.load("a b.dll", status_); }),
+TEST_F(LibraryTrace, NamesWhatFailedAndTheError) {
+    EXPECT_THAT(traced([&] { library_.load("a b.dll", status_); }),
                 EndsWith("] Failed to load library a b.dll, error was 126\n"));
-}
-
-TEST_F(LibraryTrace, TellsTheErrorOfARefusedUnload) {
-    makeLoaded();
-    EXPECT_THAT(debuggerOutput([&] { library_.unload(status_); }),
-                EndsWith("] Failed to unload library, error was 5\n"));
-}
-
-TEST_F(LibraryTrace, NamesTheSymbolThatIsMissingAndTheError) {
-    makeLoaded();
-    EXPECT_THAT(debuggerOutput([&] { library_.symbol("Entry", status_); }),
+    library_.loaded = 1;
+    EXPECT_THAT(traced([&] { library_.unload(status_); }), EndsWith("] Failed to unload library, error was 5\n"));
+    EXPECT_THAT(traced([&] { library_.symbol("Entry", status_); }),
                 EndsWith("] Failed to load symbol Entry, error was 127\n"));
 }
 
-TEST_F(LibraryTrace, IsSilentAboutASymbolOfALibraryThatIsNotLoaded) {
-    EXPECT_THAT(debuggerOutput([&] { library_.symbol("Entry", status_); }), IsEmpty());
+TEST_F(LibraryTrace, SaysNothingAboutASymbolOfALibraryThatIsNotLoaded) {
+    EXPECT_THAT(traced([&] { library_.symbol("Entry", status_); }), IsEmpty());
     EXPECT_EQ(status_.line, 280);
 }
 
-TEST_F(LibraryTrace, IsSilentWhenTheStatusHoldsAFailureAlready) {
-    makeLoaded();
-    status_.code = -1;
+TEST_F(LibraryTrace, SaysNothingIfTheStatusContainsAnErrorAlready) {
+    library_.loaded = 1;
     EXPECT_THAT(debuggerOutput([&] {
+                    status_.code = -1;
                     library_.load("a.dll", status_);
                     library_.symbol("Entry", status_);
                     library_.unload(status_);

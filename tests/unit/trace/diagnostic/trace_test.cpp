@@ -1,4 +1,4 @@
-// The trace entry point as a diagnostic build has it, with a mask that lets libraries and errors through.
+// The trace entry point of a diagnostic build.
 #include "trace/trace.h"
 
 #include <gmock/gmock.h>
@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "tests/support/debugger.h"
+#include "tests/unit/trace/diagnostic/traced.h"
 
 namespace {
 
@@ -14,27 +14,27 @@ using testing::EndsWith;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-static_assert(nTrace::enabled && nTrace::mask == (nTrace::libraries | nTrace::errors));
+static_assert(nTrace::enabled);
 
-TEST(DiagnosticTrace, HandsOneLineThatNamesItsPlaceToTheDebugger) {
+TEST(DiagnosticTrace, WritesOneLineThatNamesItsSiteToTheDebugger) {
     const std::string line = std::to_string(__LINE__ + 1);
-    const std::string output = debuggerOutput([] { nTrace::trace(nTrace::errors, "%s: %d\n", "Exception", -52008); });
+    const auto trace = [] { nTrace::trace(nTrace::errors, "%s: %d\n", "Exception", -52008); };
+    const std::string output = traced(nTrace::errors, trace);
     EXPECT_THAT(output, StartsWith("[oteService|"));
     EXPECT_THAT(output, EndsWith("trace/diagnostic/trace_test.cpp|00" + line + "] Exception: -52008\n"));
 }
 
-TEST(DiagnosticTrace, WritesNothingOfACategoryThatTheMaskHoldsBack) {
+TEST(DiagnosticTrace, StartsWithTheMaskOfTheBuild) { EXPECT_EQ(nTrace::gMask, 0x5000U); }
+
+TEST(DiagnosticTrace, WritesALineWithAnyCategoryOfTheMask) {
+    EXPECT_THAT(debuggerOutput([] { nTrace::trace(nTrace::descriptions | nTrace::errors, "text"); }),
+                EndsWith("] text"));
     EXPECT_THAT(debuggerOutput([] {
                     nTrace::trace(nTrace::descriptions, "text");
-                    nTrace::trace(~nTrace::mask, "text");
+                    nTrace::trace(~nTrace::gMask, "text");
                     nTrace::trace(0, "text");
                 }),
                 IsEmpty());
-}
-
-TEST(DiagnosticTrace, WritesALineThatHasOneCategoryOfTheMask) {
-    EXPECT_THAT(debuggerOutput([] { nTrace::trace(nTrace::descriptions | nTrace::errors, "text"); }),
-                EndsWith("] text"));
 }
 
 }  // namespace

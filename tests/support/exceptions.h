@@ -1,0 +1,53 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+#include "err/Exception.h"
+
+/// What tests of exceptions share.
+namespace support {
+
+/// Does something while an exception unwinds the stack, and expects that this exception arrives.
+template <class Action>
+void whileUnwinding(Action action) {
+    struct Guard {
+        Action action;
+        ~Guard() { action(); }
+    };
+    std::string arrived;
+    try {
+        const Guard guard{action};
+        throw std::runtime_error("propagating");
+    } catch (const std::runtime_error& error) {
+        arrived = error.what();
+    }
+    EXPECT_EQ(arrived, "propagating");
+}
+
+/// Returns what CurrentExceptionCode returns in a catch-all handler around the action; 0 if nothing is thrown.
+template <class Action>
+std::int32_t caughtCode(Action action) {
+    try {
+        action();
+    } catch (...) {
+        return zuerr::CurrentExceptionCode();
+    }
+    return 0;
+}
+
+/// Code and report of the program's exception that the action throws, "-52008 {...}"; "nothing" if it throws none.
+template <class Action>
+std::string caughtReport(Action action) {
+    try {
+        action();
+    } catch (const zuerr::Exception& exception) {
+        return std::to_string(exception.record.code) + " " + exception.what();
+    }
+    return "nothing";
+}
+
+}  // namespace support

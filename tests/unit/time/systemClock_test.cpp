@@ -1,0 +1,21 @@
+#include "time/systemClock.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(SystemClock, CountsMillisecondsThatNeverGoBack) {
+    std::uint64_t last = nTime::readTickCount();
+    for (int i = 0; i < 1000; ++i) {
+        const std::uint64_t now = nTime::readTickCount();
+        EXPECT_GE(now, last);
+        last = now;
+    }
+}
+
+TEST(SystemClock, ReportsItsTickAndTheCountersFrequency) {
+    EXPECT_GT(nTime::readTimeIncrement(), 0U);
+    EXPECT_GT(nTime::readCounterFrequency(), 0U);
+}
+
+}  // namespace
