@@ -24,7 +24,7 @@ TEST_F(Service, AcceptsStopAndShutdownWhileItRuns) {
 }
 
 TEST_F(Service, AcceptsNothingWhileItStarts) {
-    bindToWaitingFolder();
+    scriptSystemCalls();
     const tGate gate = holdStatusWrite(1);
     tInstalledService service(executable());
     service.start();
@@ -35,8 +35,8 @@ TEST_F(Service, AcceptsNothingWhileItStarts) {
     EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);
 }
 
-TEST_F(Service, TellsTheManagerOfEachStepOfAStop) {
-    bindToWaitingFolder();
+TEST_F(Service, ReportsEachStepOfAStopToTheManager) {
+    scriptSystemCalls();
     addPlugin("A", {.stop = "StopWaits"});
     const tGate plugin = holdPlugin("A");
     const tGate end = holdStatusWrite(5);
@@ -111,16 +111,16 @@ TEST_F(Service, OtherControlsAreRefusedByTheManagerOrChangeNothing) {
 TEST_F(Service, StopsByItselfWithoutAPluginDirectory) {
     std::filesystem::remove(descriptions());
     tInstalledService service(executable());
-    service.start();
+    service.startBrief();
     EXPECT_EQ(service.waitForEnd(), stopped);
     EXPECT_EQ(tStatusFile::read().messages, "Failed to open plugins directory.\n");
 }
 
 TEST_F(Service, AFailedStartIsReportedWithItsCode) {
-    // No event can be had: the call goes to a function that refuses these arguments.
+    // No event can be created: the call goes to a function that refuses these arguments.
     rebindImport(executable(), "CreateEventA", "OpenEventA");
     tInstalledService service(executable());
-    service.start();
+    service.startBrief();
     EXPECT_EQ(service.waitForEnd(), startFailed);
     EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
 }
@@ -159,7 +159,7 @@ TEST_F(Service, EveryoneMayQueryItsProcessAndNothingElse) {
     EXPECT_EQ(accessList(process.get()), everyoneMayQuery);
 }
 
-TEST_F(Service, TheArgumentsOfItsCommandLineAreNotLookedAt) {
+TEST_F(Service, IgnoresTheArgumentsOfItsCommandLine) {
     tInstalledService service(executable(), L"x --help");
     service.start();
     EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);

@@ -32,7 +32,7 @@ std::vector<tAccessEntry> accessList(HANDLE object) {
     for (DWORD i = 0; list != nullptr && i < list->AceCount; ++i) {
         void* entry = nullptr;
         require(GetAce(list, i, &entry), "GetAce");
-        // Entries of all the usual types begin alike.
+        // Entries of all usual types have the same first fields.
         auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
         entries.push_back(
             {allowed->Header.AceType, allowed->Header.AceFlags, allowed->Mask, sidText(&allowed->SidStart)});

@@ -15,11 +15,11 @@ struct tAccessEntry {
     bool operator==(const tAccessEntry&) const = default;
 };
 
-/// Of the product's process: one entry, with which everyone (S-1-1-0) may query it.
+/// The expected list of the product's process: one entry, which lets everyone (S-1-1-0) query it.
 inline const std::vector<tAccessEntry> everyoneMayQuery{
     {.type = ACCESS_ALLOWED_ACE_TYPE, .flags = 0, .mask = 0x400, .sid = "S-1-1-0"}};
 
-/// The discretionary access list of a kernel object.
+/// Returns the discretionary access list of a kernel object.
 [[nodiscard]] std::vector<tAccessEntry> accessList(HANDLE object);
 
 }  // namespace endtoend
