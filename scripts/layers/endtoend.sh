@@ -5,7 +5,7 @@ layer_endtoend() {
     check "the build windows-release" ./build.sh windows-release || return
     use_prefix build/test/prefix
     check "a fresh Wine prefix" make_fresh_prefix || return
-    say "two minutes, of which the product itself waits seventy seconds for a framework that is not there"
     googletest "the product from outside" 600 wine build/windows-release/bin/endtoend_tests.exe
+    figures "the product from outside"
     leave_prefix
 }
