@@ -90,50 +90,13 @@ TEST_F(Foreground, FurtherCtrlCsDuringTheStopChangeNothing) {
     EXPECT_THAT(calls(), testing::EndsWith("B StopOk\nA StopWaits\nB CleanupOk\nB unloads\nA CleanupOk\nA unloads\n"));
 }
 
-TEST_F(Foreground, EndsByItselfWithoutAPluginDirectory) {
-    std::filesystem::remove(descriptions());
-    start();
-    process().exitCode();
-    EXPECT_EQ(tStatusFile::read().messages, "Failed to open plugins directory.\n");
-}
-
-// Exit codes.
-
-class ForegroundExitCode : public Foreground {
-protected:
-    /// Runs a copy of the product in which a call goes to a function that fails with the given arguments.
-    DWORD whenCallFails(const char* import, const char* failing) {
-        rebindImport(executable(), import, failing);
-        addPlugin("A");
-        return start().exitCode();
-    }
-};
-
-TEST_F(ForegroundExitCode, IsTheLastErrorAfterTheStop) {
+TEST_F(Foreground, ExitsWithTheLastErrorAfterTheStop) {
     addPlugin("A");
     std::filesystem::remove(makerFolder());
     start();
     waitFor("the plug-in", [&] { return calls() == "A loads\nA InitOk\n"; });
     process().interrupt();
     EXPECT_EQ(process().exitCode(), DWORD{ERROR_PATH_NOT_FOUND});
-}
-
-TEST_F(ForegroundExitCode, IsMinusOneWhenTheStartFails) {
-    EXPECT_EQ(whenCallFails("CreateEventA", "OpenEventA"), 0xFFFFFFFF);
-    EXPECT_EQ(calls(), "");
-    EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
-}
-
-TEST_F(ForegroundExitCode, IsTheDispatchersErrorUnlessThatMeansThatThisIsNoService) {
-    // Systems differ in the error for the invalid impersonation level that results.
-    EXPECT_THAT(whenCallFails("StartServiceCtrlDispatcherA", "ImpersonateSelf"),
-                testing::AnyOf(DWORD{ERROR_BAD_IMPERSONATION_LEVEL}, DWORD{ERROR_INVALID_PARAMETER}));
-    EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
-}
-
-TEST_F(ForegroundExitCode, IsTheErrorOfTheFirstConsoleHandlersRegistration) {
-    EXPECT_EQ(whenCallFails("SetConsoleCtrlHandler", "GetConsoleMode"), DWORD{ERROR_INVALID_HANDLE});
-    EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
 }
 
 TEST_F(Foreground, EveryoneMayQueryTheProcessAndNothingElse) {

@@ -16,14 +16,7 @@ constexpr tServiceStatus startFailed{16, 1, 0, 1066, 0xFFFFFFFF, 0, 0};
 
 class Service : public EndToEnd {};
 
-TEST_F(Service, AcceptsStopAndShutdownWhileItRuns) {
-    tInstalledService service(executable());
-    service.start();
-    service.waitForState(SERVICE_RUNNING);
-    EXPECT_EQ(service.status(), running);
-}
-
-TEST_F(Service, AcceptsNothingWhileItStarts) {
+TEST_F(Service, AcceptsNothingWhileItStartsAndStopAndShutdownAfterwards) {
     scriptSystemCalls();
     const tGate gate = holdStatusWrite(1);
     tInstalledService service(executable());
@@ -138,25 +131,21 @@ TEST_F(Service, StartsAgainAfterAStop) {
     }
 }
 
-TEST_F(Service, ItsProcessExitsWithZero) {
+TEST_F(Service, RunsInAProcessThatEveryoneMayQueryAndThatExitsWithZero) {
     tInstalledService service(executable());
     service.start();
     service.waitForState(SERVICE_RUNNING);
+    {
+        const tHandle process(OpenProcess(READ_CONTROL, FALSE, service.processId()));
+        ASSERT_TRUE(process);
+        EXPECT_EQ(accessList(process.get()), everyoneMayQuery);
+    }
     const tHandle process = openDespiteAccessList(service.processId(), PROCESS_QUERY_INFORMATION);
     ASSERT_TRUE(process);
     service.stop();
     DWORD exitCode = STILL_ACTIVE;
     EXPECT_TRUE(GetExitCodeProcess(process.get(), &exitCode));
     EXPECT_EQ(exitCode, 0u);
-}
-
-TEST_F(Service, EveryoneMayQueryItsProcessAndNothingElse) {
-    tInstalledService service(executable());
-    service.start();
-    service.waitForState(SERVICE_RUNNING);
-    const tHandle process(OpenProcess(READ_CONTROL, FALSE, service.processId()));
-    ASSERT_TRUE(process);
-    EXPECT_EQ(accessList(process.get()), everyoneMayQuery);
 }
 
 TEST_F(Service, IgnoresTheArgumentsOfItsCommandLine) {

@@ -3,9 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <random>
 #include <regex>
 #include <set>
 #include <thread>
@@ -19,7 +17,6 @@ namespace {
 using endtoend::figure;
 using endtoend::readFile;
 using endtoend::setting;
-using endtoend::tHandle;
 using endtoend::tPath;
 using endtoend::tStatusFile;
 
@@ -156,14 +153,7 @@ protected:
         ++recovered_;
     }
 
-    /// Prints how many recoveries there were, and fails if the reader put off too many of them.
-    void reportRecoveries(const std::string& what) const {
-        figure(what + ": recoveries", recovered_);
-        figure(what + ": recoveries that the reader put off", repeated_);
-        EXPECT_LE(repeated_, 1 + recovered_ / 4);
-    }
-
-    /// So many kills at least step by step, and so many at random moments.
+    /// At least so many kills.
     int wanted_ = setting("KILLS", 55);
     tWholeTexts whole_{descriptions()};
     int recovered_ = 0;
@@ -199,62 +189,9 @@ TEST_F(Kill, AtEachStepOfEachReplacementLeavesAWholeFileOrNone) {
     figure("kill, step by step: kills", kills);
     figure("kill, step by step: no status file afterwards", none);
     figure("kill, step by step: a temporary file afterwards", temporary);
-    reportRecoveries("kill, step by step");
-}
-
-TEST_F(Kill, AtRandomMomentsLeavesAWholeFileOrNone) {
-    const unsigned seed = static_cast<unsigned>(setting("KILL_SEED", static_cast<int>(GetTickCount() & 0xFFFF) + 1));
-    figure("kill, at random: seed", seed);
-    std::mt19937 random(seed);
-    const endtoend::tEnvironmentVariable ready(L"KILL_READY", L"zuZiptraKillReady");
-    const tHandle event(CreateEventW(nullptr, FALSE, FALSE, L"zuZiptraKillReady"));
-    using tClock = std::chrono::steady_clock;
-
-    const auto startAndWait = [&] {
-        start();
-        EXPECT_EQ(WaitForSingleObject(event.get(), static_cast<DWORD>(endtoend::patience.count())), WAIT_OBJECT_0);
-        return tClock::now();
-    };
-    const tClock::time_point began = startAndWait();
-    EXPECT_GT(process().exitCode(), wholeLife);
-    const tClock::duration life = tClock::now() - began;
-    figure("kill, at random: a life in microseconds",
-           std::chrono::duration_cast<std::chrono::microseconds>(life).count());
-
-    int kills = 0;
-    int tooLate = 0;
-    int none = 0;
-    int temporary = 0;
-    std::array<int, 4> stages{};
-    {
-        tReader reader(whole_);
-        while (kills < wanted_ && tooLate < 10 * wanted_) {
-            const tClock::duration delay(std::uniform_int_distribution<tClock::rep>(0, life.count())(random));
-            const tClock::time_point end = startAndWait() + delay;
-            while (tClock::now() < end) std::this_thread::yield();
-            TerminateProcess(process().handle(), killed);
-            (process().exitCode() == killed ? kills : tooLate) += 1;
-            const tLeft left = lookAtWhatIsLeft();
-            none += left.none;
-            temporary += left.temporary;
-            ++stages.at(static_cast<std::size_t>(left.stage));
-            if (kills % 50 == 0) expectRecovery();
-            if (HasFatalFailure()) return;
-        }
-        expectRecovery();
-        figure("kill, at random: reads of a whole file", reader.whole.load());
-        figure("kill, at random: reads of none", reader.none.load());
-        figure("kill, at random: reads of a part", reader.torn.load());
-    }
-    EXPECT_EQ(kills, wanted_);
-    figure("kill, at random: kills", kills);
-    figure("kill, at random: lives that were over first", tooLate);
-    figure("kill, at random: no status file afterwards", none);
-    figure("kill, at random: the first file of a life afterwards", stages[1]);
-    figure("kill, at random: the file of a prepared host afterwards", stages[2]);
-    figure("kill, at random: the file of started plug-ins afterwards", stages[3]);
-    figure("kill, at random: a temporary file afterwards", temporary);
-    reportRecoveries("kill, at random");
+    figure("kill, step by step: recoveries", recovered_);
+    figure("kill, step by step: recoveries that the reader put off", repeated_);
+    EXPECT_LE(repeated_, 1 + recovered_ / 4);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 //
 // KILL_AT_STEP=n in the environment names the step, counted from 1 over the whole life. A life that reaches its end
 // exits with 1000 plus the number of its steps. A wait without a time limit returns at once, so a life needs no stop
-// request. KILL_READY names an event that is set once the process is about to run.
+// request.
 
 #include <share.h>
 #include <windows.h>
@@ -88,11 +88,6 @@ void attach() {
     redirectImport("_wremove", removeFile);
     redirectImport("_wrename", renameFile);
     redirectImport("WaitForSingleObject", waitShortly);
-    const char* const ready = std::getenv("KILL_READY");
-    const HANDLE event = ready == nullptr ? nullptr : OpenEventA(EVENT_MODIFY_STATE, FALSE, ready);
-    if (event == nullptr) return;
-    SetEvent(event);
-    CloseHandle(event);
 }
 
 }  // namespace
