@@ -7,10 +7,11 @@
 #include "tests/endtoend/harness/process.h"
 #include "tests/endtoend/harness/registry.h"
 #include "tests/endtoend/harness/service.h"
+#include "tests/endtoend/harness/starts.h"
 
 namespace {
 
-/// The tests write where the product keeps its own: they would end a real installation.
+/// The tests use the product's own registry value, service name and folder, and would damage a real installation.
 bool productInstalled() { return endtoend::tInstalledService::installed() || endtoend::registry::hasSharedDirectory(); }
 
 bool forced() {
@@ -18,17 +19,19 @@ bool forced() {
     return value != nullptr && std::strcmp(value, "1") == 0;
 }
 
-/// Wine lets every process that asks for the role of a service wait ten seconds while the service process started last
-/// is alive, and that may be one of Wine's own. After this it is one that is over. (There is nothing to run without a
-/// shared directory, so the product stops by itself.)
+/// Under Wine, every process that calls the dispatcher outside a service waits ten seconds while the most recently
+/// started service process is alive, which may be one of Wine's own. So this starts one that ends: without a shared
+/// directory, the product stops by itself.
 class ServiceStartedLastIsOver : public testing::Environment {
     void SetUp() override {
         endtoend::registry::removeValue();
         endtoend::tInstalledService service(endtoend::ownExecutable().parent_path() / L"zuZiptraRemoteService.exe");
-        service.start();
+        service.startBrief();
         service.control(SERVICE_CONTROL_STOP);
         service.waitForEnd();
     }
+
+    void TearDown() override { endtoend::reportStarts(); }
 };
 
 }  // namespace
@@ -46,7 +49,7 @@ int main(int argumentCount, char** arguments) {
             stderr);
         return 2;
     }
-    // Inherited by the processes that are meant to die: no message box, no report.
+    // Processes that are meant to crash inherit this: no message box, no report.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     testing::AddGlobalTestEnvironment(new ServiceStartedLastIsOver);
     return RUN_ALL_TESTS();

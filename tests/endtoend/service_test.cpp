@@ -16,15 +16,8 @@ constexpr tServiceStatus startFailed{16, 1, 0, 1066, 0xFFFFFFFF, 0, 0};
 
 class Service : public EndToEnd {};
 
-TEST_F(Service, AcceptsStopAndShutdownWhileItRuns) {
-    tInstalledService service(executable());
-    service.start();
-    service.waitForState(SERVICE_RUNNING);
-    EXPECT_EQ(service.status(), running);
-}
-
-TEST_F(Service, AcceptsNothingWhileItStarts) {
-    bindToWaitingFolder();
+TEST_F(Service, AcceptsNothingWhileItStartsAndStopAndShutdownAfterwards) {
+    scriptSystemCalls();
     const tGate gate = holdStatusWrite(1);
     tInstalledService service(executable());
     service.start();
@@ -35,8 +28,8 @@ TEST_F(Service, AcceptsNothingWhileItStarts) {
     EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);
 }
 
-TEST_F(Service, TellsTheManagerOfEachStepOfAStop) {
-    bindToWaitingFolder();
+TEST_F(Service, ReportsEachStepOfAStopToTheManager) {
+    scriptSystemCalls();
     addPlugin("A", {.stop = "StopWaits"});
     const tGate plugin = holdPlugin("A");
     const tGate end = holdStatusWrite(5);
@@ -111,16 +104,16 @@ TEST_F(Service, OtherControlsAreRefusedByTheManagerOrChangeNothing) {
 TEST_F(Service, StopsByItselfWithoutAPluginDirectory) {
     std::filesystem::remove(descriptions());
     tInstalledService service(executable());
-    service.start();
+    service.startBrief();
     EXPECT_EQ(service.waitForEnd(), stopped);
     EXPECT_EQ(tStatusFile::read().messages, "Failed to open plugins directory.\n");
 }
 
 TEST_F(Service, AFailedStartIsReportedWithItsCode) {
-    // No event can be had: the call goes to a function that refuses these arguments.
+    // No event can be created: the call goes to a function that refuses these arguments.
     rebindImport(executable(), "CreateEventA", "OpenEventA");
     tInstalledService service(executable());
-    service.start();
+    service.startBrief();
     EXPECT_EQ(service.waitForEnd(), startFailed);
     EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
 }
@@ -138,10 +131,15 @@ TEST_F(Service, StartsAgainAfterAStop) {
     }
 }
 
-TEST_F(Service, ItsProcessExitsWithZero) {
+TEST_F(Service, RunsInAProcessThatEveryoneMayQueryAndThatExitsWithZero) {
     tInstalledService service(executable());
     service.start();
     service.waitForState(SERVICE_RUNNING);
+    {
+        const tHandle process(OpenProcess(READ_CONTROL, FALSE, service.processId()));
+        ASSERT_TRUE(process);
+        EXPECT_EQ(accessList(process.get()), everyoneMayQuery);
+    }
     const tHandle process = openDespiteAccessList(service.processId(), PROCESS_QUERY_INFORMATION);
     ASSERT_TRUE(process);
     service.stop();
@@ -150,16 +148,7 @@ TEST_F(Service, ItsProcessExitsWithZero) {
     EXPECT_EQ(exitCode, 0u);
 }
 
-TEST_F(Service, EveryoneMayQueryItsProcessAndNothingElse) {
-    tInstalledService service(executable());
-    service.start();
-    service.waitForState(SERVICE_RUNNING);
-    const tHandle process(OpenProcess(READ_CONTROL, FALSE, service.processId()));
-    ASSERT_TRUE(process);
-    EXPECT_EQ(accessList(process.get()), everyoneMayQuery);
-}
-
-TEST_F(Service, TheArgumentsOfItsCommandLineAreNotLookedAt) {
+TEST_F(Service, IgnoresTheArgumentsOfItsCommandLine) {
     tInstalledService service(executable(), L"x --help");
     service.start();
     EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);

@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <ctime>
 #include <sstream>
 
 #include "tests/endtoend/harness/stage.h"
@@ -9,14 +7,9 @@
 namespace endtoend {
 namespace {
 
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
-
 class StatusFile : public EndToEnd {
 protected:
-    /// The text as an editor shows it, without the lines that differ from run to run.
+    /// The text with plain line ends, without the lines that differ from run to run.
     static std::string steadyText(const tStatusFile& status) {
         std::string result;
         std::istringstream lines(status.bytes);
@@ -33,8 +26,8 @@ protected:
 
 constexpr const char* banner = "ZU-Ziptra Remote Configuration and Deployment status\n";
 
-TEST_F(StatusFile, IsThereBeforeAnythingElseHappens) {
-    bindToWaitingFolder();
+TEST_F(StatusFile, IsWrittenBeforeAnythingElseHappens) {
+    scriptSystemCalls();
     addPlugin("A");
     const tGate gate = holdStatusWrite(2);
     start();
@@ -45,20 +38,7 @@ TEST_F(StatusFile, IsThereBeforeAnythingElseHappens) {
     EXPECT_EQ(calls(), "");
 }
 
-TEST_F(StatusFile, TellsOfThePreparationBeforeTheFirstPluginStarts) {
-    const tEnvironmentVariable notAllowed(L"ZUSYSAPI_SETTING", L"0");
-    const tPath bad = describe(L"bad.ini", "nonsense");
-    addPlugin("A", {.initialize = "InitWaits"});
-    const tGate gate = holdPlugin("A");
-    start();
-    gate.waitUntilHeld();
-    EXPECT_EQ(steadyText(tStatusFile::read()), std::string(banner) +
-                                                   "Allowed: 0xfffffffd\n\n"
-                                                   "Failed to parse service description file: " +
-                                                   utf8Path(bad) + "\n");
-}
-
-TEST_F(StatusFile, TellsOfThePluginsOnceTheyAreStarted) {
+TEST_F(StatusFile, ShowsThePluginsOnceTheyAreStarted) {
     addPlugin("A", {.initialize = "InitWarning3", .stop = "StopThrowsRuntimeError"});
     addPlugin("B", {.dependencies = "A, None", .requires_ = "5"});
     const std::string libraryOfA = utf8Path(libraries() / L"A.dll");
@@ -69,23 +49,18 @@ TEST_F(StatusFile, TellsOfThePluginsOnceTheyAreStarted) {
                   "\nRequires: 5\nInitOk Code: -52006\n\n");
 }
 
-TEST_F(StatusFile, TellsOfStopAndCleanupBeforeTheServiceEnds) {
-    bindToWaitingFolder();
+TEST_F(StatusFile, ShowsStopAndCleanupBeforeTheServiceEnds) {
+    scriptSystemCalls();
     addPlugin("A", {.stop = "StopThrowsRuntimeError", .cleanup = "CleanupThrowsBadAlloc"});
     const tGate gate = holdStatusWrite(5);
     startPlugins();
     process().interrupt();
     gate.waitUntilHeld();
     const std::string text = steadyText(tStatusFile::read());
-    EXPECT_THAT(text, EndsWith("StopThrowsRuntimeError Code: -52003\nCleanupThrowsBadAlloc Code: -52000\n\n"));
+    EXPECT_THAT(text, testing::EndsWith("StopThrowsRuntimeError Code: -52003\nCleanupThrowsBadAlloc Code: -52000\n\n"));
     gate.open();
     process().exitCode();
     EXPECT_EQ(steadyText(tStatusFile::read()), text);
-}
-
-TEST_F(StatusFile, EntriesWithoutANameAreCalledInitStopAndCleanup) {
-    describe(L"A.ini", "[Service]\nName=A\nPath=none.dll");
-    EXPECT_THAT(steadyText(startPlugins()), EndsWith("Requires: 1\nInit Code: -52005\n\n"));
 }
 
 TEST_F(StatusFile, MeasuresTheCallsInMilliseconds) {
@@ -104,44 +79,14 @@ TEST_F(StatusFile, MeasuresTheCallsInMilliseconds) {
     EXPECT_LT(calls[0].milliseconds, 60000u);
 }
 
-TEST_F(StatusFile, EndsItsLinesAsWindowsDoes) {
-    addPlugin("A");
-    describe(L"bad.ini", "nonsense");
-    const std::string bytes = runThrough().bytes;
-    EXPECT_THAT(bytes, EndsWith("\r\n\r\n"));
-    std::size_t pairs = 0;
-    for (std::size_t at = 0; (at = bytes.find("\r\n", at)) != std::string::npos; ++at) ++pairs;
-    EXPECT_EQ(std::ranges::count(bytes, '\n'), pairs);
-    EXPECT_EQ(std::ranges::count(bytes, '\r'), pairs);
-}
-
-TEST_F(StatusFile, TellsWhenItWasWritten) {
-    addPlugin("A");
-    const std::time_t before = std::time(nullptr);
-    const std::string updated = runThrough().updated;
-    const std::time_t after = std::time(nullptr);
-    bool matches = false;
-    for (std::time_t second = before; second <= after; ++second) matches |= updated + "\n" == std::ctime(&second);
-    EXPECT_TRUE(matches) << updated;
-}
-
-TEST_F(StatusFile, LeavesNoTemporaryFile) {
-    addPlugin("A");
-    writeFile(tStatusFile::temporaryPath(), std::string(100000, 'x'));
-    const tStatusFile status = runThrough();
-    EXPECT_EQ(status.names(), "A");
-    EXPECT_THAT(status.bytes, Not(HasSubstr("xxx")));
-    EXPECT_FALSE(std::filesystem::exists(tStatusFile::temporaryPath()));
-}
-
-// What cannot be written stops nobody.
+// A status file that cannot be written stops no plug-in.
 
 class UnwritableStatusFile : public StatusFile {
 protected:
     UnwritableStatusFile() { addPlugin("A", {.cleanup = "CleanupOk"}); }
 
-    /// The plug-in lives its whole life.
-    void expectService() {
+    /// Runs the plug-in from its start to its clean-up.
+    void expectWholeLife() {
         start();
         waitFor("the plug-in's start", [&] { return calls() == "A loads\nA InitOk\n"; });
         process().interrupt();
@@ -150,43 +95,29 @@ protected:
     }
 };
 
-TEST_F(UnwritableStatusFile, ForWantOfTheFolder) {
+TEST_F(UnwritableStatusFile, BecauseTheFolderIsMissing) {
     std::filesystem::remove(makerFolder());
-    expectService();
+    expectWholeLife();
     EXPECT_FALSE(std::filesystem::exists(makerFolder()));
 }
 
-TEST_F(UnwritableStatusFile, BecauseNobodyKnowsTheFolder) {
-    bindToWaitingFolder();
-    writeFile(executable().parent_path() / L"SHGetFolderPathW.fails", "");
-    expectService();
+TEST_F(UnwritableStatusFile, BecauseTheFolderIsUnknown) {
+    scriptSystemCalls();
+    writeFile(besideExecutable(L"folder.unknown"), "");
+    expectWholeLife();
     EXPECT_TRUE(std::filesystem::is_empty(makerFolder()));
-}
-
-TEST_F(UnwritableStatusFile, BecauseADirectoryStandsInItsPlace) {
-    std::filesystem::create_directory(tStatusFile::path());
-    expectService();
-    EXPECT_TRUE(std::filesystem::is_directory(tStatusFile::path()));
-    EXPECT_EQ(tStatusFile::parse(readFile(tStatusFile::temporaryPath())).names(), "A");
-}
-
-TEST_F(UnwritableStatusFile, BecauseADirectoryStandsInPlaceOfTheTemporaryFile) {
-    writeFile(tStatusFile::path(), "earlier");
-    std::filesystem::create_directory(tStatusFile::temporaryPath());
-    expectService();
-    EXPECT_EQ(readFile(tStatusFile::path()), "earlier");
 }
 
 TEST_F(UnwritableStatusFile, BecauseItIsReadOnly) {
     writeFile(tStatusFile::path(), "earlier");
     std::filesystem::permissions(tStatusFile::path(), std::filesystem::perms::owner_write,
                                  std::filesystem::perm_options::remove);
-    expectService();
+    expectWholeLife();
     EXPECT_EQ(readFile(tStatusFile::path()), "earlier");
     EXPECT_EQ(tStatusFile::parse(readFile(tStatusFile::temporaryPath())).names(), "A");
 }
 
-TEST_F(UnwritableStatusFile, BecauseSomebodyKeepsItOpenIsWrittenAgainAfterwards) {
+TEST_F(UnwritableStatusFile, BecauseAReaderHasItOpenIsWrittenOnceThatOneHasClosedIt) {
     writeFile(tStatusFile::path(), "earlier");
     {
         const HANDLE handle =

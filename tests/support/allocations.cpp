@@ -18,10 +18,12 @@ constinit int refusals = 0;
 constinit bool counting = false;
 constinit int failingRequest = 0;
 constinit tHowLong duration = tHowLong::once;
+constinit bool newOnly = false;
+constinit bool isNew = false;  // the request is one by `new`
 constinit tCounts counts{0, 0};
 
-/// A set of addresses that asks for no memory: each one lies at the place that its value gives, or in the row behind
-/// it.
+/// A set of addresses that allocates no memory: an open-addressing hash table with linear probing. It forgets addresses
+/// that it has no room for.
 class tBlocks {
 public:
     void clear() noexcept {
@@ -31,19 +33,20 @@ public:
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
     void add(void* block) noexcept {
-        if (2 * ++size_ > blocks_.size()) std::abort();
-        std::size_t at = homeOf(block);
+        if (2 * (size_ + 1) > blocks_.size()) return;
+        ++size_;
+        std::size_t at = firstSlot(block);
         while (blocks_[at] != nullptr) at = next(at);
         blocks_[at] = block;
     }
 
     void remove(void* block) noexcept {
-        std::size_t at = homeOf(block);
+        std::size_t at = firstSlot(block);
         while (blocks_[at] != nullptr && blocks_[at] != block) at = next(at);
         if (blocks_[at] == nullptr) return;
         blocks_[at] = nullptr;
         --size_;
-        // The rest of the row may have lost its way.
+        // Those that follow may not be found any more: put them back.
         for (at = next(at); blocks_[at] != nullptr; at = next(at)) {
             void* const moved = blocks_[at];
             blocks_[at] = nullptr;
@@ -53,7 +56,7 @@ public:
     }
 
 private:
-    [[nodiscard]] static std::size_t homeOf(const void* block) noexcept {
+    [[nodiscard]] static std::size_t firstSlot(const void* block) noexcept {
         return (reinterpret_cast<std::uintptr_t>(block) / 16 * 0x9E3779B97F4A7C15U) >> 48U;
     }
     [[nodiscard]] static std::size_t next(std::size_t at) noexcept { return (at + 1) % 0x10000; }
@@ -71,7 +74,7 @@ bool refuses(std::size_t bytes) noexcept {
         ++refusals;
         return true;
     }
-    if (!isWatched()) return false;
+    if (!isWatched() || (newOnly && !isNew)) return false;
     ++counts.requests;
     const bool due = counts.requests == failingRequest ||
                      (duration == tHowLong::forEver && failingRequest != 0 && counts.requests > failingRequest);
@@ -84,20 +87,21 @@ void* remembered(void* block) noexcept {
     return block;
 }
 
-void fail(int nth, tHowLong howLong) noexcept {
+void fail(int nth, tHowLong howLong, bool requestsByNewOnly) noexcept {
     blocks.clear();
+    newOnly = requestsByNewOnly;
     counts = {0, 0};
     failingRequest = nth;
     duration = howLong;
     counting = true;
 }
 
-/// With a thread's first exception, and with the first one that finds no memory for itself, the language's own
-/// libraries ask for memory that they keep, and end the process without it.
+/// At a thread's first exception, and at the first one that no memory is left for, the language's own libraries
+/// allocate memory that they keep, and end the process if they cannot.
 void settleLibraries() noexcept {
     static bool settled = false;
     if (std::exchange(settled, true)) return;
-    fail(1, tHowLong::once);
+    fail(1, tHowLong::once, false);
     try {
         throw std::bad_alloc();
     } catch (const std::bad_alloc&) {
@@ -120,7 +124,12 @@ int stopRefusing() noexcept {
 
 void startFailing(int nth, tHowLong howLong) noexcept {
     settleLibraries();
-    fail(nth, howLong);
+    fail(nth, howLong, false);
+}
+
+void startFailingNew(int nth, tHowLong howLong) noexcept {
+    settleLibraries();
+    fail(nth, howLong, true);
 }
 
 tCounts stopFailing() noexcept {
@@ -130,7 +139,28 @@ tCounts stopFailing() noexcept {
 
 std::size_t held() noexcept { return blocks.size(); }
 
+void* requestByNew(std::size_t bytes) noexcept {
+    isNew = true;
+    void* const block = std::malloc(bytes == 0 ? 1 : bytes);
+    isNew = false;
+    return block;
+}
+
 }  // namespace allocations
+
+// All forms: a sanitizer's own operators would otherwise be used in place of missing ones.
+void* operator new(std::size_t size) {
+    void* const block = allocations::requestByNew(size);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept { return allocations::requestByNew(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept { return operator new(size, tag); }
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t /*size*/) noexcept { std::free(block); }
 
 extern "C" {
 void* __real_malloc(std::size_t bytes);

@@ -4,8 +4,8 @@
 #include <cstddef>
 
 /// Lets memory run out in a test. The linker sends every malloc, calloc, realloc and free of the test program through
-/// here, and with them every `new`: on Windows those of the language's own libraries as well. One thread at a time.
-/// Expectations belong behind the action, not into it.
+/// here, and with them every `new`; on Windows those of the language's own libraries as well. One thread at a time.
+/// Expectations belong after the action, not into it.
 namespace allocations {
 
 /// From now on requests for at least `bytes` are refused and counted.
@@ -27,8 +27,8 @@ int refused(std::size_t bytes, Action action) {
 
 enum class tHowLong { once, forEver };
 
-/// From now on requests are counted, their blocks are remembered, and the `nth` request, counted from 1, is refused,
-/// with all behind it if that is wanted. 0: none.
+/// From now on requests are counted, their blocks are remembered, and the `nth` request, counted from 1, is refused;
+/// so are all later ones if `howLong` says so. 0: none.
 void startFailing(int nth, tHowLong howLong) noexcept;
 
 struct tCounts {
@@ -39,10 +39,15 @@ struct tCounts {
 /// Ends it.
 tCounts stopFailing() noexcept;
 
-/// How many of the blocks remembered since the last start have not been freed.
+/// The same for requests by `new` alone: those by malloc, calloc and realloc are neither counted nor refused.
+void startFailingNew(int nth, tHowLong howLong) noexcept;
+/// Ends it. Returns whether a request has been refused.
+inline bool stopFailingNew() noexcept { return stopFailing().refused > 0; }
+
+/// Returns how many of the blocks remembered since the last start have not been freed.
 std::size_t held() noexcept;
 
-/// While one lives, what asks for memory is the test's own: it is neither counted nor refused. Any thread.
+/// While one lives, requests for memory are the test's own: neither counted nor refused. Thread: any.
 class tPause {
 public:
     tPause() noexcept { ++count; }
@@ -53,7 +58,7 @@ public:
     inline static constinit std::atomic<int> count{0};
 };
 
-/// Ends all pauses while it lives: a stand-in calls the product.
+/// Suspends all pauses while it lives, for a stand-in that calls the product.
 class tProductCall {
 public:
     tProductCall() noexcept : pauses_(tPause::count.exchange(0)) {}

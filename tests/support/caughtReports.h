@@ -5,8 +5,7 @@
 
 namespace support {
 
-/// The reports of the program's own exceptions that boundaries have turned into a code while this object lives: what a
-/// boundary keeps to itself. One at a time.
+/// Collects the reports of the program's own exceptions that a boundary converts into a code. One at a time.
 class tCaughtReports {
 public:
     tCaughtReports();

@@ -3,5 +3,5 @@
 #include <functional>
 #include <string>
 
-/// What an action hands to the debugger.
+/// Runs the action and returns what it writes to the debugger.
 std::string debuggerOutput(const std::function<void()>& action);

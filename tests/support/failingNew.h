@@ -1,14 +1,13 @@
 #pragma once
 
-/// Lets memory run out at a chosen moment: the test program's operator new fails on demand.
+#include "tests/support/allocations.h"
+
+/// Older names of the functions for `new` in allocations.h.
 namespace failingNew {
 
-enum class tHowLong { once, forEver };
+using allocations::tHowLong;
 
-/// From now on the `nth` allocation, counted from 1, throws std::bad_alloc, and all behind it if that is wanted.
-void start(int nth, tHowLong howLong) noexcept;
-
-/// Ends it; whether an allocation has failed.
-bool stop() noexcept;
+inline void start(int nth, tHowLong howLong) noexcept { allocations::startFailingNew(nth, howLong); }
+inline bool stop() noexcept { return allocations::stopFailingNew(); }
 
 }  // namespace failingNew

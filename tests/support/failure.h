@@ -7,7 +7,7 @@
 
 namespace support {
 
-/// What the program's exception that a call throws says, "code constant file line component", or "none".
+/// Returns the report of the program's exception that a call throws, "code constant file line component", or "none".
 template <class Call>
 std::string failureOf(Call call) {
     try {

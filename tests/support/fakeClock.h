@@ -4,10 +4,10 @@
 
 namespace support {
 
-/// A clock whose time passes as a test says. While one lives, it is the clock of the product. One at a time.
+/// Replaces the product's clock by one whose time the test sets. One at a time.
 class tFakeClock {
 public:
-    /// The tick's length, in units of 100 nanoseconds: one millisecond unless said otherwise.
+    /// Sets the tick's length in units of 100 nanoseconds, by default one millisecond.
     explicit tFakeClock(std::uint32_t timeIncrement = 10'000);
     ~tFakeClock();
     tFakeClock(const tFakeClock&) = delete;
@@ -20,7 +20,7 @@ public:
     }
 
     std::uint64_t nowMs = 1'000;
-    std::uint64_t msPerReading = 0;  ///< time that passes by itself before each reading
+    std::uint64_t msPerReading = 0;  ///< how far the clock advances before each reading
     std::uint32_t timeIncrement;
     std::uint64_t counterFrequency = 1'000'000'000;
 };

@@ -12,9 +12,9 @@
 
 namespace support {
 
-/// Runs the host's control code on a service object that is real but for the machine around it: there is no shared
-/// directory, so a run ends as soon as it has tried to list the plug-ins, and no status file is written. Keeps the
-/// system calls that matter in the order in which they were made:
+/// Runs the host's control code on a real service object, but without a shared directory, so that a run ends once it
+/// has tried to list the plug-ins, and without a status file. Records these system calls in the order in which they are
+/// made:
 ///
 ///   create-event, set-event, close-event   the stop event: a start, a stop request, a stop
 ///   list                                   the first thing that a run does

@@ -24,7 +24,7 @@ class RestoreAfterEachTest : public testing::EmptyTestEventListener {
     return true;
 }();
 
-/// What the linker has the product call in place of the import.
+/// The function to which the linker binds the product's call instead of the import.
 template <auto& import, class Function>
 struct Door;
 

@@ -55,22 +55,22 @@ public:
         remember();
     }
 
-    /// What the product's call does now, for a replacement that goes around another one.
+    /// The function that the product's call reaches now, for a replacement that wraps another one.
     [[nodiscard]] std::function<Result(Arguments...)> current() {
         if (replacement_ != nullptr) return *replacement_;
         return [this](Arguments... arguments) { return real(arguments...); };
     }
 
-    /// The system's own.
+    /// Calls the system's own function.
     Result real(Arguments... arguments) {
         if (real_ == nullptr) real_ = reinterpret_cast<Result (*)(Arguments...)>(systemAddress(library_, name_));
         return real_(arguments...);
     }
 
-    /// What the product's call does.
+    /// Does what the product's call does.
     Result call(Arguments... arguments) {
         if (replacement_ == nullptr) return real(arguments...);
-        const allocations::tPause pause;  // what a test does here is no affair of the product's memory
+        const allocations::tPause pause;  // the memory that a test needs here is not the product's
         return (*replacement_)(arguments...);
     }
 
@@ -87,7 +87,7 @@ private:
     std::function<Result(Arguments...)>* replacement_ = nullptr;
 };
 
-// A list is the one thing here that needs a macro: the names become those of variables and of linker symbols.
+// The list must be a macro: its names become those of variables and of linker symbols.
 #define IMPORTS(IMPORT)                                  \
     IMPORT(L"advapi32.dll", RegCloseKey)                 \
     IMPORT(L"advapi32.dll", RegOpenKeyExW)               \
@@ -137,8 +137,8 @@ private:
     IMPORT(L"msvcrt.dll", _wrename)                      \
     IMPORT(L"shell32.dll", SHGetFolderPathW)
 
-// The same for calls that the compiler takes for ordinary functions, as the headers do not declare them dllimport. They
-// reach their import pointer by way of a jump instruction, which the test program defines too.
+// The same for calls that the compiler treats as ordinary functions, as the headers do not declare them dllimport. They
+// reach their import pointer through a jump instruction, which the test program defines too.
 #define IMPORTS_BEHIND_A_JUMP(IMPORT) \
     IMPORT(L"msvcrt.dll", fclose)     \
     IMPORT(L"msvcrt.dll", ferror)     \

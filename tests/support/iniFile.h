@@ -1,34 +1,25 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
-#include <random>
 #include <sstream>
 #include <string>
 #include <string_view>
 
 #include "ini/parser.h"
+#include "tests/support/folder.h"
 
-/// A file for one test, gone when the test is over.
+/// A file for one test, in a folder of its own.
 class tIniFile {
 public:
-    explicit tIniFile(std::string_view content, const std::filesystem::path& name = "test.ini") {
-        std::random_device random;
-        directory_ = std::filesystem::temp_directory_path() / ("ini" + std::to_string(random()) + "x");
-        path_ = directory_ / name;
-        create_directories(path_.parent_path());
+    explicit tIniFile(std::string_view content, const std::filesystem::path& name = "test.ini")
+        : path_(folder_.path() / name) {
         write(content);
     }
-    ~tIniFile() { remove_all(directory_); }
-    tIniFile(const tIniFile&) = delete;
-    tIniFile& operator=(const tIniFile&) = delete;
 
-    void write(std::string_view content) const {
-        std::ofstream(path_, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
-    }
+    void write(std::string_view content) const { folder_.write(path_, content); }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-    /// As the parser wants it. Not wstring(), which depends on the locale natively.
+    /// As the parser expects it. Not wstring(), which depends on the locale natively.
     [[nodiscard]] std::wstring widePath() const {
         const std::u32string path = path_.u32string();
         return {path.begin(), path.end()};
@@ -38,11 +29,11 @@ public:
     }
 
 private:
-    std::filesystem::path directory_;
+    support::tFolder folder_{"ini"};
     std::filesystem::path path_;
 };
 
-/// The document as text, one line for each section and key: "[Service]@1", "Name=value@2", with the quote behind the
+/// The document as text, one line for each section and key: "[Service]@1", "Name=value@2", with the quote after the
 /// value if one was stripped, and "error@3" at the end if a line is malformed. Each ends with a line feed.
 inline std::string describe(const nIni::tDocument& document) {
     std::ostringstream text;
@@ -58,7 +49,7 @@ inline std::string describe(const nIni::tDocument& document) {
     return text.str();
 }
 
-/// What `describe` says about a text parsed with these flags; a failing parse gives its code.
+/// What `describe` returns for a text parsed with these flags, or the code of a parse that fails.
 inline std::string parsed(std::string_view content, std::uint32_t flags = 3) {
     nIni::tDocument document;
     document.flags = flags;

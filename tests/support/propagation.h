@@ -8,7 +8,7 @@
 
 namespace support {
 
-/// Expects that a propagating exception is told from none, whatever was thrown before.
+/// Expects that the product distinguishes a propagating exception from none, whatever was thrown before.
 inline void expectPropagationToBeTold() {
     EXPECT_FALSE(zuerr::ExceptionIsPropagating());
     struct CleanUp {

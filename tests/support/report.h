@@ -10,10 +10,10 @@
 
 #include "err/JsonReport.h"
 
-/// What tests of JSON reports share. The judge of the texts is a JSON library that knows nothing of the product.
+/// Helpers for tests of JSON reports. The texts are checked by a JSON library that is independent of the product.
 namespace report {
 
-/// The text as a JSON document that keeps its members in their order; fails the test when it is none.
+/// Returns the text as a JSON document that keeps the order of its members. Fails the test if it is not JSON.
 inline nlohmann::ordered_json parsed(const char* text) {
     auto document = nlohmann::ordered_json::parse(text, nullptr, false);
     EXPECT_FALSE(document.is_discarded()) << "no JSON: " << text;
@@ -25,19 +25,19 @@ inline testing::AssertionResult wellLaidOut(const char* buffer, std::size_t size
     if (buffer[size - 1] != zuerr::jsonSentinel) return testing::AssertionFailure() << "no sentinel";
     const std::size_t length = strnlen(buffer, size);
     for (std::size_t i = length; i + 1 < size; ++i) {
-        if (buffer[i] != 0) return testing::AssertionFailure() << "byte " << i << " behind the text is not zero";
+        if (buffer[i] != 0) return testing::AssertionFailure() << "byte " << i << " after the text is not zero";
     }
     return length + 1 < size ? testing::AssertionSuccess() : testing::AssertionFailure() << "no terminator";
 }
 
-/// A buffer of an exact size on the heap, so that a sanitizer sees a step beyond it.
+/// A buffer of an exact size on the heap, so that a sanitizer notices an access beyond it.
 class Buffer {
 public:
     Buffer(std::size_t size, const char* text) : bytes_(size, '#') {
         EXPECT_TRUE(zuerr::CopyText(bytes_.data(), static_cast<std::uint32_t>(size), text));
     }
 
-    /// Room for exactly so many more bytes.
+    /// A buffer with space for exactly `room` more bytes.
     static Buffer withRoom(std::size_t room, const char* text) { return {std::strlen(text) + 2 + room, text}; }
 
     [[nodiscard]] char* text() noexcept { return bytes_.data(); }

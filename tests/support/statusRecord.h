@@ -17,7 +17,7 @@ inline testing::AssertionResult wellLaidOut(const zuerr::StatusRecord& record) {
 
 }  // namespace report
 
-/// Buffer managers for status records, and what they have been asked for in this test.
+/// Buffer managers for status records, and the capacities requested from them in this test.
 class StatusRecordManager : public testing::Test {
 protected:
     StatusRecordManager() { requests.clear(); }
@@ -27,13 +27,13 @@ protected:
         return zuerr::StatusRecord::reallocJsonDefault(record, capacity);
     }
 
-    /// Releases, but gives nothing.
+    /// Frees, but allocates nothing.
     static bool refuse(zuerr::StatusRecord& record, std::uint32_t capacity) noexcept {
         requests.push_back(capacity);
         return capacity <= record.capacity && zuerr::StatusRecord::reallocJsonDefault(record, capacity);
     }
 
-    /// Gives exactly what it is asked for.
+    /// Allocates exactly what is requested.
     static bool exact(zuerr::StatusRecord& record, std::uint32_t capacity) noexcept {
         if (capacity == 0) return zuerr::StatusRecord::reallocJsonDefault(record, 0);
         if (capacity <= record.capacity) return true;

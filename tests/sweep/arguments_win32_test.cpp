@@ -1,4 +1,4 @@
-// The answers to arguments, when the console that they go to is gone: the exit code stays what it is.
+// The answers to arguments if the console is gone: the exit code stays the same.
 #include <gtest/gtest.h>
 
 #include <cstdarg>
@@ -11,11 +11,11 @@ int hostMain(int argumentCount, char** arguments);
 
 namespace {
 
-/// Printed calls of fprintf, each of which fails while this is wanted.
+/// Whether calls of fprintf fail, and how many did.
 bool printingFails = false;
 int prints = 0;
 
-/// Run from a command line with one argument.
+/// Runs the host from a command line with one argument. Returns its exit code.
 int answerTo(const char* argument) {
     imports::StartServiceCtrlDispatcherA.replace([](auto...) {
         imports::SetLastError.real(ERROR_FAILED_SERVICE_CONTROLLER_CONNECT);
@@ -27,7 +27,7 @@ int answerTo(const char* argument) {
     return hostMain(2, arguments);
 }
 
-TEST(Arguments, AreAnsweredWith0WhenTheHelpCannotBeWritten) {
+TEST(hostMain, ReturnsZeroWhenTheHelpCannotBeWritten) {
     int writes = 0;
     imports::fwrite.replace([&writes](auto...) {
         ++writes;
@@ -39,7 +39,7 @@ TEST(Arguments, AreAnsweredWith0WhenTheHelpCannotBeWritten) {
     sweep::count("a system call, once", {.faults = writes});
 }
 
-TEST(Arguments, AreAnsweredWithMinus1WhenTheComplaintCannotBeWritten) {
+TEST(hostMain, ReturnsMinusOneWhenTheComplaintCannotBeWritten) {
     prints = 0;
     printingFails = true;
     EXPECT_EQ(answerTo("--wrong"), -1);
@@ -50,7 +50,7 @@ TEST(Arguments, AreAnsweredWithMinus1WhenTheComplaintCannotBeWritten) {
 
 }  // namespace
 
-// The program is linked with --wrap for this one, which is what fprintf comes down to with MinGW.
+// The program is linked with --wrap for this one, which MinGW's fprintf calls.
 extern "C" {
 int __real___mingw_vfprintf(std::FILE* file, const char* format, std::va_list arguments);
 

@@ -4,7 +4,7 @@
 
 namespace sweep {
 
-/// `failure` is given what would have been called, and the arguments.
+/// `failure` receives the function that would have been called, and the arguments.
 template <class Import, class Failure>
 void tFaults::row(Import& door, const char* name, unsigned mayCost, Failure failure) {
     const std::size_t call = calls_.size();
@@ -14,7 +14,7 @@ void tFaults::row(Import& door, const char* name, unsigned mayCost, Failure fail
     });
 }  // namespace sweep
 
-/// The call does nothing but say no.
+/// The call does nothing and fails.
 template <class Import, class Result>
 void tFaults::refuses(Import& door, const char* name, unsigned mayCost, unsigned long error, Result result) {
     row(door, name, mayCost, [error, result](const auto& inner, auto... arguments) -> decltype(inner(arguments...)) {
@@ -23,7 +23,7 @@ void tFaults::refuses(Import& door, const char* name, unsigned mayCost, unsigned
     });
 }
 
-/// The call does its work, says no all the same, and the caller can do nothing more about it.
+/// The call does its work but reports a failure, about which the caller can do nothing.
 template <class Import, class Result>
 void tFaults::complains(Import& door, const char* name, unsigned mayCost, unsigned long error, Result result) {
     row(door, name, mayCost, [error, result](const auto& inner, auto... arguments) -> decltype(inner(arguments...)) {
@@ -123,6 +123,7 @@ void tFaults::addFiles() {
 }
 
 void tFaults::addLibraries(tLedger& ledger) {
+    refuses(CALL(SetThreadErrorMode), cost::nothing, ERROR_INVALID_PARAMETER, FALSE);
     refuses(CALL(GetModuleHandleA), cost::nothing, ERROR_MOD_NOT_FOUND, nullptr);
     refuses(CALL(LoadLibraryExA), cost::plugins | cost::deployment, ERROR_NOT_ENOUGH_MEMORY, nullptr);
     refuses(CALL(GetProcAddress), cost::plugins | cost::deployment, ERROR_PROC_NOT_FOUND, nullptr);
@@ -146,7 +147,7 @@ void tFaults::addNumbers() {
 #undef CALL
 
 tFaults::tFaults(tLedger& ledger) {
-    calls_.reserve(64);  // so that counting goes on in place
+    calls_.reserve(64);  // the stand-ins refer to its elements
     addService();
     addProcess();
     addPlaces();

@@ -7,7 +7,7 @@
 
 namespace sweep {
 
-/// What a life may lose when a call fails; everything else must be as if nothing had happened. Bits.
+/// Bits for what a life may lose when a call fails; everything else must be as if nothing had happened.
 namespace cost {
 constexpr unsigned nothing = 0;
 constexpr unsigned mode = 1;          ///< the life ends before it begins
@@ -25,12 +25,12 @@ constexpr unsigned waiting = 512;     ///< the run does not wait, or waits for o
 struct tCall {
     std::string name;
     unsigned mayCost;
-    bool canFail;         ///< false for what gives a number and cannot refuse
+    bool canFail;         ///< false for a call that returns a number and cannot fail
     int occurrences = 0;  ///< since the last arming
 };
 
-/// Stands around the stand-ins of all calls that the product makes: counts them, and makes chosen ones fail. One at a
-/// time; it ends with the test.
+/// Wraps the stand-ins of all calls that the product makes: counts the calls, and makes chosen ones fail. One at a
+/// time; the test's end removes it.
 class tFaults {
 public:
     explicit tFaults(tLedger& ledger);
@@ -38,9 +38,9 @@ public:
     tFaults& operator=(const tFaults&) = delete;
 
     [[nodiscard]] const std::vector<tCall>& calls() const { return calls_; }
-    /// Counts from 0 again, and lets nothing fail.
+    /// Resets the counts and lets nothing fail.
     void disarm();
-    /// The same, but the call's nth occurrence fails, counted from 1, and all behind it if that is wanted.
+    /// Resets the counts and makes the call's nth occurrence fail, counted from 1, and all later ones if `forEver`.
     void arm(std::size_t call, int nth, bool forEver);
     [[nodiscard]] int injected() const { return injected_; }
 

@@ -13,7 +13,7 @@ std::map<std::string, tFigures>& rows() {
     return rows;
 }
 
-/// In the form that test.sh puts into its table.
+/// Prints the lines that test.sh turns into a table.
 class PrintAtTheEnd : public testing::Environment {
     void TearDown() override {
         for (const auto& [kind, seen] : rows()) {

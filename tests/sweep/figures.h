@@ -5,7 +5,7 @@
 
 namespace sweep {
 
-/// What has been seen of one kind of fault; every number is counted by what ran.
+/// What happened with one kind of fault.
 struct tFigures {
     int runs = 1;
     int faults = 0;
@@ -14,7 +14,7 @@ struct tFigures {
     int torn = 0;
 };
 
-/// Adds to the kind's row of the table, which is printed when all tests are over.
+/// Adds to the kind's row of the table, which is printed after all tests.
 void count(const std::string& kind, const tFigures& figures);
 
 }  // namespace sweep

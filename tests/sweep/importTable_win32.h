@@ -7,14 +7,14 @@
 
 namespace sweep {
 
-/// The names that an executable imports from all libraries, read from the file itself; "#12" for what it imports by a
-/// number. None when there is no such file, or none of that kind. What is bound at its first call is not seen.
-std::vector<std::string> importsOf(const std::string& path);
+/// The names of all functions in a listing of an executable's import tables, which the build makes with objdump -p.
+/// What is bound at its first call is not in it.
+std::vector<std::string> importsIn(const std::string& listing);
 
-/// Those of the imports that no scenario reaches, and that are not the runtime's own either.
+/// The imports that no scenario reaches and that are not the runtime's own.
 std::vector<std::string> forgottenCalls(const std::vector<std::string>& imported, const std::set<std::string>& reached);
 
-/// Whether it is on the list of what the executable imports though the product does not call it.
+/// Whether it is on the list of functions that the executable imports but the product does not call.
 bool isOfTheRuntime(std::string_view name);
 
 }  // namespace sweep

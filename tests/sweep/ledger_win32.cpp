@@ -8,10 +8,10 @@ namespace {
 
 constexpr const char* frameworkLibrary = "framework library";
 
-/// The rest is what is left of a call that failed; closing it does nothing.
+/// Other values are results of failed calls; closing them does nothing.
 bool isHandle(const void* handle) { return handle != nullptr && handle != INVALID_HANDLE_VALUE; }
 
-/// A call that returns what it opened.
+/// For a call that returns what it opened.
 template <class Import>
 void opens(tLedger& ledger, Import& door, std::string_view kind) {
     door.replace([&ledger, kind, inner = door.current()](auto... arguments) {
@@ -47,7 +47,7 @@ void givesText(tLedger& ledger, Import& door) {
                                                    DWORD size, va_list* arguments) {
         const DWORD length = inner(flags, source, id, language, text, size, arguments);
         const DWORD error = imports::GetLastError.real();
-        // With this flag the text is a pointer to where the address of the new block goes.
+        // With this flag, `text` points to the variable for the address of the new block.
         const bool gave = length != 0 && (flags & FORMAT_MESSAGE_ALLOCATE_BUFFER) != 0;
         if (gave) ledger.opened("local memory", *reinterpret_cast<void**>(text));
         imports::SetLastError.real(error);
@@ -67,7 +67,7 @@ void keepLocalMemory(tLedger& ledger) {
     closes(ledger, imports::LocalFree, "local memory");
 }
 
-/// The framework library stays loaded for good once its entry has been found, so it has a kind of its own.
+/// The framework library stays loaded once its entry has been found, so it has a kind of its own.
 void keepModules(tLedger& ledger) {
     imports::LoadLibraryExA.replace(
         [&ledger, inner = imports::LoadLibraryExA.current()](LPCSTR name, HANDLE file, DWORD flags) {
@@ -135,7 +135,7 @@ void keepLedger(tLedger& ledger) {
     opens(ledger, imports::OpenProcess, "handle");
     opens(ledger, imports::CreateFileW, "handle");
     imports::CloseHandle.replace([&ledger, inner = imports::CloseHandle.current()](HANDLE handle) {
-        // A lock of the runtime closes handles of its own; what is not open at all is what the system refuses.
+        // A lock of the runtime closes handles of its own; only a handle that the system refuses is not open.
         const bool known = ledger.isOpen("handle", handle);
         if (known) ledger.closed("handle", handle);
         const BOOL closed = inner(handle);

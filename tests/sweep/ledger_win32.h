@@ -8,21 +8,21 @@
 
 namespace sweep {
 
-/// What the product has open: every opening and closing call comes through here. One at a time.
+/// What the product has opened and not closed. Every opening and closing call passes through here. One at a time.
 class tLedger {
 public:
     void opened(std::string_view kind, const void* handle);
     void closed(std::string_view kind, const void* handle);
-    /// A closing that the system refused: it was tried, and may be tried again.
+    /// Records a closing that the system refused: it was tried, and may be tried again.
     void refusedToClose(std::string_view kind, const void* handle);
 
     /// Whether the product may close this once more.
     [[nodiscard]] bool isOpen(std::string_view kind, const void* handle) const;
-    /// What is open though nobody has tried to close it.
+    /// The kinds of what is open and was not tried to close.
     [[nodiscard]] std::vector<std::string> leaks() const;
-    /// All handles of a kind that are open, refused ones included, as often as they are.
+    /// All open handles of a kind, refused ones included, each as often as it is open.
     [[nodiscard]] std::vector<const void*> open(std::string_view kind) const;
-    /// Closings of what was not open.
+    /// Counts closings of what was not open.
     int wrongClosings = 0;
     void clear();
 
@@ -34,7 +34,7 @@ private:
     std::map<std::pair<std::string, const void*>, tCount> counts_;
 };
 
-/// Puts the ledger behind the imports that open and close something, around what stands in for them now.
+/// Connects the ledger to the imports that open and close something, around their present stand-ins.
 void keepLedger(tLedger& ledger);
 
 }  // namespace sweep

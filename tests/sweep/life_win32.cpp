@@ -24,7 +24,7 @@ std::string description(const std::string& name, const std::string& library, con
            "\nStop=StopOk\nCleanup=CleanupOk\n" + more;
 }
 
-/// Past all stand-ins. Empty when there is no such file.
+/// Reads a file past all stand-ins. Returns an empty text if there is none.
 std::string contentOf(const std::filesystem::path& path) {
     const HANDLE file = imports::CreateFileW.real(path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) return {};
@@ -55,6 +55,32 @@ std::string toText(const SERVICE_STATUS& status) {
 
 }  // namespace
 
+const tPlugin* find(const std::vector<tPlugin>& plugins, const std::string& name) {
+    const auto found = std::ranges::find(plugins, name, &tPlugin::name);
+    return found == plugins.end() ? nullptr : &*found;
+}
+
+bool lacksADependency(const tPlugin& plugin, const tOutcome& life) {
+    return std::ranges::any_of(plugin.dependencies, [&](const std::string& name) {
+        const tPlugin* const dependency = find(life.plugins, name);
+        return dependency == nullptr || dependency->initCode < 0;
+    });
+}
+
+std::vector<std::string> reportsOf(const tOutcome& life) {
+    if (!life.startedService) return {"16 2 0 0 0 0 0", "16 1 0 1066 -1 0 0"};
+    std::vector<std::string> reports{"16 2 0 0 0 0 0", "16 4 5 0 0 0 0"};
+    if (life.waits > 0) reports.emplace_back("16 3 0 0 0 1 5000");  // a stop was requested
+    reports.insert(reports.end(), {"16 3 0 0 0 2 5000", "16 1 0 0 0 0 0"});
+    return reports;
+}
+
+std::string testName(const testing::TestParamInfo<tScenario>& scenario) {
+    std::string name = scenario.param.name;
+    std::erase_if(name, [](unsigned char character) { return std::isalnum(character) == 0; });
+    return name;
+}
+
 tLives::tLives(const tScenario& scenario)
     : scenario_(scenario),
       control_([this] { standInForControl(); }),
@@ -62,7 +88,7 @@ tLives::tLives(const tScenario& scenario)
       faults_(ledger_) {
     if (scenario_.plugins == noSharedDirectory) world_.places.sharedDirectory.reset();
     describePlugins();
-    // Held, so that no life has to bring it in from the disk.
+    // Loaded once more, so that no life has to read it from the disk.
     imports::LoadLibraryExA.real(support::pluginPath("behaviours").c_str(), nullptr, 0);
     watch();
     watchStatusFile();
@@ -93,7 +119,7 @@ void tLives::describePlugins() {
     held_ = imports::CreateFileW.real(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
 }
 
-/// The manager, the console, and whoever asks the product to stop.
+/// Stands in for the manager, the console, and the user who asks the product to stop.
 void tLives::standInForControl() {
     imports::StartServiceCtrlDispatcherA.replace([this](const SERVICE_TABLE_ENTRYA* table) {
         if (!scenario_.service) {
@@ -116,7 +142,7 @@ void tLives::standInForControl() {
     imports::WaitForSingleObject.replace([this](HANDLE event, DWORD milliseconds) -> DWORD {
         if (milliseconds != INFINITE || gService == nullptr)
             return imports::WaitForSingleObject.real(event, milliseconds);
-        // A request may get lost with the call that carries it; whoever asked asks once more, and then gives up.
+        // A request may be lost with the call that carries it, so there is a second one.
         for (int request = 0; request < 2; ++request) {
             const allocations::tProductCall call;
             if (scenario_.service) serviceControlHandler(SERVICE_CONTROL_STOP);
@@ -127,7 +153,7 @@ void tLives::standInForControl() {
     });
 }
 
-/// Around everything else, so that a call is seen that is made to fail.
+/// Around everything else, so that it sees calls that are made to fail.
 void tLives::watch() {
     imports::WaitForSingleObject.replace(
         [this, inner = imports::WaitForSingleObject.current()](HANDLE event, DWORD milliseconds) {
@@ -145,7 +171,7 @@ void tLives::watch() {
         capture();
         return inner(arguments...);
     });
-    // The last writing of the status file asks for its folder when all else is done.
+    // The last status file is written, and its folder asked for, after everything else.
     imports::SHGetFolderPathW.replace([this, inner = imports::SHGetFolderPathW.current()](auto... arguments) {
         capture();
         return inner(arguments...);
@@ -175,7 +201,7 @@ void tLives::watchStatusFile() {
     lookAfter(imports::fclose);
 }
 
-/// As a reader beside the service would.
+/// Looks at the status file as a reader in another process would.
 void tLives::lookAtStatus() {
     const std::string content = contentOf(world_.statusFolder / "zuZiptraRemoteService.status");
     const bool whole = content.empty() || content == previousStatus ||
@@ -200,7 +226,7 @@ void tLives::plantStatus() const {
     std::ofstream(world_.statusFolder / "zuZiptraRemoteService.status", std::ios::binary) << previousStatus;
 }
 
-/// What the product was not let unload, and what a run that was cut short leaves to the end of its process.
+/// Unloads what the product was prevented from unloading, or leaves to the end of its process.
 void tLives::releaseModules() {
     for (const void* module : ledger_.open("module")) {
         imports::FreeLibrary.real(static_cast<HMODULE>(const_cast<void*>(module)));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -21,8 +23,8 @@ struct tScenario {
     const char* name;
     bool service;  ///< under the manager; otherwise in the foreground
     int plugins;
-    bool badFiles;  ///< beside the good ones: malformed or held by somebody else, a missing library, a refusing
-                    ///< Initialize
+    bool badFiles;  ///< besides the good ones: malformed or locked files, a missing library, an Initialize that
+                    ///< fails
     tDeployment deployment;
 };
 
@@ -36,7 +38,7 @@ struct tPlugin {
     bool operator==(const tPlugin&) const = default;
 };
 
-/// What a life leaves behind for others to see.
+/// The observable results of a life.
 struct tOutcome {
     int exitCode = 0;
     unsigned long lastError = 0;       ///< of the thread, after the last console call
@@ -46,19 +48,28 @@ struct tOutcome {
     std::string messages;
     std::uint32_t mask = 0;
     std::vector<tPlugin> plugins;
-    bool statusWhole = true;    ///< whenever a reader looked, the file was an old one, a new one, or not there
+    bool statusWhole = true;    ///< at every moment the file was an old one, a new one, or missing
     bool statusPresent = true;  ///< at the end
     bool temporaryWhole = true;
-    bool statusCurrent = true;  ///< at the end it says what was written last
+    bool statusCurrent = true;  ///< at the end it contains what was written last
     std::vector<std::string> leaks;
     int wrongClosings = 0;
     std::uint32_t referencesHeld = 0;  ///< of the framework's objects
     int injected = 0;
     std::vector<tCall> calls;
-    int requests = 0;  ///< for memory, where those were counted
+    int requests = 0;  ///< for memory, if counted
 };
 
-/// Whole lives of the product in a machine that does what the scenario says, one after another. One at a time.
+/// Null when there is none of that name.
+const tPlugin* find(const std::vector<tPlugin>& plugins, const std::string& name);
+/// Whether the plug-in depends on one that is missing or has failed in this life.
+bool lacksADependency(const tPlugin& plugin, const tOutcome& life);
+/// The reports that the manager should have received from such a life of a service.
+std::vector<std::string> reportsOf(const tOutcome& life);
+/// For INSTANTIATE_TEST_SUITE_P.
+std::string testName(const testing::TestParamInfo<tScenario>& scenario);
+
+/// Whole lives of the product, one after another, on a machine that the scenario describes. One at a time.
 class tLives {
 public:
     explicit tLives(const tScenario& scenario);
@@ -66,11 +77,11 @@ public:
     tLives(const tLives&) = delete;
     tLives& operator=(const tLives&) = delete;
 
-    /// One in which nothing fails.
+    /// Lives once without a failure.
     tOutcome live() { return live(0, 0, false); }
-    /// One in which the call's nth occurrence fails (see tFaults::arm).
+    /// Lives once while the call's nth occurrence fails (see tFaults::arm).
     tOutcome live(std::size_t call, int nth, bool forEver);
-    /// One in which the nth request for memory is refused (see allocations::startFailing).
+    /// Lives once while the nth request for memory is refused (see allocations::startFailing).
     tOutcome liveWithoutMemory(int nth, allocations::tHowLong howLong);
     [[nodiscard]] tFaults& faults() { return faults_; }
 
@@ -88,9 +99,9 @@ private:
 
     tScenario scenario_;
     support::tServiceWorld world_;
-    void* held_ = nullptr;  ///< of the description that somebody else has open
+    void* held_ = nullptr;  ///< handle of the locked description
     tLedger ledger_;
-    // In this order: the faults stand around the ledger, which stands around the control calls.
+    // The order matters: the faults wrap the ledger, which wraps the control calls.
     struct tStep {
         explicit tStep(const std::function<void()>& step) { step(); }
     };

@@ -1,9 +1,11 @@
-// What is planted into a life must show in its outcome.
+// The sweep's own eyes: a fault that is planted into a life must show in its outcome.
 #include "tests/sweep/life_win32.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <fstream>
 
 #include "tests/support/imports_win32.h"
@@ -15,13 +17,13 @@ using testing::IsEmpty;
 
 constexpr sweep::tScenario scenario{"service, 3 plug-ins", true, 3, false, sweep::tDeployment::allowed};
 
-class Life : public testing::Test {
+class tLives : public testing::Test {
 protected:
-    Life() {
-        lives_.live();  // what is set up once is set up now
+    tLives() {
+        lives_.live();  // for what is set up only once
     }
 
-    /// Around everything that stands in the way of the call.
+    /// Plants a fault around a call and around everything that already stands in for it.
     template <class Import, class Around>
     void plant(Import& door, Around around) {
         door.replace([around, inner = door.current()](auto... arguments) { return around(inner, arguments...); });
@@ -30,7 +32,7 @@ protected:
     sweep::tLives lives_{scenario};
 };
 
-TEST_F(Life, InWhichNothingFailsLeavesNothing) {
+TEST_F(tLives, InWhichNothingFailsLeavesNothing) {
     const sweep::tOutcome outcome = lives_.live();
     EXPECT_THAT(outcome.leaks, IsEmpty());
     EXPECT_EQ(outcome.wrongClosings, 0);
@@ -38,7 +40,7 @@ TEST_F(Life, InWhichNothingFailsLeavesNothing) {
     EXPECT_EQ(outcome.plugins.size(), 3U);
 }
 
-TEST_F(Life, ShowsAHandleThatIsNotClosed) {
+TEST_F(tLives, ShowsAHandleThatIsNotClosed) {
     HANDLE lost = nullptr;
     plant(imports::CloseHandle, [&lost](const auto& inner, HANDLE handle) {
         if (lost != nullptr) return inner(handle);
@@ -49,12 +51,27 @@ TEST_F(Life, ShowsAHandleThatIsNotClosed) {
     imports::CloseHandle.real(lost);
 }
 
-TEST_F(Life, ShowsALibraryThatIsNotUnloaded) {
+TEST_F(tLives, ShowsALibraryThatIsNotUnloaded) {
     plant(imports::FreeLibrary, [](const auto& /*inner*/, HMODULE) { return TRUE; });
     EXPECT_THAT(lives_.live().leaks, Contains("module"));
 }
 
-TEST_F(Life, ShowsAKeyThatIsClosedTwice) {
+TEST_F(tLives, ShowsAFileThatIsNotClosed) {
+    plant(imports::fclose, [](const auto& /*inner*/, FILE* file) { return std::fflush(file); });
+    EXPECT_THAT(lives_.live().leaks, Contains("file"));
+}
+
+TEST_F(tLives, ShowsAKeyThatIsNotClosed) {
+    plant(imports::RegCloseKey, [](const auto& /*inner*/, HKEY) { return ERROR_SUCCESS; });
+    EXPECT_THAT(lives_.live().leaks, Contains("registry key"));
+}
+
+TEST_F(tLives, ShowsSystemMemoryThatIsNotFreed) {
+    plant(imports::LocalFree, [](const auto& /*inner*/, HLOCAL) -> HLOCAL { return nullptr; });
+    EXPECT_THAT(lives_.live().leaks, Contains("local memory"));
+}
+
+TEST_F(tLives, ShowsAKeyThatIsClosedTwice) {
     plant(imports::RegCloseKey, [](const auto& inner, HKEY key) {
         inner(key);
         return inner(key);
@@ -62,7 +79,7 @@ TEST_F(Life, ShowsAKeyThatIsClosedTwice) {
     EXPECT_GT(lives_.live().wrongClosings, 0);
 }
 
-TEST_F(Life, ShowsAStatusFileThatIsTorn) {
+TEST_F(tLives, ShowsAStatusFileThatIsTorn) {
     plant(imports::_wrename, [](const auto& inner, const wchar_t* from, const wchar_t* to) {
         const int result = inner(from, to);
         std::ofstream(std::filesystem::path(to), std::ios::binary) << "ZU-Ziptra Remote Conf";
@@ -73,7 +90,7 @@ TEST_F(Life, ShowsAStatusFileThatIsTorn) {
     EXPECT_FALSE(outcome.statusCurrent);
 }
 
-TEST_F(Life, ShowsAStatusFileThatIsGone) {
+TEST_F(tLives, ShowsAStatusFileThatIsGone) {
     plant(imports::_wrename,
           [](const auto& /*inner*/, const wchar_t* from, const wchar_t*) { return imports::_wremove.real(from); });
     const sweep::tOutcome outcome = lives_.live();
@@ -82,7 +99,17 @@ TEST_F(Life, ShowsAStatusFileThatIsGone) {
     EXPECT_FALSE(outcome.temporaryWhole);
 }
 
-TEST_F(Life, ShowsMemoryThatIsNotGivenBack) {
+TEST_F(tLives, ForgivesALibraryThatTheSystemRefusesToUnload) {
+    const auto& calls = lives_.faults().calls();
+    const auto call = std::ranges::find(calls, "FreeLibrary", &sweep::tCall::name);
+    ASSERT_NE(call, calls.end());
+    const sweep::tOutcome outcome = lives_.live(static_cast<std::size_t>(call - calls.begin()), 1, true);
+    EXPECT_GE(outcome.injected, 1);
+    EXPECT_THAT(outcome.leaks, IsEmpty());
+    EXPECT_EQ(outcome.wrongClosings, 0);
+}
+
+TEST_F(tLives, ShowsMemoryThatIsNotFreed) {
     void* lost = nullptr;
     plant(imports::_time64, [&lost](const auto& inner, __time64_t* time) {
         const allocations::tProductCall call;
@@ -93,6 +120,15 @@ TEST_F(Life, ShowsMemoryThatIsNotGivenBack) {
     EXPECT_THAT(outcome.leaks, testing::ElementsAre("memory"));
     EXPECT_GT(outcome.requests, 100);
     std::free(lost);
+}
+
+/// With a locked description: the product searches only for a file that it cannot open.
+constexpr sweep::tScenario badFiles{"service, 1 plug-in and bad files", true, 1, true, sweep::tDeployment::allowed};
+
+TEST(tLivesWithBadFiles, ShowASearchThatIsNotClosed) {
+    sweep::tLives lives(badFiles);
+    imports::FindClose.replace([](HANDLE) { return TRUE; });
+    EXPECT_THAT(lives.live().leaks, Contains("search"));
 }
 
 }  // namespace

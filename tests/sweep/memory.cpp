@@ -27,7 +27,7 @@ void tAttempt::operate(const std::function<void()>& operation) {
     }
 }
 
-/// In a handler.
+/// Requires: called in a handler.
 void tAttempt::describeFailure() {
     code_ = zuerr::CurrentExceptionCode();
     try {
@@ -44,7 +44,7 @@ void tAttempt::describeFailure() {
 
 int eachAllocationFails(const char* operation, const std::function<void(tAttempt&)>& attempt) {
     tAttempt undisturbed(0, tHowLong::once);
-    attempt(undisturbed);  // what is set up once is set up now
+    attempt(undisturbed);  // for what is set up only once
     for (const tHowLong howLong : {tHowLong::once, tHowLong::forEver}) {
         bool struck = true;
         for (int nth = 1; struck; ++nth) {
@@ -55,7 +55,7 @@ int eachAllocationFails(const char* operation, const std::function<void(tAttempt
                 return disturbed.counts().refused;
             };
             int faults = refused();
-            // What a library keeps from its first failure on is not kept twice.
+            // A library may keep memory after its first failure, but not after the second.
             if (allocations::held() > 0) faults = refused();
             EXPECT_EQ(allocations::held(), 0U) << "blocks are lost";
             struck = faults > 0;

@@ -10,18 +10,18 @@ namespace sweep {
 
 using allocations::tHowLong;
 
-/// One try of an operation in which a request for memory may be refused.
+/// One attempt at an operation, in which a request for memory may be refused.
 class tAttempt {
 public:
     /// The nth request, counted from 1; 0: none.
     tAttempt(int nth, tHowLong howLong) : nth_(nth), howLong_(howLong) {}
 
-    /// Does what is swept. An exception ends it, and its report is looked at. Once in an attempt.
+    /// Runs the operation, once in an attempt. If an exception ends it, checks the exception's report.
     void operate(const std::function<void()>& operation);
 
-    /// Of the exception that ended the operation; 0 when none did.
+    /// The code of the exception that ended the operation, or 0.
     [[nodiscard]] std::int32_t code() const { return code_; }
-    /// What the exception's report says; empty when it has none.
+    /// The exception's report; empty if it has none.
     [[nodiscard]] const std::string& report() const { return report_; }
     /// Whether a request has been refused.
     [[nodiscard]] bool struck() const { return counts_.refused > 0; }
@@ -38,9 +38,9 @@ private:
     allocations::tCounts counts_{0, 0};
 };
 
-/// Makes attempts until one goes through in which nothing was refused: each request for memory is refused once, and
-/// then once more with all behind it. An attempt prepares what it needs, operates, looks at what has become of it, and
-/// gives everything back, which is checked here. Gives the number of requests that an undisturbed operation makes.
+/// Makes attempts at an operation in which each of its requests for memory is refused, alone and with all later ones.
+/// An attempt prepares what it needs, operates, checks the result and frees everything, which is checked here.
+/// Returns the number of requests that an undisturbed operation makes.
 int eachAllocationFails(const char* operation, const std::function<void(tAttempt&)>& attempt);
 
 }  // namespace sweep

@@ -25,7 +25,7 @@ using sweep::eachAllocationFails;
 using sweep::tAttempt;
 using testing::ElementsAre;
 
-/// Every piece of it needs memory: indexed lists, long names and values, lines over several chunks, joined keys.
+/// Everything in it needs memory: indexed lists, long names and values, lines over several chunks, joined keys.
 std::string demandingText() {
     std::string text;
     for (int section = 0; section < 10; ++section) {
@@ -46,7 +46,7 @@ TEST(MemoryOfIniFiles, ADocumentIsMadeOrThereIsNone) {
     EXPECT_EQ(eachAllocationFails("create", makes), 1);
 }
 
-TEST(MemoryOfIniFiles, AParseGivesMinus12OrAllOfTheFile) {
+TEST(MemoryOfIniFiles, AParseReturnsMinus12OrReadsTheWholeFile) {
     const tIniFile file(demandingText());
     const std::wstring path = file.widePath();
     const std::string whole = parsed(demandingText());
@@ -86,7 +86,7 @@ TEST(MemoryOfIniFiles, ALookUpFindsWhatIsThere) {
     EXPECT_GE(eachAllocationFails("findSection and findKey", looksUp), 2);
 }
 
-/// What the record held before stays in all of it or in nothing.
+/// Either all fields of the record are replaced or none.
 TEST(MemoryOfDescriptions, ADescriptionIsReadWholeOrTheRecordIsAsItWas) {
     const support::tFolder folder;
     const std::string path = folder.write(
@@ -164,7 +164,7 @@ TEST(MemoryOfDescriptions, AreOrderedOrAsTheyWere) {
     EXPECT_GT(eachAllocationFails("sort", sorts), 1);
 }
 
-/// The whole result, or the one before; a failure shows as an exception or in the record.
+/// The result is complete or unchanged; a failure is an exception or in the record.
 int sweepDirectory(const char* name, void (*operation)(std::string& result, zuerr::StatusRecord& status),
                    const std::string& expected) {
     return eachAllocationFails(name, [&](tAttempt& attempt) {
@@ -199,7 +199,7 @@ TEST(MemoryOfSharedPlaces, TheDataDirectoryIsFoundOrThereIsMinus52000) {
               1);
 }
 
-TEST(MemoryOfSharedPlaces, AFailureToFindThemHasItsCodeAllTheSame) {
+TEST(MemoryOfSharedPlaces, AFailureToFindThemKeepsItsCode) {
     const auto fails = [](tAttempt& attempt) {
         const support::tSharedPlaces places;  // none
         std::string result = "earlier";

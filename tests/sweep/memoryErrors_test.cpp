@@ -1,4 +1,4 @@
-// The error model when memory runs out: the code is always there, and the report lacks whole members at most.
+// The error model when memory runs out: the code is always set, and the report lacks only whole members.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,13 +19,13 @@ using zuerr::StatusRecord;
 
 constexpr zuerr::RaiseSite site{".\\source\\tService", 217};
 
-/// Long enough for several steps of a report's growth: each takes more than the whole buffer before.
+/// Long enough for several growths of a report: each needs more than the whole buffer before it.
 const std::string& longText() {
     static const std::string text(5000, '"');
     return text;
 }
 
-/// Whether every member is one of the whole report, too.
+/// Whether every member is also in the whole report.
 bool isPartOf(const nlohmann::ordered_json& part, const nlohmann::ordered_json& whole) {
     return std::all_of(part.items().begin(), part.items().end(), [&](const auto& member) {
         const auto same = whole.find(member.key());
@@ -34,14 +34,14 @@ bool isPartOf(const nlohmann::ordered_json& part, const nlohmann::ordered_json& 
     });
 }
 
-/// Whether the report is laid out as promised and says nothing that the undisturbed one does not say.
+/// Expects a well laid out report that contains only members of the undisturbed one.
 void expectPartOf(const StatusRecord& record, const char* whole) {
     if (record.json == nullptr) return;
     EXPECT_TRUE(report::wellLaidOut(record));
     EXPECT_TRUE(isPartOf(report::parsed(record.json), report::parsed(whole)));
 }
 
-/// Does something to a record at each step and looks at the record afterwards.
+/// Sweeps an operation on a record and checks the record.
 int sweepRecord(const char* name, std::int32_t code, void (*operation)(StatusRecord& record)) {
     StatusRecord undisturbed;
     operation(undisturbed);

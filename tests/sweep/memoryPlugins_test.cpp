@@ -52,7 +52,7 @@ public:
 constexpr std::int32_t usualCodes[] = {0, 0, -7, -52006, -52005, -52005, 3, -52002};
 constexpr std::size_t pluginCount = std::size(usualCodes);
 
-/// Each plug-in has its usual code, the one for a lack of memory, or that of a dependency that has not started.
+/// Each plug-in has its usual code, the code for a lack of memory, or the code for a dependency that has not started.
 void checkInitCodes(const tAttempt& attempt, const std::vector<tPluginEntry>& entries) {
     ASSERT_EQ(entries.size(), pluginCount);
     int lost = 0;
@@ -68,7 +68,7 @@ void checkInitCodes(const tAttempt& attempt, const std::vector<tPluginEntry>& en
     }
 }
 
-/// Who has been initialised is started, stays loaded, and is stopped and cleaned up once; nobody else is.
+/// An initialised plug-in is started, stays loaded, and is stopped and cleaned up once; no other plug-in is.
 void checkCalls(Machine& machine) {
     std::vector<std::string> started;
     for (const tPluginEntry& entry : machine.manager.entries()) {
@@ -171,7 +171,7 @@ TEST(MemoryOfPlugins, TheirStatusTextIsWholeOrThereIsMinus52000) {
     const auto writes = [&](tAttempt& attempt) {
         std::string text;
         attempt.operate([&] { text = machine.manager.statusText(); });
-        // A stream keeps the failure to itself, which shows as a text that ends early.
+        // A stream does not throw; its failure would show as a truncated text.
         if (attempt.code() == 0) {
             EXPECT_EQ(text, whole);
         } else {

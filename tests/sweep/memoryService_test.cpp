@@ -3,19 +3,21 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 
 #include "source/tService.h"
 #include "tests/support/fakePlugins.h"
+#include "tests/support/folder.h"
 #include "tests/support/framework.h"
 #include "tests/support/serviceWorld.h"
+#include "tests/support/text.h"
 #include "tests/sweep/figures.h"
 #include "tests/sweep/memory.h"
 
 namespace {
 
+using support::occurrences;
 using sweep::eachAllocationFails;
 using sweep::tAttempt;
 using sweep::tHowLong;
@@ -28,8 +30,10 @@ class MemoryOfTheService : public testing::Test {
 protected:
     /// With plain line ends; "none" when there is no such file.
     [[nodiscard]] std::string content(const char* name) const {
-        std::ifstream file(world.statusFolder / name);
-        return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "none";
+        if (!exists(world.statusFolder / name)) return "none";
+        std::string text = support::read(world.statusFolder / name);
+        std::erase(text, '\r');
+        return text;
     }
 
     void leavePreviousStatus() const {
@@ -37,7 +41,7 @@ protected:
         std::ofstream(world.statusFolder / statusName) << previousText;
     }
 
-    /// The file is the earlier one, or a whole new one, or the new one is whole beside it and lacks but its name.
+    /// The file is the earlier one, or a whole new one, or a whole new one still has its temporary name.
     void expectWholeStatus(const std::string& whole) const {
         const std::string status = content(statusName);
         const bool renamed = status == whole;
@@ -66,7 +70,7 @@ TEST_F(MemoryOfTheService, TheStatusFileIsReplacedAsAWholeOrNotAtAll) {
     EXPECT_GT(eachAllocationFails("WriteStatusFile", writes), 4);
 }
 
-TEST_F(MemoryOfTheService, ItsStatusIsWrittenWholeOrNotAtAll) {
+TEST_F(MemoryOfTheService, TheStatusIsWrittenWholeOrNotAtAll) {
     ASSERT_EQ(startService(), 0);
     gService->messages = "a message that is too long for the small buffer of a string\n";
     const auto withoutTime = [](std::string text) { return text.erase(0, text.find("Allowed:")); };
@@ -85,7 +89,7 @@ TEST_F(MemoryOfTheService, ItsStatusIsWrittenWholeOrNotAtAll) {
     EXPECT_GT(eachAllocationFails("WriteStatus", writes), 8);
 }
 
-TEST_F(MemoryOfTheService, AStartGivesAServiceOrMinusOne) {
+TEST_F(MemoryOfTheService, AStartCreatesAServiceOrReturnsMinusOne) {
     const auto starts = [](tAttempt& attempt) {
         std::int32_t started = 7;
         attempt.operate([&] { started = startService(); });
@@ -158,13 +162,7 @@ protected:
     }
 };
 
-int occurrences(const std::string& text, const std::string& part) {
-    int count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-    return count;
-}
-
-/// Everything ends as it should for those that are there, and who is not there has a line or ended the whole run.
+/// Every entry has ended as it should; a plug-in without an entry has a message, or ended the whole run.
 void checkRun(const tAttempt& attempt, const tRun& run, support::tFakePlugins& fakes) {
     int lost = 0;
     std::vector<std::string> ended;

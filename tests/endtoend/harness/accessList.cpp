@@ -5,39 +5,20 @@
 #include <sddl.h>
 
 namespace endtoend {
-namespace {
 
-struct tLocalFree {
-    void operator()(void* memory) const noexcept { LocalFree(memory); }
-};
-template <class Type>
-using tLocal = std::unique_ptr<Type, tLocalFree>;
-
-std::string sidText(PSID sid) {
-    char* text = nullptr;
-    require(ConvertSidToStringSidA(sid, &text), "ConvertSidToStringSidA");
-    return tLocal<char>(text).get();
-}
-
-}  // namespace
-
-std::vector<tAccessEntry> accessList(HANDLE object) {
-    ACL* list = nullptr;
+std::string accessList(HANDLE object) {
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    const DWORD error = GetSecurityInfo(object, SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
+    const DWORD error = GetSecurityInfo(object, SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr,
                                         nullptr, &descriptor);
     if (error != ERROR_SUCCESS) failed("GetSecurityInfo", error);
-    const tLocal<void> owner(descriptor);
-    std::vector<tAccessEntry> entries;
-    for (DWORD i = 0; list != nullptr && i < list->AceCount; ++i) {
-        void* entry = nullptr;
-        require(GetAce(list, i, &entry), "GetAce");
-        // Entries of all the usual types begin alike.
-        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-        entries.push_back(
-            {allowed->Header.AceType, allowed->Header.AceFlags, allowed->Mask, sidText(&allowed->SidStart)});
-    }
-    return entries;
+    char* text = nullptr;
+    require(ConvertSecurityDescriptorToStringSecurityDescriptorA(descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION,
+                                                                 &text, nullptr),
+            "ConvertSecurityDescriptorToStringSecurityDescriptorA");
+    const std::string result = text;
+    LocalFree(text);
+    LocalFree(descriptor);
+    return result;
 }
 
 }  // namespace endtoend

@@ -1,25 +1,13 @@
 #pragma once
 
-#include <vector>
-
 #include "tests/endtoend/harness/system.h"
 
 namespace endtoend {
 
-struct tAccessEntry {
-    BYTE type;
-    BYTE flags;
-    DWORD mask;
-    std::string sid;
+/// Returns the discretionary access list of a kernel object in the security descriptor definition language.
+[[nodiscard]] std::string accessList(HANDLE object);
 
-    bool operator==(const tAccessEntry&) const = default;
-};
-
-/// Of the product's process: one entry, with which everyone (S-1-1-0) may query it.
-inline const std::vector<tAccessEntry> everyoneMayQuery{
-    {.type = ACCESS_ALLOWED_ACE_TYPE, .flags = 0, .mask = 0x400, .sid = "S-1-1-0"}};
-
-/// The discretionary access list of a kernel object.
-[[nodiscard]] std::vector<tAccessEntry> accessList(HANDLE object);
+/// The expected list of the product's process: one entry, which lets everyone query it.
+inline const std::string everyoneMayQuery = "D:(A;;0x400;;;WD)";
 
 }  // namespace endtoend

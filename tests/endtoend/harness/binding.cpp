@@ -5,7 +5,7 @@
 
 namespace endtoend {
 
-// A name stands once in the import tables, with a zero behind it.
+// A name occurs once in the import tables, followed by a zero.
 void rebindImport(const tPath& executable, std::string_view name, std::string_view other) {
     std::string bytes = readFile(executable);
     const std::string wanted = std::string(name) + '\0';

@@ -6,9 +6,9 @@
 
 namespace endtoend {
 
-/// Alters the names by which an executable file is bound to system libraries, so that a call goes elsewhere while the
-/// program's own code stays what it is. `name` is the name of an imported function, or of the library; the other one
-/// must not be longer, and the loader must find it in the same library. Throws when the file has no such import.
+/// Changes a name in the import tables of an executable file, so that a call goes elsewhere while the program's own
+/// code stays as it is. `name` is that of an imported function or of a library. Requires: `other` is not longer;
+/// another function is one of the same library. Throws std::runtime_error if the file has no such import.
 void rebindImport(const tPath& executable, std::string_view name, std::string_view other);
 
 }  // namespace endtoend

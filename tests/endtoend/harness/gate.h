@@ -4,7 +4,7 @@
 
 namespace endtoend {
 
-/// Holds the calls that wait at a gate (tests/plugins/gate.h) until it is opened, or goes.
+/// Holds the calls that wait at a gate (tests/plugins/gate.h) until it is opened or destroyed.
 class tGate {
 public:
     explicit tGate(const tPath& name);
@@ -12,7 +12,7 @@ public:
     tGate(const tGate&) = delete;
     tGate& operator=(const tGate&) = delete;
 
-    /// Until a call has come to the gate.
+    /// Waits until a call has arrived at the gate.
     void waitUntilHeld() const;
     void open() const;
 

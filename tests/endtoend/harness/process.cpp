@@ -1,5 +1,7 @@
 #include "tests/endtoend/harness/process.h"
 
+#include "tests/endtoend/harness/starts.h"
+
 namespace endtoend {
 namespace {
 
@@ -23,11 +25,14 @@ PROCESS_INFORMATION create(const tPath& executable, std::wstring commandLine, DW
     return information;
 }
 
+/// An exit code that is no system error.
+constexpr int noConsole = 0x10000;
+
 std::wstring quoted(const tPath& path) { return L'"' + path.native() + L'"'; }
 
 }  // namespace
 
-tProcess::tProcess(const tPath& executable, std::wstring commandLine) {
+tProcess::tProcess(const tPath& executable, std::wstring commandLine, DWORD creationFlags) {
     const tHandle input = openForChild(L"NUL", GENERIC_READ, OPEN_EXISTING);
     const tHandle output = openForChild(output_, GENERIC_WRITE, CREATE_ALWAYS);
     const tHandle errors = openForChild(errors_, GENERIC_WRITE, CREATE_ALWAYS);
@@ -37,7 +42,8 @@ tProcess::tProcess(const tPath& executable, std::wstring commandLine) {
     startup.hStdOutput = output.get();
     startup.hStdError = errors.get();
     if (commandLine.empty()) commandLine = quoted(executable);
-    const PROCESS_INFORMATION information = create(executable, std::move(commandLine), CREATE_NO_WINDOW, startup);
+    const PROCESS_INFORMATION information =
+        create(executable, std::move(commandLine), CREATE_NO_WINDOW | creationFlags, startup);
     process_.reset(information.hProcess);
     id_ = information.dwProcessId;
 }
@@ -58,7 +64,7 @@ DWORD tProcess::exitCode(std::chrono::milliseconds timeout) const {
     return code;
 }
 
-bool tProcess::sendConsoleEvent(DWORD event) const {
+DWORD tProcess::sendConsoleEvent(DWORD event) const {
     const tPath self = ownExecutable();
     const std::wstring commandLine =
         quoted(self) + L" " + wide(consoleEventArgument) + L" " + std::to_wstring(id_) + L" " + std::to_wstring(event);
@@ -67,20 +73,22 @@ bool tProcess::sendConsoleEvent(DWORD event) const {
     const tHandle helper(information.hProcess);
     WaitForSingleObject(helper.get(), INFINITE);
     DWORD code = 0;
-    return GetExitCodeProcess(helper.get(), &code) && code == 0;
+    require(GetExitCodeProcess(helper.get(), &code), "GetExitCodeProcess");
+    if (code == noConsole) throw std::runtime_error("the console of the process cannot be reached");
+    return code;
 }
 
 void tProcess::interrupt() const {
-    if (!sendConsoleEvent(CTRL_C_EVENT)) throw std::runtime_error("Ctrl+C could not be sent");
+    if (const DWORD error = sendConsoleEvent(CTRL_C_EVENT); error != 0) failed("Ctrl+C", error);
 }
 
 int generateConsoleEvent(DWORD processId, DWORD event) {
     FreeConsole();
-    if (!AttachConsole(processId)) return 1;
-    // The event reaches every process of the console. This one ends only when that is over.
+    if (!AttachConsole(processId)) return noConsole;
+    // The event reaches every process of the console, this one included. It must not end before that.
     static const tHandle reached(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     SetConsoleCtrlHandler([](DWORD) -> BOOL { return SetEvent(reached.get()); }, TRUE);
-    if (!GenerateConsoleCtrlEvent(event, 0)) return 1;
+    if (!GenerateConsoleCtrlEvent(event, 0)) return static_cast<int>(GetLastError());
     WaitForSingleObject(reached.get(), static_cast<DWORD>(patience.count()));
     return 0;
 }

@@ -8,30 +8,31 @@
 namespace endtoend {
 
 /// A child process with a console of its own, so that console events reach it alone, and with its output captured.
-/// Ended, if need be by force, when the object goes.
+/// Destruction ends it, by force if necessary.
 class tProcess {
 public:
-    /// commandLine: the whole of it, program name included; empty: the quoted path of the executable.
-    explicit tProcess(const tPath& executable, std::wstring commandLine = {});
+    /// The command line includes the program's name; an empty one stands for the quoted path of the executable.
+    explicit tProcess(const tPath& executable, std::wstring commandLine = {}, DWORD creationFlags = 0);
     ~tProcess();
     tProcess(const tProcess&) = delete;
     tProcess& operator=(const tProcess&) = delete;
 
-    /// With full access, as its creator gets it.
+    /// The creator's handle, with full access.
     [[nodiscard]] HANDLE handle() const noexcept { return process_.get(); }
     [[nodiscard]] DWORD id() const noexcept { return id_; }
     [[nodiscard]] bool running() const;
 
-    /// The exit code, once the process has ended.
+    /// Waits for the end of the process and returns its exit code.
     DWORD exitCode(std::chrono::milliseconds timeout = patience) const;
 
-    /// What it wrote, once the process has ended.
+    /// What it has written; complete once the process has ended.
     [[nodiscard]] std::string output() const { return readFile(output_); }
     [[nodiscard]] std::string errors() const { return readFile(errors_); }
 
-    /// CTRL_C_EVENT or CTRL_BREAK_EVENT to its console. False when this system cannot generate the event.
-    [[nodiscard]] bool sendConsoleEvent(DWORD event) const;
-    /// Ctrl+C.
+    /// Generates CTRL_C_EVENT or CTRL_BREAK_EVENT in its console. Returns the system's error if that fails, or 0.
+    /// Throws if the console cannot be reached, as when the process has ended.
+    [[nodiscard]] DWORD sendConsoleEvent(DWORD event) const;
+    /// Sends Ctrl+C.
     void interrupt() const;
 
 private:
@@ -43,10 +44,10 @@ private:
 };
 
 /// The part of sendConsoleEvent that runs in a process of its own, since a process has one console only: joins the
-/// console of the given process and generates the event there. The exit code for that process; 0 on success.
+/// console of the given process and generates the event there. Returns the exit code of the process of its own.
 int generateConsoleEvent(DWORD processId, DWORD event);
 
-/// How the test program asks itself for the above: this argument, then the two numbers.
+/// The first argument with which the test program calls itself for the above; the two numbers follow.
 inline constexpr const char* consoleEventArgument = "--generate-console-event";
 
 }  // namespace endtoend

@@ -6,7 +6,7 @@ namespace {
 constexpr const wchar_t* keyPath = L"SOFTWARE\\Corvell\\Common\\Installer";
 constexpr const wchar_t* valueName = L"ZUSHAREDDIR64";
 
-/// A key that still holds values, or keys, stays.
+/// Keeps a key that still contains values or keys.
 void removeIfEmpty(const wchar_t* path) {
     HKEY key = nullptr;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, &key) != ERROR_SUCCESS) return;

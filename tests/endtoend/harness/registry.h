@@ -4,13 +4,13 @@
 
 #include "tests/endtoend/harness/system.h"
 
-/// The installer's registry value that tells where the maker's shared directory is.
+/// The installer's registry value with the path of the maker's shared directory.
 namespace endtoend::registry {
 
-/// Text types are stored with their terminating zero.
+/// Stores the text with a terminating zero.
 void setSharedDirectory(std::wstring_view text, DWORD type = REG_SZ);
 
-/// Back to a machine on which the maker's software was never installed.
+/// Restores a machine on which the maker's software was never installed.
 void removeKey();
 void removeValue();
 

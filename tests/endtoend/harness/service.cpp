@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include "tests/endtoend/harness/starts.h"
+
 namespace endtoend {
 namespace {
 
@@ -44,16 +46,17 @@ tInstalledService::~tInstalledService() {
     }
     DeleteService(service_.get());
     service_.reset();
-    // The name is free once every handle is closed and the manager has seen to it.
+    // The manager frees the name some time after the last handle is closed.
     becomesTrue([] { return !installed(); }, std::chrono::seconds(10));
 }
 
 void tInstalledService::start() {
-    requireStart("StartServiceW", [&] {
-        const BOOL started = StartServiceW(service_.get(), 0, nullptr);
-        if (!started) ++failedStarts_;
-        return started;
-    });
+    requireStart("StartServiceW", [this] { return StartServiceW(service_.get(), 0, nullptr); });
+    processId_ = query(service_.get()).dwProcessId;
+}
+
+void tInstalledService::startBrief() {
+    requireBriefStart("StartServiceW", [this] { return StartServiceW(service_.get(), 0, nullptr); });
     processId_ = query(service_.get()).dwProcessId;
 }
 

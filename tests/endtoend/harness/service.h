@@ -12,7 +12,7 @@ struct tServiceHandleCloser {
 };
 using tServiceHandle = std::unique_ptr<SC_HANDLE__, tServiceHandleCloser>;
 
-/// What the service control manager holds of a service's last report.
+/// A service's last report, as the service control manager stores it.
 struct tServiceStatus {
     DWORD type;
     DWORD state;
@@ -26,10 +26,10 @@ struct tServiceStatus {
 };
 void PrintTo(const tServiceStatus& status, std::ostream* stream);
 
-/// The name under which the product is a service.
+/// The product's service name.
 inline constexpr const wchar_t* productService = L"zuZiptraRemoteService";
 
-/// The product registered with the service control manager while this object lives; stopped when it goes.
+/// Registers the product with the service control manager for the lifetime of the object, and stops it on destruction.
 class tInstalledService {
 public:
     explicit tInstalledService(const tPath& executable, const std::wstring& arguments = {});
@@ -38,23 +38,22 @@ public:
     tInstalledService& operator=(const tInstalledService&) = delete;
 
     void start();
-    /// How many starts have failed with the manager's own error, and were tried again.
-    [[nodiscard]] int failedStarts() const noexcept { return failedStarts_; }
+    /// For a service that ends by itself: see requireBriefStart.
+    void startBrief();
 
-    /// Sends a control. The error with which the manager refuses it, or 0.
+    /// Sends a control. Returns the error with which the manager refuses it, or 0.
     DWORD control(DWORD code);
 
     [[nodiscard]] tServiceStatus status() const;
-    /// Waits until the manager has been told of the state.
+    /// Waits until the service has reported the state.
     tServiceStatus waitForState(DWORD state, std::chrono::milliseconds timeout = patience) const;
-    /// The whole way from a stop control to the end of the process.
+    /// Sends a stop control and waits for the end of the process. Returns the last report.
     tServiceStatus stop();
-    /// Waits until the service has stopped by itself and its process is gone.
+    /// Waits until the service has stopped and its process has ended.
     tServiceStatus waitForEnd(std::chrono::milliseconds timeout = patience) const;
 
-    /// Wine's manager ends the process of a service at the first control after a stop control if the last report is
-    /// still that it runs; Windows never does. It shows in no other way: from then on the service has no process, and
-    /// has not stopped.
+    /// Whether the service has no process any more but has not reported that it stopped. Wine's manager ends the
+    /// process at the first control after a stop control if the last report still is that it runs; Windows never does.
     [[nodiscard]] bool endedByManager() const;
 
     [[nodiscard]] DWORD processId() const noexcept { return processId_; }
@@ -66,7 +65,6 @@ private:
     tServiceHandle manager_;
     tServiceHandle service_;
     DWORD processId_ = 0;
-    int failedStarts_ = 0;
 };
 
 }  // namespace endtoend

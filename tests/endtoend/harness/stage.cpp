@@ -3,10 +3,10 @@
 namespace endtoend {
 namespace {
 
-/// Where the build leaves what the tests stage.
+/// The path of a file that the build has made.
 tPath built(const tPath& file) { return ownExecutable().parent_path() / file; }
 
-/// And the folder, unless other software of the maker keeps something there.
+/// Removes the folder as well, unless other software of the maker has something there.
 void removeStatusFile() {
     std::error_code ignored;
     std::filesystem::permissions(tStatusFile::path(), std::filesystem::perms::all, ignored);
@@ -61,16 +61,15 @@ void tStage::addPlugin(const std::string& name, const tPlugin& plugin) const {
                                       key("Cleanup", plugin.cleanup));
 }
 
-void tStage::bindToWaitingFolder() const {
-    rebindImport(executable(), "SHELL32.dll", "waiting.dll");
-    addLibrary(executable().parent_path() / L"waiting.dll", L"waiting.dll");
+void tStage::scriptSystemCalls() const {
+    rebindImport(executable(), "ADVAPI32.dll", "scripted.dll");
+    addLibrary(besideExecutable(L"scripted.dll"), L"scripted.dll");
 }
 
-tGate tStage::holdStatusWrite(int count) const {
-    return tGate(executable().parent_path() / (L"SHGetFolderPathW." + std::to_wstring(count)));
-}
+tGate tStage::holdStatusWrite(int count) const { return tGate(besideExecutable(L"status." + std::to_wstring(count))); }
+tGate tStage::holdPause(int count) const { return tGate(besideExecutable(L"pause." + std::to_wstring(count))); }
 
-tProcess& tStage::start() { return process_.emplace(executable()); }
+tProcess& tStage::start() { return process_.emplace(executable(), L"", creationFlags_); }
 
 tStatusFile tStage::startPlugins() {
     tStatusWrites writes;
@@ -88,6 +87,13 @@ tStatusFile tStage::stop() {
 tStatusFile tStage::runThrough() {
     startPlugins();
     return stop();
+}
+
+void tStage::interruptForSure() {
+    const std::size_t before = readFile(besideExecutable(L"threads.ended")).size();
+    process().interrupt();
+    waitFor("the end of the console's thread",
+            [&] { return readFile(besideExecutable(L"threads.ended")).size() > before; });
 }
 
 std::string tStage::calls() const {

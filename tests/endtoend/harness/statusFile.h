@@ -12,7 +12,7 @@ namespace endtoend {
 
 /// One plug-in's paragraph of the status file.
 struct tPluginStatus {
-    /// What is told of one entry point: "LABEL Time: N ms" and "LABEL Code: N".
+    /// The lines of one entry point: "LABEL Time: N ms" and "LABEL Code: N".
     struct tCall {
         std::string label;
         std::uint32_t milliseconds;
@@ -25,11 +25,11 @@ struct tPluginStatus {
     std::string requiresMask;
     std::vector<tCall> calls;
 
-    /// The code told for an entry point; 0 when nothing is told of it, which stands for success in no time.
+    /// The code shown for an entry point; 0 if it is not shown, which means success in no time.
     [[nodiscard]] std::int32_t code(std::string_view label) const;
 };
 
-/// A status file taken apart. A text that is none gives a file with no text at all, so a reader may simply try again.
+/// A parsed status file. Any other text results in an empty one, so a reader may simply try again.
 struct tStatusFile {
     std::string bytes;  ///< as on the disk
     std::string updated;
@@ -38,7 +38,7 @@ struct tStatusFile {
     std::string messages;  ///< line ends as "\n"
     std::vector<tPluginStatus> plugins;
 
-    /// The paragraph of the first plug-in of that name; throws when there is none.
+    /// Returns the paragraph of the first plug-in of that name. Throws std::runtime_error if there is none.
     [[nodiscard]] const tPluginStatus& plugin(std::string_view name) const;
     /// The names in start order, separated by blanks.
     [[nodiscard]] std::string names() const;

@@ -7,9 +7,8 @@
 
 namespace endtoend {
 
-/// Counts how often the status file has been replaced since this object was made. It looks at the folder only: reading
-/// the file again and again until it says something would be in the way of the next replacement now and then, which
-/// the product then leaves out.
+/// Counts how often the status file has been replaced since construction. It watches the folder only: reading the file
+/// again and again would sometimes prevent the next replacement.
 class tStatusWrites {
 public:
     tStatusWrites();
@@ -21,7 +20,7 @@ public:
 
 private:
     void listen();
-    /// How many of the changes that the system has told of are replacements.
+    /// How many of the changes in the system's last answer are replacements.
     [[nodiscard]] int replacements() const;
 
     tHandle folder_;

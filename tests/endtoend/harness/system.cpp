@@ -2,7 +2,6 @@
 
 // windows.h first: the others need its types.
 #include <aclapi.h>
-#include <gtest/gtest.h>
 #include <psapi.h>
 #include <shlobj.h>
 #include <tlhelp32.h>
@@ -15,7 +14,7 @@
 namespace endtoend {
 namespace {
 
-/// Whether the directory is gone afterwards. std::filesystem::remove_all stops at paths of more than 260 characters.
+/// Returns whether the directory is gone. std::filesystem::remove_all stops at paths of more than 260 characters.
 bool removeTree(const std::wstring& directory) {
     WIN32_FIND_DATAW entry{};
     const HANDLE search = FindFirstFileW((directory + L"\\*").c_str(), &entry);
@@ -33,16 +32,6 @@ bool removeTree(const std::wstring& directory) {
 
 void failed(const std::string& call, DWORD error) {
     throw std::runtime_error(call + " failed with error " + std::to_string(error));
-}
-
-void requireStart(const char* call, const std::function<BOOL()>& start) {
-    constexpr int attempts = 5;
-    for (int failures = 1; !start(); ++failures) {
-        const DWORD error = GetLastError();
-        const bool isWines = error == ERROR_INTERNAL_ERROR || error == ERROR_SERVICE_REQUEST_TIMEOUT;
-        if (!isWines || failures == attempts) failed(call);
-        testing::Test::RecordProperty("FailedStarts", failures);
-    }
 }
 
 std::wstring wide(std::string_view utf8) {
@@ -82,6 +71,8 @@ void writeFile(const tPath& file, std::string_view bytes) {
     require(WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr), "WriteFile");
 }
 
+bool isWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
+
 tPath ownExecutable() {
     std::wstring name(1024, L'\0');
     name.resize(GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
@@ -105,7 +96,7 @@ bool processExists(DWORD id) {
 }
 
 tHandle openDespiteAccessList(DWORD processId, DWORD access) {
-    // An owner may always change the access list, and one that is not there lets everybody in.
+    // An owner may always change the access list, and a missing list grants access to everyone.
     if (const tHandle owner(OpenProcess(WRITE_DAC, FALSE, processId)); owner) {
         SetSecurityInfo(owner.get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr);
     }
@@ -128,11 +119,11 @@ tTemporaryDirectory::tTemporaryDirectory() {
     const std::wstring name = L"zuZiptraEndToEnd." + std::to_wstring(GetCurrentProcessId()) + L".";
     do {
         path_ = std::filesystem::temp_directory_path() / (name + std::to_wstring(++count));
-    } while (!std::filesystem::create_directory(path_));  // one may be left of a run that was killed
+    } while (!std::filesystem::create_directory(path_));  // a killed run may have left one
 }
 
 tTemporaryDirectory::~tTemporaryDirectory() {
-    // A process that has just ended may hold its own file for another moment.
+    // A process that has just ended may keep its own file open for a moment.
     becomesTrue([&] { return removeTree(LR"(\\?\)" + path_.native()); }, std::chrono::seconds(5));
 }
 

@@ -8,10 +8,10 @@
 
 namespace endtoend {
 
-/// Generous: a wait that reaches it means that the thing waited for never happens.
+/// Generous: what has not happened after this time never happens.
 inline constexpr std::chrono::milliseconds patience{20000};
 
-/// True as soon as the condition holds; false when the time is over and it still does not.
+/// Returns true as soon as the condition holds, or false if it does not within the time.
 template <class Condition>
 bool becomesTrue(Condition condition, std::chrono::milliseconds timeout = patience) {
     const auto end = std::chrono::steady_clock::now() + timeout;
@@ -22,7 +22,7 @@ bool becomesTrue(Condition condition, std::chrono::milliseconds timeout = patien
     return true;
 }
 
-/// Waits for what a test cannot go on without; its absence ends the test.
+/// Waits for something that the test needs. Throws std::runtime_error if it does not happen.
 template <class Condition>
 void waitFor(const std::string& what, Condition condition, std::chrono::milliseconds timeout = patience) {
     if (!becomesTrue(condition, timeout)) throw std::runtime_error("waited in vain for " + what);

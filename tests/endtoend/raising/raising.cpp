@@ -6,7 +6,7 @@
 
 namespace {
 
-/// In place of the system's crash report, when nobody has handled the exception.
+/// Replaces the system's crash report for an exception that nothing has handled.
 LONG CALLBACK endWithTheExceptionsCode(EXCEPTION_POINTERS* exception) {
     TerminateProcess(GetCurrentProcess(), exception->ExceptionRecord->ExceptionCode);
     return EXCEPTION_EXECUTE_HANDLER;
@@ -26,13 +26,13 @@ __declspec(dllexport) std::int32_t InitRaisesInsufficientPermissions() {
     zuerr::Raise({zuerr::insufficientPermissions, {"raising.cpp", 2}});
 }
 
-/// Uses memory that is not there. As any of the three entries, like those that follow.
+/// Reads an address that is not mapped. For any of the three entries, like those that follow.
 __declspec(dllexport) void Faults() {
     SetUnhandledExceptionFilter(endWithTheExceptionsCode);
     volatile int* volatile nowhere = nullptr;
     *nowhere = 0;
 }
 __declspec(dllexport) void RaisesItsOwnCode() { raiseStructured(0xE0000001); }
-/// As what another compiler makes of a throw.
+/// The code of a C++ exception of another compiler.
 __declspec(dllexport) void RaisesAnotherCompilersException() { raiseStructured(0xE06D7363); }
 }

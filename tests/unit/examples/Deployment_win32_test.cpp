@@ -10,7 +10,7 @@ using support::eventually;
 using support::tExample;
 using support::tExampleFolder;
 
-/// The plug-in between a start and a stop, with what it depends on.
+/// The plug-in and those that it depends on, started.
 class tRun {
 public:
     explicit tRun(const tExampleFolder& folder)
@@ -28,7 +28,7 @@ private:
     tExample deployment_;
 };
 
-/// Somebody has a file of this name open and lets nobody replace it.
+/// Keeps a file open without sharing, so that it cannot be replaced.
 class tFileInUse {
 public:
     explicit tFileInUse(const std::filesystem::path& file)
@@ -85,7 +85,7 @@ TEST_F(DeploymentExample, AppliesNothingASecondTime) {
     EXPECT_FALSE(folder.has("data/deployed/once"));
 }
 
-TEST_F(DeploymentExample, StartsACopyAnewThatWasCutShort) {
+TEST_F(DeploymentExample, RepeatsACopyThatWasInterrupted) {
     folder.write("data/working/file", "the whole content");
     folder.write("data/deployed/.file", "the wh");
     folder.write("data/deployed/file", "the old content");
@@ -103,7 +103,7 @@ TEST_F(DeploymentExample, RecordsAFileThatWasInPlaceButNotRecorded) {
     EXPECT_EQ(folder.read("data/deployed/file"), "content");
 }
 
-TEST_F(DeploymentExample, FinishesAfterTheNextStartWhatAStopFoundInTheMiddle) {
+TEST_F(DeploymentExample, FinishesAfterTheNextStartWhatAStopInterrupted) {
     create_directories(folder.path() / "data/deployed");
     folder.write("data/incoming/file", "new");
     {
@@ -120,7 +120,7 @@ TEST_F(DeploymentExample, FinishesAfterTheNextStartWhatAStopFoundInTheMiddle) {
     EXPECT_EQ(folder.read("data/deployed/file"), "new");
 }
 
-TEST_F(DeploymentExample, TakesANewVersionOfAFileOnlyWhenTheOldOneIsDone) {
+TEST_F(DeploymentExample, AppliesANewVersionOfAFileOnlyAfterTheOldOne) {
     folder.write("data/working/file", "first");
     folder.write("data/incoming/file", "second");
     folder.write("data/deployed/readme", "");
@@ -135,7 +135,7 @@ TEST_F(DeploymentExample, TakesANewVersionOfAFileOnlyWhenTheOldOneIsDone) {
     EXPECT_EQ(folder.read("data/deployed/file"), "second");
 }
 
-TEST_F(DeploymentExample, OneFileThatCannotBeAppliedHoldsUpNoOther) {
+TEST_F(DeploymentExample, AFileThatCannotBeAppliedDelaysNoOther) {
     folder.write("data/deployed/a/in the way", "");
     folder.write("data/incoming/a", "");
     folder.write("data/incoming/b", "");

@@ -21,13 +21,13 @@ protected:
     tExample settings{folder, "Settings"};
 };
 
-TEST_F(SettingsExample, GivesTheValuesOfTheFileBesideItsLibrary) {
+TEST_F(SettingsExample, ReturnsTheValuesOfTheFileNextToItsLibrary) {
     EXPECT_EQ(start("# a comment\nName=Värde\nOther=two words\n"), 0);
     EXPECT_EQ(value("Name"), "Värde");
     EXPECT_EQ(value("Other"), "two words");
 }
 
-TEST_F(SettingsExample, WarnsByAPositiveResultThatThereIsNoFileAndGivesTheOtherValues) {
+TEST_F(SettingsExample, ReturnsAWarningAndDefaultValuesWithoutAFile) {
     EXPECT_EQ(settings.initialize(), 1);
     EXPECT_EQ(value("Name"), "otherwise");
 }
@@ -38,7 +38,7 @@ TEST_F(SettingsExample, FailsWhenTheFileCannotBeOpened) {
     EXPECT_EQ(value("Name"), "otherwise");
 }
 
-TEST_F(SettingsExample, TakesAFileOfOneMebibyteAndRefusesALongerOne) {
+TEST_F(SettingsExample, AcceptsAFileOfOneMebibyteAndRefusesALongerOne) {
     const std::string largest = "Name=value\n" + std::string((1 << 20) - 11, '#');
     EXPECT_EQ(start(largest), 0);
     EXPECT_EQ(value("Name"), "value");
@@ -47,12 +47,12 @@ TEST_F(SettingsExample, TakesAFileOfOneMebibyteAndRefusesALongerOne) {
     EXPECT_EQ(value("Name"), "otherwise");
 }
 
-TEST_F(SettingsExample, TakesLineEndsOfEveryKindAndNoneBehindTheLastLine) {
+TEST_F(SettingsExample, AcceptsLineEndsOfEveryKindAndNoneAfterTheLastLine) {
     EXPECT_EQ(start("A=1\r\nB=2\rC=3\n\nD=4"), 0);
     EXPECT_EQ(value("A") + value("B") + value("C") + value("D"), "1234");
 }
 
-TEST_F(SettingsExample, SkipsTheMarkThatSomeEditorsPutBeforeUtf8) {
+TEST_F(SettingsExample, SkipsAByteOrderMark) {
     EXPECT_EQ(start("\xEF\xBB\xBF"
                     "Name=value\nOther=\xEF\xBB\xBF\n"),
               0);
@@ -63,12 +63,12 @@ TEST_F(SettingsExample, SkipsTheMarkThatSomeEditorsPutBeforeUtf8) {
     EXPECT_EQ(value(""), "otherwise");
 }
 
-TEST_F(SettingsExample, TakesAnEmptyFile) {
+TEST_F(SettingsExample, AcceptsAnEmptyFile) {
     EXPECT_EQ(start(""), 0);
     EXPECT_EQ(value("Name"), "otherwise");
 }
 
-TEST_F(SettingsExample, ComparesWholeNamesAndGivesTheFirstOfTwo) {
+TEST_F(SettingsExample, ComparesWholeNamesAndReturnsTheFirstOfTwo) {
     EXPECT_EQ(start("NameLonger=1\nName=2\nName=3\n"), 0);
     EXPECT_EQ(value("Name"), "2");
     EXPECT_EQ(value("Nam"), "otherwise");
@@ -81,7 +81,7 @@ TEST_F(SettingsExample, ForgetsTheValuesInCleanup) {
     EXPECT_EQ(value("Name"), "otherwise");
 }
 
-TEST_F(SettingsExample, TellsItsFolderInUtf8) {
+TEST_F(SettingsExample, ReturnsItsFolderInUtf8) {
     EXPECT_EQ(settings.initialize(), 1);
     const std::u8string expected = folder.path().u8string();
     EXPECT_EQ(settings.entry<const char* (*)()>("Folder")(), std::string(expected.begin(), expected.end()));

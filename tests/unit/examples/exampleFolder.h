@@ -4,52 +4,25 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <initializer_list>
-#include <iterator>
-#include <random>
 #include <string>
 #include <thread>
 
+#include "tests/support/folder.h"
 #include "tests/support/plugins.h"
 
 namespace support {
 
-/// A plug-in folder of one test's own, with the example plug-ins in it; its name is as awkward as names get.
-class tExampleFolder {
+/// A folder for one test with the example plug-ins in it. Its name has blanks and letters of several scripts.
+class tExampleFolder : public tFolder {
 public:
-    tExampleFolder()
-        : path_(std::filesystem::temp_directory_path() /
-                (L"plug-ins 插件 " + std::to_wstring(std::random_device{}()))) {
-        std::filesystem::create_directories(path_);
+    tExampleFolder() : tFolder(L"plug-ins 插件 ") {
         for (const char* name : {"Settings.dll", "Transport.dll", "Deployment.dll"}) {
-            copy_file(std::filesystem::path(testProgramFolder()) / "examples" / name, path_ / name);
+            copy_file(std::filesystem::path(testProgramFolder()) / "examples" / name, path() / name);
         }
     }
-    ~tExampleFolder() {
-        std::error_code ignored;
-        remove_all(path_, ignored);
-    }
-    tExampleFolder(const tExampleFolder&) = delete;
-    tExampleFolder& operator=(const tExampleFolder&) = delete;
-
-    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
-    void write(const std::filesystem::path& file, const std::string& content) const {
-        create_directories((path_ / file).parent_path());
-        std::ofstream(path_ / file, std::ios::binary) << content;
-    }
-    [[nodiscard]] std::string read(const std::filesystem::path& file) const {
-        std::ifstream stream(path_ / file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-    [[nodiscard]] bool has(const std::filesystem::path& file) const { return exists(path_ / file); }
-
-private:
-    std::filesystem::path path_;
 };
 
-/// One of the example plug-ins, driven as the host drives it. Cleans up and unloads at the end if the test has not.
+/// One of the example plug-ins, called as the host calls it. Stops, cleans up and unloads it on destruction.
 class tExample {
 public:
     tExample(const tExampleFolder& folder, const std::string& name) : name_(name) {
@@ -70,7 +43,7 @@ public:
     }
     void cleanup() const { entry<void (*)()>("Cleanup")(); }
 
-    /// An export by the plug-in's name and this ending.
+    /// The export whose name is the plug-in's with this ending.
     template <class Function>
     [[nodiscard]] Function entry(const char* ending) const {
         return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module_, (name_ + ending).c_str())));
@@ -81,7 +54,7 @@ private:
     HMODULE module_ = nullptr;
 };
 
-/// Waits for something that another thread does. False when it has not come about in ten seconds.
+/// Waits for something that another thread does. Returns false if it has not happened after ten seconds.
 template <class Condition>
 bool eventually(Condition condition) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
