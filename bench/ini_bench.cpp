@@ -45,7 +45,7 @@ tText textOfTriedKeys(std::int64_t count, bool crowding) {
     std::string text = "[Service]\n";
     for (std::uint64_t number = 0; count > 0; ++number) {
         const std::string name = "Setting" + std::to_string(number);
-        const std::uint64_t hash = nIni::hashName(name, false) & UINT32_MAX;
+        const std::uint64_t hash = nIni::hashName(name, false, 0) & UINT32_MAX;
         if (crowding ? hash * parts >> 32U != 0 : number % parts != 0) continue;
         text.append(name) += "=value\n";
         --count;

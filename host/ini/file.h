@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-/// What the parser asks of the platform's file system.
+/// The parts of the platform's file system that the parser needs.
 namespace nIni {
 
 struct tFileCloser {
@@ -13,10 +13,10 @@ struct tFileCloser {
 };
 using tFile = std::unique_ptr<std::FILE, tFileCloser>;
 
-/// Opened for reading, byte for byte; null when it cannot be.
+/// Opens the file for reading, byte for byte. Returns null on failure.
 [[nodiscard]] tFile openFile(const wchar_t* path);
 
-/// In units of 100 ns since the beginning of 1601, UTC. Nothing when the path leads to no file.
+/// Returns the time in units of 100 ns since the beginning of 1601, UTC; nullopt if there is no such file.
 [[nodiscard]] std::optional<std::uint64_t> lastWriteTime(const wchar_t* path);
 
 }  // namespace nIni

@@ -10,11 +10,11 @@
 namespace nIni {
 namespace {
 
-/// Empty, which names no file, when the path has no narrow form.
+/// Returns an empty path, which names no file, if the path has no narrow form.
 std::filesystem::path narrow(const wchar_t* path) {
     const std::wstring_view wide(path);
     try {
-        // The library takes these for UTF-32 whatever the locale is, unlike wide characters.
+        // The library treats these as UTF-32 in every locale, unlike wide characters.
         return std::u32string(wide.begin(), wide.end());
     } catch (const std::filesystem::filesystem_error&) {
         return {};
@@ -26,7 +26,7 @@ std::filesystem::path narrow(const wchar_t* path) {
 tFile openFile(const wchar_t* path) { return tFile(std::fopen(narrow(path).c_str(), "rb")); }
 
 std::optional<std::uint64_t> lastWriteTime(const wchar_t* path) {
-    // As on Windows, a link that leads nowhere is a file too. Its time is not to be had, which reads as 0.
+    // As on Windows, a link to nothing is a file too. Its time is not available, so it is 0.
     std::error_code error;
     if (!exists(std::filesystem::symlink_status(narrow(path), error))) return std::nullopt;
     const auto time = std::filesystem::last_write_time(narrow(path), error);

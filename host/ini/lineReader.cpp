@@ -1,52 +1,53 @@
 #include "ini/lineReader.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
 
 namespace nIni {
-bool tLineReader::skipByteOrderMark() noexcept {
-    using std::string_view_literals::operator""sv;
-    rest_ = {mark_.data(), read(mark_.data(), mark_.size())};
-    // FF FE opens little-endian UTF-32 (FF FE 00 00) as well.
-    if (rest_.starts_with("\xFF\xFE"sv) || rest_.starts_with("\xFE\xFF"sv) || rest_ == "\0\0\xFE\xFF"sv) return false;
-    if (rest_.starts_with("\xEF\xBB\xBF"sv)) rest_.remove_prefix(3);
-    return true;
+namespace {
+
+constexpr bool isTerminator(char c) noexcept { return c == '\n' || c == '\r' || c == 0; }
+
+constexpr std::size_t wordSize = sizeof(std::uint64_t);
+
+/// Returns whether one of the first eight characters is less than 16, as every terminator is.
+bool hasControlCharacter(const char* characters) noexcept {
+    std::uint64_t word = 0;
+    std::memcpy(&word, characters, wordSize);
+    // The subtraction borrows from the top bit of a byte that is too small, or of one after such a byte.
+    return ((word - 0x1010101010101010U) & ~word & 0x8080808080808080U) != 0;
 }
 
-/// Of the rest, which has none yet; its end when there is nothing more to read.
-const char* tLineReader::readToTerminator() {
-    for (bool more = true; more;) {
-        const std::size_t searched = rest_.size();
-        more = readChunk();
-        const char* const end = findTerminator(rest_.data() + searched, restEnd());
-        if (end != restEnd()) return end;
+/// Returns the first terminator, or the end.
+const char* findTerminator(const char* from, const char* end) noexcept {
+    for (; end - from >= std::ptrdiff_t{wordSize}; from += wordSize) {
+        if (!hasControlCharacter(from)) continue;
+        const char* const found = std::find_if(from, from + wordSize, [](char c) { return isTerminator(c); });
+        if (found != from + wordSize) return found;
     }
-    return restEnd();
+    return std::find_if(from, end, [](char c) { return isTerminator(c); });
 }
 
-/// Adds to the rest, which has no terminator any more, what follows in the file. False when that is nothing.
-bool tLineReader::readChunk() {
-    if (roomBehind_ < chunkSize) startBlock();
-    const std::size_t before = rest_.size();
-    const std::size_t count = read(text_.back().get() + (restEnd() - text_.back().get()), chunkSize);
-    rest_ = {rest_.data(), before + count};
-    roomBehind_ -= count;
-    return count > 0;
-}
+}  // namespace
 
-/// Gives 0 at the end and when reading fails. A file that grows meanwhile ends where it was first seen to end.
-std::size_t tLineReader::read(char* room, std::size_t size) noexcept {
-    const std::size_t count = atEnd_ ? 0 : std::fread(room, 1, size, file_);
-    atEnd_ = count < size;
-    failed_ = std::ferror(file_) != 0;
-    return failed_ ? 0 : count;
-}
-
-/// Moves the rest into a new block. The longer it is, the larger is the block: no line is moved often.
-void tLineReader::startBlock() {
-    const std::size_t size = std::max(blockSize, 2 * rest_.size() + chunkSize);
-    char* const block = text_.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
-    rest_ = {block, rest_.copy(block, rest_.size())};
-    roomBehind_ = size - rest_.size();
+std::optional<std::string_view> tLineReader::next() noexcept {
+    // Nothing is skipped for good before the whole line is known.
+    std::string_view rest = rest_;
+    if (!rest.empty() && isTerminator(rest.front()) && rest.front() != lastTerminator_) rest.remove_prefix(1);
+    const char* const restEnd = rest.data() + rest.size();
+    const char* const end = findTerminator(rest.data(), restEnd);
+    const std::string_view line(rest.data(), static_cast<std::size_t>(end - rest.data()));
+    if (end != restEnd) {
+        lastTerminator_ = *end;
+        rest_ = rest.substr(line.size() + 1);
+    } else if (isLast_ && !line.empty()) {
+        rest_ = {};
+    } else {
+        return std::nullopt;
+    }
+    if (lineNumber_ < std::numeric_limits<std::int32_t>::max()) ++lineNumber_;
+    return line;
 }
 
 }  // namespace nIni

@@ -1,184 +1,142 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <new>
 #include <string_view>
 #include <vector>
 
+/// Searching lists of records by their member `name`, in time proportional to the list whatever the names are.
 namespace nIni {
 
-/// Whether two names are the same. Without regard to case, the letters A to Z alone are folded.
+/// Up to this many records are searched one by one, which needs no memory.
+inline constexpr std::size_t linearSearchLimit = 8;
+
+/// Returns true iff the names are equal. Unless case counts, the letters A to Z equal a to z.
 [[nodiscard]] bool sameName(std::string_view a, std::string_view b, bool caseSensitive) noexcept;
 
-/// Equal for names that are the same; for others different, as far as chance goes. Seed 0 gives a quick hash, for which
-/// anybody can make up names that it takes for one. Every other seed gives a strong one, and each a different one.
-[[nodiscard]] std::uint64_t hashName(std::string_view name, bool caseSensitive, std::uint64_t seed = 0) noexcept;
+/// Returns a hash (SipHash-1-3) that is equal for equal names. Nobody can construct other names with equal hashes
+/// without knowing the key.
+[[nodiscard]] std::uint64_t hashName(std::string_view name, bool caseSensitive, std::uint64_t key) noexcept;
 
-/// Finds records by name: what a search from the first record on finds, at a cost that does not depend on how many
-/// there are. The list may grow at its end between two searches; whoever changes it otherwise resets the index.
+/// Returns a key that the author of a file cannot predict: an address differs from run to run.
+[[nodiscard]] inline std::uint64_t keyFrom(const void* address) noexcept { return std::hash<const void*>()(address); }
+
+/// The hash of a record's name, and the record's position in its list.
+struct tHashed {
+    std::uint32_t hash = 0;
+    std::uint32_t position = UINT32_MAX;
+};
+
+/// Finds records by name. Records may be appended to the list between two searches.
 ///
-/// It is a hash table in one array, half of it empty at least. Names chosen to crowd into a part of it are noticed by
-/// the steps that it takes to add them, and hashed by a seed that no file can foresee, so that none can make it slow.
-/// Repeated names are looked for among those alone that share a part of their hash with another one, which few do: to
-/// put all names of a long list into the array would cost more than all the rest.
+/// A hash table with linear probing, at most half full. It contains the first record of each name.
 class tNameIndex {
 public:
-    /// The position of the first record of that name, or the number of records. Short lists are searched through and
-    /// cost no memory; others are indexed when they are searched. Without memory for that they are searched through.
-    template <class tRecord>
-    std::size_t find(const std::vector<tRecord>& records, std::string_view name, bool caseSensitive) noexcept;
+    /// Returns the position of the first record of that name, or records.size(). If memory for the table runs out, it
+    /// searches the records one by one.
+    template <class Record>
+    std::size_t find(const std::vector<Record>& records, std::string_view name, bool caseSensitive) noexcept;
 
-    /// Removes each record whose name an earlier one has, after `merge(first, record)`. No name may be empty. Throws
-    /// std::bad_alloc before anything is changed.
-    template <class tRecord, class tMerge>
-    void removeRepeated(std::vector<tRecord>& records, bool caseSensitive, tMerge merge);
-
+    /// Call after changing the list other than by appending to it.
     void reset() noexcept { *this = {}; }
 
 private:
-    static constexpr std::size_t shortList = 8;
-    static constexpr std::size_t slotsAtFirst = 32;
-    static constexpr std::ptrdiff_t stepsAtFirst = 64;
-    static constexpr std::ptrdiff_t stepsPerSearch = 4;  // several times what chance takes
-    static constexpr std::uint32_t none = UINT32_MAX;
+    static constexpr std::uint32_t noPosition = tHashed{}.position;
 
-    struct tSlot {
-        std::uint32_t hash = 0;
-        std::uint32_t position = none;  ///< of a record; four thousand million do not fit in memory
-    };
-    struct tRepeated {
-        std::uint32_t first;
-        std::uint32_t position;
-    };
+    template <class Record>
+    void addNewRecords(const std::vector<Record>& records, bool caseSensitive);
+    template <class Record>
+    tHashed& findSlot(const std::vector<Record>& records, std::string_view name, std::uint32_t hash) noexcept;
+    tHashed& emptySlot(std::uint32_t hash) noexcept;
+    void reserve(std::size_t count);
+    [[nodiscard]] std::uint32_t hashOf(std::string_view name) const noexcept;
+    [[nodiscard]] std::size_t firstSlot(std::uint32_t hash) const noexcept { return hash & (slots_.size() - 1); }
+    [[nodiscard]] std::size_t nextSlot(std::size_t slot) const noexcept { return (slot + 1) & (slots_.size() - 1); }
 
-    template <class tRecord>
-    static std::size_t search(const std::vector<tRecord>& records, std::size_t count, std::string_view name,
-                              bool caseSensitive) noexcept;
-    template <class tRecord>
-    std::vector<tRepeated> findRepeated(const std::vector<tRecord>& records);
-    template <class tRecord>
-    void addNewRecords(const std::vector<tRecord>& records);
-    template <class tRecord>
-    std::uint32_t add(const std::vector<tRecord>& records, tSlot entry) noexcept;
-    template <class tRecord>
-    [[nodiscard]] std::vector<std::uint32_t> hashAll(const std::vector<tRecord>& records) const;
-    template <class tMatch>
-    tSlot& findSlot(std::uint32_t hash, tMatch matches) noexcept;
-    [[nodiscard]] std::size_t home(std::uint32_t hash) const noexcept;
-    [[nodiscard]] std::uint32_t hash(std::string_view name) const noexcept;
-    void makeRoom(std::size_t count);
-    [[nodiscard]] bool crowded() const noexcept { return stepsLeft_ < 0; }
-    void takeAnotherSeed() noexcept;
-    static std::vector<tSlot> sharingACell(const std::vector<std::uint32_t>& hashes);
-
-    std::vector<tSlot> slots_;
-    std::size_t indexed_ = 0;  ///< this many records have been looked at
-    std::ptrdiff_t stepsLeft_ = stepsAtFirst;
-    std::uint64_t seed_ = 0;
+    std::vector<tHashed> slots_;  ///< their number is a power of two
+    std::size_t indexed_ = 0;     ///< the number of records that have been added
+    std::uint64_t key_ = 0;
     bool caseSensitive_ = false;
 };
 
-template <class tRecord>
-std::size_t tNameIndex::find(const std::vector<tRecord>& records, std::string_view name, bool caseSensitive) noexcept {
-    if (records.size() <= shortList) return search(records, records.size(), name, caseSensitive);
+/// Removes each record that has the name of an earlier one, after calling `merge(first, repeated)` for the two.
+/// Repeated records of one name are merged in their order. Requires: no name is empty. Throws std::bad_alloc before it
+/// changes anything.
+template <class Record, class Merge>
+void removeRepeated(std::vector<Record>& records, bool caseSensitive, Merge merge);
+
+/// Returns those of the hashes that may occur more than once, with their positions, in the order of hash and position.
+[[nodiscard]] std::vector<tHashed> possiblyRepeated(const std::vector<std::uint32_t>& hashes);
+
+template <class Record>
+std::size_t tNameIndex::find(const std::vector<Record>& records, std::string_view name, bool caseSensitive) noexcept {
+    if (records.size() > linearSearchLimit) {
+        try {
+            addNewRecords(records, caseSensitive);
+            const std::uint32_t position = findSlot(records, name, hashOf(name)).position;
+            return position == noPosition ? records.size() : position;
+        } catch (const std::bad_alloc&) {
+            // The search below needs no memory.
+        }
+    }
+    const auto found = std::find_if(records.begin(), records.end(),
+                                    [&](const Record& record) { return sameName(record.name, name, caseSensitive); });
+    return static_cast<std::size_t>(found - records.begin());
+}
+
+template <class Record>
+void tNameIndex::addNewRecords(const std::vector<Record>& records, bool caseSensitive) {
     if (caseSensitive != caseSensitive_) reset();
     caseSensitive_ = caseSensitive;
-    try {
-        addNewRecords(records);
-    } catch (const std::bad_alloc&) {
-        return search(records, records.size(), name, caseSensitive);
+    reserve(records.size());
+    for (; indexed_ < records.size(); ++indexed_) {
+        const std::string_view name = records[indexed_].name;
+        const std::uint32_t hash = hashOf(name);
+        tHashed& slot = findSlot(records, name, hash);
+        if (slot.position == noPosition) slot = {hash, static_cast<std::uint32_t>(indexed_)};
     }
-    const auto matches = [&](std::uint32_t other) { return sameName(records[other].name, name, caseSensitive); };
-    const std::uint32_t position = findSlot(hash(name), matches).position;
-    return position == none ? records.size() : position;
 }
 
-template <class tRecord, class tMerge>
-void tNameIndex::removeRepeated(std::vector<tRecord>& records, bool caseSensitive, tMerge merge) {
-    tNameIndex index;
-    index.caseSensitive_ = caseSensitive;
-    const std::vector<tRepeated> repeated = index.findRepeated(records);
-    if (repeated.empty()) return;
-    for (const auto& [first, position] : repeated) {
-        merge(records[first], records[position]);
-        records[position].name = {};
+/// Returns the slot of the record of that name or, if there is none, the empty slot where it belongs.
+template <class Record>
+tHashed& tNameIndex::findSlot(const std::vector<Record>& records, std::string_view name, std::uint32_t hash) noexcept {
+    const auto isNamed = [&](const tHashed& slot) {
+        return slot.hash == hash && sameName(records[slot.position].name, name, caseSensitive_);
+    };
+    std::size_t slot = firstSlot(hash);
+    while (slots_[slot].position != noPosition && !isNamed(slots_[slot])) slot = nextSlot(slot);
+    return slots_[slot];
+}
+
+template <class Record, class Merge>
+void removeRepeated(std::vector<Record>& records, bool caseSensitive, Merge merge) {
+    std::vector<std::uint32_t> hashes(records.size());
+    const std::uint64_t key = keyFrom(hashes.data());
+    if (records.size() > linearSearchLimit) {
+        std::transform(records.begin(), records.end(), hashes.begin(), [&](const Record& record) {
+            return static_cast<std::uint32_t>(hashName(record.name, caseSensitive, key));
+        });
     }
-    std::erase_if(records, [](const tRecord& record) { return record.name.empty(); });
-    reset();
-}
-
-/// In the order of the list.
-template <class tRecord>
-std::vector<tNameIndex::tRepeated> tNameIndex::findRepeated(const std::vector<tRecord>& records) {
-    std::vector<tRepeated> repeated;
-    if (records.size() <= shortList) {
-        for (std::uint32_t position = 1; position < records.size(); ++position) {
-            const std::size_t first = search(records, position, records[position].name, caseSensitive_);
-            if (first != position) repeated.push_back({static_cast<std::uint32_t>(first), position});
-        }
-        return repeated;
-    }
-    do {
-        if (crowded()) takeAnotherSeed();
-        repeated.clear();
-        const std::vector<tSlot> entries = sharingACell(hashAll(records));
-        makeRoom(entries.size());
-        for (std::size_t i = 0; i < entries.size() && !crowded(); ++i) {
-            const std::uint32_t first = add(records, entries[i]);
-            if (first != entries[i].position) repeated.push_back({first, entries[i].position});
-        }
-    } while (crowded());
-    return repeated;
-}
-
-/// The first one of that name among so many, or their number.
-template <class tRecord>
-std::size_t tNameIndex::search(const std::vector<tRecord>& records, std::size_t count, std::string_view name,
-                               bool caseSensitive) noexcept {
-    std::size_t position = 0;
-    while (position < count && !sameName(records[position].name, name, caseSensitive)) ++position;
-    return position;
-}
-
-template <class tRecord>
-void tNameIndex::addNewRecords(const std::vector<tRecord>& records) {
-    while (crowded() || indexed_ < records.size()) {
-        if (crowded()) takeAnotherSeed();
-        makeRoom(records.size());
-        for (; indexed_ < records.size() && !crowded(); ++indexed_) {
-            add(records, {hash(records[indexed_].name), static_cast<std::uint32_t>(indexed_)});
+    const std::vector<tHashed> candidates = possiblyRepeated(hashes);
+    std::vector<tHashed> firsts;  // of their names, among the candidates with the present hash
+    firsts.reserve(candidates.size());
+    for (const tHashed& candidate : candidates) {
+        if (!firsts.empty() && firsts.front().hash != candidate.hash) firsts.clear();
+        Record& record = records[candidate.position];
+        const auto first = std::find_if(firsts.begin(), firsts.end(), [&](const tHashed& earlier) {
+            return sameName(records[earlier.position].name, record.name, caseSensitive);
+        });
+        if (first == firsts.end()) {
+            firsts.push_back(candidate);
+        } else {
+            merge(records[first->position], record);
+            record.name = {};
         }
     }
-}
-
-/// Unless there is one of that name. Gives the position of the one that is there now.
-template <class tRecord>
-std::uint32_t tNameIndex::add(const std::vector<tRecord>& records, tSlot entry) noexcept {
-    tSlot& slot = findSlot(entry.hash, [&](std::uint32_t other) {
-        return sameName(records[other].name, records[entry.position].name, caseSensitive_);
-    });
-    if (slot.position == none) slot = entry;
-    return slot.position;
-}
-
-template <class tRecord>
-std::vector<std::uint32_t> tNameIndex::hashAll(const std::vector<tRecord>& records) const {
-    std::vector<std::uint32_t> hashes;
-    hashes.reserve(records.size());
-    for (const tRecord& record : records) hashes.push_back(hash(record.name));
-    return hashes;
-}
-
-/// The slot of the record of that hash that matches or, when there is none, the empty slot where it belongs.
-template <class tMatch>
-tNameIndex::tSlot& tNameIndex::findSlot(std::uint32_t hash, tMatch matches) noexcept {
-    stepsLeft_ += stepsPerSearch;
-    for (std::size_t number = home(hash);; number = number + 1 == slots_.size() ? 0 : number + 1) {
-        tSlot& slot = slots_[number];
-        if (slot.position == none || (slot.hash == hash && matches(slot.position))) return slot;
-        --stepsLeft_;
-    }
+    std::erase_if(records, [](const Record& record) { return std::string_view(record.name).empty(); });
 }
 
 }  // namespace nIni

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <new>
-#include <numeric>
+#include <optional>
+#include <utility>
 
 #include "ini/file.h"
 #include "ini/lineReader.h"
@@ -10,7 +11,40 @@
 namespace nIni {
 namespace {
 
-/// What isspace says in the C locale. The same for bytes above 127: none of them is a space.
+constexpr std::size_t chunkSize = 2084;
+constexpr std::size_t blockSize = 65536;
+
+/// Appends up to that many bytes of the file to the text. Returns false at the end of the file and after a read error.
+bool read(std::FILE* file, std::size_t size, std::string& text) {
+    const std::size_t before = text.size();
+    text.resize(before + size);
+    const std::size_t count = std::fread(text.data() + before, 1, size, file);
+    text.resize(before + count);
+    return count == size;
+}
+
+/// Fills the block, which contains the start of a line. The longer the start, the larger the block, so that no line is
+/// copied often. Returns false at the end of the file and after a read error.
+bool readBlock(std::FILE* file, std::string& block) {
+    const std::size_t size = std::max(blockSize, 2 * block.size() + chunkSize);
+    block.reserve(size);
+    while (block.size() + chunkSize <= size) {
+        if (!read(file, chunkSize, block)) return false;
+    }
+    return true;
+}
+
+/// Returns whether the text begins with a byte-order mark of UTF-16 or UTF-32; FF FE 00 00 begins with one of UTF-16.
+bool isWide(std::string_view start) {
+    using std::string_view_literals::operator""sv;
+    return start.starts_with("\xFF\xFE"sv) || start.starts_with("\xFE\xFF"sv) || start == "\0\0\xFE\xFF"sv;
+}
+
+std::string_view withoutByteOrderMark(std::string_view start) {
+    return start.starts_with("\xEF\xBB\xBF") ? start.substr(3) : start;
+}
+
+/// Like isspace in the C locale, where no byte above 127 is a space.
 constexpr bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::string_view trimStart(std::string_view text) {
@@ -25,6 +59,51 @@ std::string_view trimEnd(std::string_view text) {
 
 std::string_view trim(std::string_view text) { return trimEnd(trimStart(text)); }
 
+/// A name like "Text Line12".
+struct tContinuation {
+    std::string_view stem;  ///< "Text"
+    bool startsRun;         ///< the number is 1
+};
+
+std::optional<tContinuation> toContinuation(std::string_view name) {
+    constexpr std::string_view word = " Line";
+    const std::size_t wordEnd = name.find_last_not_of("0123456789") + 1;  // 0 if there are only digits
+    if (wordEnd == name.size() || !name.substr(0, wordEnd).ends_with(word)) return std::nullopt;
+    const std::string_view number = name.substr(wordEnd);
+    const bool isOne = number.ends_with('1') && number.find_first_not_of('0') == number.size() - 1;
+    return tContinuation{name.substr(0, wordEnd - word.size()), isOne};
+}
+
+/// The last value of a repeated key replaces the first one.
+void removeRepeatedKeys(tSection& section, bool caseSensitive) {
+    removeRepeated(section.keys, caseSensitive, [](tKey& first, const tKey& repeated) {
+        first.value = repeated.value;
+        first.quote = repeated.quote;
+        first.line = repeated.line;
+    });
+}
+
+/// Joins each run of continuation keys into its first key, which keeps its line and quote. A run begins with number 1
+/// and extends to the next number 1 or the first other key, whatever the stems and numbers between are.
+void joinContinuations(std::list<std::string>& texts, tSection& section) {
+    const auto end = section.keys.end();
+    auto kept = section.keys.begin();
+    for (auto key = kept; key != end; ++kept) {
+        *kept = *key++;
+        const std::optional<tContinuation> first = toContinuation(kept->name);
+        if (!first || !first->startsRun) continue;
+        std::string& joined = texts.emplace_back(kept->value);
+        for (; key != end; ++key) {
+            const std::optional<tContinuation> next = toContinuation(key->name);
+            if (!next || next->startsRun) break;
+            joined += key->value;
+        }
+        kept->name = first->stem;
+        kept->value = joined;
+    }
+    section.keys.erase(kept, end);
+}
+
 void openSection(tDocument& document, std::string_view name, std::int32_t line) {
     if (document.mergeDuplicates != 0) {
         if (tSection* const section = findSection(document, name)) {
@@ -36,7 +115,7 @@ void openSection(tDocument& document, std::string_view name, std::int32_t line) 
     document.currentSection = &document.sections.back();
 }
 
-/// Takes the quotes that the flags name off the value; gives the quote character, or 0.
+/// Removes the quotes that the flags name from the value. Returns the quote character, or 0.
 char stripQuotes(std::string_view& value, std::uint32_t flags) {
     if (value.size() < 2 || value.front() != value.back()) return 0;
     const char quote = value.front();
@@ -47,38 +126,22 @@ char stripQuotes(std::string_view& value, std::uint32_t flags) {
     return quote;
 }
 
-constexpr std::string_view continuationMark = " Line";
-
-/// The size of "Text" in a name like "Text Line12"; nothing when the name does not end in " Line" and digits. Case
-/// counts here.
-std::optional<std::size_t> continuationStem(std::string_view name) {
-    const std::size_t markEnd = name.find_last_not_of("0123456789") + 1;  // 0 when there is nothing else
-    if (markEnd == name.size() || !name.substr(0, markEnd).ends_with(continuationMark)) return std::nullopt;
-    return markEnd - continuationMark.size();
-}
-
-/// Whether it is a continuation with number 1. As the parser asks this of every name, most get away at the first look.
-bool startsRun(std::string_view name) {
-    if (!name.ends_with('1')) return false;
-    name.remove_suffix(1);
-    while (name.ends_with('0')) name.remove_suffix(1);
-    return name.ends_with(continuationMark);
-}
-
-bool goesOnWithRun(std::string_view name) { return continuationStem(name) && !startsRun(name); }
-
 void addKey(tDocument& document, std::string_view name, std::string_view value, std::int32_t line) {
     if (document.currentSection == nullptr) {
         if ((document.flags & colonSeparates) == 0) return;
         openSection(document, "(null)", -1);
     }
-    const char quote = stripQuotes(value, document.flags);
     tSection& section = *document.currentSection;
+    if (document.mergeDuplicates != 0 && section.keys.size() >= section.mergeThreshold) {
+        removeRepeatedKeys(section, document.caseSensitive != 0);
+        section.mergeThreshold = std::max(section.mergeThreshold, 16 * section.keys.size());
+    }
+    const char quote = stripQuotes(value, document.flags);
     section.keys.push_back({name, value, quote, line});
-    if (startsRun(name)) section.hasContinuations = true;
+    if (name.ends_with('1') && toContinuation(name)) section.hasContinuations = true;
 }
 
-/// `line` begins with "[". False when it is malformed.
+/// Requires: the line begins with "[". Returns false if it is malformed.
 bool parseHeader(tDocument& document, std::string_view line, std::int32_t lineNumber) {
     const std::size_t bracket = line.find(']');
     if (bracket == std::string_view::npos) return false;
@@ -88,7 +151,7 @@ bool parseHeader(tDocument& document, std::string_view line, std::int32_t lineNu
     return true;
 }
 
-/// False when the line is malformed. Quotes with nothing between them are no empty value: something follows the "=".
+/// Returns false if the line is malformed. Quotes with nothing between them are not an empty value.
 bool parseKey(tDocument& document, std::string_view line, std::int32_t lineNumber) {
     const bool colon = (document.flags & colonSeparates) != 0;
     const std::size_t separator = colon ? line.find_first_of("=:") : line.find('=');
@@ -102,7 +165,7 @@ bool parseKey(tDocument& document, std::string_view line, std::int32_t lineNumbe
     return true;
 }
 
-/// False when the line is malformed.
+/// Returns false if the line is malformed.
 bool parseLine(tDocument& document, std::string_view line, std::int32_t lineNumber) {
     line = trimStart(line);
     if (line.starts_with(';')) return true;
@@ -110,51 +173,29 @@ bool parseLine(tDocument& document, std::string_view line, std::int32_t lineNumb
     return parseKey(document, line, lineNumber);
 }
 
-/// The last one's value takes the place of the first one's.
-void mergeRepeatedKeys(tSection& section, bool caseSensitive) {
-    section.keyIndex.removeRepeated(section.keys, caseSensitive, [](tKey& first, const tKey& repeated) {
-        first.value = repeated.value;
-        first.quote = repeated.quote;
-        first.line = repeated.line;
-    });
-}
-
-using tKeyIterator = std::vector<tKey>::iterator;
-
-/// The values of the keys, one behind the other, as a block of the text.
-std::string_view joinValues(tText& text, tKeyIterator first, tKeyIterator last) {
-    const std::size_t size = std::accumulate(first, last, std::size_t{0},
-                                             [](std::size_t sum, const tKey& key) { return sum + key.value.size(); });
-    char* const block = text.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
-    char* end = block;
-    for (; first != last; ++first) end += first->value.copy(end, first->value.size());
-    return {block, size};
-}
-
-/// Joins each run of continuation keys into its first key, which keeps its line and quote. A run begins with number 1
-/// and lasts while such keys follow, whatever their stems and numbers are, up to the next number 1.
-void joinContinuations(tText& text, tSection& section) {
-    const auto end = section.keys.end();
-    auto kept = section.keys.begin();
-    for (auto key = kept; key != end; ++kept) {
-        const auto first = key++;
-        if (startsRun(first->name)) {
-            while (key != end && goesOnWithRun(key->name)) ++key;
-            first->name = first->name.substr(0, *continuationStem(first->name));
-            if (key - first > 1) first->value = joinValues(text, first, key);
-        }
-        if (kept != first) *kept = *first;
+void parseBlock(tDocument& document, tLineReader& lines) {
+    while (const std::optional<std::string_view> line = lines.next()) {
+        const bool wellFormed = parseLine(document, *line, lines.lineNumber());
+        if (!wellFormed && document.firstErrorLine == -1) document.firstErrorLine = lines.lineNumber();
     }
-    section.keys.erase(kept, end);
+}
+
+/// Completes what had to wait for the end of the file.
+void finish(tDocument& document) {
+    for (tSection& section : document.sections) {
+        if (document.mergeDuplicates != 0) removeRepeatedKeys(section, document.caseSensitive != 0);
+        if (section.hasContinuations) joinContinuations(document.texts, section);
+        section.keyIndex.reset();
+    }
 }
 
 void rememberFile(tDocument& document, const wchar_t* widePath) {
     document.fileTime = lastWriteTime(widePath).value_or(0);
-    // By way of a copy: the path may be the document's own from the parse before.
+    // Through a copy: the path may be the document's own, from the previous parse.
     const std::wstring_view path(widePath);
-    decltype(document.filePath) kept{};
-    if (path.size() < kept.size()) path.copy(kept.data(), path.size());
-    document.filePath = kept;
+    decltype(document.filePath) copy{};
+    if (path.size() < copy.size()) path.copy(copy.data(), path.size());
+    document.filePath = copy;
 }
 
 int parse(tDocument& document, const wchar_t* widePath, bool remembering) noexcept try {
@@ -170,27 +211,26 @@ int parse(tDocument& document, const wchar_t* widePath, bool remembering) noexce
 }  // namespace
 
 int parseStream(tDocument& document, std::FILE* file) {
-    tLineReader lines(file, document.text);
-    const bool narrow = lines.skipByteOrderMark();
-    if (lines.failed()) return fileNotRead;
-    if (!narrow) return wideText;
+    std::string start;
+    bool more = read(file, 4, start);
+    if (std::ferror(file) != 0) return fileNotRead;
+    if (isWide(start)) return wideText;
 
     document.currentSection = nullptr;
     document.sections.clear();
     document.sectionIndex.reset();
-    document.text.clear();
+    document.texts.clear();
     document.firstErrorLine = -1;
-    while (const std::optional<std::string_view> line = lines.next()) {
-        const bool wellFormed = parseLine(document, *line, lines.lineNumber());
-        if (!wellFormed && document.firstErrorLine == -1) document.firstErrorLine = lines.lineNumber();
-    }
-    if (document.mergeDuplicates != 0) {
-        for (tSection& section : document.sections) mergeRepeatedKeys(section, document.caseSensitive != 0);
-    }
-    if (lines.failed()) return fileNotRead;
-    for (tSection& section : document.sections) {
-        if (section.hasContinuations) joinContinuations(document.text, section);
-    }
+    tLineReader lines;
+    lines.setBlock(withoutByteOrderMark(start), false);
+    do {
+        std::string& block = document.texts.emplace_back(lines.rest());
+        more = more && readBlock(file, block);
+        lines.setBlock(block, !more && std::ferror(file) == 0);
+        parseBlock(document, lines);
+    } while (more);
+    if (std::ferror(file) != 0) return fileNotRead;
+    finish(document);
     return 0;
 }
 
