@@ -61,9 +61,9 @@ std::int32_t CurrentExceptionCode() {
 
 bool ExceptionIsPropagating() noexcept { return propagatingExceptions() > 0; }
 
-ForeignCall::ForeignCall() noexcept : before_(propagatingExceptions()) {}
+ForeignCallGuard::ForeignCallGuard() noexcept : before_(propagatingExceptions()) {}
 
-ForeignCall::~ForeignCall() {
+ForeignCallGuard::~ForeignCallGuard() {
     // A higher count means that an exception of ours is propagating; the catch to come counts it.
     foreignShortfall += std::min(propagatingExceptions() - before_, 0);
 }

@@ -51,12 +51,12 @@ void ThrowIfFailed(PlatformStatus& record);
 /// C++ runtime of its own counts its throws in that runtime while our catch is counted in ours, which leaves our
 /// std::uncaught_exceptions() one too low for good. The guard's destructor, which runs after the handler, records the
 /// difference, so that ExceptionIsPropagating stays right on this thread. Guards may be nested.
-class ForeignCall {
+class ForeignCallGuard {
 public:
-    ForeignCall() noexcept;
-    ~ForeignCall();
-    ForeignCall(const ForeignCall&) = delete;
-    ForeignCall& operator=(const ForeignCall&) = delete;
+    ForeignCallGuard() noexcept;
+    ~ForeignCallGuard();
+    ForeignCallGuard(const ForeignCallGuard&) = delete;
+    ForeignCallGuard& operator=(const ForeignCallGuard&) = delete;
 
 private:
     int before_;

@@ -13,8 +13,8 @@ namespace {
 
 constexpr DWORD stopHintMs = 5000;
 
-// A report is seven numbers of 32 bits.
-static_assert(sizeof(SERVICE_STATUS) == 28 && offsetof(SERVICE_STATUS, dwWaitHint) == 24);
+// A report is seven numbers without gaps.
+static_assert(sizeof(SERVICE_STATUS) == 7 * sizeof(DWORD) && offsetof(SERVICE_STATUS, dwWaitHint) == 6 * sizeof(DWORD));
 
 /// The fields in which the reports of this service differ.
 struct tReport {

@@ -45,7 +45,7 @@ void start(tPluginEntry& entry, const tPluginDescription& description, std::uint
 /// when this returns: the library may be unloaded after that, not before.
 template <class Call>
 std::optional<std::int32_t> caughtCode(const Call& call) {
-    const zuerr::ForeignCall guard;
+    const zuerr::ForeignCallGuard guard;
     try {
         call();
         return std::nullopt;

@@ -10,7 +10,7 @@ constexpr std::uint32_t deploymentFeature = 2;
 }  // namespace
 
 void ApplyDeploymentSetting(tService& service) {
-    const zuerr::ForeignCall guard;  // the framework throws from another C++ runtime
+    const zuerr::ForeignCallGuard guard;  // the framework throws from another C++ runtime
     try {
         if (!nDeployment::IsDeploymentAllowed()) service.allowedMask &= ~deploymentFeature;
     } catch (const std::exception& exception) {

@@ -78,8 +78,8 @@ void tSharedLibrary::open(const tPluginDescription& description) {
     load(description.path.c_str(), status);
     zuerr::ThrowIfFailed(status);
     const auto foundInitialize = findEntry(*this, description.initialize, &noInitialize);
-    const auto foundStop = findEntry(*this, description.stop, &noNotify);
-    const auto foundCleanup = findEntry(*this, description.cleanup, &noNotify);
+    const auto foundStop = findEntry(*this, description.stop, &doNothing);
+    const auto foundCleanup = findEntry(*this, description.cleanup, &doNothing);
     initialize = foundInitialize;
     stop = foundStop;
     cleanup = foundCleanup;
@@ -90,6 +90,6 @@ void tSharedLibrary::close() {
     unload(status);
     zuerr::ThrowIfFailed(status);
     initialize = noInitialize;
-    stop = noNotify;
-    cleanup = noNotify;
+    stop = doNothing;
+    cleanup = doNothing;
 }

@@ -19,8 +19,8 @@ struct tSharedLibrary {
     std::int32_t loaded = 0;             ///< 1 while the library is loaded
     nLibrary::tHandle handle = nullptr;  ///< meaningful while loaded is 1
     tInitialize initialize = noInitialize;
-    tNotify stop = noNotify;
-    tNotify cleanup = noNotify;
+    tNotify stop = doNothing;
+    tNotify cleanup = doNothing;
 
     /// The path is UTF-8. A relative one is looked for along the system's search path.
     void load(const char* path, zuerr::PlatformStatus& status);
@@ -41,5 +41,5 @@ struct tSharedLibrary {
     void close();
 
     static std::int32_t noInitialize() { return 0; }
-    static void noNotify() {}
+    static void doNothing() {}
 };

@@ -18,7 +18,7 @@ constexpr std::uint32_t usualIncrement = 156'250;  // 15.625 ms
 /// Returns the last known or the usual increment if the system does not say: both readings of a duration must count
 /// the same ticks.
 std::uint32_t currentIncrement() noexcept {
-    const std::uint32_t increment = readTimeIncrement();
+    const std::uint32_t increment = timeIncrement100ns();
     if (increment != 0) return increment;
     if (!gClockSettings.initialised) return usualIncrement;
     return static_cast<std::uint32_t>(gClockSettings.tickLength / nanosecondsPerIncrementUnit);
@@ -32,7 +32,7 @@ void InitialiseClock() noexcept {
     gClockSettings.tickLengthUnit = tUnit::nanoseconds;
     gClockSettings.counterPeriodUnit = tUnit::picoseconds;
     gClockSettings.tickLength = std::uint64_t{currentIncrement()} * nanosecondsPerIncrementUnit;
-    const std::uint64_t frequency = readCounterFrequency();
+    const std::uint64_t frequency = counterFrequencyHz();
     if (frequency == 0) std::abort();
     gClockSettings.counterPeriod = picosecondsPerSecond / frequency;
     gClockSettings.initialised = true;
@@ -45,7 +45,7 @@ std::uint64_t ticksFromMs(std::uint64_t milliseconds, std::uint32_t timeIncremen
 }
 
 std::uint64_t NowTicks() noexcept {
-    const std::uint64_t milliseconds = readTickCount();
+    const std::uint64_t milliseconds = uptimeMs();
     return ticksFromMs(milliseconds, currentIncrement());
 }
 

@@ -5,13 +5,13 @@
 
 namespace nTime {
 
-std::uint32_t readTimeIncrement() noexcept { return 10'000; }
+std::uint32_t timeIncrement100ns() noexcept { return 10'000; }
 
-std::uint64_t readTickCount() noexcept {
+std::uint64_t uptimeMs() noexcept {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
-std::uint64_t readCounterFrequency() noexcept { return 1'000'000'000; }
+std::uint64_t counterFrequencyHz() noexcept { return 1'000'000'000; }
 
 }  // namespace nTime

@@ -10,9 +10,9 @@
 
 #include "check.h"
 #include "err/Exception.h"
-#include "memoryFile.h"
 #include "naiveIni.h"
 #include "source/nPluginData.h"
+#include "temporaryFile.h"
 
 namespace {
 
@@ -77,7 +77,7 @@ std::int32_t read(const std::string& path, tPluginDescription& record) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    static const tMemoryFile file;
+    static const tTemporaryFile file;
     file.write(text);
 
     tPluginDescription record;

@@ -11,8 +11,8 @@
 
 #include "check.h"
 #include "ini/parser.h"
-#include "memoryFile.h"
 #include "naiveIni.h"
+#include "temporaryFile.h"
 
 namespace {
 
@@ -128,7 +128,7 @@ std::string padding(unsigned code) {
 }
 
 void parseBoth(nIni::tDocument& document, tNaiveIni& expected, std::string_view text) {
-    static const tMemoryFile file;
+    static const tTemporaryFile file;
     file.write(text);
     const std::wstring path = file.widePath();
     document.filePath[0] = 0;

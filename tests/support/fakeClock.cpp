@@ -21,16 +21,16 @@ tFakeClock::~tFakeClock() {
 
 // See loader.cpp for the names.
 
-std::uint64_t realTickCount() asm("__real__ZN5nTime13readTickCountEv");
-std::uint64_t wrappedTickCount() asm("__wrap__ZN5nTime13readTickCountEv");
+std::uint64_t realTickCount() asm("__real__ZN5nTime8uptimeMsEv");
+std::uint64_t wrappedTickCount() asm("__wrap__ZN5nTime8uptimeMsEv");
 std::uint64_t wrappedTickCount() { return current == nullptr ? realTickCount() : current->read(); }
 
-std::uint32_t realTimeIncrement() asm("__real__ZN5nTime17readTimeIncrementEv");
-std::uint32_t wrappedTimeIncrement() asm("__wrap__ZN5nTime17readTimeIncrementEv");
+std::uint32_t realTimeIncrement() asm("__real__ZN5nTime18timeIncrement100nsEv");
+std::uint32_t wrappedTimeIncrement() asm("__wrap__ZN5nTime18timeIncrement100nsEv");
 std::uint32_t wrappedTimeIncrement() { return current == nullptr ? realTimeIncrement() : current->timeIncrement; }
 
-std::uint64_t realCounterFrequency() asm("__real__ZN5nTime20readCounterFrequencyEv");
-std::uint64_t wrappedCounterFrequency() asm("__wrap__ZN5nTime20readCounterFrequencyEv");
+std::uint64_t realCounterFrequency() asm("__real__ZN5nTime18counterFrequencyHzEv");
+std::uint64_t wrappedCounterFrequency() asm("__wrap__ZN5nTime18counterFrequencyHzEv");
 std::uint64_t wrappedCounterFrequency() {
     return current == nullptr ? realCounterFrequency() : current->counterFrequency;
 }

@@ -102,7 +102,7 @@ TEST(MemoryOfPlugins, ALibraryIsOpenedOrMayBeClosed) {
         tSharedLibrary library;
         attempt.operate([&] { library.open(description); });
         EXPECT_EQ(attempt.code(), -52005);
-        EXPECT_EQ(library.stop, &tSharedLibrary::noNotify) << "all entries or none";
+        EXPECT_EQ(library.stop, &tSharedLibrary::doNothing) << "all entries or none";
         library.close();
         EXPECT_EQ(fakes.plugin("A").references, 0);
     };

@@ -237,12 +237,12 @@ TEST(ExceptionIsPropagating, IsTrueOnlyWhileTheStackIsUnwound) {
 
 TEST(ExceptionIsPropagating, IsNotChangedByForeignCallsThatThrowNothingOrThrowInOurOwnRuntime) {
     for (int i = 0; i < 3; ++i) {
-        const zuerr::ForeignCall call;
+        const zuerr::ForeignCallGuard call;
         EXPECT_EQ(caughtCode([] { throw std::runtime_error("ours"); }), -52003);
         EXPECT_FALSE(ExceptionIsPropagating());
     }
     EXPECT_EQ(caughtCode([] {
-                  const zuerr::ForeignCall call;
+                  const zuerr::ForeignCallGuard call;
                   throw std::runtime_error("through the guard");
               }),
               -52003);

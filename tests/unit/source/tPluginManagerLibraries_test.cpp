@@ -126,7 +126,7 @@ TEST_F(tPluginManagerLibraries, AnExceptionFromCleanupLeavesItsLibraryLoaded) {
 
 TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromInitializeIsPassedOnWithTheLibraryLoaded) {
     // The exception is caught outside of the product, so the test has to book it.
-    const zuerr::ForeignCall guard;
+    const zuerr::ForeignCallGuard guard;
     tPluginManager manager;
     EXPECT_THROW(manager.startAll({behaviours("InitThrowsInt")}, 1), int);
     EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitThrowsInt"));
@@ -134,7 +134,7 @@ TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromInitializeIsPassedOn
 }
 
 TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromStopOrCleanupIsPassedOn) {
-    const zuerr::ForeignCall guard;
+    const zuerr::ForeignCallGuard guard;
     tPluginManager manager;
     manager.startAll({behaviours("InitOk", "StopThrowsInt", "CleanupThrowsInt")}, 1);
     EXPECT_THROW(manager.stopAll(), int);

@@ -159,7 +159,7 @@ TEST_F(tPluginManagerThrowing, HundredsOfTimesInOneLifeEachHaveTheirOwnCodes) {
 /// has to book it.
 template <class Call>
 void expectPassedOn(Call call, const char* what) {
-    const zuerr::ForeignCall guard;
+    const zuerr::ForeignCallGuard guard;
     try {
         call();
         ADD_FAILURE() << what << " was kept";

@@ -137,7 +137,9 @@ TEST_F(tSharedLibraryTest, ItsCallsReportThroughTheStatusAndDoNothingWhereThatHo
             EXPECT_EQ(library_.symbol("Entry", status_), address);
         }
         EXPECT_EQ(library_.loaded, row.isLoadedAfter ? 1 : 0);
-        if (row.isLoadedAfter) EXPECT_EQ(library_.handle, &module_);
+        if (row.isLoadedAfter) {
+            EXPECT_EQ(library_.handle, &module_);
+        }
         EXPECT_EQ(status_.code, row.codeAfter);
         EXPECT_EQ(status_.line, row.lineAfter);
         if (row.codeAfter == -52005) expectReport();

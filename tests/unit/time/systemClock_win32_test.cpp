@@ -43,14 +43,14 @@ protected:
 
 TEST_F(SystemClockCalls, ReturnTheReportedIncrementOrZeroOnFailure) {
     scriptIncrement();
-    EXPECT_EQ(nTime::readTimeIncrement(), 156'250U);
+    EXPECT_EQ(nTime::timeIncrement100ns(), 156'250U);
     succeeds_ = FALSE;
-    EXPECT_EQ(nTime::readTimeIncrement(), 0U);
+    EXPECT_EQ(nTime::timeIncrement100ns(), 0U);
 }
 
 TEST_F(SystemClockCalls, ReturnTheTickCountIn64Bits) {
     imports::GetTickCount64.replace([] { return ULONGLONG{0xFEDCBA9876543210}; });
-    EXPECT_EQ(nTime::readTickCount(), 0xFEDCBA9876543210);
+    EXPECT_EQ(nTime::uptimeMs(), 0xFEDCBA9876543210);
 }
 
 TEST_F(SystemClockCalls, ReadTheIncrementFirstAndThenTheFrequencyOnInitialisation) {

@@ -16,15 +16,15 @@ namespace {
 using support::whileUnwinding;
 using testing::StrEq;
 using zuerr::ExceptionIsPropagating;
-using zuerr::ForeignCall;
+using zuerr::ForeignCallGuard;
 using zuerr::StatusRecord;
 
-class ForeignCallTest : public testing::Test {
+class ForeignCallGuardTest : public testing::Test {
 protected:
     using tEntry = void (*)();
 
-    ForeignCallTest() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {}
-    ~ForeignCallTest() override { nLibrary::unload(library_, osError_); }
+    ForeignCallGuardTest() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {}
+    ~ForeignCallGuardTest() override { nLibrary::unload(library_, osError_); }
 
     template <class tFunction = tEntry>
     tFunction entry(const char* name) {
@@ -35,7 +35,7 @@ protected:
 
     /// Calls the entry as the host calls a plug-in.
     static std::int32_t codeOf(tEntry entry) {
-        const ForeignCall guard;
+        const ForeignCallGuard guard;
         return support::caughtCode(entry);
     }
 
@@ -56,14 +56,14 @@ private:
     nLibrary::tHandle library_;
 };
 
-TEST_F(ForeignCallTest, IsNeededAsAForeignThrowIsMissingFromOurRuntimesCount) {
-    const ForeignCall guard;
+TEST_F(ForeignCallGuardTest, IsNeededAsAForeignThrowIsMissingFromOurRuntimesCount) {
+    const ForeignCallGuard guard;
     const int before = std::uncaught_exceptions();
     EXPECT_THROW(entry("ThrowRuntimeError")(), std::runtime_error);
     EXPECT_EQ(std::uncaught_exceptions(), before - 1);
 }
 
-TEST_F(ForeignCallTest, KeepsPropagationRightAfterAnyNumberOfForeignExceptions) {
+TEST_F(ForeignCallGuardTest, KeepsPropagationRightAfterAnyNumberOfForeignExceptions) {
     const std::pair<const char*, std::int32_t> throwers[] = {
         {"ThrowRuntimeError", -52003}, {"ThrowBadAlloc", -52000}, {"ThrowOsFault", -52008}};
     for (const auto& [name, code] : throwers) {
@@ -75,18 +75,18 @@ TEST_F(ForeignCallTest, KeepsPropagationRightAfterAnyNumberOfForeignExceptions) 
     }
 }
 
-TEST_F(ForeignCallTest, CountsNothingForAnExceptionThatItsOwnLibraryCatches) {
+TEST_F(ForeignCallGuardTest, CountsNothingForAnExceptionThatItsOwnLibraryCatches) {
     const auto catcher = entry<std::int32_t (*)()>("CatchOwnOsFault");
     const int before = std::uncaught_exceptions();
     {
-        const ForeignCall guard;
+        const ForeignCallGuard guard;
         EXPECT_EQ(catcher(), -52008);
     }
     EXPECT_EQ(std::uncaught_exceptions(), before);
     EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignCallTest, LeavesAnExceptionOfOursPropagating) {
+TEST_F(ForeignCallGuardTest, LeavesAnExceptionOfOursPropagating) {
     whileUnwinding([thrower = entry("ThrowOsFault")] {
         EXPECT_TRUE(ExceptionIsPropagating());
         for (int i = 0; i < 2; ++i) {
@@ -97,11 +97,11 @@ TEST_F(ForeignCallTest, LeavesAnExceptionOfOursPropagating) {
     EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignCallTest, CountsAnExceptionOnceUnderNestedGuards) {
+TEST_F(ForeignCallGuardTest, CountsAnExceptionOnceUnderNestedGuards) {
     {
-        const ForeignCall outer;
+        const ForeignCallGuard outer;
         {
-            const ForeignCall inner;
+            const ForeignCallGuard inner;
             EXPECT_EQ(codeOf(entry("ThrowRuntimeError")), -52003);
         }
         EXPECT_FALSE(ExceptionIsPropagating());
@@ -110,7 +110,7 @@ TEST_F(ForeignCallTest, CountsAnExceptionOnceUnderNestedGuards) {
     EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignCallTest, CountsForEachThreadSeparately) {
+TEST_F(ForeignCallGuardTest, CountsForEachThreadSeparately) {
     std::thread([thrower = entry("ThrowRuntimeError")] {
         EXPECT_EQ(codeOf(thrower), -52003);
         EXPECT_TRUE(failuresAreThrown());
@@ -118,8 +118,8 @@ TEST_F(ForeignCallTest, CountsForEachThreadSeparately) {
     EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignCallTest, LetsAForeignReportBeCopiedIntoARecordOfOurs) {
-    const ForeignCall guard;
+TEST_F(ForeignCallGuardTest, LetsAForeignReportBeCopiedIntoARecordOfOurs) {
+    const ForeignCallGuard guard;
     StatusRecord record;
     try {
         entry("ThrowOsFault")();
