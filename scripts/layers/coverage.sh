@@ -3,7 +3,7 @@
 
 counting_builds=(native-coverage windows-coverage)
 
-build_counting() { ./build.sh "$1" unit_tests trace_tests; }
+build_counting() { ./build.sh "$1" unit_tests trace_tests sweep_tests; }
 
 layer_coverage() {
     local build
@@ -13,6 +13,7 @@ layer_coverage() {
     done
     googletest "the unit tests, counting" 300 build/native-coverage/bin/unit_tests
     googletest "the diagnostic build's unit tests, counting" 60 build/native-coverage/bin/trace_tests
+    googletest "the sweep, counting" 300 build/native-coverage/bin/sweep_tests
     use_prefix build/test/prefix
     check "a Wine prefix for counting" make_prefix || return
     # The programs write their counts where they were built, which Windows finds on drive Z.
