@@ -92,6 +92,10 @@ void tFaults::addPlaces() {
     complains(CALL(RegCloseKey), cost::nothing, 0, ERROR_INVALID_HANDLE);
     refuses(CALL(FormatMessageA), cost::nothing, ERROR_MR_MID_NOT_FOUND, 0);
     refuses(CALL(SHGetFolderPathW), cost::statusFile, 0, E_FAIL);
+    refuses(CALL(GetSystemDirectoryW), cost::statusFile, ERROR_ACCESS_DENIED, 0);
+    refuses(CALL(GetModuleFileNameW), cost::nothing, ERROR_ACCESS_DENIED, 0);
+    refuses(CALL(GetModuleHandleW), cost::nothing, ERROR_MOD_NOT_FOUND, nullptr);
+    refuses(CALL(LoadLibraryExW), cost::statusFile, ERROR_NOT_ENOUGH_MEMORY, nullptr);
 }
 
 void tFaults::addFiles() {
@@ -126,7 +130,7 @@ void tFaults::addLibraries(tLedger& ledger) {
     refuses(CALL(SetThreadErrorMode), cost::nothing, ERROR_INVALID_PARAMETER, FALSE);
     refuses(CALL(GetModuleHandleA), cost::nothing, ERROR_MOD_NOT_FOUND, nullptr);
     refuses(CALL(LoadLibraryExA), cost::plugins | cost::deployment, ERROR_NOT_ENOUGH_MEMORY, nullptr);
-    refuses(CALL(GetProcAddress), cost::plugins | cost::deployment, ERROR_PROC_NOT_FOUND, nullptr);
+    refuses(CALL(GetProcAddress), cost::plugins | cost::deployment | cost::statusFile, ERROR_PROC_NOT_FOUND, nullptr);
     row(CALL(FreeLibrary), cost::unloading, [&ledger](const auto& /*inner*/, HMODULE module) {
         ledger.refusedToClose("module", module);
         imports::SetLastError.real(ERROR_INVALID_HANDLE);
@@ -138,6 +142,7 @@ void tFaults::addNumbers() {
     refuses(CALL(GetSystemTimeAdjustment), cost::nothing, ERROR_ACCESS_DENIED, FALSE);
     refuses(CALL(_time64), cost::nothing, 0, -1);
     refuses(CALL(_ctime64), cost::nothing, 0, nullptr);
+    cannotFail(CALL(GetACP));
     cannotFail(CALL(GetTickCount64));
     cannotFail(CALL(GetCurrentProcessId));
     cannotFail(CALL(GetLastError));

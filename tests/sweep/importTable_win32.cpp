@@ -14,8 +14,6 @@ constexpr std::string_view runtime =
     "GetStartupInfoA SetUnhandledExceptionFilter VirtualProtect VirtualQuery __getmainargs __initenv "
     "__iob_func __set_app_type __setusermatherr _acmdln _amsg_exit _cexit _commode _fmode _initterm _onexit "
     "abort exit signal "
-    // Loading shell32.dll when it is first called.
-    "LoadLibraryA LocalAlloc "
     // Exceptions.
     "AddVectoredExceptionHandler RemoveVectoredExceptionHandler RaiseException RtlCaptureContext "
     "RtlLookupFunctionEntry RtlUnwindEx RtlVirtualUnwind __C_specific_handler _setjmp longjmp "
@@ -30,7 +28,7 @@ constexpr std::string_view runtime =
     "AreFileApisANSI CopyFileExW CreateDirectoryExW CreateDirectoryW DeleteFileW FlushFileBuffers "
     "FormatMessageW GetCurrentDirectoryW GetDiskFreeSpaceExW DeviceIoControl GetFileAttributesExW "
     "GetFileAttributesW GetFileInformationByHandle GetEnvironmentVariableW GetFileTime GetFullPathNameW "
-    "GetModuleHandleW GetWindowsDirectoryW LoadLibraryW MoveFileExW RemoveDirectoryW SetCurrentDirectoryW "
+    "GetWindowsDirectoryW LoadLibraryW MoveFileExW RemoveDirectoryW SetCurrentDirectoryW "
     "SetEndOfFile SetFileAttributesW SetFilePointerEx SetFileTime "
     // Locales and the conversion of characters and numbers.
     "IsDBCSLeadByteEx WideCharToMultiByte ___lc_codepage_func ___mb_cur_max_func _errno _ultoa islower "

@@ -6,6 +6,7 @@
 
 #include "source/serviceControl.h"
 #include "source/tService.h"
+#include "source/zusysapi.h"
 #include "tests/support/imports_win32.h"
 #include "tests/support/plugins.h"
 
@@ -83,7 +84,10 @@ std::string testName(const testing::TestParamInfo<tScenario>& scenario) {
 
 tLives::tLives(const tScenario& scenario)
     : scenario_(scenario),
-      control_([this] { standInForControl(); }),
+      control_([this] {
+          standInForControl();
+          standInForLibraries();
+      }),
       books_([this] { keepLedger(ledger_); }),
       faults_(ledger_) {
     if (scenario_.plugins == noSharedDirectory) world_.places.sharedDirectory.reset();
@@ -150,6 +154,26 @@ void tLives::standInForControl() {
             if (imports::WaitForSingleObject.real(event, 0) == WAIT_OBJECT_0) break;
         }
         return WAIT_OBJECT_0;
+    });
+}
+
+/// Lets every life load shell32 as its first call does, and a machine without the framework know no search flags.
+void tLives::standInForLibraries() {
+    imports::GetModuleHandleW.replace([](LPCWSTR name) -> HMODULE {
+        const bool shell = name != nullptr && std::wstring_view(name).ends_with(L"shell32.dll");
+        return shell ? nullptr : imports::GetModuleHandleW.real(name);
+    });
+    imports::LoadLibraryExW.replace([](LPCWSTR path, HANDLE file, DWORD flags) -> HMODULE {
+        if (!std::wstring_view(path).ends_with(L"zusysapi.dll")) return imports::LoadLibraryExW.real(path, file, flags);
+        imports::SetLastError.real(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    });
+    imports::LoadLibraryExA.replace([this, inner = imports::LoadLibraryExA.current()](auto name, auto... more) {
+        const HMODULE module = inner(name, more...);
+        const bool noFlags = module == nullptr && scenario_.deployment == tDeployment::missing &&
+                             std::string_view(name) == nZusysapi::libraryName;
+        if (noFlags) imports::SetLastError.real(ERROR_INVALID_PARAMETER);
+        return module;
     });
 }
 

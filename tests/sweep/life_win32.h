@@ -90,6 +90,7 @@ private:
     void runHost();
     void describePlugins();
     void standInForControl();
+    void standInForLibraries();
     void watch();
     void watchStatusFile();
     void lookAtStatus();
