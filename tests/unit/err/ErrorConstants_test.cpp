@@ -56,7 +56,7 @@ using tSites = std::map<std::string, std::string>;
 std::string unescaped(const std::string& literal) { return std::regex_replace(literal, std::regex(R"(\\\\)"), "\\"); }
 
 /// The raise sites in a source file: {sourceFile, LINE} or {"file", LINE}, perhaps after an error constant, and the
-/// lines that stdpath passes to its function for system errors.
+/// lines that stdpath names for its system errors.
 void addSites(const std::string& text, tSites& sites) {
     std::string sourceFile = "zutolq\\stdpath";
     forEachMatch(text, R"rx(sourceFile = "([^"]*)")rx",
@@ -66,7 +66,7 @@ void addSites(const std::string& text, tSites& sites) {
         const auto constant = constants().find(match[1]);
         sites[file + " " + match[3].str()] = constant == constants().end() ? "" : std::to_string(constant->second.code);
     });
-    forEachMatch(text, R"(raise(?:Win32|System)Error\(status, (\d+))",
+    forEachMatch(text, R"(std::int32_t \w+Line = (\d+);)",
                  [&](const std::smatch& match) { sites["zutolq\\stdpath " + match[1].str()] = ""; });
 }
 
