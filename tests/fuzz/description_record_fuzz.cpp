@@ -1,6 +1,7 @@
 // A description file of any content gives the record that its rules, written plainly, give, or the error that they
 // name; the record then is what it was.
 #include <algorithm>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -23,10 +24,10 @@ std::uint32_t expectedRequires(const std::string& value) {
     while (i < value.size() && naive::isSpace(value[i])) ++i;
     const bool negative = i < value.size() && value[i] == '-';
     if (i < value.size() && (value[i] == '-' || value[i] == '+')) ++i;
-    std::uint64_t number = 0;
+    unsigned long number = 0;  // as wide as the platform's, which decides where it overflows
     for (; i < value.size() && value[i] >= '0' && value[i] <= '9'; ++i) {
-        const auto digit = static_cast<std::uint64_t>(value[i] - '0');
-        if (number > (UINT64_MAX - digit) / 10) return UINT32_MAX;
+        const auto digit = static_cast<unsigned long>(value[i] - '0');
+        if (number > (ULONG_MAX - digit) / 10) return UINT32_MAX;
         number = number * 10 + digit;
     }
     return static_cast<std::uint32_t>(negative ? 0 - number : number);

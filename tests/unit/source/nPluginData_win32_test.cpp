@@ -17,7 +17,7 @@ namespace {
 TEST(nPluginData, RequiresTheLargestNumberWhereTheValueExceeds32Bits) {
     // A long has 32 bits here; elsewhere the low 32 of 64 remain.
     const support::tFolder folder;
-    for (const char* const value : {"4294967296", "4294967297", "18446744073709551616", "-4294967296"}) {
+    for (const char* const value : {"4294967296", "4294967297", "18446744073709551616"}) {
         tPluginDescription record;
         nPluginData::readDescription(folder.write("a.ini", std::string("[Service]\nRequires=") + value), record);
         EXPECT_EQ(record.requiresMask, 4294967295U) << value;

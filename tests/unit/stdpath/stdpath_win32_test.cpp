@@ -347,10 +347,10 @@ TEST_F(StdPathShell32, ThatCannotBeLoadedIsADescribedFailureAndIsTriedAgain) {
     zuerr::StatusRecord failed;
     nStdPath::getCommonAppDataDirectory(directory, failed);
     EXPECT_EQ(failed.code, -52006);
-    EXPECT_EQ(failed.json,
-              R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":293,)"
-              R"("component":"zuZiptraRemoteService","internal_error":{"api":"hresult","code":-2147024770},)"
-              R"("zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
+    EXPECT_STREQ(failed.json,
+                 R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":293,)"
+                 R"("component":"zuZiptraRemoteService","internal_error":{"api":"hresult","code":-2147024770},)"
+                 R"("zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
     EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX});
 
     canBeLoaded = true;
