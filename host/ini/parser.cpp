@@ -223,13 +223,15 @@ int parseStream(tDocument& document, std::FILE* file) {
     document.firstErrorLine = -1;
     tLineReader lines;
     lines.setBlock(withoutByteOrderMark(start), false);
+    bool failed = false;
     do {
         std::string& block = document.texts.emplace_back(lines.rest());
         more = more && readBlock(file, block);
-        lines.setBlock(block, !more && std::ferror(file) == 0);
+        failed = !more && std::ferror(file) != 0;
+        lines.setBlock(block, !more && !failed);
         parseBlock(document, lines);
     } while (more);
-    if (std::ferror(file) != 0) return fileNotRead;
+    if (failed) return fileNotRead;
     finish(document);
     return 0;
 }
