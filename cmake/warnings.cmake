@@ -3,7 +3,8 @@ function(zuziptra_compile target)
     target_compile_features(${target} PUBLIC cxx_std_20)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
     if(MSVC)
-        target_compile_options(${target} PRIVATE /W4 /WX /utf-8 /permissive-)
+        # 5030: it does not know [[gnu::format]], which serves the other compilers.
+        target_compile_options(${target} PRIVATE /W4 /WX /utf-8 /permissive- /wd5030)
         # Otherwise /WX makes errors of _wfopen, sscanf and _ctime64, which it considers deprecated.
         target_compile_definitions(${target} PRIVATE _CRT_SECURE_NO_WARNINGS)
     else()

@@ -1,11 +1,20 @@
 #include "source/tService.h"
 
+#include <cstddef>
+
 #include "err/Exception.h"
 #include "quarks/processAccess.h"
 
 tService* gService = nullptr;
 
 namespace {
+
+// The order of the members; how long texts and lists are is the library's business.
+static_assert(offsetof(tService, stopEvent) == 0 && offsetof(tService, pluginManager) == sizeof(tEvent));
+static_assert(offsetof(tService, allowedMask) == sizeof(tEvent) + sizeof(tPluginManager));
+static_assert(offsetof(tService, initTimeMs) == offsetof(tService, allowedMask) + 8);
+static_assert(offsetof(tService, messages) == offsetof(tService, initTimeMs) + 8);
+static_assert(sizeof(tService::allowedMask) == 4 && sizeof(tService::initTimeMs) == 8);
 
 /// Runs the body of an entry point. Returns false if a std::exception ended it: the exception goes no further, and only
 /// the trace is interested in its code.

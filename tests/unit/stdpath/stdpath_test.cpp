@@ -5,6 +5,7 @@
 #include "err/Exception.h"
 #include "stdpath/path.h"
 #include "stdpath/systemError.h"
+#include "tests/support/allocations.h"
 #include "tests/support/stdpath.h"
 
 namespace {
@@ -255,6 +256,17 @@ TEST(StdPathSystemErrorReport, GrowsWithTheSystemsText) {
     const std::string report = status.json;
     EXPECT_NE(report.find(longText), std::string::npos);
     EXPECT_TRUE(report.ends_with(R"(},"zutolq_debug":{"desc":"d"}})")) << report;
+}
+
+TEST(StdPathSystemErrorReport, EndsBeforeTheFirstMemberForWhichThereIsNoMemory) {
+    const std::string longText(600, 'x');
+    zuerr::StatusRecord status;
+    const nStdPath::tSystemError error{nStdPath::tSystemError::tKind::win32, 2, longText.c_str()};
+    EXPECT_EQ(allocations::refused(1024, [&] { nStdPath::raiseSystemError(status, 256, error, "d"); }), 1);
+    EXPECT_EQ(status.code, -52006);
+    EXPECT_STREQ(status.json, R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":256,)"
+                              R"("component":"zuZiptraRemoteService","internal_error":{"api":"win32","code":2}})")
+        << "the description would have had room";
 }
 
 TEST(StdPathSystemErrorReport, NeverReplacesAnEarlierError) {
