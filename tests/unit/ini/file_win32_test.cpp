@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/failingNew.h"
+#include "tests/support/allocations.h"
 #include "tests/support/imports_win32.h"
 #include "tests/support/iniFile.h"
 
@@ -155,9 +155,9 @@ TEST_F(IniFileWin32, TheFileIsClosedWhenMemoryRunsOut) {
             ++closed;
             return imports::fclose.real(file);
         });
-        failingNew::start(nth, failingNew::tHowLong::once);
+        allocations::startFailingNew(nth, allocations::tHowLong::once);
         result = parseFile(document_, path.c_str());
-        failingNew::stop();
+        allocations::stopFailingNew();
         imports::ImportBase::restoreAll();
         EXPECT_EQ(closed, 1);
     }

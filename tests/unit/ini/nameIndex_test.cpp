@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/failingNew.h"
+#include "tests/support/allocations.h"
 
 namespace {
 
@@ -131,13 +131,13 @@ bool findsAllWhileGrowing(const std::vector<tRecord>& records) {
 
 TEST(NameIndex, FindsTheSameWhicheverAllocationFails) {
     const std::vector<tRecord> records = numbered(300);
-    for (const auto howLong : {failingNew::tHowLong::once, failingNew::tHowLong::forEver}) {
+    for (const auto howLong : {allocations::tHowLong::once, allocations::tHowLong::forEver}) {
         int failures = 0;
         // The first allocation is the test's own.
         for (int nth = 2;; ++nth) {
-            failingNew::start(nth, howLong);
+            allocations::startFailingNew(nth, howLong);
             const bool right = findsAllWhileGrowing(records);
-            const bool failed = failingNew::stop();
+            const bool failed = allocations::stopFailingNew();
             EXPECT_TRUE(right) << nth;
             if (!failed) break;
             ++failures;
@@ -199,13 +199,13 @@ TEST(RemoveRepeated, WithoutMemoryNothingIsChanged) {
     for (int nth = 1;; ++nth) {
         std::vector<tRecord> changed = records;
         bool thrown = false;
-        failingNew::start(nth, failingNew::tHowLong::once);
+        allocations::startFailingNew(nth, allocations::tHowLong::once);
         try {
             removeRepeated(changed, false, [](tRecord&, const tRecord&) {});
         } catch (const std::bad_alloc&) {
             thrown = true;
         }
-        const bool failed = failingNew::stop();
+        const bool failed = allocations::stopFailingNew();
         EXPECT_EQ(thrown, failed) << nth;
         EXPECT_EQ(changed.size(), failed ? 1000U : 100U) << nth;
         EXPECT_EQ(changed.back().name, "99") << nth;

@@ -3,12 +3,12 @@
 
 #include <string>
 
-#include "tests/support/failingNew.h"
+#include "tests/support/allocations.h"
 #include "tests/support/iniFile.h"
 
 namespace {
 
-using failingNew::tHowLong;
+using allocations::tHowLong;
 
 /// A text for which every allocation of the parser is needed: indexed lists, lines that reach over several chunks,
 /// joined keys.
@@ -34,9 +34,9 @@ void expectRightResultOrOutOfMemory(tHowLong howLong) {
     int failures = 0;
     for (int nth = 1;; ++nth) {
         nIni::tDocument document;
-        failingNew::start(nth, howLong);
+        allocations::startFailingNew(nth, howLong);
         const int result = parseFile(document, path.c_str());
-        const bool failed = failingNew::stop();
+        const bool failed = allocations::stopFailingNew();
         if (result == 0) {
             EXPECT_EQ(describe(document), expected) << nth;
         } else {
@@ -65,9 +65,9 @@ TEST(IniMemory, KeysThatCannotBeJoinedGiveMinus12) {
     int result = -12;
     for (int nth = 1; result == -12; ++nth) {
         nIni::tDocument document;
-        failingNew::start(nth, tHowLong::once);
+        allocations::startFailingNew(nth, tHowLong::once);
         result = parseFile(document, path.c_str());
-        failingNew::stop();
+        allocations::stopFailingNew();
         if (result == -12 && describe(document) == "[s]@1\nT Line1=short@2\nT Line2=" + second + "@3\n") {
             metAllKeysBeforeTheJoin = true;
         }
@@ -77,9 +77,9 @@ TEST(IniMemory, KeysThatCannotBeJoinedGiveMinus12) {
 }
 
 TEST(IniMemory, NoDocumentIsMadeWithoutMemory) {
-    failingNew::start(1, tHowLong::once);
+    allocations::startFailingNew(1, tHowLong::once);
     const nIni::tDocumentPointer document(nIni::create());
-    EXPECT_TRUE(failingNew::stop());
+    EXPECT_TRUE(allocations::stopFailingNew());
     EXPECT_EQ(document, nullptr);
 }
 

@@ -31,7 +31,7 @@ private:
 
 using tAnyHolder = nDeployment::tHolder<nZusysapi::Object>;
 
-TEST(DeploymentHolder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
+TEST(DeploymentHolder, ReferencesAnAssignedObjectAndReleasesItOnDestruction) {
     tFacet object;
     {
         tAnyHolder holder;
@@ -43,7 +43,7 @@ TEST(DeploymentHolder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
     EXPECT_EQ(object.references, 0U);
 }
 
-TEST(DeploymentHolder, ReleasesTheObjectThatItHeldBefore) {
+TEST(DeploymentHolder, ReleasesTheEarlierObjectWhenAnotherIsAssigned) {
     tFacet earlier;
     tFacet later;
     tAnyHolder holder;
@@ -54,7 +54,7 @@ TEST(DeploymentHolder, ReleasesTheObjectThatItHeldBefore) {
     EXPECT_EQ(later.references, 1U);
 }
 
-TEST(DeploymentHolder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
+TEST(DeploymentHolder, KeepsItsReferenceWhenAssignedAnotherOneToTheSameObject) {
     tFacet object;
     tFacet otherReference(&object);
     tAnyHolder holder;
@@ -64,30 +64,20 @@ TEST(DeploymentHolder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
     EXPECT_EQ(object.references, 1U);
 }
 
-TEST(DeploymentHolder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdentity) {
-    for (const Result refusal : {-1, 1}) {
-        tFacet object;
+TEST(DeploymentHolder, DistinguishesObjectsByTheirReferencesWhenOneHidesItsIdentity) {
+    for (const Result result : {0, -1, 1}) {
+        tFacet hiding;
         tFacet other;
-        object.result = refusal;
-        other.result = refusal;
-        EXPECT_TRUE(nDeployment::isSameObject(object, object));
-        EXPECT_FALSE(nDeployment::isSameObject(object, other));
-        EXPECT_EQ(object.references, 0U);
-        EXPECT_EQ(other.references, 0U);
+        hiding.result = -1;
+        other.result = result;
+        EXPECT_TRUE(nDeployment::isSameObject(other, other));
+        EXPECT_FALSE(nDeployment::isSameObject(hiding, other));
+        EXPECT_FALSE(nDeployment::isSameObject(other, hiding));
+        EXPECT_EQ(hiding.references + other.references, 0U);
     }
 }
 
-TEST(DeploymentHolder, TellsObjectsApartByTheirReferencesWhenOneOfThemHidesItsIdentity) {
-    tFacet open;
-    tFacet hiding;
-    hiding.result = -1;
-    EXPECT_FALSE(nDeployment::isSameObject(open, hiding));
-    EXPECT_FALSE(nDeployment::isSameObject(hiding, open));
-    EXPECT_EQ(open.references, 0U);
-    EXPECT_EQ(hiding.references, 0U);
-}
-
-TEST(DeploymentHolder, KeepsWhatItHeldWhenACallFails) {
+TEST(DeploymentHolder, KeepsItsObjectWhenACallFails) {
     tFacet held;
     tAnyHolder holder;
     holder.assign(held);

@@ -21,9 +21,9 @@ class tPluginManagerFailures : public support::tManagerTest {};
 
 // Memory that runs out, at each request in turn.
 
-TEST_F(tPluginManagerFailures, APluginThatMemoryRunsOutForFailsAloneAndBeforeItIsInitialised) {
+TEST_F(tPluginManagerFailures, APluginWithoutMemoryFailsAloneAndBeforeItIsInitialised) {
     std::vector<tPluginDescription> descriptions = {describe("A"), describe("B")};
-    for (tPluginDescription& description : descriptions) description.name += ", and more than a small buffer holds";
+    for (tPluginDescription& description : descriptions) description.name += ", which does not fit a small buffer";
     int lost = 0;
     bool struck = true;
     for (int nth = 1; struck; ++nth) {
@@ -103,7 +103,7 @@ TEST_F(tPluginManagerFailures, AnExceptionFromInitializeFailsThePluginWithItsCod
     EXPECT_THAT(plugins_.calls, ElementsAre("call E Stop", "call E Cleanup", "unload E"));
 }
 
-TEST_F(tPluginManagerFailures, AnExceptionThatCarriesNoErrorFailsThePluginAllTheSame) {
+TEST_F(tPluginManagerFailures, AnExceptionWithoutAnErrorStillFailsThePlugin) {
     plugins_.plugin("A").initialize = []() -> std::int32_t { throw zuerr::Exception(); };
     start({describe("A"), describe("B", {"A"})});
     EXPECT_THAT(initCodes(), ElementsAre(0, -52006));
@@ -115,7 +115,7 @@ TEST_F(tPluginManagerFailures, AnExceptionOfUnknownTypeIsPassedOn) {
     EXPECT_THROW(start({describe("A")}), int);
 }
 
-/// Notes when it is destroyed.
+/// Records its destruction.
 class WatchedException : public std::exception {
 public:
     explicit WatchedException(std::vector<std::string>& calls) : calls_(calls) {}
@@ -126,7 +126,7 @@ private:
     std::vector<std::string>& calls_;
 };
 
-TEST_F(tPluginManagerFailures, AnExceptionIsGoneBeforeTheLibraryThatThrewItIsUnloaded) {
+TEST_F(tPluginManagerFailures, AnExceptionIsDestroyedBeforeTheLibraryThatThrewItIsUnloaded) {
     plugins_.plugin("A").initialize = [&]() -> std::int32_t { throw WatchedException(plugins_.calls); };
     start({describe("A")});
     EXPECT_THAT(plugins_.calls, ElementsAre("load A", "symbol A Init", "symbol A Stop", "symbol A Cleanup",

@@ -2,11 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
-#include "err/Exception.h"
 #include "source/tPluginManager.h"
 #include "tests/support/plugins.h"
 
@@ -36,16 +33,6 @@ tPluginEntry live(const tPluginDescription& description) {
 
 class tPluginManagerLibraries : public testing::Test {
 protected:
-    /// What a clean-up that threw has left to do.
-    static void unload(tPluginEntry entry) { entry.library.close(); }
-
-    /// The same for a library whose entry is lost: finds it by loading it again.
-    static void unloadOnceMore(const char* name) {
-        std::uint32_t osError = 0;
-        const nLibrary::tHandle library = nLibrary::load(support::pluginPath(name).c_str(), osError);
-        EXPECT_TRUE(nLibrary::unload(library, osError) && nLibrary::unload(library, osError));
-    }
-
     support::tPluginLog log_;
 };
 
@@ -58,131 +45,16 @@ TEST_F(tPluginManagerLibraries, AWellBehavedPluginLivesItsLife) {
                                           "behaviours CleanupOk", "behaviours unloads"));
 }
 
-TEST_F(tPluginManagerLibraries, AWarningIsKept) { EXPECT_EQ(live(behaviours("InitWarning3")).initCode, 3); }
-
-TEST_F(tPluginManagerLibraries, AFailingPluginIsUnloadedAtOnce) {
-    const tPluginEntry entry = live(behaviours("InitFails7"));
-    EXPECT_EQ(entry.initCode, -7);
-    EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitFails7", "behaviours unloads"));
-}
-
 TEST_F(tPluginManagerLibraries, WhatStopAndCleanupReturnIsIgnored) {
     const tPluginEntry entry = live(behaviours("InitOk", "StopReturnsMinus9", "CleanupReturnsMinus9"));
     EXPECT_EQ(entry.stopCode, 0);
     EXPECT_EQ(entry.cleanupCode, 0);
 }
 
-TEST_F(tPluginManagerLibraries, AMissingEntryFailsThePluginAndUnloadsIt) {
-    EXPECT_EQ(live(behaviours("InitOk", "NoSuchEntry")).initCode, -52005);
-    EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours unloads"));
-}
-
-TEST_F(tPluginManagerLibraries, ALibraryThatRefusesToLoadFailsThePlugin) {
-    tPluginDescription description;
-    description.path = support::pluginPath("refusing");
-    EXPECT_EQ(live(description).initCode, -52005);
-}
-
-TEST_F(tPluginManagerLibraries, AMissingFileFailsThePlugin) {
-    tPluginDescription description;
-    description.path = support::pluginPath("no such library");
-    EXPECT_EQ(live(description).initCode, -52005);
-}
-
-TEST_F(tPluginManagerLibraries, AnExceptionOfThePluginsRuntimeIsKnownInOurs) {
-    EXPECT_EQ(live(behaviours("InitThrowsRuntimeError")).initCode, -52003);
-    EXPECT_EQ(live(behaviours("InitThrowsBadAlloc")).initCode, -52000);
-    EXPECT_EQ(live(behaviours("InitThrowsOwnException")).initCode, -52003);
-    EXPECT_EQ(live(behaviours("InitOk", "StopThrowsRuntimeError")).stopCode, -52003);
-    EXPECT_EQ(live(behaviours("InitOk", "StopThrowsBadAlloc")).stopCode, -52000);
-    EXPECT_EQ(live(behaviours("InitOk", "StopThrowsOwnException")).stopCode, -52003);
-}
-
 TEST_F(tPluginManagerLibraries, AnExceptionIsDestroyedByItsLibraryBeforeThatIsUnloaded) {
     live(behaviours("InitThrowsOwnException"));
     EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitThrowsOwnException",
                                           "behaviours destroys its exception", "behaviours unloads"));
-}
-
-TEST_F(tPluginManagerLibraries, AnExceptionFromStopDoesNotKeepThePluginFromItsCleanUp) {
-    live(behaviours("InitOk", "StopThrowsOwnException"));
-    EXPECT_THAT(log_.lines(),
-                ElementsAre("behaviours loads", "behaviours InitOk", "behaviours StopThrowsOwnException",
-                            "behaviours destroys its exception", "behaviours CleanupOk", "behaviours unloads"));
-}
-
-TEST_F(tPluginManagerLibraries, AnExceptionFromCleanupLeavesItsLibraryLoaded) {
-    for (const char* const cleanup : {"CleanupThrowsRuntimeError", "CleanupThrowsOwnException"}) {
-        const tPluginEntry entry = live(behaviours("InitOk", "StopOk", cleanup));
-        EXPECT_EQ(entry.cleanupCode, -52003);
-        EXPECT_EQ(entry.library.loaded, 1);
-        unload(entry);
-    }
-    const tPluginEntry entry = live(behaviours("InitOk", "StopOk", "CleanupThrowsBadAlloc"));
-    EXPECT_EQ(entry.cleanupCode, -52000);
-    EXPECT_EQ(entry.library.loaded, 1);
-    unload(entry);
-}
-
-TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromInitializeIsPassedOnWithTheLibraryLoaded) {
-    // The exception is caught outside of the product, so the test has to book it.
-    const zuerr::ForeignCallGuard guard;
-    tPluginManager manager;
-    EXPECT_THROW(manager.startAll({behaviours("InitThrowsInt")}, 1), int);
-    EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitThrowsInt"));
-    unloadOnceMore("behaviours");
-}
-
-TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromStopOrCleanupIsPassedOn) {
-    const zuerr::ForeignCallGuard guard;
-    tPluginManager manager;
-    manager.startAll({behaviours("InitOk", "StopThrowsInt", "CleanupThrowsInt")}, 1);
-    EXPECT_THROW(manager.stopAll(), int);
-    EXPECT_THROW(manager.cleanupAll(), int);
-    unload(manager.entries().at(0));
-}
-
-TEST_F(tPluginManagerLibraries, HundredsOfExceptionsFromPluginsDoNotBlurWhetherOneIsPropagating) {
-    constexpr int rounds = 100;
-    for (int round = 0; round < rounds; ++round) {
-        live(behaviours("InitThrowsOwnException"));
-        unload(live(behaviours("InitOk", "StopThrowsRuntimeError", "CleanupThrowsBadAlloc")));
-    }
-    EXPECT_FALSE(zuerr::ExceptionIsPropagating());
-    EXPECT_EQ(live(behaviours("NoSuchEntry")).initCode, -52005) << "a failure must still be thrown";
-
-    struct CleanUp {
-        ~CleanUp() { EXPECT_TRUE(zuerr::ExceptionIsPropagating()) << "a failure must not be thrown now"; }
-    };
-    EXPECT_THROW(
-        {
-            const CleanUp cleanUp;
-            throw std::runtime_error("propagating");
-        },
-        std::runtime_error);
-}
-
-TEST_F(tPluginManagerLibraries, OnePluginsExceptionLeavesTheOthersAlone) {
-    tPluginDescription first = behaviours("InitOk");
-    first.name = "first";
-    tPluginDescription second = behaviours("InitThrowsOwnException");
-    second.name = "second";
-    tPluginDescription third = behaviours("InitOk", "StopThrowsOwnException");
-    third.name = "third";
-    third.dependencies = {"first"};
-    tPluginDescription fourth = behaviours("InitOk");
-    fourth.dependencies = {"second"};
-    tPluginManager manager;
-    manager.startAll({first, second, third, fourth}, 1);
-    manager.stopAll();
-    manager.cleanupAll();
-    EXPECT_EQ(manager.entries()[0].initCode, 0);
-    EXPECT_EQ(manager.entries()[1].initCode, -52003);
-    EXPECT_EQ(manager.entries()[2].initCode, 0);
-    EXPECT_EQ(manager.entries()[2].stopCode, -52003);
-    EXPECT_EQ(manager.entries()[3].initCode, -52006);
-    EXPECT_THAT(log_.lines(), testing::Contains("behaviours unloads").Times(1))
-        << "one library, unloaded with its last";
 }
 
 TEST_F(tPluginManagerLibraries, APathMayHoldAnyName) {

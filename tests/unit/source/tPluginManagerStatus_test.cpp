@@ -6,7 +6,7 @@
 #include <string>
 
 #include "source/tPluginManager.h"
-#include "tests/support/failingNew.h"
+#include "tests/support/allocations.h"
 #include "tests/support/fakeClock.h"
 #include "tests/support/loader.h"
 
@@ -220,13 +220,13 @@ TEST_F(tPluginManagerStatus, IsWholeOrNotAtAllWhereverMemoryRunsOut) {
     bool failed = true;
     for (int nth = 1; failed; ++nth) {
         std::string text = "not at all";
-        failingNew::start(nth, failingNew::tHowLong::once);
+        allocations::startFailingNew(nth, allocations::tHowLong::once);
         try {
             text = manager_.statusText();
         } catch (const std::bad_alloc&) {
             // No text, then.
         }
-        failed = failingNew::stop();
+        failed = allocations::stopFailingNew();
         EXPECT_EQ(text, failed ? "not at all" : whole) << nth;
     }
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "source/nPluginData.h"
+#include "tests/support/allocations.h"
 #include "tests/support/callingPlugin.h"
-#include "tests/support/failingNew.h"
 #include "tests/support/framework.h"
 #include "tests/support/plugins.h"
 #include "tests/support/serviceWorld.h"
@@ -87,9 +87,9 @@ TEST_F(ServiceRun, GivesUpAtOnceWithAMessageWhenTheSharedDirectoryIsNotKnown) {
 
 TEST_F(ServiceRun, ALackOfMemoryDuringTheListingEndsTheRunWithoutAMessage) {
     world.removeStatus();
-    failingNew::start(1, failingNew::tHowLong::once);
+    allocations::startFailingNew(1, allocations::tHowLong::once);
     runService();
-    EXPECT_TRUE(failingNew::stop());
+    EXPECT_TRUE(allocations::stopFailingNew());
     EXPECT_EQ(gService->messages, "");
     EXPECT_EQ(gService->initTimeMs, 0U);
     EXPECT_EQ(world.status(), "no status file");
@@ -150,12 +150,12 @@ int placesToFailIn(const std::string& file) {
     bool failed = true;
     for (int nth = 1; failed; ++nth) {
         tPluginDescription description;
-        failingNew::start(nth, failingNew::tHowLong::once);
+        allocations::startFailingNew(nth, allocations::tHowLong::once);
         try {
             nPluginData::readDescription(file, description);
-            failed = failingNew::stop();
+            failed = allocations::stopFailingNew();
         } catch (const std::exception&) {
-            failed = failingNew::stop();
+            failed = allocations::stopFailingNew();
             ++places;
         }
     }
@@ -170,9 +170,9 @@ TEST_F(ServiceRun, ALackOfMemoryWhileReadingAFileCostsThatFileAlone) {
     for (int nth = 1; failed; ++nth) {
         startService();
         signalServiceStop();
-        failingNew::start(nth, failingNew::tHowLong::once);
+        allocations::startFailingNew(nth, allocations::tHowLong::once);
         runService();
-        failed = failingNew::stop();
+        failed = allocations::stopFailingNew();
         if (gService->messages != messages) continue;
         EXPECT_THAT(names(), IsEmpty());
         ++filesLost;
