@@ -38,17 +38,59 @@ tText textOfKeys(std::int64_t count) {
     return std::make_shared<const std::string>(std::move(text));
 }
 
-/// That many keys, tried in the order of their numbers, of which one in 64 is taken. Crowding: those that the parser's
-/// table would put into a 64th of its room. Otherwise: every 64th.
-tText textOfTriedKeys(std::int64_t count, bool crowding) {
+using tNames = std::vector<std::string>;
+
+/// That many names, tried in the order of their numbers, of which one in 64 is taken. Hostile: those that a table would
+/// put into a 64th of its slots if its key were zero. Otherwise: every 64th.
+tNames shortNames(std::int64_t count, bool hostile) {
     constexpr std::uint64_t parts = 64;
-    std::string text = "[Service]\n";
+    tNames names;
     for (std::uint64_t number = 0; count > 0; ++number) {
-        const std::string name = "Setting" + std::to_string(number);
+        std::string name = "Setting" + std::to_string(number);
         const std::uint64_t hash = nIni::hashName(name, false, 0) & UINT32_MAX;
-        if (crowding ? hash * parts >> 32U != 0 : number % parts != 0) continue;
-        text.append(name) += "=value\n";
+        if (hostile ? hash * parts >> 32U != 0 : number % parts != 0) continue;
+        names.push_back(std::move(name));
         --count;
+    }
+    return names;
+}
+
+/// Returns a long name that a hash which multiplies words by odd constants cannot tell from those of other numbers: of
+/// each pair of words, it flips the top bits together.
+std::string hostileName(std::size_t number) {
+    std::string name(16384, 'a');
+    for (std::size_t bit = 0; bit < 10; ++bit) {
+        std::string group(16, 'b');
+        if ((number >> bit & 1U) != 0) {
+            for (const std::size_t position : {7U, 11U, 15U}) group[position] = static_cast<char>('b' | 0x80);
+        }
+        name += group;
+    }
+    return name;
+}
+
+/// That many short names and 1,000 long ones, hostile or of random letters.
+tNames longNames(std::int64_t count, bool hostile) {
+    tNames names = shortNames(count, false);
+    std::mt19937 random(1);
+    for (std::size_t number = 0; number < 1000; ++number) {
+        std::string name = hostileName(number);
+        if (!hostile) {
+            for (char& c : name) c = static_cast<char>('a' + random() % 26);
+        }
+        names.push_back(std::move(name));
+    }
+    return names;
+}
+
+tText textOf(const tNames& names, bool asSections) {
+    std::string text = asSections ? "" : "[Service]\n";
+    for (const std::string& name : names) {
+        if (asSections) {
+            text.append("[").append(name) += "]\n";
+        } else {
+            text.append(name) += "=value\n";
+        }
     }
     return std::make_shared<const std::string>(std::move(text));
 }
@@ -213,11 +255,32 @@ nBench::tPair sectionsAgainstATenth(std::int64_t count) {
     return {[many] { parse(*many); }, [few] { parse(*few); }};
 }
 
-nBench::tPair collidingAgainstOthers(std::int64_t count) {
-    const tText colliding = textOfTriedKeys(count, true);
-    const tText others = textOfTriedKeys(count, false);
-    demand(readKeys(*colliding).size() == readKeys(*others).size(), "keys are lost");
-    return {[colliding] { parse(*colliding); }, [others] { parse(*others); }};
+nBench::tPair hostileAgainstHarmless(const tNames& hostileNames, const tNames& harmlessNames, bool asSections) {
+    const tText hostile = textOf(hostileNames, asSections);
+    const tText harmless = textOf(harmlessNames, asSections);
+    demand(hostile->size() <= harmless->size() + harmless->size() / 100, "the twin is smaller");
+    for (const tText& text : {hostile, harmless}) {
+        const std::size_t count = asSections ? countSections(*text) : readKeys(*text).size();
+        demand(count == harmlessNames.size(), "names are lost");
+    }
+    return {[hostile] { parse(*hostile); }, [harmless] { parse(*harmless); }};
+}
+
+void addHostileRows() {
+    const std::int64_t scale = nBench::quick() ? 100 : 1;
+    for (const bool asSections : {false, true}) {
+        const std::string kind = asSections ? "sections" : "keys";
+        const std::int64_t shortCount = (asSections ? 100'000 : 1'000'000) / scale;
+        nBench::addRow({"ini/hostile-short-" + kind, "", shortCount, [=] {
+                            return hostileAgainstHarmless(shortNames(shortCount, true), shortNames(shortCount, false),
+                                                          asSections);
+                        }});
+        const std::int64_t longCount = 200'000 / scale;
+        nBench::addRow({"ini/hostile-long-" + kind, "", longCount, [=] {
+                            return hostileAgainstHarmless(longNames(longCount, true), longNames(longCount, false),
+                                                          asSections);
+                        }});
+    }
 }
 
 /// The rows that cost against size is drawn from, from a hundredth of the judged size on.
@@ -245,5 +308,5 @@ void addIniRows() {
     const std::int64_t size = nBench::quick() ? 10'000 : 1'000'000;
     nBench::addRow({"ini/ten-times-the-keys", "", size, [size] { return keysAgainstATenth(size); }});
     nBench::addRow({"ini/ten-times-the-sections", "", size / 10, [size] { return sectionsAgainstATenth(size / 10); }});
-    nBench::addRow({"ini/colliding", "", size, [size] { return collidingAgainstOthers(size); }});
+    addHostileRows();
 }
