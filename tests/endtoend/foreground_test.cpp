@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "tests/endtoend/harness/accessList.h"
 #include "tests/endtoend/harness/stage.h"
 
 namespace endtoend {
@@ -62,18 +61,6 @@ TEST_F(Foreground, CtrlCDuringTheStartOfAPluginWaitsForAllPluginsToStart) {
     EXPECT_EQ(calls(), "A loads\nA InitWaits\nB loads\nB InitOk\nB StopOk\nA StopOk\nB unloads\nA unloads\n");
 }
 
-TEST_F(Foreground, CtrlCBeforeTheWaitEndsItAtOnce) {
-    scriptSystemCalls();
-    addPlugin("A", {.cleanup = "CleanupOk"});
-    const tGate gate = holdStatusWrite(3);
-    start();
-    gate.waitUntilHeld();
-    interruptForSure();
-    gate.open();
-    process().exitCode();
-    EXPECT_EQ(calls(), "A loads\nA InitOk\nA CleanupOk\nA unloads\n");
-}
-
 TEST_F(Foreground, FurtherCtrlCsDuringTheStopChangeNothing) {
     scriptSystemCalls();
     addPlugin("A", {.stop = "StopWaits", .cleanup = "CleanupOk"});
@@ -97,12 +84,6 @@ TEST_F(Foreground, ExitsWithTheLastErrorAfterTheStop) {
     waitFor("the plug-in", [&] { return calls() == "A loads\nA InitOk\n"; });
     process().interrupt();
     EXPECT_EQ(process().exitCode(), DWORD{ERROR_PATH_NOT_FOUND});
-}
-
-TEST_F(Foreground, EveryoneMayQueryTheProcessAndNothingElse) {
-    addPlugin("A");
-    startPlugins();
-    EXPECT_EQ(accessList(process().handle()), everyoneMayQuery);
 }
 
 }  // namespace

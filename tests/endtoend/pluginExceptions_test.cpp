@@ -5,30 +5,14 @@
 namespace endtoend {
 namespace {
 
-/// The test plug-ins have a C++ runtime of their own.
-class PluginExceptions : public EndToEnd {};
-
-TEST_F(PluginExceptions, FromAnyEntryBecomeCodesAndTheOtherPluginsLive) {
-    addPlugin("A", {.initialize = "InitThrowsOwnException"});
-    addPlugin("B", {.stop = "StopThrowsRuntimeError"});
-    addPlugin("C", {.cleanup = "CleanupThrowsBadAlloc"});
-    addPlugin("Z", {.stop = "StopOk", .cleanup = "CleanupOk"});
-    const tStatusFile status = runThrough();
-    EXPECT_EQ(status.plugin("A").code("InitThrowsOwnException"), -52003);
-    EXPECT_EQ(status.plugin("B").code("StopThrowsRuntimeError"), -52003);
-    EXPECT_EQ(status.plugin("C").code("CleanupThrowsBadAlloc"), -52000);
-    EXPECT_THAT(calls(), testing::HasSubstr("Z StopOk\n"));
-    EXPECT_THAT(calls(), testing::HasSubstr("Z CleanupOk\nZ unloads\n"));
-}
-
-/// What no handler of the host catches ends the process: C++ exceptions that are not derived from std::exception, and
-/// structured exceptions, whose code becomes the exit code.
+/// An exception that no handler of the host catches ends the process: a C++ exception that is not derived from
+/// std::exception, or a structured exception, whose code becomes the exit code.
 struct tFatal {
     const char* initialize;
     const char* stop;
     const char* cleanup;
     const wchar_t* library;
-    DWORD exitCode;  ///< 0: any but this
+    DWORD exitCode;  ///< 0: any code except 0
 };
 
 class FatalException : public EndToEnd, public testing::WithParamInterface<tFatal> {
@@ -60,11 +44,11 @@ TEST_P(FatalException, FromInitializeEndsTheProcessAndLeavesTheStatusFileOfThePr
     EXPECT_EQ(tStatusFile::read().allowed, "0xffffffff");
 }
 
-TEST_P(FatalException, FromStopEndsTheProcessAndLosesNothingOfTheStatusFile) {
+TEST_P(FatalException, FromStopEndsTheProcessAndLeavesTheStatusFile) {
     expectDeathWhenStopped({.initialize = "", .stop = GetParam().stop, .library = GetParam().library});
 }
 
-TEST_P(FatalException, FromCleanupEndsTheProcessAndLosesNothingOfTheStatusFile) {
+TEST_P(FatalException, FromCleanupEndsTheProcessAndLeavesTheStatusFile) {
     expectDeathWhenStopped({.initialize = "", .cleanup = GetParam().cleanup, .library = GetParam().library});
 }
 

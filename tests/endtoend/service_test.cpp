@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "tests/endtoend/harness/accessList.h"
 #include "tests/endtoend/harness/stage.h"
 
 namespace endtoend {
@@ -47,22 +46,6 @@ TEST_F(Service, ReportsEachStepOfAStopToTheManager) {
     EXPECT_EQ(service.waitForEnd(), stopped);
 }
 
-TEST_F(Service, IsNotAskedToStopTwice) {
-    addPlugin("A", {.stop = "StopWaits", .cleanup = "CleanupThrowsRuntimeError"});
-    const tGate plugin = holdPlugin("A");
-    tInstalledService service(executable());
-    service.start();
-    service.waitForState(SERVICE_RUNNING);
-
-    EXPECT_EQ(service.control(SERVICE_CONTROL_STOP), 0u);
-    plugin.waitUntilHeld();
-    EXPECT_EQ(service.control(SERVICE_CONTROL_STOP), DWORD{ERROR_SERVICE_CANNOT_ACCEPT_CTRL});
-    EXPECT_EQ(service.status(), stopRequested);
-    plugin.open();
-    EXPECT_EQ(service.waitForEnd(), stopped);
-    EXPECT_EQ(tStatusFile::read().plugin("A").code("CleanupThrowsRuntimeError"), -52003);
-}
-
 TEST_F(Service, AStopDuringTheStartOfAPluginWaitsForAllPluginsToStart) {
     addPlugin("A", {.initialize = "InitWaits"});
     addPlugin("B", {.initialize = "InitWarning3", .cleanup = "CleanupThrowsRuntimeError"});
@@ -82,25 +65,6 @@ TEST_F(Service, AStopDuringTheStartOfAPluginWaitsForAllPluginsToStart) {
     EXPECT_EQ(status.plugin("B").code("CleanupThrowsRuntimeError"), -52003);
 }
 
-TEST_F(Service, OtherControlsAreRefusedByTheManagerOrChangeNothing) {
-    tInstalledService service(executable());
-    service.start();
-    service.waitForState(SERVICE_RUNNING);
-    const DWORD refused = ERROR_INVALID_SERVICE_CONTROL;
-    const std::pair<DWORD, DWORD> answers[] = {{SERVICE_CONTROL_INTERROGATE, 0},
-                                               {SERVICE_CONTROL_PAUSE, refused},
-                                               {SERVICE_CONTROL_CONTINUE, refused},
-                                               {SERVICE_CONTROL_PARAMCHANGE, refused},
-                                               {SERVICE_CONTROL_NETBINDADD, refused},
-                                               {128, 0},
-                                               {255, 0}};
-    for (const auto& [code, answer] : answers) {
-        EXPECT_EQ(service.control(code), answer) << "control " << code;
-        EXPECT_EQ(service.status(), running) << "control " << code;
-    }
-    EXPECT_EQ(service.stop(), stopped);
-}
-
 TEST_F(Service, StopsByItselfWithoutAPluginDirectory) {
     std::filesystem::remove(descriptions());
     tInstalledService service(executable());
@@ -116,43 +80,6 @@ TEST_F(Service, AFailedStartIsReportedWithItsCode) {
     service.startBrief();
     EXPECT_EQ(service.waitForEnd(), startFailed);
     EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
-}
-
-TEST_F(Service, StartsAgainAfterAStop) {
-    addPlugin("A");
-    tInstalledService service(executable());
-    for (int life = 1; life <= 2; ++life) {
-        tStatusWrites writes;
-        service.start();
-        EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running) << "life " << life;
-        writes.waitFor(3);
-        EXPECT_EQ(tStatusFile::read().names(), "A") << "life " << life;
-        EXPECT_EQ(service.stop(), stopped) << "life " << life;
-    }
-}
-
-TEST_F(Service, RunsInAProcessThatEveryoneMayQueryAndThatExitsWithZero) {
-    tInstalledService service(executable());
-    service.start();
-    service.waitForState(SERVICE_RUNNING);
-    {
-        const tHandle process(OpenProcess(READ_CONTROL, FALSE, service.processId()));
-        ASSERT_TRUE(process);
-        EXPECT_EQ(accessList(process.get()), everyoneMayQuery);
-    }
-    const tHandle process = openDespiteAccessList(service.processId(), PROCESS_QUERY_INFORMATION);
-    ASSERT_TRUE(process);
-    service.stop();
-    DWORD exitCode = STILL_ACTIVE;
-    EXPECT_TRUE(GetExitCodeProcess(process.get(), &exitCode));
-    EXPECT_EQ(exitCode, 0u);
-}
-
-TEST_F(Service, IgnoresTheArgumentsOfItsCommandLine) {
-    tInstalledService service(executable(), L"x --help");
-    service.start();
-    EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);
-    EXPECT_EQ(service.stop(), stopped);
 }
 
 }  // namespace

@@ -19,9 +19,9 @@ void removeIfEmpty(const wchar_t* path) {
 
 }  // namespace
 
-void setSharedDirectory(std::wstring_view text, DWORD type) {
+void setSharedDirectory(std::wstring_view text) {
     const std::wstring terminated(text);
-    const LSTATUS error = RegSetKeyValueW(HKEY_LOCAL_MACHINE, keyPath, valueName, type, terminated.c_str(),
+    const LSTATUS error = RegSetKeyValueW(HKEY_LOCAL_MACHINE, keyPath, valueName, REG_SZ, terminated.c_str(),
                                           static_cast<DWORD>((terminated.size() + 1) * sizeof(wchar_t)));
     if (error != ERROR_SUCCESS) failed("RegSetKeyValueW", static_cast<DWORD>(error));
 }

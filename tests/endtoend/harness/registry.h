@@ -8,7 +8,7 @@
 namespace endtoend::registry {
 
 /// Stores the text with a terminating zero.
-void setSharedDirectory(std::wstring_view text, DWORD type = REG_SZ);
+void setSharedDirectory(std::wstring_view text);
 
 /// Restores a machine on which the maker's software was never installed.
 void removeKey();

@@ -30,8 +30,8 @@ void PrintTo(const tServiceStatus& status, std::ostream* stream) {
             << status.checkpoint << ", wait hint " << status.waitHint << "}";
 }
 
-tInstalledService::tInstalledService(const tPath& executable, const std::wstring& arguments) : manager_(openManager()) {
-    const std::wstring commandLine = L'"' + executable.native() + L"\" " + arguments;
+tInstalledService::tInstalledService(const tPath& executable) : manager_(openManager()) {
+    const std::wstring commandLine = L'"' + executable.native() + L'"';
     service_.reset(CreateServiceW(manager_.get(), productService, productService, SERVICE_ALL_ACCESS,
                                   SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
                                   commandLine.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));

@@ -32,7 +32,7 @@ inline constexpr const wchar_t* productService = L"zuZiptraRemoteService";
 /// Registers the product with the service control manager for the lifetime of the object, and stops it on destruction.
 class tInstalledService {
 public:
-    explicit tInstalledService(const tPath& executable, const std::wstring& arguments = {});
+    explicit tInstalledService(const tPath& executable);
     ~tInstalledService();
     tInstalledService(const tInstalledService&) = delete;
     tInstalledService& operator=(const tInstalledService&) = delete;

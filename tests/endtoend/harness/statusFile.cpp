@@ -35,8 +35,6 @@ void add(tPluginStatus& plugin, std::string line) {
     std::smatch match;
     if (takePrefix(line, "Loaded From: ")) {
         plugin.loadedFrom = line;
-    } else if (takePrefix(line, "Requires: ")) {
-        plugin.requiresMask = line;
     } else if (std::regex_match(line, match, time)) {
         plugin.calls.push_back({match[1], static_cast<std::uint32_t>(std::stoul(match[2])), 0});
     } else if (std::regex_match(line, match, code) && !plugin.calls.empty() && plugin.calls.back().label == match[1]) {
@@ -72,9 +70,7 @@ tStatusFile tStatusFile::parse(const std::string& bytes) {
     if (!std::getline(lines, line) || line != "ZU-Ziptra Remote Configuration and Deployment status") return file;
     file.bytes = bytes;
     while (std::getline(lines, line) && !line.empty()) {
-        if (takePrefix(line, "Updated: ")) file.updated = line;
         if (takePrefix(line, "Allowed: ")) file.allowed = line;
-        if (takePrefix(line, "Init Time ")) file.initTime = static_cast<std::uint32_t>(std::stoul(line));
     }
     while (std::getline(lines, line)) {
         if (isHeading(line)) {

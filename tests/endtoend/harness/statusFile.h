@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <iosfwd>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,7 +21,6 @@ struct tPluginStatus {
     std::string name;
     std::string dependencies;
     std::string loadedFrom;
-    std::string requiresMask;
     std::vector<tCall> calls;
 
     /// The code shown for an entry point; 0 if it is not shown, which means success in no time.
@@ -32,9 +30,7 @@ struct tPluginStatus {
 /// A parsed status file. Any other text results in an empty one, so a reader may simply try again.
 struct tStatusFile {
     std::string bytes;  ///< as on the disk
-    std::string updated;
     std::string allowed;
-    std::optional<std::uint32_t> initTime;
     std::string messages;  ///< line ends as "\n"
     std::vector<tPluginStatus> plugins;
 

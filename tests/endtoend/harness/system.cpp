@@ -2,11 +2,9 @@
 
 // windows.h first: the others need its types.
 #include <aclapi.h>
-#include <psapi.h>
 #include <shlobj.h>
 #include <tlhelp32.h>
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "tests/endtoend/harness/wait.h"
@@ -101,17 +99,6 @@ tHandle openDespiteAccessList(DWORD processId, DWORD access) {
         SetSecurityInfo(owner.get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr);
     }
     return tHandle(OpenProcess(access, FALSE, processId));
-}
-
-bool hasLoaded(HANDLE process, const wchar_t* library) {
-    HMODULE modules[256];
-    DWORD size = 0;
-    if (!K32EnumProcessModules(process, modules, sizeof modules, &size)) return false;
-    const auto isIt = [&](HMODULE module) {
-        wchar_t name[MAX_PATH];
-        return K32GetModuleBaseNameW(process, module, name, MAX_PATH) != 0 && _wcsicmp(name, library) == 0;
-    };
-    return std::any_of(modules, modules + std::min<std::size_t>(size / sizeof(HMODULE), std::size(modules)), isIt);
 }
 
 tTemporaryDirectory::tTemporaryDirectory() {

@@ -47,9 +47,6 @@ void writeFile(const tPath& file, std::string_view bytes);
 /// Removes the access list of a process of this user, and opens the process. Returns null on failure.
 [[nodiscard]] tHandle openDespiteAccessList(DWORD processId, DWORD access);
 
-/// Whether the process, opened with full access, has the library in memory.
-[[nodiscard]] bool hasLoaded(HANDLE process, const wchar_t* library);
-
 /// A directory for one test, removed with everything in it, however long the paths are.
 class tTemporaryDirectory {
 public:

@@ -1,8 +1,6 @@
-// A plug-in that reports its failures as the host does its own, and one that fails by structured exceptions.
+// A plug-in that fails by structured exceptions.
 
 #include <windows.h>
-
-#include "err/Exception.h"
 
 namespace {
 
@@ -21,12 +19,7 @@ void raiseStructured(DWORD code) {
 
 extern "C" {
 
-__declspec(dllexport) std::int32_t InitRaisesOsFault() { zuerr::Raise({zuerr::osFault, {"raising.cpp", 1}}); }
-__declspec(dllexport) std::int32_t InitRaisesInsufficientPermissions() {
-    zuerr::Raise({zuerr::insufficientPermissions, {"raising.cpp", 2}});
-}
-
-/// Reads an address that is not mapped. For any of the three entries, like those that follow.
+/// Reads an address that is not mapped. This and the others serve as any of the three entries.
 __declspec(dllexport) void Faults() {
     SetUnhandledExceptionFilter(endWithTheExceptionsCode);
     volatile int* volatile nowhere = nullptr;

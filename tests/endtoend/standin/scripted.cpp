@@ -1,12 +1,10 @@
-// Takes the place of advapi32.dll in a copy of the executable. Files beside the copy tell it which calls to hold or to
-// fail, and it leaves files there that tell what has been called.
+// Takes the place of advapi32.dll in a copy of the executable. Files beside the copy tell it which calls to hold,
+// and it leaves files there that tell what has been called.
 
 #include <share.h>
 #include <windows.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -38,22 +36,12 @@ void WINAPI sleep(DWORD milliseconds) {
     waitAtGate(besideTheExecutable(L"pause." + std::to_wstring(++calls)));
 }
 
-HRESULT WINAPI knowsNoFolder(HWND, int, HANDLE, DWORD, LPWSTR) { return E_FAIL; }
-
-/// If the file "folder.unknown" exists, the shell knows no folder.
-FARPROC WINAPI getProcAddress(HMODULE library, LPCSTR name) {
-    const bool fails = HIWORD(name) != 0 && std::strcmp(name, "SHGetFolderPathW") == 0 &&
-                       std::filesystem::exists(besideTheExecutable(L"folder.unknown"));
-    return fails ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(knowsNoFolder)) : GetProcAddress(library, name);
-}
-
 }  // namespace
 
 /// A console handler has finished when the thread that the system made for it ends.
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*self*/, DWORD reason, LPVOID /*reserved*/) {
     if (reason == DLL_PROCESS_ATTACH) {
-        return redirectImport("_wfsopen", openShared) && redirectImport("Sleep", sleep) &&
-               redirectImport("GetProcAddress", getProcAddress);
+        return redirectImport("_wfsopen", openShared) && redirectImport("Sleep", sleep);
     }
     if (reason == DLL_THREAD_DETACH) appendTo(L"threads.ended").put('x');
     return TRUE;
