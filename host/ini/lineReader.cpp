@@ -1,6 +1,7 @@
 #include "ini/lineReader.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 
@@ -11,20 +12,23 @@ constexpr bool isTerminator(char c) noexcept { return c == '\n' || c == '\r' || 
 
 constexpr std::size_t wordSize = sizeof(std::uint64_t);
 
-/// Returns whether one of the first eight characters is less than 16, as every terminator is.
-bool hasControlCharacter(const char* characters) noexcept {
+/// Returns the position of the first of eight characters that is less than 16, as every terminator is; 8 if none is.
+std::size_t findControlCharacter(const char* characters) noexcept {
     std::uint64_t word = 0;
     std::memcpy(&word, characters, wordSize);
-    // The subtraction borrows from the top bit of a byte that is too small, or of one after such a byte.
-    return ((word - 0x1010101010101010U) & ~word & 0x8080808080808080U) != 0;
+    // The subtraction borrows from the top bit of a byte that is too small. Only bytes after one can be marked wrongly.
+    const std::uint64_t topBits = (word - 0x1010101010101010U) & ~word & 0x8080808080808080U;
+    return static_cast<std::size_t>(std::countr_zero(topBits)) / 8;
 }
 
 /// Returns the first terminator, or the end.
 const char* findTerminator(const char* from, const char* end) noexcept {
-    for (; end - from >= std::ptrdiff_t{wordSize}; from += wordSize) {
-        if (!hasControlCharacter(from)) continue;
-        const char* const found = std::find_if(from, from + wordSize, [](char c) { return isTerminator(c); });
-        if (found != from + wordSize) return found;
+    while (end - from >= std::ptrdiff_t{wordSize}) {
+        const std::size_t position = findControlCharacter(from);
+        from += position;
+        if (position == wordSize) continue;
+        if (isTerminator(*from)) return from;
+        ++from;
     }
     return std::find_if(from, end, [](char c) { return isTerminator(c); });
 }

@@ -57,22 +57,34 @@ private:
 
 constexpr std::size_t wordSize = sizeof(std::uint64_t);
 
-/// Returns the eight characters at that position, in lower case unless case counts. A shorter rest is filled up with
-/// zeros.
-std::uint64_t wordAt(std::string_view name, std::size_t position, bool caseSensitive) noexcept {
+std::uint64_t loadWord(const char* characters) noexcept {
     std::uint64_t word = 0;
-    if (name.size() - position >= wordSize) {
-        std::memcpy(&word, name.data() + position, wordSize);
-    } else {
-        for (std::size_t i = name.size(); i-- > position;) word = word << 8U | static_cast<unsigned char>(name[i]);
-    }
+    std::memcpy(&word, characters, wordSize);
+    return word;
+}
+
+/// Returns the characters from that position to the end, at most seven, filled up with zeros.
+std::uint64_t loadRest(std::string_view name, std::size_t position) noexcept {
+    const std::size_t size = name.size() - position;
+    if (size == 0) return 0;
+    // One word that ends with the name is cheaper than a loop. Characters preceding the position are shifted out.
+    if (position > 0) return loadWord(name.data() + name.size() - wordSize) >> 8 * (wordSize - size);
+    std::uint64_t word = 0;
+    for (std::size_t i = size; i-- > 0;) word = word << 8U | static_cast<unsigned char>(name[i]);
+    return word;
+}
+
+/// Returns the eight characters at that position, in lower case unless case counts. A shorter rest is filled up with
+/// zeros. Requires: the position is a multiple of eight.
+std::uint64_t wordAt(std::string_view name, std::size_t position, bool caseSensitive) noexcept {
+    const bool isWhole = name.size() - position >= wordSize;
+    const std::uint64_t word = isWhole ? loadWord(name.data() + position) : loadRest(name, position);
     return caseSensitive ? word : foldCase(word);
 }
 
 }  // namespace
 
-bool sameName(std::string_view a, std::string_view b, bool caseSensitive) noexcept {
-    if (a.size() != b.size()) return false;
+bool sameCharacters(std::string_view a, std::string_view b, bool caseSensitive) noexcept {
     std::size_t position = 0;
     while (position < a.size() && wordAt(a, position, caseSensitive) == wordAt(b, position, caseSensitive)) {
         position += wordSize;
@@ -109,26 +121,30 @@ void tNameIndex::reserve(std::size_t count) {
     }
 }
 
-/// Most hashes are alone in their cell of a bit map, which is small enough for the processor's cache. Only the others
-/// are worth sorting.
-std::vector<tHashed> possiblyRepeated(const std::vector<std::uint32_t>& hashes) {
+namespace {
+
+/// Removes the hashes that are alone in their cell of a bit map, as most are if all names differ.
+void keepSharing(std::vector<tHashed>& hashes, int rotation) {
     const std::uint64_t cells = 8 * hashes.size();
-    const auto cellOf = [cells](std::uint32_t hash) { return hash * cells >> 32U; };
+    const auto cellOf = [=](const tHashed& hashed) { return std::rotl(hashed.hash, rotation) * cells >> 32U; };
     std::vector<bool> taken(cells);
     std::vector<bool> shared(cells);
-    for (const std::uint32_t hash : hashes) {
-        const std::uint64_t cell = cellOf(hash);
+    for (const tHashed& hashed : hashes) {
+        const std::uint64_t cell = cellOf(hashed);
         if (taken[cell]) shared[cell] = true;
         taken[cell] = true;
     }
-    std::vector<tHashed> sharing;
-    for (std::uint32_t position = 0; position < hashes.size(); ++position) {
-        if (shared[cellOf(hashes[position])]) sharing.push_back({hashes[position], position});
-    }
-    std::sort(sharing.begin(), sharing.end(), [](const tHashed& a, const tHashed& b) {
+    std::erase_if(hashes, [&](const tHashed& hashed) { return !shared[cellOf(hashed)]; });
+}
+
+}  // namespace
+
+/// Bit maps fit in the processor's cache, and few hashes are left to be sorted.
+void keepPossiblyRepeated(std::vector<tHashed>& hashes) {
+    for (const int rotation : {0, 16}) keepSharing(hashes, rotation);
+    std::sort(hashes.begin(), hashes.end(), [](const tHashed& a, const tHashed& b) {
         return a.hash != b.hash ? a.hash < b.hash : a.position < b.position;
     });
-    return sharing;
 }
 
 }  // namespace nIni

@@ -14,8 +14,13 @@ namespace nIni {
 /// Up to this many records are searched one by one, which needs no memory.
 inline constexpr std::size_t linearSearchLimit = 8;
 
+/// The same for two names of one size, which most pairs have not.
+[[nodiscard]] bool sameCharacters(std::string_view a, std::string_view b, bool caseSensitive) noexcept;
+
 /// Returns true iff the names are equal. Unless case counts, the letters A to Z equal a to z.
-[[nodiscard]] bool sameName(std::string_view a, std::string_view b, bool caseSensitive) noexcept;
+[[nodiscard]] inline bool sameName(std::string_view a, std::string_view b, bool caseSensitive) noexcept {
+    return a.size() == b.size() && sameCharacters(a, b, caseSensitive);
+}
 
 /// Returns a hash (SipHash-1-3) that is equal for equal names. Nobody can construct other names with equal hashes
 /// without knowing the key.
@@ -68,8 +73,8 @@ private:
 template <class Record, class Merge>
 void removeRepeated(std::vector<Record>& records, bool caseSensitive, Merge merge);
 
-/// Returns those of the hashes that may occur more than once, with their positions, in the order of hash and position.
-[[nodiscard]] std::vector<tHashed> possiblyRepeated(const std::vector<std::uint32_t>& hashes);
+/// Leaves those hashes that may occur more than once, in the order of hash and position.
+void keepPossiblyRepeated(std::vector<tHashed>& hashes);
 
 template <class Record>
 std::size_t tNameIndex::find(const std::vector<Record>& records, std::string_view name, bool caseSensitive) noexcept {
@@ -111,16 +116,41 @@ tHashed& tNameIndex::findSlot(const std::vector<Record>& records, std::string_vi
     return slots_[slot];
 }
 
-template <class Record, class Merge>
-void removeRepeated(std::vector<Record>& records, bool caseSensitive, Merge merge) {
-    std::vector<std::uint32_t> hashes(records.size());
+/// Returns the records that may be repeated, in the order of hash and position.
+template <class Record>
+std::vector<tHashed> possiblyRepeated(const std::vector<Record>& records, bool caseSensitive) {
+    std::vector<tHashed> hashes;
+    hashes.reserve(records.size());
     const std::uint64_t key = keyFrom(hashes.data());
-    if (records.size() > linearSearchLimit) {
-        std::transform(records.begin(), records.end(), hashes.begin(), [&](const Record& record) {
-            return static_cast<std::uint32_t>(hashName(record.name, caseSensitive, key));
-        });
+    for (const Record& record : records) {
+        const std::uint64_t hash = hashName(record.name, caseSensitive, key);
+        hashes.push_back({static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(hashes.size())});
     }
-    const std::vector<tHashed> candidates = possiblyRepeated(hashes);
+    keepPossiblyRepeated(hashes);
+    return hashes;
+}
+
+/// Does not need memory. Returns true iff a record was merged; its name is then empty.
+template <class Record, class Merge>
+bool mergeRepeatedOfFew(std::vector<Record>& records, bool caseSensitive, Merge merge) {
+    bool merged = false;
+    for (auto record = records.begin(); record != records.end(); ++record) {
+        const auto first = std::find_if(records.begin(), record, [&](const Record& earlier) {
+            return sameName(earlier.name, record->name, caseSensitive);
+        });
+        if (first == record) continue;
+        merge(*first, *record);
+        record->name = {};
+        merged = true;
+    }
+    return merged;
+}
+
+/// The same in time proportional to the list.
+template <class Record, class Merge>
+bool mergeRepeatedOfMany(std::vector<Record>& records, bool caseSensitive, Merge merge) {
+    const std::vector<tHashed> candidates = possiblyRepeated(records, caseSensitive);
+    bool merged = false;
     std::vector<tHashed> firsts;  // of their names, among the candidates with the present hash
     firsts.reserve(candidates.size());
     for (const tHashed& candidate : candidates) {
@@ -134,8 +164,17 @@ void removeRepeated(std::vector<Record>& records, bool caseSensitive, Merge merg
         } else {
             merge(records[first->position], record);
             record.name = {};
+            merged = true;
         }
     }
+    return merged;
+}
+
+template <class Record, class Merge>
+void removeRepeated(std::vector<Record>& records, bool caseSensitive, Merge merge) {
+    const bool merged = records.size() <= linearSearchLimit ? mergeRepeatedOfFew(records, caseSensitive, merge)
+                                                            : mergeRepeatedOfMany(records, caseSensitive, merge);
+    if (!merged) return;
     std::erase_if(records, [](const Record& record) { return std::string_view(record.name).empty(); });
 }
 

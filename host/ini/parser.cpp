@@ -14,12 +14,12 @@ namespace {
 constexpr std::size_t chunkSize = 2084;
 constexpr std::size_t blockSize = 65536;
 
-/// Appends up to that many bytes of the file to the text. Returns false at the end of the file and after a read error.
+/// Appends up to `size` bytes of the file to the text. Returns false at the end of the file and after a read error.
+/// Requires: the size is at most that of a chunk.
 bool read(std::FILE* file, std::size_t size, std::string& text) {
-    const std::size_t before = text.size();
-    text.resize(before + size);
-    const std::size_t count = std::fread(text.data() + before, 1, size, file);
-    text.resize(before + count);
+    char chunk[chunkSize];  // not initialised, unlike the characters by which a string grows
+    const std::size_t count = std::fread(chunk, 1, size, file);
+    text.append(chunk, count);
     return count == size;
 }
 
@@ -27,6 +27,7 @@ bool read(std::FILE* file, std::size_t size, std::string& text) {
 /// copied often. Returns false at the end of the file and after a read error.
 bool readBlock(std::FILE* file, std::string& block) {
     const std::size_t size = std::max(blockSize, 2 * block.size() + chunkSize);
+    if (!read(file, chunkSize, block)) return false;  // a small file needs a small block
     block.reserve(size);
     while (block.size() + chunkSize <= size) {
         if (!read(file, chunkSize, block)) return false;
@@ -137,6 +138,7 @@ void addKey(tDocument& document, std::string_view name, std::string_view value, 
         section.mergeThreshold = std::max(section.mergeThreshold, 16 * section.keys.size());
     }
     const char quote = stripQuotes(value, document.flags);
+    if (section.keys.empty()) section.keys.reserve(linearSearchLimit);
     section.keys.push_back({name, value, quote, line});
     if (name.ends_with('1') && toContinuation(name)) section.hasContinuations = true;
 }
@@ -213,7 +215,8 @@ int parse(tDocument& document, const wchar_t* widePath, bool remembering) noexce
 int parseStream(tDocument& document, std::FILE* file) {
     std::string start;
     bool more = read(file, 4, start);
-    if (std::ferror(file) != 0) return fileNotRead;
+    bool failed = !more && std::ferror(file) != 0;
+    if (failed) return fileNotRead;
     if (isWide(start)) return wideText;
 
     document.currentSection = nullptr;

@@ -28,16 +28,26 @@ bool precedes(const tPluginDescription& a, const tPluginDescription& b) noexcept
 }
 
 void sort(std::vector<tPluginDescription>& descriptions) {
-    // Pointers are cheaper to move than descriptions.
-    std::vector<tPluginDescription*> pointers;
-    pointers.reserve(descriptions.size());
-    for (tPluginDescription& description : descriptions) pointers.push_back(&description);
-    nIntrosort::sort(std::span(pointers),
-                     [](const tPluginDescription* a, const tPluginDescription* b) { return precedes(*a, *b); });
+    // Cheaper to move than descriptions. Most plug-ins depend on earlier names only, so that their own decide.
+    struct tItem {
+        tPluginDescription* description;
+        bool mayFollowLaterName;
+    };
+    std::vector<tItem> items;
+    items.reserve(descriptions.size());
+    for (tPluginDescription& description : descriptions) {
+        const std::vector<std::string>& sorted = description.dependencies;
+        items.push_back({&description, !sorted.empty() && sorted.back() >= description.name});
+    }
+    nIntrosort::sort(std::span(items), [](const tItem& a, const tItem& b) {
+        const bool byName = a.description->name < b.description->name;
+        const tItem& first = byName ? a : b;
+        return first.mayFollowLaterName ? precedes(*a.description, *b.description) : byName;
+    });
 
     std::vector<tPluginDescription> ordered;
     ordered.reserve(descriptions.size());
-    for (tPluginDescription* const description : pointers) ordered.push_back(std::move(*description));
+    for (const tItem& item : items) ordered.push_back(std::move(*item.description));
     descriptions.swap(ordered);
 }
 

@@ -85,4 +85,28 @@ TEST(IniFilePosix, ALineThatAFailedReadCutShortIsNotUsed) {
     EXPECT_EQ(describe(document), "[s]@1\nk=v@2\n");
 }
 
+/// Reads the text up to the first zero byte, which is the end of the file; afterwards, what was appended.
+ssize_t readUpToEnd(void* cookie, char* buffer, size_t size) {
+    auto& rest = *static_cast<std::string_view*>(cookie);
+    const std::size_t end = rest.find('\0');
+    const std::size_t count = rest.substr(0, end).copy(buffer, size);
+    rest.remove_prefix(count == 0 && !rest.empty() ? 1 : count);
+    return static_cast<ssize_t>(count);
+}
+
+TEST(IniFilePosix, TextAppendedAfterTheEndWasSeenIsNotRead) {
+    using std::string_view_literals::operator""sv;
+    // The end is seen within the first four bytes, which may be a byte-order mark, or later.
+    for (const std::string_view start : {""sv, ";"sv, "[s]\nk=v"sv}) {
+        const std::string text = std::string(start) + '\0' + "x\n[late]\nl=w\n";
+        std::string_view rest = text;
+        const nIni::tFile file(fopencookie(&rest, "rb", {readUpToEnd, nullptr, nullptr, nullptr}));
+        ASSERT_NE(file, nullptr);
+        nIni::tDocument document;
+        EXPECT_EQ(parseStream(document, file.get()), 0);
+        EXPECT_EQ(describe(document), parsed(start));
+        EXPECT_TRUE(rest.starts_with("x\n[late]")) << "nothing after the end was asked for";
+    }
+}
+
 }  // namespace

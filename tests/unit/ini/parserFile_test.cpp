@@ -32,6 +32,17 @@ TEST(IniFile, WideTextIsRefused) {
     EXPECT_EQ(parsed("\xFF\xFE\0"sv), "-3");
 }
 
+TEST(IniFile, AnIncompleteByteOrderMarkIsText) {
+    for (const std::string_view start : {"\xEF"sv, "\xEF\xBB"sv, "\xEF\xBB\xBE"sv, "\xFF"sv, "\xFE"sv, "\xFE\xFE"sv}) {
+        const std::string name(start);
+        EXPECT_EQ(parsed(name), "error@1\n") << testing::PrintToString(start) << " is a malformed line";
+        EXPECT_EQ(parsed(name + "=v\n", nIni::acceptEmptyValues | nIni::colonSeparates),
+                  "[(null)]@-1\n" + name + "=v@1\n");
+    }
+    EXPECT_EQ(parsed("\0\0\xFE"sv), "error@1\n");
+    EXPECT_EQ(parsed("\0\0\xFE\xFE=v"sv, nIni::colonSeparates), "[(null)]@-1\n\xFE\xFE=v@3\nerror@1\n");
+}
+
 TEST(IniFile, TextWithCarriageReturnsIsNumberedByLines) {
     EXPECT_EQ(parsed("[s]\r\na=1\r\n\r\nb=2\r\n"), "[s]@1\na=1@2\nb=2@4\nerror@3\n");
 }

@@ -10,7 +10,8 @@
 
 namespace {
 
-constexpr std::size_t fiftyMegabytes = 50'000'000;
+/// Longer than several blocks of the parser.
+constexpr std::size_t twoMegabytes = 2'000'000;
 
 /// The document of a text, which must be one that can be read.
 class IniSize : public testing::Test {
@@ -23,8 +24,8 @@ protected:
     nIni::tDocument document;
 };
 
-TEST_F(IniSize, LinesOf50MegabytesAreOneLineEach) {
-    const std::string many(fiftyMegabytes, 'x');
+TEST_F(IniSize, LinesOfTwoMegabytesAreOneLineEach) {
+    const std::string many(twoMegabytes, 'x');
     parse("[s]\nk=" + many + "\n;" + many + "\n[" + many + "\n" + many + "=v\n");
     nIni::tSection& section = document.sections.at(0);
     ASSERT_EQ(section.keys.size(), 2U);
@@ -32,8 +33,8 @@ TEST_F(IniSize, LinesOf50MegabytesAreOneLineEach) {
     EXPECT_EQ(section.keys[0].line, 2);
     EXPECT_EQ(document.firstErrorLine, 4) << "a header that does not end";
     EXPECT_EQ(section.keys[1].line, 5);
-    EXPECT_EQ(findKey(section, false, std::string(fiftyMegabytes, 'X')), &section.keys[1]);
-    EXPECT_EQ(findKey(section, true, std::string(fiftyMegabytes, 'X')), nullptr);
+    EXPECT_EQ(findKey(section, false, std::string(twoMegabytes, 'X')), &section.keys[1]);
+    EXPECT_EQ(findKey(section, true, std::string(twoMegabytes, 'X')), nullptr);
 }
 
 TEST_F(IniSize, LinesAroundTheSizesOfChunksAndBlocksAreWhole) {
@@ -51,19 +52,19 @@ TEST_F(IniSize, LinesAroundTheSizesOfChunksAndBlocksAreWhole) {
     EXPECT_EQ(document.firstErrorLine, -1);
 }
 
-TEST_F(IniSize, FiftyMegabytesOfBlanksAroundTextAreDropped) {
-    const std::string blanks(fiftyMegabytes / 4, ' ');
+TEST_F(IniSize, TwoMegabytesOfBlanksAroundTextAreDropped) {
+    const std::string blanks(twoMegabytes / 4, ' ');
     parse(blanks + "[" + blanks + "s" + blanks + "]\n" + blanks + "k\t=" + blanks + "v" + blanks);
     EXPECT_EQ(describe(document), "[s]@1\nk=v@2\n");
 }
 
-TEST_F(IniSize, FiftyMegabytesOfEmptyLinesAreAllCounted) {
-    parse("[s]\n" + std::string(fiftyMegabytes, '\n') + "k=v");
-    EXPECT_EQ(describe(document), "[s]@1\nk=v@" + std::to_string(fiftyMegabytes + 2) + "\nerror@2\n");
+TEST_F(IniSize, TwoMegabytesOfEmptyLinesAreAllCounted) {
+    parse("[s]\n" + std::string(twoMegabytes, '\n') + "k=v");
+    EXPECT_EQ(describe(document), "[s]@1\nk=v@" + std::to_string(twoMegabytes + 2) + "\nerror@2\n");
 }
 
-TEST_F(IniSize, AMillionKeysOfOneSectionAreAllFound) {
-    constexpr std::int32_t count = 1'000'000;
+TEST_F(IniSize, ManyKeysOfOneSectionAreAllFound) {
+    constexpr std::int32_t count = 20'000;
     std::string text = "[s]\n";
     for (std::int32_t i = 0; i < count; ++i) text += "key" + std::to_string(i) + "=" + std::to_string(i) + "\n";
     parse(text);
@@ -79,7 +80,7 @@ TEST_F(IniSize, AMillionKeysOfOneSectionAreAllFound) {
 }
 
 TEST_F(IniSize, TheLastOfManyRepeatedKeysWinsForEachOfThem) {
-    constexpr std::int32_t count = 100'000;
+    constexpr std::int32_t count = 10'000;
     std::string text = "[s]\n";
     for (int round = 0; round < 3; ++round) {
         for (std::int32_t i = 0; i < count; ++i) {
@@ -98,26 +99,26 @@ TEST_F(IniSize, TheLastOfManyRepeatedKeysWinsForEachOfThem) {
     }
 }
 
-TEST_F(IniSize, OneKeyRepeatedAMillionTimesIsOneKeyAndNeedsTheMemoryOfFew) {
+TEST_F(IniSize, OneKeyRepeatedManyTimesIsOneKeyAndNeedsTheMemoryOfFew) {
     std::string text = "[s]\n";
-    for (int i = 0; i < 1'000'000; ++i) text += i % 2 == 0 ? "key=even\n" : "KEY=odd\n";
+    for (int i = 0; i < 50'000; ++i) text += i % 2 == 0 ? "key=even\n" : "KEY=odd\n";
     parse(text);
-    EXPECT_EQ(describe(document), "[s]@1\nkey=odd@1000001\n");
+    EXPECT_EQ(describe(document), "[s]@1\nkey=odd@50001\n");
     EXPECT_LE(document.sections[0].keys.capacity(), 10'000U);
 }
 
 TEST_F(IniSize, WithoutMergingTheFirstOfManyEqualKeysIsFound) {
     document.mergeDuplicates = 0;
     std::string text = "[s]\n";
-    for (int i = 0; i < 100'000; ++i) text += "a=1\nb=2\n";
+    for (int i = 0; i < 10'000; ++i) text += "a=1\nb=2\n";
     parse(text);
     nIni::tSection& section = document.sections.at(0);
-    EXPECT_EQ(section.keys.size(), 200'000U);
+    EXPECT_EQ(section.keys.size(), 20'000U);
     EXPECT_EQ(findKey(section, false, "B"), &section.keys[1]);
 }
 
-TEST_F(IniSize, AHundredThousandSectionsAreAllFoundAndReopened) {
-    constexpr std::size_t count = 100'000;
+TEST_F(IniSize, ManySectionsAreAllFoundAndReopened) {
+    constexpr std::size_t count = 10'000;
     std::string text;
     for (const char* const key : {"a", "b"}) {
         for (std::size_t i = 0; i < count; ++i) {
@@ -138,7 +139,7 @@ TEST_F(IniSize, AHundredThousandSectionsAreAllFoundAndReopened) {
 }
 
 TEST_F(IniSize, AsManyContinuationKeysAsTheFileHolds) {
-    constexpr std::size_t count = 100'000;
+    constexpr std::size_t count = 10'000;
     std::string text = "[s]\n";
     std::string expected;
     for (std::size_t i = 1; i <= count; ++i) {
