@@ -8,7 +8,7 @@ namespace {
 
 using nZusysapi::Result;
 
-/// One of several references to an object: they share its count, and its identity is the first of them.
+/// One of several facets of an object: they share its reference count, and the first one is its identity.
 struct tFacet final : nZusysapi::Object {
     explicit tFacet(tFacet* owner = nullptr) : owner_(owner == nullptr ? this : owner) {}
 
@@ -31,7 +31,7 @@ private:
 
 using tAnyHolder = nDeployment::tHolder<nZusysapi::Object>;
 
-TEST(DeploymentHolder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
+TEST(nDeploymentHolder, AddsAReferenceAndReleasesItOnDestruction) {
     tFacet object;
     {
         tAnyHolder holder;
@@ -43,7 +43,7 @@ TEST(DeploymentHolder, ReferencesWhatItIsGivenAndReleasesItAtItsEnd) {
     EXPECT_EQ(object.references, 0U);
 }
 
-TEST(DeploymentHolder, ReleasesTheObjectThatItHeldBefore) {
+TEST(nDeploymentHolder, ReleasesThePreviousObject) {
     tFacet earlier;
     tFacet later;
     tAnyHolder holder;
@@ -54,7 +54,7 @@ TEST(DeploymentHolder, ReleasesTheObjectThatItHeldBefore) {
     EXPECT_EQ(later.references, 1U);
 }
 
-TEST(DeploymentHolder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
+TEST(nDeploymentHolder, KeepsItsReferenceIfAssignedTheSameObjectAgain) {
     tFacet object;
     tFacet otherReference(&object);
     tAnyHolder holder;
@@ -64,7 +64,7 @@ TEST(DeploymentHolder, KeepsItsReferenceWhenGivenAnotherOneToTheSameObject) {
     EXPECT_EQ(object.references, 1U);
 }
 
-TEST(DeploymentHolder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdentity) {
+TEST(nDeploymentHolder, ComparesReferencesIfTheObjectsRefuseTheirIdentity) {
     for (const Result refusal : {-1, 1}) {
         tFacet object;
         tFacet other;
@@ -77,7 +77,7 @@ TEST(DeploymentHolder, TellsObjectsApartByTheirReferencesWhenTheyHideTheirIdenti
     }
 }
 
-TEST(DeploymentHolder, TellsObjectsApartByTheirReferencesWhenOneOfThemHidesItsIdentity) {
+TEST(nDeploymentHolder, ComparesReferencesIfOneObjectRefusesItsIdentity) {
     tFacet open;
     tFacet hiding;
     hiding.result = -1;
@@ -87,7 +87,7 @@ TEST(DeploymentHolder, TellsObjectsApartByTheirReferencesWhenOneOfThemHidesItsId
     EXPECT_EQ(hiding.references, 0U);
 }
 
-TEST(DeploymentHolder, KeepsWhatItHeldWhenACallFails) {
+TEST(nDeploymentHolder, KeepsItsObjectIfACallFails) {
     tFacet held;
     tAnyHolder holder;
     holder.assign(held);

@@ -19,9 +19,9 @@ using testing::IsEmpty;
 
 class tPluginManagerFailures : public support::tManagerTest {};
 
-// Memory that runs out, at each request in turn.
+// Memory runs out, at each request in turn.
 
-TEST_F(tPluginManagerFailures, APluginThatMemoryRunsOutForFailsAloneAndBeforeItIsInitialised) {
+TEST_F(tPluginManagerFailures, IfMemoryRunsOutForAPluginItFailsAloneAndUninitialised) {
     std::vector<tPluginDescription> descriptions = {describe("A"), describe("B")};
     for (tPluginDescription& description : descriptions) description.name += ", and more than a small buffer holds";
     int lost = 0;
@@ -74,7 +74,7 @@ TEST_F(tPluginManagerFailures, ANegativeInitializeResultIsReportedAsThePluginsOw
                             R"("file":".\\source\\tPluginManager","line":55,"component":"zuZiptraRemoteService"})"));
 }
 
-TEST_F(tPluginManagerFailures, TheSmallestInitializeResultIsKeptAsItIs) {
+TEST_F(tPluginManagerFailures, TheSmallestInitializeResultIsStoredUnchanged) {
     plugins_.plugin("A").initialize = [] { return INT32_MIN; };
     start({describe("A")});
     EXPECT_THAT(initCodes(), ElementsAre(INT32_MIN));
@@ -103,7 +103,7 @@ TEST_F(tPluginManagerFailures, AnExceptionFromInitializeFailsThePluginWithItsCod
     EXPECT_THAT(plugins_.calls, ElementsAre("call E Stop", "call E Cleanup", "unload E"));
 }
 
-TEST_F(tPluginManagerFailures, AnExceptionThatCarriesNoErrorFailsThePluginAllTheSame) {
+TEST_F(tPluginManagerFailures, AnExceptionWithoutAnErrorFailsThePluginToo) {
     plugins_.plugin("A").initialize = []() -> std::int32_t { throw zuerr::Exception(); };
     start({describe("A"), describe("B", {"A"})});
     EXPECT_THAT(initCodes(), ElementsAre(0, -52006));
@@ -115,7 +115,7 @@ TEST_F(tPluginManagerFailures, AnExceptionOfUnknownTypeIsPassedOn) {
     EXPECT_THROW(start({describe("A")}), int);
 }
 
-/// Notes when it is destroyed.
+/// Records its destruction.
 class WatchedException : public std::exception {
 public:
     explicit WatchedException(std::vector<std::string>& calls) : calls_(calls) {}
@@ -126,7 +126,7 @@ private:
     std::vector<std::string>& calls_;
 };
 
-TEST_F(tPluginManagerFailures, AnExceptionIsGoneBeforeTheLibraryThatThrewItIsUnloaded) {
+TEST_F(tPluginManagerFailures, AnExceptionIsDestroyedBeforeTheLibraryThatThrewItIsUnloaded) {
     plugins_.plugin("A").initialize = [&]() -> std::int32_t { throw WatchedException(plugins_.calls); };
     start({describe("A")});
     EXPECT_THAT(plugins_.calls, ElementsAre("load A", "symbol A Init", "symbol A Stop", "symbol A Cleanup",
@@ -135,7 +135,7 @@ TEST_F(tPluginManagerFailures, AnExceptionIsGoneBeforeTheLibraryThatThrewItIsUnl
 
 // Unloads that fail.
 
-TEST_F(tPluginManagerFailures, AnUnloadThatFailsOnceReplacesTheNegativeResultAndIsTriedOnceMore) {
+TEST_F(tPluginManagerFailures, AnUnloadThatFailsOnceReplacesTheNegativeResultAndIsRetried) {
     plugins_.plugin("A").initialize = [] { return -7; };
     plugins_.plugin("A").refusedUnloads = 1;
     start({describe("A"), describe("B")});
@@ -169,7 +169,7 @@ TEST_F(tPluginManagerFailures, AFailedPluginWhoseOneUnloadFailsEndsTheStart) {
     EXPECT_THAT(manager_.entries(), IsEmpty());
 }
 
-TEST_F(tPluginManagerFailures, WhatHasStartedBeforeTheStartEndedIsStoppedAndCleanedUp) {
+TEST_F(tPluginManagerFailures, PluginsThatStartedBeforeTheStartEndedAreStoppedAndCleanedUp) {
     plugins_.plugin("B").missing = {"Init"};
     plugins_.plugin("B").refusedUnloads = 1;
     EXPECT_THROW(start({describe("A"), describe("B")}), zuerr::Exception);

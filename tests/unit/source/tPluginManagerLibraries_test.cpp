@@ -25,7 +25,7 @@ tPluginDescription behaviours(const std::string& initialize, const std::string& 
     return description;
 }
 
-/// The whole life of one plug-in.
+/// Starts, stops and cleans up one plug-in, and returns its entry.
 tPluginEntry live(const tPluginDescription& description) {
     tPluginManager manager;
     manager.startAll({description}, 1);
@@ -36,10 +36,10 @@ tPluginEntry live(const tPluginDescription& description) {
 
 class tPluginManagerLibraries : public testing::Test {
 protected:
-    /// What a clean-up that threw has left to do.
+    /// Unloads a library that a throwing clean-up has left loaded.
     static void unload(tPluginEntry entry) { entry.library.close(); }
 
-    /// The same for a library whose entry is lost: finds it by loading it again.
+    /// The same for a library without an entry: obtains its handle by loading it again.
     static void unloadOnceMore(const char* name) {
         std::uint32_t osError = 0;
         const nLibrary::tHandle library = nLibrary::load(support::pluginPath(name).c_str(), osError);
@@ -49,7 +49,7 @@ protected:
     support::tPluginLog log_;
 };
 
-TEST_F(tPluginManagerLibraries, AWellBehavedPluginLivesItsLife) {
+TEST_F(tPluginManagerLibraries, AWellBehavedPluginIsStartedStoppedAndCleanedUp) {
     const tPluginEntry entry = live(behaviours("InitOk"));
     EXPECT_EQ(entry.initCode, 0);
     EXPECT_EQ(entry.stopCode, 0);
@@ -66,7 +66,7 @@ TEST_F(tPluginManagerLibraries, AFailingPluginIsUnloadedAtOnce) {
     EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitFails7", "behaviours unloads"));
 }
 
-TEST_F(tPluginManagerLibraries, WhatStopAndCleanupReturnIsIgnored) {
+TEST_F(tPluginManagerLibraries, TheResultsOfStopAndCleanupAreIgnored) {
     const tPluginEntry entry = live(behaviours("InitOk", "StopReturnsMinus9", "CleanupReturnsMinus9"));
     EXPECT_EQ(entry.stopCode, 0);
     EXPECT_EQ(entry.cleanupCode, 0);
@@ -89,7 +89,7 @@ TEST_F(tPluginManagerLibraries, AMissingFileFailsThePlugin) {
     EXPECT_EQ(live(description).initCode, -52005);
 }
 
-TEST_F(tPluginManagerLibraries, AnExceptionOfThePluginsRuntimeIsKnownInOurs) {
+TEST_F(tPluginManagerLibraries, AnExceptionFromThePluginsRuntimeIsRecognisedInOurs) {
     EXPECT_EQ(live(behaviours("InitThrowsRuntimeError")).initCode, -52003);
     EXPECT_EQ(live(behaviours("InitThrowsBadAlloc")).initCode, -52000);
     EXPECT_EQ(live(behaviours("InitThrowsOwnException")).initCode, -52003);
@@ -98,13 +98,13 @@ TEST_F(tPluginManagerLibraries, AnExceptionOfThePluginsRuntimeIsKnownInOurs) {
     EXPECT_EQ(live(behaviours("InitOk", "StopThrowsOwnException")).stopCode, -52003);
 }
 
-TEST_F(tPluginManagerLibraries, AnExceptionIsDestroyedByItsLibraryBeforeThatIsUnloaded) {
+TEST_F(tPluginManagerLibraries, AnExceptionIsDestroyedBeforeItsLibraryIsUnloaded) {
     live(behaviours("InitThrowsOwnException"));
     EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitThrowsOwnException",
                                           "behaviours destroys its exception", "behaviours unloads"));
 }
 
-TEST_F(tPluginManagerLibraries, AnExceptionFromStopDoesNotKeepThePluginFromItsCleanUp) {
+TEST_F(tPluginManagerLibraries, APluginIsCleanedUpEvenAfterAnExceptionFromStop) {
     live(behaviours("InitOk", "StopThrowsOwnException"));
     EXPECT_THAT(log_.lines(),
                 ElementsAre("behaviours loads", "behaviours InitOk", "behaviours StopThrowsOwnException",
@@ -125,7 +125,7 @@ TEST_F(tPluginManagerLibraries, AnExceptionFromCleanupLeavesItsLibraryLoaded) {
 }
 
 TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromInitializeIsPassedOnWithTheLibraryLoaded) {
-    // The exception is caught outside of the product, so the test has to book it.
+    // The exception is caught outside the product, so the test needs its own guard.
     const zuerr::ForeignCallGuard guard;
     tPluginManager manager;
     EXPECT_THROW(manager.startAll({behaviours("InitThrowsInt")}, 1), int);
@@ -142,7 +142,7 @@ TEST_F(tPluginManagerLibraries, AnExceptionOfUnknownTypeFromStopOrCleanupIsPasse
     unload(manager.entries().at(0));
 }
 
-TEST_F(tPluginManagerLibraries, HundredsOfExceptionsFromPluginsDoNotBlurWhetherOneIsPropagating) {
+TEST_F(tPluginManagerLibraries, PropagationIsDetectedCorrectlyAfterHundredsOfPluginExceptions) {
     constexpr int rounds = 100;
     for (int round = 0; round < rounds; ++round) {
         live(behaviours("InitThrowsOwnException"));
@@ -162,7 +162,7 @@ TEST_F(tPluginManagerLibraries, HundredsOfExceptionsFromPluginsDoNotBlurWhetherO
         std::runtime_error);
 }
 
-TEST_F(tPluginManagerLibraries, OnePluginsExceptionLeavesTheOthersAlone) {
+TEST_F(tPluginManagerLibraries, OnePluginsExceptionDoesNotAffectTheOthers) {
     tPluginDescription first = behaviours("InitOk");
     first.name = "first";
     tPluginDescription second = behaviours("InitThrowsOwnException");
@@ -182,10 +182,10 @@ TEST_F(tPluginManagerLibraries, OnePluginsExceptionLeavesTheOthersAlone) {
     EXPECT_EQ(manager.entries()[2].stopCode, -52003);
     EXPECT_EQ(manager.entries()[3].initCode, -52006);
     EXPECT_THAT(log_.lines(), testing::Contains("behaviours unloads").Times(1))
-        << "one library, unloaded with its last";
+        << "one library, unloaded with its last reference";
 }
 
-TEST_F(tPluginManagerLibraries, APathMayHoldAnyName) {
+TEST_F(tPluginManagerLibraries, APathMayContainAnyName) {
     namespace fs = std::filesystem;
     const fs::path folder = fs::path(support::pluginPath("behaviours")).parent_path() / u8"插件 Blüte";
     fs::create_directories(folder);

@@ -1,5 +1,5 @@
-// Plug-ins that throw everything there is to throw, from every entry. See tests/plugins/throwing, which brings its own
-// C++ runtime and its own copy of the error model.
+// Plug-ins that throw every kind of exception from every entry. See tests/plugins/throwing, which brings its own C++
+// runtime and its own copy of the error model.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ namespace {
 
 struct tThrow {
     const char* entry;
-    std::int32_t code;  ///< what the host makes of it
+    std::int32_t code;  ///< the host's code for it
 };
 
 constexpr tThrow known[] = {
@@ -62,7 +62,7 @@ tPluginDescription plugin(const std::string& initialize, const std::string& stop
 class tPluginManagerThrowing : public testing::Test {
 protected:
     ~tPluginManagerThrowing() override {
-        // A library whose clean-up threw is the test's to unload.
+        // The test must unload a library whose clean-up threw.
         for (tPluginEntry entry : manager.entries()) entry.library.close();
     }
 
@@ -71,7 +71,7 @@ protected:
     tPluginManager manager;
 };
 
-/// Whether failures are thrown inside the host where nothing is propagating, and are not where something is.
+/// Expects that the host throws failures while no exception is propagating, and throws none while one is.
 void expectTheHostToJudgeRightly() {
     tPluginManager manager;
     manager.startAll({plugin("NoSuchEntry")}, 1);
@@ -79,7 +79,7 @@ void expectTheHostToJudgeRightly() {
     support::expectPropagationToBeTold();
 }
 
-TEST_F(tPluginManagerThrowing, FromInitializeFailWithTheCodeOfWhatTheyThrowAndAreUnloaded) {
+TEST_F(tPluginManagerThrowing, AnExceptionFromInitializeBecomesTheInitCodeAndTheLibraryIsUnloaded) {
     for (const tThrow& each : known) {
         manager.startAll({plugin(each.entry, "ThrowInt", "ThrowInt")}, 1);
         EXPECT_EQ(last().initCode, each.code) << each.entry;
@@ -94,7 +94,7 @@ TEST_F(tPluginManagerThrowing, FromInitializeFailWithTheCodeOfWhatTheyThrowAndAr
     expectTheHostToJudgeRightly();
 }
 
-TEST_F(tPluginManagerThrowing, FromInitializeFailTheirDependantsWhateverTheCode) {
+TEST_F(tPluginManagerThrowing, AnyExceptionFromInitializeFailsTheDependants) {
     for (const tThrow& each : known) {
         tPluginDescription first = plugin(each.entry);
         first.name = "first";
@@ -105,7 +105,7 @@ TEST_F(tPluginManagerThrowing, FromInitializeFailTheirDependantsWhateverTheCode)
     }
 }
 
-TEST_F(tPluginManagerThrowing, FromStopKeepTheCodeOfWhatTheyThrowAndAreCleanedUpAllTheSame) {
+TEST_F(tPluginManagerThrowing, AnExceptionFromStopBecomesTheStopCodeAndThePluginIsStillCleanedUp) {
     for (const tThrow& each : known) manager.startAll({plugin("", each.entry)}, 1);
     manager.stopAll();
     manager.cleanupAll();
@@ -119,7 +119,7 @@ TEST_F(tPluginManagerThrowing, FromStopKeepTheCodeOfWhatTheyThrowAndAreCleanedUp
     expectTheHostToJudgeRightly();
 }
 
-TEST_F(tPluginManagerThrowing, FromCleanupKeepTheCodeOfWhatTheyThrowAndStayLoaded) {
+TEST_F(tPluginManagerThrowing, AnExceptionFromCleanupBecomesTheCleanUpCodeAndTheLibraryStaysLoaded) {
     for (const tThrow& each : known) manager.startAll({plugin("", "", each.entry)}, 1);
     manager.stopAll();
     manager.cleanupAll();
@@ -132,7 +132,7 @@ TEST_F(tPluginManagerThrowing, FromCleanupKeepTheCodeOfWhatTheyThrowAndStayLoade
     expectTheHostToJudgeRightly();
 }
 
-TEST_F(tPluginManagerThrowing, HundredsOfTimesInOneLifeEachHaveTheirOwnCodes) {
+TEST_F(tPluginManagerThrowing, HundredsOfExceptionsEachBecomeTheirOwnCode) {
     constexpr std::size_t rounds = 20;
     constexpr std::size_t kinds = std::size(known);
     std::vector<tPluginDescription> plugins;
@@ -155,22 +155,22 @@ TEST_F(tPluginManagerThrowing, HundredsOfTimesInOneLifeEachHaveTheirOwnCodes) {
     expectTheHostToJudgeRightly();
 }
 
-/// Calls what must let something out that is no std::exception. That is caught outside of the product here, so the test
-/// has to book it.
+/// Makes a call that must pass on an exception of another type than std::exception. It is caught outside the product,
+/// so the test needs its own guard.
 template <class Call>
 void expectPassedOn(Call call, const char* what) {
     const zuerr::ForeignCallGuard guard;
     try {
         call();
-        ADD_FAILURE() << what << " was kept";
+        ADD_FAILURE() << what << " was not passed on";
     } catch (const std::exception&) {
         ADD_FAILURE() << what << " is a standard exception";
     } catch (...) {
-        // As it should be.
+        // Expected.
     }
 }
 
-TEST_F(tPluginManagerThrowing, OfUnknownThingsFromInitializePassThemOnAndLeaveWhatHasStarted) {
+TEST_F(tPluginManagerThrowing, AnUnknownExceptionFromInitializeIsPassedOnAndStartedPluginsStay) {
     for (const char* const entry : unknown) {
         const std::size_t before = manager.entries().size();
         expectPassedOn([&] { manager.startAll({plugin(""), plugin(entry), plugin("")}, 1); }, entry);
@@ -181,13 +181,13 @@ TEST_F(tPluginManagerThrowing, OfUnknownThingsFromInitializePassThemOnAndLeaveWh
     manager.cleanupAll();
     for (const tPluginEntry& entry : manager.entries()) EXPECT_EQ(entry.library.loaded, 0);
     expectTheHostToJudgeRightly();
-    // The libraries that threw are still loaded, once each, without an entry that knows of it.
+    // The libraries that threw are still loaded, once each, but no entry refers to them.
     std::uint32_t osError = 0;
     const nLibrary::tHandle library = nLibrary::load(support::pluginPath("throwing").c_str(), osError);
     for (std::size_t i = 0; i < std::size(unknown) + 1; ++i) EXPECT_TRUE(nLibrary::unload(library, osError)) << i;
 }
 
-TEST_F(tPluginManagerThrowing, OfUnknownThingsFromStopOrCleanupPassThemOn) {
+TEST_F(tPluginManagerThrowing, AnUnknownExceptionFromStopOrCleanupIsPassedOn) {
     for (const char* const entry : unknown) {
         tPluginManager own;
         own.startAll({plugin("", entry, entry)}, 1);

@@ -1,4 +1,4 @@
-// Runs over plug-in directories that only a file system with links and names of any bytes can hold.
+// Runs over plug-in directories that need a file system with links and arbitrary bytes in names.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -11,9 +11,9 @@
 
 namespace {
 
-class ServiceRunHostileDirectory : public testing::Test {
+class tServiceRunHostileDirectory : public testing::Test {
 protected:
-    ServiceRunHostileDirectory() { startService(); }
+    tServiceRunHostileDirectory() { startService(); }
 
     static void run() {
         signalServiceStop();
@@ -33,7 +33,7 @@ protected:
     support::tServiceWorld world;
 };
 
-TEST_F(ServiceRunHostileDirectory, WhatIsNoRegularFileIsPassedOverWithoutAWord) {
+TEST_F(tServiceRunHostileDirectory, EntriesThatAreNotRegularFilesAreSkippedSilently) {
     const std::filesystem::path outside = world.statusFolder / "outside";
     world.describe("a.ini", world.calling("A"));
     std::filesystem::create_directory(outside);
@@ -41,13 +41,13 @@ TEST_F(ServiceRunHostileDirectory, WhatIsNoRegularFileIsPassedOverWithoutAWord) 
     std::filesystem::create_symlink("loop.ini", world.plugins / "loop.ini");
     std::filesystem::create_symlink(outside, world.plugins / "folder.ini");
     std::filesystem::create_symlink("/dev/full", world.plugins / "device.ini");
-    ASSERT_EQ(mkfifo((world.plugins / "pipe.ini").c_str(), 0600), 0);  // opening it would block for ever
+    ASSERT_EQ(mkfifo((world.plugins / "pipe.ini").c_str(), 0600), 0);  // opening it would block forever
     run();
     EXPECT_THAT(names(), testing::ElementsAre("A"));
     EXPECT_EQ(gService->messages, "Cannot init system framework\n");
 }
 
-TEST_F(ServiceRunHostileDirectory, AFileThatBecomesALinkToNothingCostsItsPluginAlone) {
+TEST_F(tServiceRunHostileDirectory, AFileThatBecomesADanglingLinkFailsOnlyItsPlugin) {
     const std::string link = world.describe("link.ini", world.calling("Link"));
     world.describe("a.ini", world.calling("A"));
     const support::tDescriptionReads reads([&](const std::string& path) {
@@ -60,13 +60,13 @@ TEST_F(ServiceRunHostileDirectory, AFileThatBecomesALinkToNothingCostsItsPluginA
     EXPECT_EQ(gService->messages, messagesAbout(link));
 }
 
-TEST_F(ServiceRunHostileDirectory, AFileThatCannotBeOpenedCostsItsPluginAlone) {
+TEST_F(tServiceRunHostileDirectory, AFileThatCannotBeOpenedFailsOnlyItsPlugin) {
     const std::string unreadable = world.describe("unreadable.ini", world.calling("Unreadable"));
     world.describe("a.ini", world.calling("A"));
     world.describe("z.ini", world.calling("Z"));
     rlimit limit{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-    const rlimit none{0, limit.rlim_max};  // rights do not keep everybody who may run tests from reading
+    const rlimit none{0, limit.rlim_max};  // permissions would not stop root from reading
     const support::tDescriptionReads reads(
         [&](const std::string& path) { setrlimit(RLIMIT_NOFILE, path == unreadable ? &none : &limit); });
     world.deployment.onPause = [&limit] { setrlimit(RLIMIT_NOFILE, &limit); };  // all files have been read then
@@ -75,7 +75,7 @@ TEST_F(ServiceRunHostileDirectory, AFileThatCannotBeOpenedCostsItsPluginAlone) {
     EXPECT_EQ(gService->messages, messagesAbout(unreadable));
 }
 
-TEST_F(ServiceRunHostileDirectory, FileNamesMayHoldQuotesAndControlCharacters) {
+TEST_F(tServiceRunHostileDirectory, FileNamesMayContainQuotesAndControlCharacters) {
     world.describe("\"'\x01\t\x1B[31m\x7F.ini", world.calling("A"));
     world.describe("two\nlines.ini", world.calling("B"));
     const std::string bad = world.describe("\"bad\n\x02.ini", "nonsense");
@@ -84,7 +84,7 @@ TEST_F(ServiceRunHostileDirectory, FileNamesMayHoldQuotesAndControlCharacters) {
     EXPECT_EQ(gService->messages, messagesAbout(bad));
 }
 
-TEST_F(ServiceRunHostileDirectory, AFileNameThatIsNoTextCostsItsPluginAlone) {
+TEST_F(tServiceRunHostileDirectory, AFileNameThatIsNotTextFailsOnlyItsPlugin) {
     const std::string bad = world.describe("\xFF\xC0\x80.ini", world.calling("Bad"));
     world.describe("a.ini", world.calling("A"));
     run();

@@ -1,4 +1,4 @@
-// Runs over plug-in directories that nobody would leave behind on purpose.
+// Runs over plug-in directories with extreme or hostile contents.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -21,17 +21,17 @@ using testing::UnorderedElementsAreArray;
 
 constexpr const char* noFramework = "Cannot init system framework\n";
 
-class ServiceRunHostile : public testing::Test {
+class tServiceRunHostile : public testing::Test {
 protected:
-    ServiceRunHostile() { startService(); }
+    tServiceRunHostile() { startService(); }
 
-    /// From the listing to the clean-up.
+    /// Runs the service from the listing to the clean-up.
     static void run() {
         signalServiceStop();
         runService();
     }
 
-    /// "name code" of each plug-in in start order.
+    /// Returns "name code" of each plug-in in start order.
     static std::vector<std::string> outcome() {
         std::vector<std::string> outcome;
         for (const tPluginEntry& entry : gService->pluginManager.entries()) {
@@ -58,7 +58,7 @@ std::string numbered(std::size_t number) { return std::to_string(100'000 + numbe
 
 // Many.
 
-TEST_F(ServiceRunHostile, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIsNamed) {
+TEST_F(tServiceRunHostile, EachGoodFileOfManyIsStartedAndEachBadOneIsNamed) {
     std::vector<std::string> started;
     std::vector<std::string> messages{"Cannot init system framework"};
     std::string before;
@@ -83,7 +83,7 @@ TEST_F(ServiceRunHostile, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIs
     EXPECT_EQ(std::count(status.begin(), status.end(), '('), static_cast<std::ptrdiff_t>(started.size()));
 }
 
-TEST_F(ServiceRunHostile, AHundredThousandDependenciesThatNobodyDescribesFailThatPluginAlone) {
+TEST_F(tServiceRunHostile, AHundredThousandMissingDependenciesFailOnlyThatPlugin) {
     std::string names;
     for (std::size_t i = 0; i < 100'000; ++i) names += (i == 0 ? "" : ", ") + numbered(i);
     world.describe("a.ini", world.calling("A", "Dependencies=" + names + "\n"));
@@ -93,7 +93,7 @@ TEST_F(ServiceRunHostile, AHundredThousandDependenciesThatNobodyDescribesFailTha
     EXPECT_NE(world.status().find("\nA (depends on " + names + ")\n"), std::string::npos);
 }
 
-TEST_F(ServiceRunHostile, OneNameAHundredThousandTimesIsADependencyThatIsNeverMet) {
+TEST_F(tServiceRunHostile, AHundredThousandMentionsOfOneNameAreADependencyThatIsNeverMet) {
     std::string names;
     for (int i = 0; i < 100'000; ++i) names += "A,";
     world.describe("a.ini", world.calling("A"));
@@ -103,7 +103,7 @@ TEST_F(ServiceRunHostile, OneNameAHundredThousandTimesIsADependencyThatIsNeverMe
     EXPECT_EQ(gService->pluginManager.entries()[1].description.dependencies.size(), 100'000U);
 }
 
-TEST_F(ServiceRunHostile, AMillionCommasAndBlanksAreNoDependency) {
+TEST_F(tServiceRunHostile, AMillionCommasAndBlanksAreNoDependency) {
     std::string gaps;
     for (int i = 0; i < 1'000'000; ++i) gaps += i % 2 == 0 ? ", " : ",\t\v";
     world.describe("a.ini", world.calling("A", "Dependencies=" + gaps + "\n"));
@@ -111,7 +111,7 @@ TEST_F(ServiceRunHostile, AMillionCommasAndBlanksAreNoDependency) {
     EXPECT_THAT(outcome(), ElementsAre("A 3"));
 }
 
-TEST_F(ServiceRunHostile, NobodyOfACycleOfAThousandStartsAndNobodyElseSuffers) {
+TEST_F(tServiceRunHostile, NoPluginOfACycleOfAThousandStartsAndNoOtherIsAffected) {
     constexpr std::size_t count = 1000;
     for (std::size_t i = 0; i < count; ++i) {
         const std::string name = numbered(i);
@@ -128,7 +128,7 @@ TEST_F(ServiceRunHostile, NobodyOfACycleOfAThousandStartsAndNobodyElseSuffers) {
 
 // Long.
 
-TEST_F(ServiceRunHostile, ANameOf50MegabytesIsAName) {
+TEST_F(tServiceRunHostile, ANameMayHave50Megabytes) {
     const std::string name(50'000'000, 'x');
     world.describe("a.ini", "[Service]\nName=" + name + "\nRequires=0\n");
     run();
@@ -137,7 +137,7 @@ TEST_F(ServiceRunHostile, ANameOf50MegabytesIsAName) {
     EXPECT_NE(world.status().find("\n" + name + " (depends on )\n"), std::string::npos);
 }
 
-TEST_F(ServiceRunHostile, ALibraryPathOf5000CharactersFailsItsPluginAndIsShownWhole) {
+TEST_F(tServiceRunHostile, ALibraryPathOf5000CharactersFailsItsPluginAndIsShownWhole) {
     std::string path = support::testProgramFolder();
     while (path.size() < 5000) path += "/folder";
     world.describe("a.ini", "[Service]\nName=A\nPath=" + path + "/a.dll\n");
@@ -147,7 +147,7 @@ TEST_F(ServiceRunHostile, ALibraryPathOf5000CharactersFailsItsPluginAndIsShownWh
     EXPECT_THAT(world.status(), HasSubstr("\nLoaded From: " + path + "/a.dll\n"));
 }
 
-TEST_F(ServiceRunHostile, AnEntryNameOf5000CharactersIsAMissingEntry) {
+TEST_F(tServiceRunHostile, AnEntryNameOf5000CharactersIsAMissingEntry) {
     const std::string entry(5000, 'e');
     for (const char* const key : {"Initialize", "Stop", "Cleanup"}) {
         world.describe(std::string(key) + ".ini", world.calling(key, std::string(key) + "=" + entry + "\n"));
@@ -157,7 +157,7 @@ TEST_F(ServiceRunHostile, AnEntryNameOf5000CharactersIsAMissingEntry) {
     EXPECT_THAT(world.status(), HasSubstr("\n" + entry + " Code: -52005\n"));
 }
 
-TEST_F(ServiceRunHostile, ASharedDirectoryOf5000CharactersCannotBeOpened) {
+TEST_F(tServiceRunHostile, ASharedDirectoryOf5000CharactersCannotBeOpened) {
     for (const char* const part : {"/folder", "/.", "/..", "\\folder", "/x/../y"}) {
         std::string path = *world.places.sharedDirectory;
         while (path.size() < 5000) path += part;
@@ -168,8 +168,8 @@ TEST_F(ServiceRunHostile, ASharedDirectoryOf5000CharactersCannotBeOpened) {
     }
 }
 
-TEST_F(ServiceRunHostile, ASharedDirectoryWithAZeroInItIsNotTakenForWhatStandsBeforeTheZero) {
-    // As a registry value is that holds several texts.
+TEST_F(tServiceRunHostile, ASharedDirectoryWithAZeroIsNotCutAtTheZero) {
+    // Such as a registry value of several texts.
     const std::string shared = *world.places.sharedDirectory;
     std::ofstream(shared + "/astray.ini") << world.calling("Astray");
     for (const std::string& behind : {std::string("D:\\Other"), std::string("x")}) {
@@ -181,7 +181,7 @@ TEST_F(ServiceRunHostile, ASharedDirectoryWithAZeroInItIsNotTakenForWhatStandsBe
     }
 }
 
-TEST_F(ServiceRunHostile, AStatusFolderOf5000CharactersIsNoFolder) {
+TEST_F(tServiceRunHostile, AStatusFolderOf5000CharactersCannotBeOpened) {
     std::string folder = world.statusFolder.string();
     while (folder.size() < 5000) folder += "\\folder";
     EXPECT_EQ(support::failureOf([&] { WriteStatusFile(folder, "s", "text"); }), support::openFailed);
@@ -189,7 +189,7 @@ TEST_F(ServiceRunHostile, AStatusFolderOf5000CharactersIsNoFolder) {
 
 // Odd.
 
-TEST_F(ServiceRunHostile, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
+TEST_F(tServiceRunHostile, NamesMayContainAnyBytesAndAreShownUnchanged) {
     const std::vector<std::string> names{
         std::string("\x01\x02\x07\b\x1A\x1B[31m\x7F"),  // control characters
         "\"",
@@ -200,17 +200,17 @@ TEST_F(ServiceRunHostile, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
         "\xFF\xFE",
         "\xC0\xAF",
         "\xED\xA0\x80",
-        "\xE4\xB8",  // no UTF-8
+        "\xE4\xB8",  // not UTF-8
         "=",
         "a;b",
         "[Service]",
         "%s%n%d",
         "..\\..",
-        "%",  // what means something elsewhere
+        "%",  // special elsewhere
     };
     std::vector<std::string> expected;
     for (std::size_t i = 0; i < names.size(); ++i) {
-        const std::string dependant = std::string("\xFF\xFF").append(numbered(i));  // behind all of them by its bytes
+        const std::string dependant = std::string("\xFF\xFF").append(numbered(i));  // sorts after all of them
         world.describe(numbered(i) + ".ini", world.calling(names[i]));
         world.describe(numbered(i) + "on.ini", world.calling(dependant, "Dependencies=" + names[i] + "\n"));
         expected.insert(expected.end(), {names[i] + " 3", dependant + " 3"});
@@ -225,7 +225,7 @@ TEST_F(ServiceRunHostile, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
     }
 }
 
-TEST_F(ServiceRunHostile, PathsAndEntriesOfAnyBytesFailTheirPluginAlone) {
+TEST_F(tServiceRunHostile, PathsAndEntriesOfAnyBytesFailOnlyTheirPlugin) {
     int files = 0;
     for (const char* const odd : {"\x01", "\"", "\xFF", "%s%n", "|", "*", "?", "\\\\", "//", "..", ".", "a:b:c"}) {
         world.describe("path" + std::to_string(++files) + ".ini",
@@ -243,7 +243,7 @@ TEST_F(ServiceRunHostile, PathsAndEntriesOfAnyBytesFailTheirPluginAlone) {
 
 // Changed between listing and reading.
 
-TEST_F(ServiceRunHostile, APluginDirectoryThatIsGoneBeforeItsFilesAreReadCostsItsPluginsAndNothingElse) {
+TEST_F(tServiceRunHostile, APluginDirectoryThatIsDeletedBeforeItsFilesAreReadFailsOnlyItsPlugins) {
     std::string expected;
     for (const char* const name : {"a", "b", "c"}) world.describe(std::string(name) + ".ini", world.calling(name));
     const support::tDescriptionReads reads([&](const std::string& path) {
@@ -254,10 +254,10 @@ TEST_F(ServiceRunHostile, APluginDirectoryThatIsGoneBeforeItsFilesAreReadCostsIt
     EXPECT_EQ(std::count(expected.begin(), expected.end(), '\n'), 3);
     EXPECT_EQ(gService->messages, expected + noFramework);
     EXPECT_THAT(outcome(), testing::IsEmpty());
-    EXPECT_THAT(world.status(), HasSubstr(expected + noFramework)) << "the run went on";
+    EXPECT_THAT(world.status(), HasSubstr(expected + noFramework)) << "the run continued";
 }
 
-TEST_F(ServiceRunHostile, FilesThatChangeBeforeTheyAreReadAreTakenAsTheyAreThen) {
+TEST_F(tServiceRunHostile, FilesThatChangeAfterTheListingAreReadAsTheyAreThen) {
     const std::string gone = world.describe("gone.ini", world.calling("Gone"));
     const std::string folder = world.describe("folder.ini", world.calling("Folder"));
     const std::string other = world.describe("other.ini", world.calling("Other"));
@@ -276,7 +276,7 @@ TEST_F(ServiceRunHostile, FilesThatChangeBeforeTheyAreReadAreTakenAsTheyAreThen)
                                                      "Failed to parse service description file: " + folder));
 }
 
-TEST_F(ServiceRunHostile, DirectoriesInPlaceOfDescriptionFilesAreNoneHoweverManyThereAre) {
+TEST_F(tServiceRunHostile, DirectoriesInPlaceOfDescriptionFilesAreSkipped) {
     for (std::size_t i = 0; i < 200; ++i) std::filesystem::create_directory(world.plugins / (numbered(i) + ".ini"));
     world.describe("a.ini", world.calling("A"));
     run();
@@ -284,7 +284,7 @@ TEST_F(ServiceRunHostile, DirectoriesInPlaceOfDescriptionFilesAreNoneHoweverMany
     EXPECT_EQ(gService->messages, noFramework);
 }
 
-TEST_F(ServiceRunHostile, AStatusFolderThatDisappearsMeanwhileStopsNothing) {
+TEST_F(tServiceRunHostile, TheRunContinuesIfTheStatusFolderDisappears) {
     world.describe("a.ini", world.calling("A"));
     std::filesystem::remove_all(world.statusFolder);
     run();

@@ -1,4 +1,4 @@
-// Runs over places that only Windows knows.
+// Runs over kinds of paths that exist only on Windows.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -11,16 +11,16 @@
 
 namespace {
 
-class ServiceRunHostilePlaces : public testing::Test {
+class tServiceRunHostilePlaces : public testing::Test {
 protected:
-    ServiceRunHostilePlaces() { startService(); }
+    tServiceRunHostilePlaces() { startService(); }
 
     static void run() {
         signalServiceStop();
         runService();
     }
 
-    /// "name code" of each plug-in in start order.
+    /// Returns "name code" of each plug-in in start order.
     static std::string outcome() {
         std::string outcome;
         for (const tPluginEntry& entry : gService->pluginManager.entries()) {
@@ -32,17 +32,17 @@ protected:
     support::tServiceWorld world;
 };
 
-TEST_F(ServiceRunHostilePlaces, ASharedDirectoryThatIsNoneCannotBeOpened) {
+TEST_F(tServiceRunHostilePlaces, ASharedDirectoryThatIsNotADirectoryCannotBeOpened) {
     for (const char* const place : {"Q:\\Shared", "Q:", "NUL", "con", "\\\\.\\NUL", "\\\\.\\PhysicalDrive99", "\\\\?\\",
                                     "*", "?", "<>|", "C:\\\x01", "::", "%TEMP%", "\xFF\xFE"}) {
         world.places.sharedDirectory = place;
         gService->messages.clear();
-        runService();  // would wait for ever otherwise
+        runService();  // would wait forever otherwise
         EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n") << place;
     }
 }
 
-TEST_F(ServiceRunHostilePlaces, ALibraryThatIsNoneFailsItsPluginAlone) {
+TEST_F(tServiceRunHostilePlaces, APathThatIsNotALibraryFailsOnlyItsPlugin) {
     int files = 0;
     for (const char* const path : {"Q:\\a.dll", "Q:a.dll", "NUL", "con", "\\\\.\\NUL", "\\\\?\\", "C:\\", "*.dll",
                                    "a:b", "C:\\Windows", "\xFF\xFE.dll", "kernel32.dll:stream"}) {
@@ -55,7 +55,7 @@ TEST_F(ServiceRunHostilePlaces, ALibraryThatIsNoneFailsItsPluginAlone) {
     EXPECT_EQ(outcome(), expected);
 }
 
-TEST_F(ServiceRunHostilePlaces, ADescriptionThatSomebodyKeepsForHimselfCostsItsPluginAlone) {
+TEST_F(tServiceRunHostilePlaces, ADescriptionThatIsOpenWithoutSharingFailsOnlyItsPlugin) {
     const std::string kept = world.describe("kept.ini", world.calling("Kept"));
     world.describe("free.ini", world.calling("Free"));
     const HANDLE handle = CreateFileA(kept.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -67,8 +67,8 @@ TEST_F(ServiceRunHostilePlaces, ADescriptionThatSomebodyKeepsForHimselfCostsItsP
               "Failed to parse service description file: " + kept + "\nCannot init system framework\n");
 }
 
-TEST_F(ServiceRunHostilePlaces, ADescriptionThatLeadsNowhereWhenItIsOpenedCostsItsPluginAlone) {
-    // As a link does whose target is gone: it is found, but does not open.
+TEST_F(tServiceRunHostilePlaces, ADescriptionThatIsListedButCannotBeOpenedFailsOnlyItsPlugin) {
+    // Like a link whose target is gone.
     const std::string link = world.describe("link.ini", world.calling("Link"));
     world.describe("free.ini", world.calling("Free"));
     imports::_wfopen.replace([](const wchar_t* path, const wchar_t* mode) {
@@ -81,8 +81,8 @@ TEST_F(ServiceRunHostilePlaces, ADescriptionThatLeadsNowhereWhenItIsOpenedCostsI
               "Failed to parse service description file: " + link + "\nCannot init system framework\n");
 }
 
-TEST_F(ServiceRunHostilePlaces, ADescriptionThatCannotBeReadToItsEndCostsItsPluginAlone) {
-    // As on a drive that is pulled out.
+TEST_F(tServiceRunHostilePlaces, ADescriptionThatCannotBeReadCompletelyFailsOnlyItsPlugin) {
+    // As on a drive that is removed.
     const std::string torn = world.describe("torn.ini", world.calling("Torn"));
     world.describe("whole.ini", world.calling("Whole"));
     FILE* tornFile = nullptr;
@@ -103,7 +103,7 @@ TEST_F(ServiceRunHostilePlaces, ADescriptionThatCannotBeReadToItsEndCostsItsPlug
               "Failed to parse service description file: " + torn + "\nCannot init system framework\n");
 }
 
-TEST_F(ServiceRunHostilePlaces, ALineThatIsTooLargeForTheMemoryCostsItsPluginAlone) {
+TEST_F(tServiceRunHostilePlaces, ALineTooLongForTheMemoryFailsOnlyItsPlugin) {
     const std::string large = world.describe("large.ini", "[Service]\nName=" + std::string(50'000'000, 'x'));
     world.describe("free.ini", world.calling("Free"));
     EXPECT_GT(allocations::refused(10'000'000, run), 0);
