@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The stand-in itself, loaded by the product's own binding; it lies beside the test program.
+/// The stand-in itself, beside the test program, loaded by the product's own code.
 class ZusysapiStandIn : public testing::Test {
 protected:
     ZusysapiStandIn() {
@@ -33,7 +33,7 @@ protected:
         if (library != nullptr) FreeLibrary(library);
     }
 
-    /// What it says when it is unloaded.
+    /// Returns its report when it is unloaded.
     [[nodiscard]] std::string report() const {
         unload();
         std::ifstream file(folder.path() / "report");
@@ -44,16 +44,16 @@ protected:
     int pauses = 0;
 };
 
-TEST_F(ZusysapiStandIn, AllowsDeploymentUnlessToldOtherwise) { EXPECT_TRUE(nDeployment::IsDeploymentAllowed()); }
+TEST_F(ZusysapiStandIn, AllowsDeploymentByDefault) { EXPECT_TRUE(nDeployment::IsDeploymentAllowed()); }
 
-TEST_F(ZusysapiStandIn, GivesTheSettingOfTheEnvironment) {
+TEST_F(ZusysapiStandIn, ReturnsTheSettingFromTheEnvironment) {
     set("ZUSYSAPI_SETTING", "0");
     EXPECT_FALSE(nDeployment::IsDeploymentAllowed());
     set("ZUSYSAPI_SETTING", "0x7");
     EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
 }
 
-TEST_F(ZusysapiStandIn, SaysThatNothingIsHeldAfterAQuery) {
+TEST_F(ZusysapiStandIn, ReportsThatNothingIsHeldAfterAQuery) {
     EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
     EXPECT_EQ(report(), "zusysapi: 0 references held\n");
 }
@@ -67,7 +67,7 @@ TEST_F(ZusysapiStandIn, NamesTheObjectsThatAreStillHeld) {
     EXPECT_EQ(report(), "zusysapi: 3 references held: framework 2, options 1\n");
 }
 
-TEST_F(ZusysapiStandIn, FailsEachStepOnTheFirstAttemptsAndLeavesNothingHeld) {
+TEST_F(ZusysapiStandIn, FailsEachStepOnTheFirstAttemptsAndHoldsNothingAfterwards) {
     for (int step = 1; step <= 5; ++step) {
         set("ZUSYSAPI_FAIL_STEP", std::to_string(step));
         set("ZUSYSAPI_FAIL_ATTEMPTS", "3");
@@ -79,7 +79,7 @@ TEST_F(ZusysapiStandIn, FailsEachStepOnTheFirstAttemptsAndLeavesNothingHeld) {
     }
 }
 
-TEST_F(ZusysapiStandIn, RefusesArgumentsThatAreNotTheHosts) {
+TEST_F(ZusysapiStandIn, RejectsArgumentsOtherThanTheHosts) {
     nZusysapi::Framework* framework = nullptr;
     const nZusysapi::InstantiateFramework2 instantiate = nDeployment::findFrameworkEntry();
     EXPECT_EQ(instantiate(0, 1, &framework), -101);
@@ -103,7 +103,7 @@ TEST_F(ZusysapiStandIn, RefusesArgumentsThatAreNotTheHosts) {
     EXPECT_EQ(report(), "zusysapi: 0 references held\n");
 }
 
-TEST_F(ZusysapiStandIn, IsOneObjectToWhoeverAsksForItsIdentity) {
+TEST_F(ZusysapiStandIn, ReturnsOneIdentityThroughEveryReference) {
     nZusysapi::Framework* framework = nullptr;
     ASSERT_EQ(nDeployment::findFrameworkEntry()(1, 0, &framework), 0);
     void* identity = nullptr;
