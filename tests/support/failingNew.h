@@ -2,7 +2,7 @@
 
 #include "tests/support/allocations.h"
 
-/// Older names of the functions for `new` in allocations.h.
+/// Older names for the functions in allocations.h that concern `new`.
 namespace failingNew {
 
 using allocations::tHowLong;
