@@ -23,7 +23,7 @@ public:
     mutable StatusRecord record;
 };
 
-/// The exception of this program. Code that catches std::exception gets the JSON report from what().
+/// The exception of this program. Code that catches std::exception obtains the JSON report from what().
 class Exception : public virtual ExceptionBase, public virtual std::exception {
 public:
     /// Returns the report text; "{}" if there is none, so that callers need not check before they print it.

@@ -23,7 +23,7 @@ EXPLICIT_ACCESS_A queryEntry(SID& everyone) {
     entry.Trustee.MultipleTrusteeOperation = NO_MULTIPLE_TRUSTEE;
     entry.Trustee.TrusteeForm = TRUSTEE_IS_SID;
     entry.Trustee.TrusteeType = TRUSTEE_IS_USER;
-    entry.Trustee.ptstrName = reinterpret_cast<char*>(&everyone);  // a SID goes here too
+    entry.Trustee.ptstrName = reinterpret_cast<char*>(&everyone);  // with TRUSTEE_IS_SID
     return entry;
 }
 

@@ -34,7 +34,7 @@ struct tNaiveIni {
     /// Positions, -1 for none.
     int findSection(const std::string& name);
     [[nodiscard]] static int findKey(const tNaiveSection& section, bool caseSensitive, const std::string& name);
-    /// The value in the section that findSection finds; empty if there is none.
+    /// The value in the section that findSection finds; empty if it does not exist.
     std::string value(const std::string& section, const std::string& key);
 
 private:

@@ -36,7 +36,7 @@ struct tCounts {
     int refused;
 };
 
-/// Ends it.
+/// Stops this. Returns the counts.
 tCounts stopFailing() noexcept;
 
 /// The same only for requests by `new`: those by malloc, calloc and realloc are neither counted nor refused.

@@ -50,7 +50,7 @@ public:
     bool unload(nLibrary::tHandle library, std::uint32_t& osError) override;
     void* symbol(nLibrary::tHandle library, const char* name, std::uint32_t& osError) override;
 
-    /// The functions behind the entries of the loaded libraries.
+    /// The functions that the entries of the loaded libraries call.
     tFakePlugin& enter(std::size_t index, const char* entry);
     static tFakePlugins& current();
 

@@ -2,7 +2,7 @@
 //
 // Each call appends "<library> <what happened>" to the file that the environment variable TEST_PLUGIN_LOG names, where
 // the library is the file name without its extension. This distinguishes copies of the file under other names.
-// Those that wait do so at the gate (see gate.h) of the library's own path.
+// Entries that wait do so at the gate (see gate.h) with the library's own path.
 
 #include <cstdint>
 #include <cstdio>

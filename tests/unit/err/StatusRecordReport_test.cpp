@@ -58,7 +58,7 @@ TEST_F(StatusRecordReport, IsNotWrittenIntoARecordThatContainsAnError) {
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST_F(StatusRecordReport, OfAWarningIsReplacedOnlyByThatOfAnError) {
+TEST_F(StatusRecordReport, OfAWarningIsReplacedOnlyByAnErrors) {
     StatusRecord record;
     RaiseInto(record, 5, osFault);
     RaiseInto(record, -1, fileAndLine);
@@ -73,7 +73,7 @@ TEST_F(StatusRecordReport, OfAWarningIsReplacedOnlyByThatOfAnError) {
     EXPECT_THAT(warned.json, StrEq(R"({"file":"a","line":-7,"file":"a","line":-7})"));
 }
 
-TEST_F(StatusRecordReport, TakesFurtherMembersThroughTheRaisesChain) {
+TEST_F(StatusRecordReport, AcceptsFurtherMembersThroughTheRaisesChain) {
     StatusRecord record;
     RaiseInto(record, -1, fileAndLine).EnterObject("b").AddInt("c", 1).LeaveObject().AddUInt("d", 2);
     EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":-7,"b":{"c":1},"d":2})"));
@@ -162,7 +162,7 @@ TEST_F(StatusRecordReport, StaysUnchangedIfItIsNotJson) {
     EXPECT_THAT(record.json, StrEq("no JSON"));
 }
 
-TEST_F(StatusRecordReport, TakesNoFurtherMemberIfItIsNotValidAfterGrowth) {
+TEST_F(StatusRecordReport, AcceptsNoFurtherMemberIfItIsNotValidAfterGrowth) {
     // The writer copies control characters unchanged; the validator, which runs after each growth, rejects them.
     StatusRecord record;
     const std::string text(600, 'x');

@@ -21,7 +21,7 @@ class tPluginManagerFailures : public support::tManagerTest {};
 
 // Memory runs out, at each request in turn.
 
-TEST_F(tPluginManagerFailures, IfMemoryRunsOutForAPluginItFailsAloneAndUninitialised) {
+TEST_F(tPluginManagerFailures, APluginFailsAloneAndUninitialisedIfMemoryRunsOut) {
     std::vector<tPluginDescription> descriptions = {describe("A"), describe("B")};
     for (tPluginDescription& description : descriptions) description.name += ", and more than a small buffer holds";
     int lost = 0;

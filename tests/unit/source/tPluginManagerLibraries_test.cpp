@@ -10,7 +10,7 @@
 #include "source/tPluginManager.h"
 #include "tests/support/plugins.h"
 
-// The manager with real libraries. On Windows each of them carries a C++ runtime of its own.
+// The manager with real libraries. On Windows each of them has its own C++ runtime.
 namespace {
 
 using testing::ElementsAre;

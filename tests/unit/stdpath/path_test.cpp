@@ -10,7 +10,7 @@ namespace {
 
 std::string text(std::u8string_view utf8) { return {utf8.begin(), utf8.end()}; }
 
-TEST(nStdPathPaths, InAnyScriptNameTheFileThatTheyShow) {
+TEST(nStdPathPaths, NameTheirFileInAnyScript) {
     const support::tFolder folder;
     for (const std::u16string name : {u"plain.ini", u"with two blanks.ini", u"größe.ini", u"计划.ini", u"🚀.ini"}) {
         const std::string utf8 = folder.write(name, "x");
