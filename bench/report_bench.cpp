@@ -1,5 +1,5 @@
-// Group report: one raise from throw to catch, its report included, against a std::runtime_error whose text RapidJSON's
-// Writer wrote.
+// Group report: compares one raise, from throw to catch and including its report, with throwing a std::runtime_error
+// whose text RapidJSON's Writer has written.
 #include <stdexcept>
 #include <string>
 
@@ -56,7 +56,7 @@ std::string textOf(void (*raise)()) {
 }
 
 void raiseMany(void (*raise)()) {
-    // Not read, but the compiler must not know.
+    // Not read, but the compiler must not notice that.
     [[maybe_unused]] static const char* volatile last;
     for (int i = 0; i < 10'000; ++i) caught(raise, [](const char* what) { last = what; });
 }

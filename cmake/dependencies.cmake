@@ -1,5 +1,5 @@
-# Boost 1.81: Filesystem, System, Function and String Algorithm. An installed Boost is used as it is, through its
-# BoostConfig.cmake; the one that scripts/dependencies.sh builds for Windows has a package per library.
+# Boost 1.81: Filesystem, System, Function and String Algorithm. An installed Boost is used unchanged, through its
+# BoostConfig.cmake; the one that scripts/dependencies.sh builds for Windows has one package per library.
 find_package(Boost 1.81 CONFIG QUIET COMPONENTS filesystem)
 if(Boost_FOUND)
     set(zuziptra_boost Boost::headers Boost::filesystem)

@@ -1,5 +1,5 @@
-# Checks of the sources and of what was built, as tests labelled "lint". The native build has those of the sources and of
-# the portable files, the Windows build those of the Windows files and of the executable.
+# Checks of the sources and of the built files, as tests labelled "lint". The native build checks the sources and the
+# portable files, the Windows build the Windows files and the executable.
 
 # zuziptra_check(NAME COMMAND...)
 function(zuziptra_check name)

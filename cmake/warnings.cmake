@@ -1,4 +1,4 @@
-# The compile options of all our targets.
+# The compile options of all targets of this project.
 function(zuziptra_compile target)
     target_compile_features(${target} PUBLIC cxx_std_20)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
@@ -11,7 +11,7 @@ function(zuziptra_compile target)
         target_compile_options(${target} PRIVATE
             -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
             $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast -Wcast-function-type>
-            # The output does not depend on the folder in which the sources are.
+            # Keeps the output independent of the source folder.
             -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
     endif()
     if(WIN32)

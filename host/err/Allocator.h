@@ -6,13 +6,13 @@
 
 namespace zuerr {
 
-/// Resizes a block from std::malloc and keeps its content; a null block is allocated, and 0 bytes free it. If memory
-/// runs out, keeps the old block, returns null and raises -52000 into the record. Does nothing if the record already
-/// contains an error.
+/// Resizes a block from std::malloc and preserves its content; allocates one if it is null, frees it if `bytes` is 0.
+/// If memory runs out, returns null, leaves the old block valid and raises -52000 into the record. Does nothing if the
+/// record already contains an error.
 void* Reallocate(void* block, std::size_t bytes, StatusRecord& status) noexcept;
 
-/// A growable array of UTF-16 units for platform calls to write into. It reports through a status record and never
-/// throws. New units are zero.
+/// A growable array of UTF-16 units that platform calls fill. Reports through a status record and never throws. New
+/// units are zero.
 class WideBuffer {
 public:
     WideBuffer() = default;
@@ -20,7 +20,7 @@ public:
     WideBuffer(const WideBuffer&) = delete;
     WideBuffer& operator=(const WideBuffer&) = delete;
 
-    /// Returns false, and leaves the content unchanged, if the record contains or gets an error.
+    /// Returns false, with the content unchanged, if the record already contains an error or memory runs out.
     bool resize(std::size_t count, StatusRecord& status) noexcept;
 
     [[nodiscard]] char16_t* data() noexcept { return data_; }

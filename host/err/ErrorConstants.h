@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// The status codes of the program: 0 is success, a negative code an error, a positive one a warning.
-/// A code and the text that a report contains for it under "error_constant" always travel together.
+/// Each error code comes with the text that reports contain for it as "error_constant".
 namespace zuerr {
 
 struct ErrorConstant {
@@ -23,19 +23,20 @@ inline constexpr ErrorConstant insufficientPermissions{-52026, "zukesterr_insuff
 /// The component that every report of this program names.
 inline constexpr const char* hostComponent = "zuZiptraRemoteService";
 
-/// The place that a report names as its source. Support staff look these values up (docs/codes.md), so they are
-/// constants maintained by hand: they stay the same when the code around a raise moves.
+/// The source location that a report names. Support staff look these values up (docs/codes.md), so they are constants
+/// maintained by hand: they stay the same when the code around a raise moves.
 struct RaiseSite {
     const char* file;
     std::int32_t line;
 };
 
-/// What a raise reports. A file that raises names its reports as constants at its top. The texts are borrowed.
+/// The fixed part of a report. A file that raises errors defines its reports as named constants at the top. The texts
+/// are borrowed.
 struct RaiseReport {
     constexpr RaiseReport(const ErrorConstant& errorConstant, const RaiseSite& raiseSite)
         : code(errorConstant.code), constant(errorConstant.text), site(raiseSite), component(hostComponent) {}
 
-    /// For a code that is known only when it is raised. A null constant or component is left out of the report.
+    /// For a code that is known only at run time. A null constant or component is omitted from the report.
     constexpr RaiseReport(const char* constantText, const RaiseSite& raiseSite,
                           const char* componentText = hostComponent)
         : code(0), constant(constantText), site(raiseSite), component(componentText) {}

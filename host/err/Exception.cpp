@@ -8,13 +8,13 @@
 namespace zuerr {
 namespace {
 
-/// By how much foreign throws have made std::uncaught_exceptions() too low on this thread: 0 or below.
+/// How far foreign throws have shifted this thread's std::uncaught_exceptions(): 0 or negative.
 thread_local int foreignShortfall = 0;
 
 int propagatingExceptions() noexcept { return std::uncaught_exceptions() - foreignShortfall; }
 
-/// Fills the thrown object in place: with nothing to destroy in Raise, the stack unwinds faster.
-Exception made(const RaiseReport& report, std::int32_t code) noexcept {
+/// Separate from Raise, which then has nothing to destroy, so that the stack unwinds faster.
+Exception makeException(const RaiseReport& report, std::int32_t code) noexcept {
     Exception exception;
     RaiseInto(exception.record, code, report);
     return exception;
@@ -29,7 +29,7 @@ const char* Exception::what() const noexcept {
     return text == nullptr ? "{}" : text;
 }
 
-void Raise(const RaiseReport& report, std::int32_t code) { throw made(report, code); }
+void Raise(const RaiseReport& report, std::int32_t code) { throw makeException(report, code); }
 
 void ThrowIfFailed(StatusRecord& record) {
     Exception exception;
@@ -64,7 +64,7 @@ bool ExceptionIsPropagating() noexcept { return propagatingExceptions() > 0; }
 ForeignCallGuard::ForeignCallGuard() noexcept : before_(propagatingExceptions()) {}
 
 ForeignCallGuard::~ForeignCallGuard() {
-    // A higher count means that an exception of ours is propagating; the catch to come counts it.
+    // A higher count means that an exception of our own is propagating; its handler will lower the count.
     foreignShortfall += std::min(propagatingExceptions() - before_, 0);
 }
 

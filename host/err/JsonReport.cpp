@@ -9,7 +9,7 @@
 namespace zuerr {
 namespace {
 
-/// For each byte the letter that follows the backslash where it is escaped, 0 where it is copied.
+/// Maps each byte to the letter that follows the backslash in its escape, or to 0 if it is copied.
 constexpr auto escapeLetters = [] {
     std::array<char, 256> letters{};
     letters['\b'] = 'b';
@@ -68,15 +68,16 @@ bool closesEmptyContainer(const char* cursor) noexcept {
     return isOpener(*previous) && closerOf(*previous) == *cursor;
 }
 
-/// Opens a gap for `bytes` characters and the comma that they need. Returns where to write them, or null.
-char* makeRoom(char* cursor, std::size_t bytes) noexcept {
+/// Opens a gap for `bytes` characters and a comma if they need one. Returns where to write them, or null if the buffer
+/// is too small.
+char* openGap(char* cursor, std::size_t bytes) noexcept {
     const bool atStart = isOpener(*cursor);
     char* const insertion = atStart ? cursor + 1 : cursor;
     const bool alone = *insertion == 0 || opensEmptyContainer(cursor) || closesEmptyContainer(cursor);
     const std::size_t needed = bytes + (alone ? 0 : 1);
 
     const std::size_t rest = std::strlen(insertion);
-    // The free room ends at the sentinel.
+    // The free space ends at the sentinel.
     if (std::memchr(insertion + rest + 1, jsonSentinel, needed) != nullptr) return nullptr;
 
     std::memmove(insertion + needed, insertion, rest + 1);
@@ -94,7 +95,7 @@ template <class Write>
 char* addMember(char* cursor, const char* key, std::size_t valueLength, Write write) noexcept {
     if (cursor == nullptr) return nullptr;
     const std::size_t keyLength = key == nullptr ? 0 : escapedLength(key) + std::strlen("\"\":");
-    char* out = makeRoom(cursor, keyLength + valueLength);
+    char* out = openGap(cursor, keyLength + valueLength);
     if (out == nullptr) return nullptr;
     if (key != nullptr) {
         out = writeQuoted(out, key);
@@ -146,7 +147,7 @@ public:
     }
 
 private:
-    /// Deeper nesting is refused: a report has two levels, and the scanner must not allocate memory.
+    /// Deeper nesting is rejected: a report has two levels, and the scanner must not allocate memory.
     static constexpr std::size_t maximumDepth = 1024;
 
     void skipBlanks() noexcept {

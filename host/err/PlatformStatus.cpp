@@ -14,8 +14,8 @@ static_assert(offsetof(PlatformStatus, file) == 18 && sizeof(PlatformStatus::fil
 static_assert(offsetof(PlatformStatus, line) == 120 && sizeof(PlatformStatus::line) == 4);
 static_assert(offsetof(PlatformStatus, extension) == 128 && sizeof(PlatformStatus::extension) == 8);
 
-/// Free bytes that a converted record has before each member is written: enough for any of them.
-constexpr std::size_t memberRoom = 258;
+/// Bytes that are reserved before each member is written: enough for any of them.
+constexpr std::size_t bytesPerMember = 258;
 
 template <std::size_t size>
 void setText(std::array<char, size>& field, std::string_view text) noexcept {
@@ -23,7 +23,7 @@ void setText(std::array<char, size>& field, std::string_view text) noexcept {
     text.copy(field.data(), size - 1);
 }
 
-/// Cuts the middle out of a path that is too long: the drive and the file name say most.
+/// Removes the middle of a path that is too long: the drive and the file name are its most useful parts.
 void setPath(std::array<char, 101>& field, std::string_view path) noexcept {
     constexpr std::size_t kept = 49;
     setText(field, path);
@@ -32,10 +32,10 @@ void setPath(std::array<char, 101>& field, std::string_view path) noexcept {
     path.copy(field.data() + kept + 2, kept, path.size() - kept);
 }
 
-/// Returns a chain for one member, with room for any; one that writes nothing if there is no memory.
-JsonChain appendWithRoom(StatusRecord& record) noexcept {
+/// Reserves space for one member and returns a chain for it; the chain writes nothing if memory runs out.
+JsonChain reserveAndAppend(StatusRecord& record) noexcept {
     const std::size_t used = record.json == nullptr ? sizeof("{}") : std::strlen(record.json) + 1;
-    const bool enough = record.reallocJson(record, static_cast<std::uint32_t>(used + memberRoom + 1));
+    const bool enough = record.reallocJson(record, static_cast<std::uint32_t>(used + bytesPerMember + 1));
     return enough ? Append(record) : JsonChain(nullptr, nullptr, nullptr);
 }
 
@@ -56,10 +56,10 @@ void ConvertPlatformStatus(const PlatformStatus& platform, StatusRecord& record)
     if (platform.code == 0 || !SetCode(record, platform.code)) return;
     if (platform.size < PlatformStatus::fullSize) return;
     if (platform.file[0] != 0) {
-        if (appendWithRoom(record).AddString("file", platform.file.data()).cursor() == nullptr) return;
-        if (appendWithRoom(record).AddInt("line", platform.line).cursor() == nullptr) return;
+        if (reserveAndAppend(record).AddString("file", platform.file.data()).cursor() == nullptr) return;
+        if (reserveAndAppend(record).AddInt("line", platform.line).cursor() == nullptr) return;
     }
-    if (platform.component[0] != 0) appendWithRoom(record).AddString("component", platform.component.data());
+    if (platform.component[0] != 0) reserveAndAppend(record).AddString("component", platform.component.data());
 }
 
 }  // namespace zuerr

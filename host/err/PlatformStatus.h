@@ -7,10 +7,10 @@
 
 namespace zuerr {
 
-/// The fixed-size status of the platform pieces (shared libraries, events): they report without allocating, and their
-/// caller turns the record into a StatusRecord or an exception.
+/// The fixed-size status of the platform modules (shared libraries, events), which report without allocating. Their
+/// caller converts the record to a StatusRecord or an exception.
 struct PlatformStatus {
-    /// Records that declare fewer bytes carry only a code.
+    /// Records that declare fewer bytes contain only a code.
     static constexpr std::uint32_t fullSize = 208;
 
     std::uint32_t size = fullSize;
@@ -26,8 +26,8 @@ struct PlatformStatus {
 /// Fills the record unless it already contains an error: the first error wins, and an error replaces a warning.
 void RaiseInto(PlatformStatus& record, std::int32_t code, const char* component, const RaiseSite& site) noexcept;
 
-/// Gives `record` the platform's code by SetCode's rule and, if it is taken, file, line and component as its report.
-/// The first member for which there is no memory is left out together with all that follow.
+/// Stores the platform's code in `record` as SetCode does and, if it was stored, writes file, line and component to the
+/// report. If memory runs out, the current member and all later ones are skipped.
 void ConvertPlatformStatus(const PlatformStatus& platform, StatusRecord& record) noexcept;
 
 }  // namespace zuerr

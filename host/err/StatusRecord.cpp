@@ -23,7 +23,7 @@ std::uint32_t roundedCapacity(std::uint32_t request) noexcept {
     return capacity;
 }
 
-/// How a JsonChain grows: doubles the record's buffer and returns the cursor's position in the new one.
+/// The chain's growth function: doubles the record's buffer and returns the cursor's position in the new one.
 char* growRecord(void* argument, const char* cursor) noexcept {
     StatusRecord& record = *static_cast<StatusRecord*>(argument);
     if (record.capacity > largestToGrow) return nullptr;
@@ -83,7 +83,7 @@ bool Copy(StatusRecord& destination, StatusRecord& source) noexcept {
         return true;
     }
     const char* const text = source.json == nullptr ? "{}" : source.json;
-    // The text, its terminator and the sentinel were in the source's buffer, so their size has 32 bits.
+    // The text, its terminator and the sentinel were in the source's buffer, so their size fits 32 bits.
     const auto needed = static_cast<std::uint32_t>(std::strlen(text) + 2);
     if (destination.reallocJson(destination, needed)) CopyText(destination.json, destination.capacity, text);
     return true;

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-/// While it exists, loading a damaged library on this thread fails at once instead of displaying a message box and
-/// waiting for someone to close it, which a service has nobody for. Read the error of a failed load before it is
-/// destroyed. Thread: create and destroy it on the same one.
+/// While an object exists, loading a damaged library on its thread fails at once instead of displaying a message box,
+/// which no user of a service could close. Read the error of a failed load before destroying the object. Thread: create
+/// and destroy an object on the same thread.
 class tErrorMode {
 public:
     tErrorMode() noexcept;

@@ -1,5 +1,5 @@
-// Never shipped: lets the portable core load plug-ins under native tools. The loader explains its failures in words, so
-// the error numbers are those of Windows; the libraries that a library depends on are found by its own run path.
+// Never shipped: lets the portable core load plug-ins under native tools. dlerror returns text instead of numbers, so
+// the error numbers are those of Windows; a library's dependencies are found through its own run path.
 #include <dlfcn.h>
 
 #include "quarks/library.h"
@@ -14,7 +14,7 @@ constexpr std::uint32_t procedureNotFound = 127;
 }  // namespace
 
 tHandle load(const char* path, std::uint32_t& osError) {
-    // For dlopen an empty path is the program itself.
+    // dlopen treats an empty path as the program itself.
     void* const library = *path == '\0' ? nullptr : dlopen(path, RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) osError = moduleNotFound;
     return library;

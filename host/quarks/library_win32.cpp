@@ -7,17 +7,17 @@
 namespace nLibrary {
 namespace {
 
-/// Returns the empty text for text that is not UTF-8.
+/// Returns an empty string if the text is not valid UTF-8.
 std::wstring wideFromUtf8(const std::string& text) {
     const int size = static_cast<int>(text.size());
-    // No text is longer in UTF-16 than in UTF-8.
+    // A text never has more UTF-16 units than UTF-8 bytes.
     std::wstring wide(text.size(), L'\0');
     const int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), size, wide.data(), size);
     wide.resize(static_cast<std::size_t>(length));
     return wide;
 }
 
-/// Returns the empty text where the code page lacks a character; one that merely looks alike does not count.
+/// Returns an empty string if the code page lacks one of the characters; a look-alike does not count.
 std::string narrowFromWide(const std::wstring& wide, UINT codePage) {
     constexpr std::size_t longestCharacter = 4;
     std::string narrow(wide.size() * longestCharacter, '\0');
@@ -28,8 +28,9 @@ std::string narrowFromWide(const std::wstring& wide, UINT codePage) {
     return narrow;
 }
 
-/// Returns the UTF-8 path as LoadLibraryExA reads it. The manifest asks for UTF-8, which Windows 10 heeds from version
-/// 1903 on; before that it is the machine's code page. Empty if a character would be lost.
+/// Returns the UTF-8 path in the encoding that LoadLibraryExA expects: UTF-8 since version 1903 of Windows 10, which
+/// honours the manifest's request, and the machine's code page before that. Returns an empty string if a character
+/// would be lost.
 std::string toSystemPath(const char* path) {
     const UINT codePage = GetACP();
     return codePage == CP_UTF8 ? path : narrowFromWide(wideFromUtf8(path), codePage);
@@ -43,7 +44,7 @@ tHandle load(const char* path, std::uint32_t& osError) {
         osError = ERROR_NO_UNICODE_TRANSLATION;
         return nullptr;
     }
-    // For a damaged library the system would otherwise display a message box and wait for an answer.
+    // Otherwise the system would display a message box for a damaged library and wait until it is closed.
     DWORD previousMode = 0;
     SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previousMode);
     const HMODULE module = LoadLibraryExA(systemPath.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The process's own access list.
+/// Who may access this process.
 namespace nProcessAccess {
 
 /// Replaces the process's access list with one entry that lets everyone query it (whether it runs, its exit code and

@@ -13,7 +13,7 @@ namespace {
 using tProcess = std::unique_ptr<void, tCloser<CloseHandle>>;
 using tAccessList = std::unique_ptr<ACL, tCloser<LocalFree>>;
 
-/// Everyone may query the process. The entry refers to the SID.
+/// Returns the entry that lets everyone query the process. It points to the SID.
 EXPLICIT_ACCESS_A queryEntry(SID& everyone) {
     EXPLICIT_ACCESS_A entry{};
     entry.grfAccessPermissions = PROCESS_QUERY_INFORMATION;
@@ -23,11 +23,11 @@ EXPLICIT_ACCESS_A queryEntry(SID& everyone) {
     entry.Trustee.MultipleTrusteeOperation = NO_MULTIPLE_TRUSTEE;
     entry.Trustee.TrusteeForm = TRUSTEE_IS_SID;
     entry.Trustee.TrusteeType = TRUSTEE_IS_USER;
-    entry.Trustee.ptstrName = reinterpret_cast<char*>(&everyone);  // where this form of trustee expects it
+    entry.Trustee.ptstrName = reinterpret_cast<char*>(&everyone);  // with TRUSTEE_IS_SID
     return entry;
 }
 
-/// A list of that one entry; null if the system cannot build it.
+/// Returns a list with only that entry, or null if the system cannot build it.
 tAccessList makeAccessList() {
     SID everyone{SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
     EXPLICIT_ACCESS_A entry = queryEntry(everyone);

@@ -1,10 +1,10 @@
 #pragma once
 
-/// A manual-reset event, unnamed and with default security: set once, it lets every wait through from then on.
+/// A manual-reset event, unnamed and with default security. Once it is set, no wait blocks any more.
 class tEvent {
 public:
-    /// Not signalled. Throws zuerr::Exception (-52008) if the system has no event available. While another exception is
-    /// propagating nothing is thrown; the event is then of no use: setting it does nothing and no wait on it blocks.
+    /// Creates the event unsignalled. Throws zuerr::Exception (-52008) if the system cannot create it, except while
+    /// another exception is propagating: then set does nothing and wait does not block.
     tEvent();
     ~tEvent() noexcept(false);
     tEvent(const tEvent&) = delete;
@@ -16,5 +16,5 @@ public:
     void wait();
 
 private:
-    void* handle_;  ///< the system's; owned, null if there is none
+    void* handle_;  ///< the system's handle; owned, or null
 };

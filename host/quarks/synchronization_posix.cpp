@@ -1,4 +1,4 @@
-// Never shipped: lets the portable core run under native tools. A flag that can be waited for stands in for the event.
+// Never shipped: lets the portable core run under native tools. An atomic flag replaces the event.
 #include <atomic>
 
 #include "quarks/synchronization.h"

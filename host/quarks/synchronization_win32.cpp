@@ -21,7 +21,7 @@ tEvent::~tEvent() noexcept(false) {
     handle_ = nullptr;
 }
 
-// Both calls refuse a null handle at once.
+// Both calls fail at once for a null handle.
 void tEvent::set() { SetEvent(handle_); }
 
 void tEvent::wait() { WaitForSingleObject(handle_, INFINITE); }

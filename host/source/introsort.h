@@ -7,18 +7,19 @@
 #include <utility>
 
 /// A sort for predicates that need not be consistent. std::sort requires a strict weak order and may run out of bounds
-/// without one; this one stays within the range, ends and loses no element whatever the predicate returns, even if it
-/// throws. The result depends on the input and the answers alone, not on the toolchain. It is not stable.
+/// without one; this one stays within the range, terminates and loses no element whatever the predicate returns, even
+/// if it throws. The result depends only on the input and the predicate's answers, not on the toolchain. It is not
+/// stable.
 ///
-/// `before(a, b)` returns whether a precedes b. Where the partitions are so bad that 1.5 * log2(n) of them are nested,
-/// a heap sort takes over, so that no input costs quadratic time.
+/// `before(a, b)` returns whether a precedes b. If partitions are so uneven that they nest 1.5 * log2(n) levels deep, a
+/// heap sort takes over, so that no input takes quadratic time.
 namespace nIntrosort {
 
 /// Ranges of at most this length are sorted by insertion.
 inline constexpr std::size_t insertionLimit = 32;
 
-/// Each element is compared with the first one: if it precedes that, it becomes the first, otherwise it moves towards
-/// the front for as long as it precedes its neighbour.
+/// Compares each element with the first one: if it precedes that, it becomes the first; otherwise it moves towards the
+/// front for as long as it precedes its neighbour.
 template <class T, class Before>
 void insertionSort(std::span<T> range, Before& before) {
     for (std::size_t i = 1; i < range.size(); ++i) {
@@ -52,7 +53,7 @@ void heapSort(std::span<T> range, Before& before) {
     }
 }
 
-/// Makes the middle one of the first, the middle and the last element the first.
+/// Moves the median of the first, the middle and the last element to the front.
 template <class T, class Before>
 void moveMedianToFront(std::span<T> range, Before& before) {
     T& first = range.front();
@@ -71,7 +72,7 @@ std::size_t partition(std::span<T> range, Before& before) {
     std::size_t low = 1;
     std::size_t high = range.size() - 1;
     for (;;) {
-        // An inconsistent predicate can let either scan pass the pivot's true place, so both look at where they are.
+        // An inconsistent predicate can let either scan pass the pivot's true place, so both check their bounds.
         while (low <= high && before(range[low], range[0])) ++low;
         while (low <= high && before(range[0], range[high])) --high;
         if (low >= high) break;

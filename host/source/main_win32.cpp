@@ -20,7 +20,7 @@ constexpr const char* usage =
 
 int lastError() noexcept { return static_cast<int>(GetLastError()); }
 
-/// A help argument counts in any position; there are no other options.
+/// A help argument is recognised in any position; there are no other options.
 int handleArguments(int argumentCount, char** arguments) {
     for (int i = 1; i < argumentCount; ++i) {
         const std::string_view argument = arguments[i];
@@ -33,8 +33,8 @@ int handleArguments(int argumentCount, char** arguments) {
     return -1;
 }
 
-/// The exit code is the thread's last error at the end, whichever call set it, so nothing may come between the last
-/// call and reading it.
+/// The exit code is the thread's last error, whichever call set it, so no call may be made between the last one and
+/// reading the error.
 int runInForeground() {
     if (SetConsoleCtrlHandler(earlyConsoleHandler, TRUE) == FALSE) return lastError();
     const std::int32_t started = startService();
@@ -54,8 +54,8 @@ int runInForeground() {
 
 }  // namespace
 
-/// The dispatcher succeeds only in a process that the Service Control Manager has started, which tells the two modes
-/// apart; the arguments are not examined before.
+/// The dispatcher succeeds only in a process that the Service Control Manager has started, which distinguishes the two
+/// modes. The arguments must not be examined earlier.
 int main(int argumentCount, char** arguments) {
     char name[] = "zuZiptraRemoteService";  // the table requires it to be writable
     const SERVICE_TABLE_ENTRYA table[] = {{name, serviceMain}, {nullptr, nullptr}};

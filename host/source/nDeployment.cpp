@@ -15,7 +15,7 @@ constexpr std::uint32_t connectionFlag = 1;
 constexpr std::uint32_t resourceSelector = 1;
 constexpr std::uint32_t deploymentSetting = 0x13000000;
 
-/// Returns false if the object does not tell; the holder is then unchanged.
+/// Returns false, with the holder unchanged, if the object refuses.
 bool askIdentity(nZusysapi::Object& object, tHolder<nZusysapi::Object>& identity) {
     return identity.acquire([&object](nZusysapi::Object** out) {
         void* returned = nullptr;
@@ -28,7 +28,7 @@ bool askIdentity(nZusysapi::Object& object, tHolder<nZusysapi::Object>& identity
 }  // namespace
 
 bool isSameObject(nZusysapi::Object& left, nZusysapi::Object& right) {
-    // Both are held until they have been compared: the address of a released object may be reused for another one.
+    // Both are held until they have been compared: the address of a released object may be reused.
     tHolder<nZusysapi::Object> leftIdentity;
     tHolder<nZusysapi::Object> rightIdentity;
     if (!askIdentity(left, leftIdentity) || !askIdentity(right, rightIdentity)) return &left == &right;

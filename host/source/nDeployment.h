@@ -18,15 +18,15 @@ struct DeploymentSettingNotFound : std::runtime_error {
 
 }  // namespace zuZiptraRemoteService
 
-/// Asks the machine's system-configuration framework whether remote deployment is allowed. Every object of the
+/// Queries the machine's system-configuration framework for whether remote deployment is allowed. Every object of the
 /// framework is released before a query returns. Thread: one at a time.
 namespace nDeployment {
 
-/// Returns whether two references are to one object: whether both return the same pointer when asked for their
-/// identity. An object that refuses to tell is identified by the reference itself.
+/// Returns whether two references denote the same object: whether both return the same identity pointer. If either
+/// refuses to return one, the references themselves are compared.
 [[nodiscard]] bool isSameObject(nZusysapi::Object& left, nZusysapi::Object& right);
 
-/// A counted reference to one of the framework's objects, or none. Released on destruction.
+/// A counted reference to one of the framework's objects, or empty. Releases it on destruction.
 template <class Interface>
 class tHolder {
 public:
@@ -40,9 +40,9 @@ public:
     [[nodiscard]] Interface* get() const noexcept { return object_; }
     Interface* operator->() const noexcept { return object_; }
 
-    /// Makes a call that returns an object through its argument, and holds that object instead of the present one.
-    /// Returns false, with nothing changed, if the call fails or returns no object. A positive result is a failure
-    /// too, but one that may come with an object, which is released; after a negative one the pointer means nothing.
+    /// Makes a call that returns an object through its argument, and stores that object in place of the current one.
+    /// Returns false, with nothing changed, if the call fails or returns no object. A positive result is a failure too;
+    /// an object returned with it is released. After a negative result the pointer is ignored.
     template <class Call>
     bool acquire(Call call) {
         tHolder acquired;
@@ -53,7 +53,7 @@ public:
         return true;
     }
 
-    /// Refers to this object, with a reference of its own. Changes nothing if it already refers to the same object.
+    /// Stores this object and adds a reference to it. Does nothing if the same object is already stored.
     void assign(Interface& object) {
         if (object_ != nullptr && isSameObject(*object_, object)) return;
         if (object_ != nullptr) object_->release();
@@ -65,15 +65,15 @@ private:
     Interface* object_ = nullptr;
 };
 
-/// One attempt to reach the resource that contains the setting. Returns false if any step of it fails; the holders are
-/// then unchanged and nothing else is held.
+/// Makes one attempt to reach the resource that contains the setting. Returns false if any step fails; the holders are
+/// then unchanged, and every other reference has been released.
 bool ConnectFramework(tHolder<nZusysapi::Framework>& framework, tHolder<nZusysapi::Resource>& resource);
 
-/// Makes up to seven attempts, each failed one, the last included, followed by a pause of ten seconds: 70 seconds at
-/// worst. Throws CannotInitSystemFramework.
+/// Makes up to seven attempts and pauses for ten seconds after each failure, including the last: 70 seconds at worst.
+/// Throws CannotInitSystemFramework if every attempt fails.
 void ConnectWithRetry(tHolder<nZusysapi::Framework>& framework, tHolder<nZusysapi::Resource>& resource);
 
-/// Returns whether the setting is anything but 0. Throws either exception above.
+/// Returns whether the setting is not 0. Throws CannotInitSystemFramework or DeploymentSettingNotFound.
 [[nodiscard]] bool IsDeploymentAllowed();
 
 }  // namespace nDeployment

@@ -19,14 +19,14 @@ HMODULE loadFramework() {
                                            LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (library != nullptr || GetLastError() != ERROR_INVALID_PARAMETER) return library;
 
-    // Windows 7 without its update KB2533623 does not know these flags: the same folders, one by one.
+    // Windows 7 without update KB2533623 rejects these flags: try the same folders one by one.
     const HMODULE besideTheExecutable = loadFrom(nStdPath::applicationFolder());
     return besideTheExecutable != nullptr ? besideTheExecutable : loadFrom(nStdPath::systemFolder());
 }
 
 nZusysapi::InstantiateFramework2 findEntry(HMODULE library) noexcept {
     const FARPROC entry = GetProcAddress(library, nZusysapi::entryName);
-    // Through void*: compilers warn of a cast between function types that differ.
+    // Cast through void*: compilers warn about casts between different function types.
     return reinterpret_cast<nZusysapi::InstantiateFramework2>(reinterpret_cast<void*>(entry));
 }
 

@@ -18,7 +18,7 @@
 namespace nPluginData {
 namespace {
 
-// The order of the fields; how long texts and lists are is the library's business.
+// Checks only the order of the fields: the sizes of strings and vectors depend on the standard library.
 static_assert(offsetof(tPluginDescription, name) < offsetof(tPluginDescription, dependencies) &&
               offsetof(tPluginDescription, dependencies) < offsetof(tPluginDescription, requiresMask) &&
               offsetof(tPluginDescription, requiresMask) < offsetof(tPluginDescription, path) &&
@@ -29,7 +29,7 @@ static_assert(sizeof(tPluginDescription::requiresMask) == 4);
 
 constexpr const char* sourceFile = ".\\source\\nPluginData";
 
-/// Returns the empty text when the section or the key is missing.
+/// Returns an empty string if the section or the key is missing.
 std::string lookUp(nIni::tDocument& document, const char* name) {
     nIni::tSection* const section = nIni::findSection(document, "Service");
     if (section == nullptr) return {};
@@ -39,9 +39,9 @@ std::string lookUp(nIni::tDocument& document, const char* name) {
     return std::string(key->value);
 }
 
-/// The C library's reading of "%u" is the rule: a sign wraps around, and text after the digits is ignored. Its scanf
-/// reads numbers with strtoul. Called directly, strtoul allocates nothing; the scanf of one Windows compiler does, and
-/// does not check the result.
+/// Parses like scanf's "%u": a negative number wraps around, and text after the digits is ignored. The C library's
+/// scanf reads numbers with strtoul, which allocates nothing when called directly; the scanf of one Windows compiler
+/// does allocate, and does not check the result.
 std::uint32_t toRequiresMask(const std::string& value) {
     if (value.empty()) return tPluginDescription{}.requiresMask;
     return static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 10));
@@ -78,7 +78,8 @@ void listPlugins(std::vector<std::string>& files) {
 void listDescriptionFiles(const boost::filesystem::path& directory, const boost::filesystem::path& extension,
                           std::vector<std::string>& files) {
     boost::system::error_code ignored;
-    // Zeros come from registry values of several texts. The system would treat the part preceding the zero as the path.
+    // A registry value of several texts contains zeros. The system would treat the part preceding the first one as the
+    // path.
     const bool hasZero =
         directory.native().find(boost::filesystem::path::value_type{}) != boost::filesystem::path::string_type::npos;
     if (hasZero || !boost::filesystem::is_directory(directory, ignored)) {

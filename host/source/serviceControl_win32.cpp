@@ -13,7 +13,7 @@ namespace {
 
 constexpr DWORD stopHintMs = 5000;
 
-// A report is seven numbers without gaps.
+// A report is seven numbers without padding.
 static_assert(sizeof(SERVICE_STATUS) == 7 * sizeof(DWORD) && offsetof(SERVICE_STATUS, dwWaitHint) == 6 * sizeof(DWORD));
 
 /// The fields in which the reports of this service differ.
@@ -33,7 +33,7 @@ void report(const tReport& fields) noexcept {
     SetServiceStatus(static_cast<SERVICE_STATUS_HANDLE>(gStatusHandle), &status);
 }
 
-/// A busy wait is enough: the control handler holds the lock for the length of one report.
+/// A busy wait is enough: the control handler holds the lock only for the duration of one report.
 void takeStatusLock() noexcept {
     std::int32_t free = 0;
     while (!gStatusLock.compare_exchange_strong(free, 1)) free = 0;
@@ -54,7 +54,7 @@ void serviceMain(unsigned long /*argumentCount*/, char** arguments) {
     }
     report({.state = SERVICE_RUNNING, .controlsAccepted = SERVICE_ACCEPT_STOP | SERVICE_ACCEPT_SHUTDOWN});
     runService();
-    takeStatusLock();  // for good: the service object is about to be destroyed
+    takeStatusLock();  // never freed: the service object is about to be destroyed
     report({.state = SERVICE_STOP_PENDING, .checkpoint = 2, .waitHintMs = stopHintMs});
     stopService();
     report({.state = SERVICE_STOPPED});

@@ -21,7 +21,7 @@ std::FILE* open(const std::string& path) { return std::fopen(nativePath(path).c_
 bool remove(const std::string& path) { return std::remove(nativePath(path).c_str()) == 0; }
 
 bool rename(const std::string& from, const std::string& to) {
-    // rename() would replace a file that is there, which the Windows call does not.
+    // Unlike the Windows call, rename() would replace an existing file.
     return link(nativePath(from).c_str(), nativePath(to).c_str()) == 0 && unlink(nativePath(from).c_str()) == 0;
 }
 

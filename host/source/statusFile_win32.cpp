@@ -9,12 +9,12 @@
 namespace nStatusFile {
 namespace {
 
-/// Returns the path for the wide calls, empty if it cannot be converted. Invalid UTF-8 is refused: with replacement
-/// characters in its place the path would name some other file.
+/// Returns the path for the wide calls, or an empty string if it cannot be converted. Invalid UTF-8 is rejected: with
+/// replacement characters the path would name a different file.
 std::wstring widen(const std::string& path) {
-    const auto convert = [&path](wchar_t* wide, int room) {
+    const auto convert = [&path](wchar_t* wide, int capacity) {
         return MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, path.data(), static_cast<int>(path.size()), wide,
-                                   room);
+                                   capacity);
     };
     const int size = convert(nullptr, 0);
     if (size <= 0) return {};

@@ -10,7 +10,7 @@
 
 namespace {
 
-// The order of the fields; how long texts and lists are is the library's business.
+// Checks only offsets: the sizes of strings and vectors depend on the standard library.
 static_assert(offsetof(tPluginEntry, library) == 0 && offsetof(tPluginEntry, description) == sizeof(tSharedLibrary));
 constexpr std::size_t codes = offsetof(tPluginEntry, initCode);
 static_assert(codes == sizeof(tSharedLibrary) + sizeof(tPluginDescription));
@@ -23,8 +23,8 @@ constexpr zuerr::RaiseReport featureMissing{zuerr::featureUnsupported, {sourceFi
 constexpr zuerr::RaiseReport dependencyMissing{zuerr::resourceNotFound, {sourceFile, 48}};
 constexpr zuerr::RaiseReport initializeFailed{"pluginStatus", {sourceFile, 55}};
 
-/// Starts the plug-in and notes that it has started. Throws when it cannot be started; its library may then be loaded.
-/// All memory is allocated before the plug-in's own code runs, so that no plug-in is initialised and then given up.
+/// Starts the plug-in and records that in `started`. Throws if it cannot be started; its library may then be loaded.
+/// All memory is allocated before the plug-in's own code runs, so that no plug-in is initialised and then abandoned.
 void start(tPluginEntry& entry, const tPluginDescription& description, std::uint32_t allowedMask,
            nPluginStart::tStarted& started) {
     entry.description = description;
@@ -39,10 +39,11 @@ void start(tPluginEntry& entry, const tPluginDescription& description, std::uint
     started.at(description.name) = true;
 }
 
-/// Makes a call that may lead into a plug-in. Returns the code of the exception that it throws, nullopt if it returns.
+/// Makes a call that may run a plug-in's code. Returns the code of the exception that it throws, or nullopt if it
+/// returns.
 ///
-/// A plug-in may have made that exception, and its destructor is then code in the plug-in's library. It is destroyed
-/// when this returns: the library may be unloaded after that, not before.
+/// If the exception comes from a plug-in, its destructor is code in the plug-in's library. The exception is destroyed
+/// before this returns; only then may the library be unloaded.
 template <class Call>
 std::optional<std::int32_t> caughtCode(const Call& call) {
     const zuerr::ForeignCallGuard guard;

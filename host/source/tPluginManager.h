@@ -19,26 +19,27 @@ struct tPluginEntry {
     std::uint64_t cleanupTimeMs = 0;
 };
 
-/// Starts, stops and cleans up the plug-ins on the caller's thread, one after another. One plug-in's failure is stored
-/// as a code in its entry, and only the plug-ins that depend on it fail with it. An exception from a plug-in is such a
-/// failure if zuerr::CurrentExceptionCode knows its type; any other passes through.
+/// Starts, stops and cleans up the plug-ins on the caller's thread, one after another. A plug-in's failure is stored as
+/// a code in its entry and affects only the plug-ins that depend on it. An exception from a plug-in is such a failure
+/// if zuerr::CurrentExceptionCode knows its type; any other exception propagates.
 class tPluginManager {
 public:
-    /// Starts the plug-ins in the order given and appends an entry for each, started or not. An init code of -52002:
-    /// nothing that it requires is in allowedMask; -52006: a dependency has not started in this call before it;
-    /// -52005: its library does not load or lacks an entry; -52000: memory ran out, and the entry may lack parts of the
-    /// description; otherwise the code is the plug-in's own.
-    /// Throws zuerr::Exception (-52005) when a failed plug-in cannot be unloaded, without an entry for it. Throws
-    /// std::bad_alloc, with nothing started, when there is no memory for the entries.
+    /// Starts the plug-ins in the order given and appends an entry for each, started or not. Init codes: -52002 if no
+    /// feature that it requires is in allowedMask; -52006 if a dependency has not started earlier in this call; -52005
+    /// if its library cannot be loaded or lacks an entry; -52000 if memory ran out, in which case the entry may lack
+    /// parts of the description; otherwise the plug-in's own code.
+    /// Throws zuerr::Exception (-52005) if a failed plug-in cannot be unloaded; it then has no entry. Throws
+    /// std::bad_alloc, with nothing started, if there is no memory for the entries.
     void startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask);
 
     /// Calls every Stop entry, last started first.
     void stopAll();
 
-    /// Calls every Cleanup entry and unloads the library, last started first. If Cleanup throws, it stays loaded.
+    /// Calls every Cleanup entry and unloads the library, last started first. If Cleanup throws, the library stays
+    /// loaded.
     void cleanupAll();
 
-    /// In start order.
+    /// Returns the entries in start order.
     [[nodiscard]] const std::vector<tPluginEntry>& entries() const noexcept { return entries_; }
 
     /// Returns a paragraph per plug-in, in start order, for people to read.

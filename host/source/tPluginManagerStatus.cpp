@@ -10,8 +10,8 @@ void writeDependencies(std::string& text, const std::vector<std::string>& depend
     }
 }
 
-/// The two lines of one entry-point call; none for a call that took no time and succeeded. The time is printed as 32
-/// bits, which wraps after 49.7 days.
+/// Writes the two lines of one entry-point call, or nothing if the call took no time and succeeded. The time is printed
+/// as 32 bits, so it wraps around after 49.7 days.
 void writeCall(std::string& text, const std::string& entryName, const char* fallbackLabel, std::uint64_t timeMs,
                std::int32_t code) {
     if (timeMs == 0 && code == 0) return;

@@ -16,8 +16,7 @@ static_assert(offsetof(tService, initTimeMs) == offsetof(tService, allowedMask) 
 static_assert(offsetof(tService, messages) == offsetof(tService, initTimeMs) + 8);
 static_assert(sizeof(tService::allowedMask) == 4 && sizeof(tService::initTimeMs) == 8);
 
-/// Runs the body of an entry point. Returns false if a std::exception ended it: the exception goes no further, and only
-/// the trace is interested in its code.
+/// Runs the body of an entry point. Returns false if it threw a std::exception, whose code is only traced.
 template <class Body>
 bool runContained(Body body) {
     try {
@@ -41,8 +40,8 @@ tService::tService() {
 tService::~tService() noexcept(false) { WriteStatus(*this); }
 
 std::int32_t startService() {
-    // With some compilers a thread's first call of this needs memory, and their libraries end the process if there is
-    // none: better now than in the middle of a run.
+    // With some compilers, a thread's first call of this allocates memory, and the process ends if there is none:
+    // better now than in the middle of a run.
     static_cast<void>(zuerr::ExceptionIsPropagating());
     const bool started = runContained([] {
         auto* const service = new tService;

@@ -8,39 +8,40 @@
 #include "source/tPluginManager.h"
 
 /// The running state of the program: one object, from start to stop. Its construction and destruction both write the
-/// status file. Thread: one for everything but signalServiceStop.
+/// status file. Thread: one for everything except signalServiceStop.
 class tService {
 public:
     /// Throws zuerr::Exception (-52008) if no event is available.
     tService();
-    /// Throws what the platform throws, which is nothing as a rule: WriteStatus keeps its failures to itself.
+    /// Throws only what the platform throws, normally nothing: WriteStatus handles its own failures.
     ~tService() noexcept(false);
     tService(const tService&) = delete;
     tService& operator=(const tService&) = delete;
 
     /// Lists, reads, orders, loads and starts the plug-ins, waits for stopEvent, and stops and cleans them up.
-    /// Returns at once, with the reason in messages, if there is no plug-in directory. Throws what the manager throws
-    /// if a plug-in cannot be unloaded, and std::bad_alloc; the run ends there.
+    /// Returns at once, with the reason in messages, if there is no plug-in directory. Throws zuerr::Exception if a
+    /// plug-in cannot be unloaded, and std::bad_alloc; the run then ends.
     void run();
 
     tEvent stopEvent;  ///< set once to end the run
     tPluginManager pluginManager;
     std::uint32_t allowedMask = 0xFFFFFFFF;  ///< features that plug-ins may require on this machine
-    std::uint64_t initTimeMs = 0;            ///< time that preparing the run took; 0 until measured
+    std::uint64_t initTimeMs = 0;            ///< time taken to prepare the run; 0 until measured
     std::string messages;                    ///< one line for each failure of the run
 
 private:
     [[nodiscard]] std::vector<tPluginDescription> readDescriptions(const std::vector<std::string>& descriptionPaths);
 };
 
-/// The one service object; owned, and null if there is none. Only the functions below create and destroy it.
+/// The only service object, or null; owned. Only the functions below create and destroy it.
 extern tService* gService;
 
-// The entry points that the platform calls. No std::exception leaves them: it is converted to its code and ends there.
+// The entry points that the platform calls. No std::exception leaves them: it is converted to its code, which is
+// traced.
 
-/// Returns 0, or -1 if no new object could be built; an earlier one is then unchanged. Otherwise it is replaced.
+/// Creates the service and destroys an earlier one. Returns 0, or -1 if that fails; an earlier one is then unchanged.
 std::int32_t startService();
-/// Returns when the stop event is set, or earlier if there is nothing to run. Requires: a started service.
+/// Requires: a started service. Returns when the stop event is set, or earlier if the run fails.
 void runService();
 /// Destroys the service, if there is one. If its destruction throws, gService is left as it was.
 void stopService();
@@ -51,11 +52,12 @@ void signalServiceStop();
 /// unchanged and appends the reason to the service's messages as a line.
 void ApplyDeploymentSetting(tService& service);
 
-/// Renders the service's state and replaces the status file with it. No std::exception leaves it: a status file that
-/// cannot be written does not stop the service.
+/// Formats the service's state as text and replaces the status file with it. No std::exception leaves this function:
+/// the service continues if the status file cannot be written.
 void WriteStatus(const tService& service);
 
-/// Replaces directory\name with the text as a whole: a reader sees the old file, the new one or, for a moment, none.
-/// Paths are UTF-8. Lines end with CR LF on the disk. Throws zuerr::Exception: -52026 if the temporary file cannot be
-/// opened or renamed, -52008 if it cannot be written.
+/// Replaces the whole of directory
+/// ame with the text: a reader sees the old file, the new one or, briefly, none. Paths are UTF-8. Lines end with CR LF
+/// on disk. Throws zuerr::Exception: -52026 if the temporary file cannot be opened or renamed, -52008 if it cannot be
+/// written.
 void WriteStatusFile(const std::string& directory, const std::string& name, const std::string& text);

@@ -4,13 +4,13 @@
 
 namespace {
 
-/// The bit of the allowed mask that stands for deployment.
+/// The bit for deployment in the allowed mask.
 constexpr std::uint32_t deploymentFeature = 2;
 
 }  // namespace
 
 void ApplyDeploymentSetting(tService& service) {
-    const zuerr::ForeignCallGuard guard;  // the framework throws from another C++ runtime
+    const zuerr::ForeignCallGuard guard;  // the framework may have its own C++ runtime
     try {
         if (!nDeployment::IsDeploymentAllowed()) service.allowedMask &= ~deploymentFeature;
     } catch (const std::exception& exception) {

@@ -29,7 +29,7 @@ void tService::run() {
     WriteStatus(*this);
 }
 
-/// A file that cannot be read affects no plug-in but its own.
+/// A file that cannot be read affects only its own plug-in.
 std::vector<tPluginDescription> tService::readDescriptions(const std::vector<std::string>& descriptionPaths) {
     std::vector<tPluginDescription> descriptions;
     descriptions.reserve(descriptionPaths.size());

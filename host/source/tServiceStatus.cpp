@@ -25,7 +25,7 @@ std::string statusText(const tService& service) {
     std::string text = "ZU-Ziptra Remote Configuration and Deployment status\n";
     text.append("Updated: ").append(nStatusFile::currentTimeText());  // ends with a line break
     text.append("Allowed: 0x").append(hexadecimal(service.allowedMask)).append("\n");
-    // 32 bits, as in the lines of the plug-ins: the number wraps around after 49.7 days.
+    // 32 bits, as in the plug-ins' lines: the number wraps around after 49.7 days.
     const std::string initTime = std::to_string(static_cast<std::uint32_t>(service.initTimeMs));
     if (service.initTimeMs != 0) text.append("Init Time ").append(initTime).append(" ms\n");
     return text.append("\n").append(service.messages).append(service.pluginManager.statusText());
@@ -38,7 +38,7 @@ void writeTextFile(const std::string& path, std::string text) {
     tFile file(nStatusFile::open(path));
     if (!file) zuerr::Raise(openFailed);
 
-    std::erase(text, '\r');  // text mode adds one to every line feed and would double the present ones
+    std::erase(text, '\r');  // text mode adds one to every line feed and would double existing ones
     if (std::fwrite(text.data(), 1, text.size(), file.get()) < text.size()) zuerr::Raise(writeFailed);
     // fclose flushes the rest, so a full disk may only be detected here. A truncated file must not replace a whole one.
     if (std::fclose(file.release()) != 0) zuerr::Raise(writeFailed);
@@ -64,6 +64,6 @@ void WriteStatusFile(const std::string& directory, const std::string& name, cons
     const std::string path = directory + "\\" + name;
     const std::string temporaryPath = directory + "\\." + name + ".tmp";
     writeTextFile(temporaryPath, text);
-    nStatusFile::remove(path);  // there may be none
+    nStatusFile::remove(path);  // may fail: there may be no file yet
     if (!nStatusFile::rename(temporaryPath, path)) zuerr::Raise(renameFailed);
 }

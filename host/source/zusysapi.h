@@ -5,8 +5,8 @@
 
 /// The operations of the system-configuration library zusysapi.dll that this program uses. Its objects follow the
 /// conventions of COM (https://learn.microsoft.com/windows/win32/com/the-component-object-model): a table of functions
-/// whose first three slots are query interface, add reference and release. Operations return 0 on success; a returned
-/// object has a reference for the caller, who releases it. Slots that are not used here are named after their number.
+/// whose first three slots are query interface, add reference and release. Operations return 0 on success; the caller
+/// must release each object that is returned. Slots that are not used here are named after their number.
 namespace nZusysapi {
 
 using Result = std::int32_t;
@@ -23,7 +23,7 @@ static_assert(sizeof(InterfaceId) == 16 && alignof(InterfaceId) == 4);
 static_assert(offsetof(InterfaceId, data2) == 4 && offsetof(InterfaceId, data3) == 6 &&
               offsetof(InterfaceId, data4) == 8);
 
-/// The identity interface: two references are to one object exactly if both return the same pointer for it.
+/// The identity interface: two references denote the same object if and only if both return the same pointer for it.
 inline constexpr InterfaceId identity{0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 // The order of the functions is the binary interface. No virtual destructors: they would take a slot.
@@ -96,7 +96,7 @@ protected:
     ~Framework() = default;
 };
 
-/// The library's one export, zusysInstantiateFramework2, called with 1 and 0.
+/// The library's only export, zusysInstantiateFramework2, called with 1 and 0.
 using InstantiateFramework2 = Result (*)(std::uint32_t, std::uint32_t, Framework**);
 inline constexpr const char* libraryName = "zusysapi.dll";
 inline constexpr const char* entryName = "zusysInstantiateFramework2";

@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// The two folders that libraries may be loaded from by a name known in advance: absolute, without a trailing
-/// backslash, and empty if the system does not tell.
+/// The two folders from which well-known libraries may be loaded. Each function returns an absolute path without a
+/// trailing backslash, or an empty string if the system call fails.
 namespace nStdPath {
 
 [[nodiscard]] std::wstring applicationFolder();

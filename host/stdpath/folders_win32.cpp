@@ -12,7 +12,7 @@ constexpr DWORD longestPath = 32'767;
 std::wstring applicationFolder() {
     std::wstring path(longestPath, L'\0');
     const DWORD length = GetModuleFileNameW(nullptr, path.data(), longestPath);
-    if (length == longestPath) return {};  // cut
+    if (length == longestPath) return {};  // truncated
     path.resize(length);
     return path.substr(0, path.rfind(L'\\'));
 }
@@ -20,7 +20,7 @@ std::wstring applicationFolder() {
 std::wstring systemFolder() {
     std::wstring path(MAX_PATH, L'\0');
     const UINT length = GetSystemDirectoryW(path.data(), MAX_PATH);
-    if (length >= MAX_PATH) return {};  // the size that it would take
+    if (length >= MAX_PATH) return {};  // the required size, not the length
     path.resize(length);
     return path;
 }

@@ -13,8 +13,8 @@ namespace {
 constexpr std::int32_t commonAppData = 35;  // CSIDL_COMMON_APPDATA
 constexpr std::size_t usualPathLength = 256;
 
-/// isspace of the C locale. The function itself follows the present locale, which a plug-in may have set for the whole
-/// process, and then the last byte of a letter may be a space.
+/// Same as std::isspace in the C locale. std::isspace itself follows the current locale, which a plug-in may have set
+/// for the whole process; it could then treat the last byte of a UTF-8 character as a space.
 constexpr bool isSpace(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
 
 constexpr bool isTrailingJunk(char character) { return isSpace(character) || character == 0 || character == '\\'; }

@@ -14,7 +14,7 @@
 namespace nStdPath {
 namespace {
 
-// The lines that reports name as their source.
+// The source lines that reports name.
 constexpr std::int32_t openLine = 232;
 constexpr std::int32_t queryLine = 256;
 constexpr std::int32_t folderLine = 293;
@@ -25,7 +25,7 @@ const wchar_t* asWide(const char16_t* text) { return reinterpret_cast<const wcha
 using tMessage = std::unique_ptr<char, tCloser<LocalFree>>;
 using tRegistryKey = std::unique_ptr<std::remove_pointer_t<HKEY>, tCloser<RegCloseKey>>;
 
-/// The system's text for an error code; null when it has none.
+/// Returns the system's text for an error code, or null if it has none.
 tMessage systemMessage(DWORD code) noexcept {
     char* text = nullptr;
     FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
@@ -39,12 +39,12 @@ void raiseWin32Error(zuerr::StatusRecord& status, std::int32_t line, LSTATUS res
     raiseSystemError(status, line, {tSystemError::tKind::win32, code, systemMessage(code).get()}, description);
 }
 
-/// Reads the whole value, which may grow between two calls. Returns the last call's result.
+/// Reads the whole value, which may grow between two system calls. Returns the result of the last one.
 LSTATUS queryValue(HKEY key, const char16_t* valueName, tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
     DWORD size = 512;
     LSTATUS result = ERROR_MORE_DATA;
     while (result == ERROR_MORE_DATA) {
-        // The system may write all of `size`, so an odd byte needs a character of its own until the last cut.
+        // The system may write all `size` bytes, so round an odd size up; the last resize drops the odd byte.
         if (!wideBuffer.resize((std::size_t{size} + 1) / sizeof(char16_t), status)) return result;
         result = RegQueryValueExW(key, asWide(valueName), nullptr, nullptr, reinterpret_cast<BYTE*>(wideBuffer.data()),
                                   &size);
@@ -53,8 +53,9 @@ LSTATUS queryValue(HKEY key, const char16_t* valueName, tWideBuffer& wideBuffer,
     return result;
 }
 
-/// Loads shell32 at the first call and not by an import: with the libraries that it needs it would take longer than
-/// everything else at the start. It then stays loaded. Null, with the thread's last error, if it cannot be loaded.
+/// Loads shell32 on the first call instead of importing it: it and its dependencies would take longer to load than
+/// everything else at the start. It then stays loaded. Returns null and sets the thread's last error if it cannot be
+/// loaded.
 HMODULE shell32() {
     const std::wstring folder = systemFolder();
     if (folder.empty()) return nullptr;
@@ -63,7 +64,7 @@ HMODULE shell32() {
     return loaded != nullptr ? loaded : LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }
 
-/// SHGetFolderPathW, or its failure if shell32 cannot be loaded. That is tried again by the next call.
+/// Calls SHGetFolderPathW. Returns a failure if shell32 cannot be loaded; the next call then tries again.
 HRESULT getFolderPath(std::int32_t csidl, wchar_t* path) {
     const tErrorMode errorMode;
     const HMODULE library = shell32();
@@ -72,7 +73,7 @@ HRESULT getFolderPath(std::int32_t csidl, wchar_t* path) {
         const HRESULT result = HRESULT_FROM_WIN32(GetLastError());
         return FAILED(result) ? result : E_FAIL;
     }
-    // Through void*: compilers warn of a cast between function types that differ.
+    // Cast through void*: compilers warn about casts between different function types.
     const auto function = reinterpret_cast<decltype(&SHGetFolderPathW)>(reinterpret_cast<void*>(entry));
     return function(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, path);
 }

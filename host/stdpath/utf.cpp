@@ -10,7 +10,7 @@ namespace {
 constexpr bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 constexpr bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
-/// The sum of both surrogates' tags and the missing 0x10000 in first * 1024 + second.
+/// Subtracted from first * 1024 + second: the tags of both surrogates, less the 0x10000 that the encoding omits.
 constexpr char32_t surrogateBias = 0xD800 * 1024 + 0xDC00 - 0x10000;
 static_assert(surrogateBias == 0x35FDC00);
 
@@ -35,7 +35,7 @@ void appendUtf8(std::string& result, char32_t codePoint) {
     }
 }
 
-/// `isSecond` tells whether a unit after a high surrogate belongs to it.
+/// `isSecond` returns whether the unit after a high surrogate is the second half of its pair.
 template <class IsSecond>
 void append(std::string& result, const char16_t* at, const char16_t* end, IsSecond isSecond) {
     while (at != end) {
@@ -47,7 +47,8 @@ void append(std::string& result, const char16_t* at, const char16_t* end, IsSeco
     }
 }
 
-/// Removes the first character, or the first byte if it does not begin one, from a text that is not empty.
+/// Removes and returns the first character; if the text begins with none, removes one byte and returns U+FFFD.
+/// Requires: the text is not empty.
 char32_t takeCodePoint(std::string_view& text) {
     constexpr std::array<char32_t, 5> smallest{0, 0, 0x80, 0x800, 0x10000};  // by length; a smaller one is overlong
     const auto lead = static_cast<unsigned char>(text.front());

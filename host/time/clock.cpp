@@ -15,8 +15,8 @@ constexpr std::uint64_t picosecondsPerSecond = 1'000'000'000'000;
 constexpr std::uint32_t nanosecondsPerIncrementUnit = 100;
 constexpr std::uint32_t usualIncrement = 156'250;  // 15.625 ms
 
-/// Returns the last known or the usual increment if the system does not say: both readings of a duration must count
-/// the same ticks.
+/// If the system call fails, returns the last known increment or else the usual one: both readings of a duration must
+/// count the same ticks.
 std::uint32_t currentIncrement() noexcept {
     const std::uint32_t increment = timeIncrement100ns();
     if (increment != 0) return increment;

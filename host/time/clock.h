@@ -8,7 +8,7 @@
 /// A duration is the difference of two readings times the tick length; it is never a fraction of a tick.
 namespace nTime {
 
-/// Filled once by InitialiseClock. Plain variables: a second thread that fills them writes the same values.
+/// Filled once by InitialiseClock. Not atomic: a second thread that fills them writes the same values.
 struct tClockSettings {
     bool initialised;
     std::uint64_t tickLength;
@@ -21,13 +21,13 @@ extern tClockSettings gClockSettings;
 /// Fills the settings. Ends the process (std::abort) if the system reports a counter frequency of zero.
 void InitialiseClock() noexcept;
 
-/// Returns the ticks since the system started, a part tick counted whole.
+/// Returns the ticks since the system started, rounded up.
 [[nodiscard]] std::uint64_t NowTicks() noexcept;
 
 /// Returns NowTicks times the tick length. Initialises the clock if it is not yet initialised.
 [[nodiscard]] std::uint64_t nowInTickLengthUnit() noexcept;
 
-/// Returns how many ticks of `timeIncrement` times 100 nanoseconds have begun after so many milliseconds.
+/// Returns `milliseconds` in ticks of `timeIncrement` times 100 nanoseconds, rounded up.
 [[nodiscard]] std::uint64_t ticksFromMs(std::uint64_t milliseconds, std::uint32_t timeIncrement) noexcept;
 
 }  // namespace nTime

@@ -6,7 +6,7 @@
 
 namespace nTime {
 
-/// Measures the time since its construction in whole clock ticks. Thread: for one thread.
+/// Measures the time since its construction in whole clock ticks. Thread: any, one at a time.
 class tStopwatch {
 public:
     tStopwatch() noexcept : start_(nowInTickLengthUnit()) {}

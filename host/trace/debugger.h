@@ -2,12 +2,12 @@
 
 #include <cstdint>
 
-/// The two things that tracing asks of the platform.
+/// The platform calls that tracing needs.
 namespace nTrace {
 
 [[nodiscard]] std::uint32_t currentThreadId() noexcept;
 
-/// Hands a zero-terminated line to the debugger.
+/// Sends a zero-terminated line to the debugger.
 void writeToDebugger(const char* line) noexcept;
 
 }  // namespace nTrace

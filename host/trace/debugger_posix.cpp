@@ -1,4 +1,4 @@
-// Never shipped: lets the portable core run under native tools. Standard error stands in for the debugger.
+// Never shipped: lets the portable core run under native tools. Standard error replaces the debugger.
 #include <unistd.h>
 
 #include <cstdio>

@@ -59,15 +59,15 @@ char* writeIndentation(char* out, std::size_t size, const tIndentationTable& tab
 char* writePrefix(char* out, std::size_t size, const tSite& site, const tIndentationTable& table,
                   std::uint32_t threadId) noexcept {
     char* const last = out + size;
-    const auto room = [&] { return static_cast<std::size_t>(last - out); };
-    out = writeText(out, room(), "[");
-    out = writeAligned(out, room(), site.component, componentWidth);
-    out = writeText(out, room(), "|");
-    out = writeAligned(out, room(), site.file, fileWidth);
-    out = writeText(out, room(), "|");
-    out = writeLineNumber(out, room(), site.line);
-    out = writeText(out, room(), "] ");
-    return writeIndentation(out, room(), table, threadId);
+    const auto remaining = [&] { return static_cast<std::size_t>(last - out); };
+    out = writeText(out, remaining(), "[");
+    out = writeAligned(out, remaining(), site.component, componentWidth);
+    out = writeText(out, remaining(), "|");
+    out = writeAligned(out, remaining(), site.file, fileWidth);
+    out = writeText(out, remaining(), "|");
+    out = writeLineNumber(out, remaining(), site.line);
+    out = writeText(out, remaining(), "] ");
+    return writeIndentation(out, remaining(), table, threadId);
 }
 
 }  // namespace nTrace

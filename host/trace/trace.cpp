@@ -8,7 +8,7 @@
 namespace nTrace {
 namespace {
 
-/// No thread of this program enters a level so far; a diagnostic build that wants indentation fills its slot here.
+/// Always empty so far: no code in this program indents its trace. A diagnostic build that does fills its slot here.
 constinit tIndentationTable indentation{};
 
 }  // namespace

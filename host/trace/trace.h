@@ -6,7 +6,8 @@
 #include "trace/prefix.h"
 
 /// Developer diagnostics. Outside a diagnostic build (the CMake option ZUZIPTRA_TRACE) the entry point does nothing and
-/// leaves no code in the program; in one it writes a line to the debugger: a prefix that names the site, then the text.
+/// leaves no code in the program; in a diagnostic build it writes a line to the debugger: a prefix that names the site,
+/// then the text.
 namespace nTrace {
 
 /// Categories: the bits of the mask.
@@ -31,7 +32,7 @@ struct tCategory {
     tSite site;
 };
 
-/// Formats and writes one line whatever the mask; a longer line is cut. Thread: any. Never throws.
+/// Formats and writes one line, regardless of the mask; truncates it to 1023 bytes. Thread: any. Never throws.
 [[gnu::format(printf, 2, 0)]] void writeLine(const tSite& site, const char* format, std::va_list arguments) noexcept;
 
 /// The trace entry point: takes printf's format and arguments, which the compiler checks in every build. Thread: any.
@@ -41,7 +42,7 @@ struct tCategory {
         if ((category.bits & gMask) == 0) return;
         std::va_list arguments;
         va_start(arguments, format);
-        // The analyzer of clang 14 does not see that va_start has initialised them.
+        // The analyzer of clang 14 does not recognise that va_start initialises them.
         // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
         writeLine(category.site, format, arguments);
         va_end(arguments);

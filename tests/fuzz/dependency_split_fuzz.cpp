@@ -1,4 +1,4 @@
-// The dependencies of a plug-in against the rule written plainly: one byte after the other.
+// Compares the splitting of dependencies with a plain implementation of the rule, byte by byte.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -15,7 +15,7 @@ bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' ||
 std::vector<std::string> expected(std::string_view text) {
     std::vector<std::string> list;
     std::string name;
-    std::string blanks;  // those behind the name, which may turn out to lie inside
+    std::string blanks;  // those after the name, which may turn out to be inside it
     const auto finish = [&] {
         if (!name.empty()) list.push_back(name);
         name.clear();

@@ -1,5 +1,5 @@
-// A description file of any content gives the record that its rules, written plainly, give, or the error that they
-// name; the record then is what it was.
+// Compares the record read from any description file with a plain implementation of the rules: the same record, or the
+// same error with the record unchanged.
 #include <algorithm>
 #include <climits>
 #include <cstddef>
@@ -17,7 +17,7 @@
 
 namespace {
 
-/// As "%u" reads it: blanks, a sign, digits; the low 32 bits of what fits in 64.
+/// Parses like "%u": blanks, a sign, digits; the low 32 bits of a number that fits 64.
 std::uint32_t expectedRequires(const std::string& value) {
     if (value.empty()) return 1;
     std::size_t i = 0;
@@ -90,7 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (code == 0) {
         compare(record, expected);
     } else {
-        check(record.name == "as it was" && record.requiresMask == 77, "the record of a file that was refused");
+        check(record.name == "as it was" && record.requiresMask == 77, "the record of a rejected file");
     }
     return 0;
 }

@@ -1,5 +1,5 @@
-// The parser against its rules written plainly in naiveIni.h: sections, keys, quotes, lines and all look-ups have to be
-// the same, and what parsing does not set has to stay what it was.
+// Compares the parser with the plain implementation in naiveIni.h: sections, keys, quotes, lines and all look-ups must
+// be the same, and fields that parsing does not set must be unchanged.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -48,11 +48,11 @@ void compareOptions(const nIni::tDocument& document, const tNaiveIni& expected) 
     check(document.layout == std::array<std::int32_t, 2>{80, 14}, "layout");
 }
 
-/// The name itself, or another that is or nearly is the same without regard to case.
+/// Returns the name itself, or another one that is equal, or almost equal, if case is ignored.
 std::string variant(std::string name, std::size_t kind) {
     if (name.empty()) return name;
     switch (kind % 4) {
-        case 0: name.back() = static_cast<char>(name.back() ^ 0x20); break;  // letters, and what only looks like them
+        case 0: name.back() = static_cast<char>(name.back() ^ 0x20); break;  // letters, and bytes that resemble them
         case 1: name.front() = static_cast<char>(name.front() ^ 0x20); break;
         case 2: name.pop_back(); break;
         default: name += name.front(); break;
@@ -80,14 +80,14 @@ void compareKeyLookUps(nIni::tSection& section, const tNaiveSection& expected, b
     }
 }
 
-/// Looks up every name that the document holds, and some that it may not; keys with and without regard to case.
+/// Looks up every name in the document, and some that may not be in it; keys both with and without case.
 void compareLookUps(nIni::tDocument& document, tNaiveIni& expected) {
     const std::vector<std::string> names = namesToLookUp(expected);
     for (const std::string& name : names) {
         const nIni::tSection* const found = findSection(document, name);
         check((found == nullptr ? -1 : found - document.sections.data()) == expected.findSection(name), "findSection");
     }
-    // Of many sections some, so that an input takes no second.
+    // Only some of many sections, so that an input takes less than a second.
     const std::size_t step = 1 + names.size() * document.sections.size() / 2000;
     for (std::size_t i = 0; i < document.sections.size(); i += step) {
         compareKeyLookUps(document.sections[i], expected.sections[i], expected.caseSensitive, names);
@@ -95,7 +95,7 @@ void compareLookUps(nIni::tDocument& document, tNaiveIni& expected) {
     }
 }
 
-/// A text from one byte for each of its parts, so that small changes of the input make other well-formed files.
+/// Composes a text from one byte per part, so that small changes of the input produce other well-formed files.
 std::string textFromParts(std::string_view bytes) {
     constexpr std::array parts{"\n"sv,     "\r"sv,      "\r\n"sv,   "\n\r"sv,        "\0"sv, "["sv,      "]"sv,
                                "="sv,      ":"sv,       ":="sv,     ";"sv,           "\""sv, "'"sv,      " "sv,
@@ -120,7 +120,7 @@ std::string textFromParts(std::string_view bytes) {
     return text;
 }
 
-/// A comment that brings what follows it to an end of what a reader may read at once. One input in eight gets one.
+/// A comment that moves the following text to the end of a reader's buffer. One input in eight gets one.
 std::string padding(unsigned code) {
     constexpr std::array<std::size_t, 8> sizes{4 + 2084, 2084, 4 + 2 * 2084,  31 * 2084,
                                                4096,     8192, 4 + 31 * 2084, 65536};
@@ -141,7 +141,7 @@ void parseBoth(nIni::tDocument& document, tNaiveIni& expected, std::string_view 
 
 }  // namespace
 
-/// One byte of options, one that chooses the padding and whether the document has held something before, and then the
+/// The input: one byte of options, one that selects the padding and whether the document had content before, then the
 /// text or the codes of its parts.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;

@@ -5,7 +5,7 @@
 
 #include "check.h"
 
-/// JSON texts written plainly by the writer's rules, and another library's opinion of them.
+/// JSON texts composed plainly by the writer's rules, and checks of them with another library.
 namespace jsonText {
 
 inline std::string quoted(const std::string& text) {
@@ -22,7 +22,7 @@ inline std::string quoted(const std::string& text) {
     return result + "\"";
 }
 
-/// The writer copies other control characters, which no reader accepts.
+/// The writer copies other control characters, which no JSON reader accepts.
 inline bool containsControlCharacter(const std::string& text) {
     for (const char character : text) {
         if (character >= 0 && character < ' ') return true;

@@ -1,4 +1,4 @@
-// FindEnd against a second, recursive reader that follows the same lenient rules.
+// Compares FindEnd with a second, recursive reader that follows the same lenient rules.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -11,10 +11,10 @@
 
 namespace {
 
-/// FindEnd refuses deeper nesting.
+/// FindEnd rejects deeper nesting.
 constexpr int maximumDepth = 1024;
 
-/// Each reader receives the text from its token on and returns the text after the token, or nothing if it is malformed.
+/// Each reader receives the text from its token on and returns the text after the token, or nullopt if it is malformed.
 using Rest = std::optional<std::string_view>;
 
 Rest value(std::string_view text, int depth);

@@ -1,5 +1,5 @@
-// The JSON writer, at every kind of cursor, in every size of buffer, and in one that grows, against a model that edits
-// a std::string. Another JSON library reads what it writes.
+// Compares the JSON writer, at every kind of cursor, in buffers of every size and in one that grows, with a model that
+// edits a std::string. Another JSON library parses its output.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstdint>
@@ -14,13 +14,13 @@
 
 namespace {
 
-/// A container's text, its buffer's room, and the offset after the last value written: what the buffer must contain.
+/// The expected state: a container's text, the free bytes of its buffer, and the offset after the last value written.
 struct Model {
     std::string text;
     std::size_t capacity;
     std::size_t afterLast = 0;
 
-    /// Inserts at this offset by the writer's rule. Returns false if there is no room.
+    /// Inserts at this offset by the writer's rule. Returns false if there is too little space.
     bool insert(std::size_t offset, const std::string& member) {
         const bool atStart = text[offset] == '{' || text[offset] == '[';
         const std::size_t at = atStart ? offset + 1 : offset;
@@ -40,7 +40,7 @@ void checkBuffer(const std::vector<char>& buffer, const Model& model) {
     check(buffer == expected, "text, terminator, zero fill and sentinel");
 }
 
-/// A control character that is not escaped is an error for FindEnd.
+/// FindEnd rejects a control character that is not escaped.
 void checkEnd(std::vector<char>& buffer, const Model& model) {
     const bool valid = !jsonText::containsControlCharacter(model.text);
     check(zuerr::FindEnd(buffer.data()) == (valid ? buffer.data() + model.text.size() - 1 : nullptr), "the end");
@@ -93,7 +93,7 @@ struct Place {
     bool inArray;
 };
 
-/// The start of the text, its end, inside the object written last if it was one, or after the value written last.
+/// Returns a cursor: the start of the text, its end, inside the last written object, or after the last written value.
 Place takePlace(FuzzedDataProvider& data, const Model& model, bool array, bool lastIsInArray) {
     switch (data.ConsumeIntegralInRange(0, 3)) {
         case 0: return {0, array};
@@ -106,7 +106,7 @@ Place takePlace(FuzzedDataProvider& data, const Model& model, bool array, bool l
     return {model.afterLast, lastIsInArray};
 }
 
-/// Writes into the buffer and into the model. Returns false if there was no room.
+/// Writes into the buffer and into the model. Returns false if there was too little space.
 bool write(const Member& member, std::size_t offset, std::vector<char>& buffer, Model& model) {
     const bool fits = model.insert(offset, member.asText());
     char* const next = member.write(buffer.data() + offset);
@@ -119,7 +119,7 @@ void grow(std::vector<char>& buffer, Model& model) {
     const std::vector<char> old = buffer;
     model.capacity *= 2;
     buffer.assign(model.capacity, '#');
-    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), old.data()), "room in the larger");
+    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), old.data()), "space in the larger");
     checkBuffer(buffer, model);
 }
 
@@ -148,7 +148,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         lastIsInArray = place.inArray;
         jsonText::check(model.text);
     }
-    // No two keys are the same then.
+    // In this case no two keys are the same.
     if (readable) check(nlohmann::ordered_json::parse(model.text).dump() == model.text, "the values that others read");
     checkEnd(buffer, model);
     return 0;

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-/// INI files by their rules written down once more in the plainest way, with none of the parser's code: the whole text
-/// at once, one character after the other, every search from the beginning of a list.
+/// A second, plain implementation of the rules for INI files, with none of the parser's code: it reads the whole text
+/// character by character, and every search starts at the beginning of a list.
 
 struct tNaiveKey {
     std::string name;
@@ -29,12 +29,12 @@ struct tNaiveIni {
     int current = -1;
     int firstErrorLine = -1;
 
-    /// What parseFile gives for a file of this text.
+    /// The expected result of parseFile for a file with this text.
     int parse(std::string_view text);
     /// Positions, -1 for none.
     int findSection(const std::string& name);
     [[nodiscard]] static int findKey(const tNaiveSection& section, bool caseSensitive, const std::string& name);
-    /// In the section that findSection finds; empty when there is none.
+    /// The value in the section that findSection finds; empty if it does not exist.
     std::string value(const std::string& section, const std::string& key);
 
 private:
@@ -70,7 +70,7 @@ int find(const std::vector<tRecord>& records, bool caseSensitive, const std::str
     return -1;
 }
 
-/// CR, LF and zero end a line. One that differs from the last such one is skipped where a line begins.
+/// CR, LF and zero end a line. At the beginning of a line, one that differs from the last line end is skipped.
 inline std::vector<std::string> split(std::string_view text) {
     const auto endsLine = [](char c) { return c == '\r' || c == '\n' || c == '\0'; };
     std::vector<std::string> lines;
@@ -79,7 +79,7 @@ inline std::vector<std::string> split(std::string_view text) {
     bool atStart = true;
     for (const char c : text) {
         if (atStart && endsLine(c) && c != last) {
-            atStart = false;  // skipped, and just one
+            atStart = false;  // only one is skipped
         } else if (endsLine(c)) {
             lines.push_back(std::exchange(line, ""));
             last = c;
@@ -93,7 +93,7 @@ inline std::vector<std::string> split(std::string_view text) {
     return lines;
 }
 
-/// The length of the stem of "stem Line12", or -1; whether the number is 1.
+/// Returns the length of the stem of "stem Line12", or -1, and whether the number is 1.
 inline int stemSize(const std::string& name, bool& one) {
     std::size_t digits = name.size();
     while (digits > 0 && name[digits - 1] >= '0' && name[digits - 1] <= '9') --digits;
@@ -168,7 +168,7 @@ inline void tNaiveIni::key(tNaiveKey key) {
     }
 }
 
-/// False for a malformed line.
+/// Returns false for a malformed line.
 inline bool tNaiveIni::line(std::string text, int number) {
     text = naive::trim(text);
     if (text.empty()) return false;

@@ -1,4 +1,4 @@
-// Trimming a path against the rule written plainly: one character after the other.
+// Compares trimming a path with a plain implementation of the rule, character by character.
 #include <cstddef>
 #include <cstdint>
 #include <string>

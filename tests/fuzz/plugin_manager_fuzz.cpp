@@ -1,5 +1,5 @@
-// The plug-in manager against a small model of itself: plug-ins that load or not, lack entries, fail, throw and refuse
-// to be unloaded, in any order of starts, stops and clean-ups. Every call into them and every code must be as told.
+// Compares the plug-in manager with a small model: plug-ins load or not, lack entries, fail, throw and refuse to be
+// unloaded, in any order of starts, stops and clean-ups. Every call and every code must be as predicted.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ namespace {
 constexpr std::size_t pluginCount = support::tFakePlugins::count;
 constexpr std::int32_t loaderFailure = -52005;
 
-/// What an entry point does: returns its result or throws. The code is what the manager makes of it.
+/// An entry point's behaviour: it returns its result or throws. `code` is the manager's code for it.
 struct tBehaviour {
     std::int32_t code = 0;
     bool throws = false;
@@ -37,7 +37,7 @@ struct tBehaviour {
     }
 };
 
-/// What a plug-in is like; the same for the fake and for the model.
+/// A plug-in's behaviour, for both the fake and the model.
 struct tCharacter {
     bool loads = true;
     std::set<std::string> missing;
@@ -60,7 +60,7 @@ class tModel {
 public:
     explicit tModel(const tCharacters& characters) : characters_(characters) {}
 
-    /// False when the start ends early.
+    /// Returns false if the start ends early.
     bool startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask) {
         std::set<std::string> started;
         for (const tPluginDescription& description : descriptions) {
@@ -118,7 +118,7 @@ private:
         return std::nullopt;
     }
 
-    /// An entry of a library that is not loaded, or one without a name, does nothing.
+    /// An entry without a name, or of a library that is not loaded, does nothing.
     tBehaviour call(const tModelEntry& entry, const char* verb, const std::string& name, const tBehaviour& behaviour) {
         if (!entry.loaded || name.empty()) return {};
         calls.push_back("call " + entry.description.path + " " + verb);
@@ -173,7 +173,7 @@ void give(support::tFakePlugin& plugin, const tCharacter& character) {
 tPluginDescription anyDescription(FuzzedDataProvider& data) {
     const auto letter = [&](char last) { return std::string(1, data.ConsumeIntegralInRange('A', last)); };
     tPluginDescription description = support::tFakePlugins::description(letter('H'));
-    // Few names, so that they often meet.
+    // Few names, so that they often coincide.
     description.name = letter('C');
     for (int count = data.ConsumeIntegralInRange(-3, 3); count > 0; --count) {
         description.dependencies.push_back(letter('C'));

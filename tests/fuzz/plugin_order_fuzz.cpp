@@ -1,6 +1,6 @@
-// The sort with answers that the input chooses, consistent or not, and the plug-ins' first order with names and
-// dependencies that it chooses: nothing is lost, nothing outside is touched, the same input gives the same order, the
-// time is not quadratic, and up to 32 elements are inserted.
+// Runs the sort with answers from the input, consistent or not, and the plug-ins' first order with names and
+// dependencies from the input: no element is lost, no memory outside the range is accessed, the same input produces the
+// same order, the time is not quadratic, and up to 32 elements are sorted by insertion.
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -19,7 +19,7 @@ namespace {
 
 using tElements = std::vector<std::size_t>;
 
-/// The bits of the input, over and over again, are the answers.
+/// The answers are the bits of the input, repeated as often as needed.
 class tAnswers {
 public:
     enum class tKind { toPair, toCall };
@@ -28,9 +28,9 @@ public:
     tAnswers(std::span<const std::uint8_t> bits, std::size_t count, tKind kind, std::size_t lastCall)
         : bits_(bits), count_(count), kind_(kind), lastCall_(lastCall) {}
 
-    /// The same answer whenever it is asked about the same two, or another one at each call.
+    /// Answers either consistently for each pair of elements, or differently at each call.
     bool operator()(std::size_t a, std::size_t b) {
-        check(a < count_ && b < count_, "what is compared");
+        check(a < count_ && b < count_, "the compared elements");
         if (calls_ == lastCall_) throw tThrown();
         const std::size_t bit = (kind_ == tKind::toPair ? a * count_ + b : calls_) % (bits_.size() * 8);
         ++calls_;
@@ -57,7 +57,8 @@ tElements sorted(std::size_t count, tAnswers& answers) {
     return elements;
 }
 
-/// Insertion by the rule written plainly: to the front if it precedes the first, otherwise back while it precedes.
+/// Plain insertion sort: an element moves to the front if it precedes the first, otherwise back while it precedes its
+/// neighbour.
 template <class Precedes>
 tElements inserted(std::size_t count, Precedes precedes) {
     tElements result;
@@ -87,7 +88,7 @@ void sortByAnswers(const tAnswers& answers, std::size_t count) {
     check(sorted(count, second) == elements, "the same order again");
 }
 
-/// A byte for each name, and one for how many follow that are its dependencies.
+/// One byte per name, and one for the number of dependencies that follow.
 std::vector<tPluginDescription> toPlugins(std::span<const std::uint8_t> bytes) {
     std::vector<tPluginDescription> plugins;
     while (bytes.size() >= 2) {
@@ -109,7 +110,7 @@ bool dependsOn(const tPluginDescription& dependant, const tPluginDescription& ot
     return std::find(list.begin(), list.end(), other.name) != list.end();
 }
 
-/// The predicate by its rule, with unsigned bytes.
+/// A plain implementation of the predicate's rule, with unsigned bytes.
 bool precedes(const tPluginDescription& a, const tPluginDescription& b) {
     const bool first = dependsOn(b, a);
     const bool second = dependsOn(a, b);
@@ -142,7 +143,7 @@ void orderPlugins(std::span<const std::uint8_t> bytes) {
 
 }  // namespace
 
-/// How many elements; which call of the predicate throws, if any; then the answers, and the plug-ins.
+/// The input: the number of elements; which call of the predicate throws, if any; then the answers, and the plug-ins.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 3) return 0;
     const std::size_t count = data[0] < 224 ? data[0] % 64 : (data[0] - 192) * 4U;

@@ -1,4 +1,4 @@
-// The manager's status text against the same text put together with printf, for any texts, codes and durations.
+// Compares the manager's status text with the same text composed with printf, for any texts, codes and durations.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cinttypes>
@@ -15,7 +15,7 @@
 
 namespace {
 
-/// A library under every path, whose entries take as long and return what the input says. Names begin with the letter
+/// Every path leads to a library whose entries' durations and results come from the input. Names begin with the letter
 /// of their kind.
 class tAnyLibrary : public support::tLoader {
 public:
@@ -51,7 +51,7 @@ tPluginDescription anyDescription(FuzzedDataProvider& data) {
     const auto entryName = [&](const char* kind) { return data.ConsumeBool() ? kind + anyText(data) : std::string(); };
     tPluginDescription description;
     description.name = anyText(data);
-    // One that must have started is missing, as a rule: the plug-in then fails.
+    // A dependency is usually missing: the plug-in then fails.
     for (int count = data.ConsumeIntegralInRange(-3, 3); count > 0; --count) {
         description.dependencies.push_back(anyText(data));
     }

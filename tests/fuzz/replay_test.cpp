@@ -1,5 +1,5 @@
 // Runs every fuzzer over its seeds (corpus/NAME), the inputs that searches found (corpus/NAME.base64, one per line) and
-// the inputs that once failed (regressions/NAME). A fuzzer ends the program when an input breaks a rule; the tests that
+// the inputs that once failed (regressions/NAME). A fuzzer ends the program when an input violates a rule; tests that
 // have not run by then count as failed.
 #include <gtest/gtest.h>
 
@@ -51,7 +51,7 @@ tInput decodeBase64(std::string_view text) {
     return bytes;
 }
 
-/// The names of the inputs, for the output, and the inputs.
+/// The names of the inputs, for messages, and the inputs.
 std::vector<std::pair<std::string, tInput>> knownInputs(const std::filesystem::path& folder,
                                                         const std::string& fuzzer) {
     std::vector<std::pair<std::string, tInput>> inputs;

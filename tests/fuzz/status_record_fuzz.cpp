@@ -1,4 +1,4 @@
-// Status records under random calls, with buffer managers that run out of memory, against a plain model.
+// Compares status records under random calls, with buffer managers that run out of memory, with a plain model.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <array>

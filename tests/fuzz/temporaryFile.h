@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-/// A temporary file. One serves all inputs of a fuzzer: creating one takes longer than most inputs do.
+/// A temporary file. All inputs of a fuzzer share one, because creating a file takes longer than most inputs.
 class tTemporaryFile {
 public:
     tTemporaryFile() = default;

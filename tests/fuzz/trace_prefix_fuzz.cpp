@@ -1,4 +1,4 @@
-// The trace prefix in every size of buffer, up to one with room to spare, against the same line composed with
+// Compares the trace prefix in buffers of every size, up to one larger than needed, with the same line composed with
 // std::string.
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -25,7 +25,7 @@ std::string lastFourDigits(std::uint32_t line) {
 
 std::string takeText(FuzzedDataProvider& data) { return data.ConsumeRandomLengthString(50).c_str(); }
 
-/// Any larger depth fills the largest buffer, too.
+/// Any larger depth also fills the largest buffer.
 constexpr std::uint32_t deepest = 100;
 
 struct Line {

@@ -1,4 +1,4 @@
-// Both ways between UTF-16 and UTF-8. The input is taken for UTF-16 first and for UTF-8 then.
+// Conversions between UTF-16 and UTF-8. The input is treated first as UTF-16, then as UTF-8.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -11,8 +11,7 @@
 
 namespace {
 
-/// The code points of UTF-16 by the rule written plainly. A high surrogate is joined with whatever follows it, or with
-/// a low surrogate only.
+/// A plain decoder of UTF-16. A high surrogate is joined with any unit that follows it, or only with a low surrogate.
 std::vector<std::uint32_t> codePoints(const std::u16string& text, bool withLowOnly) {
     std::vector<std::uint32_t> result;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -28,7 +27,7 @@ std::vector<std::uint32_t> codePoints(const std::u16string& text, bool withLowOn
     return result;
 }
 
-/// Reads well-formed UTF-8, surrogates and what lies above U+10FFFF included.
+/// Reads well-formed UTF-8, including surrogates and code points above U+10FFFF.
 std::vector<std::uint32_t> decoded(std::string_view utf8) {
     std::vector<std::uint32_t> result;
     for (std::size_t i = 0; i < utf8.size();) {
@@ -46,8 +45,8 @@ std::vector<std::uint32_t> decoded(std::string_view utf8) {
     return result;
 }
 
-/// How many bytes the character at the beginning of the text has, by the table of its well-formed sequences (to which
-/// single surrogates are added); 0 when there is none.
+/// Returns the length of the character at the beginning of the text, by the table of well-formed sequences (extended by
+/// lone surrogates), or 0 if there is none.
 std::size_t characterSize(std::string_view text) {
     const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0; };
     const auto isTail = [&](std::size_t i) { return byte(i) >= 0x80 && byte(i) <= 0xBF; };
@@ -61,7 +60,7 @@ std::size_t characterSize(std::string_view text) {
     return second && isTail(1) && isTail(2) && isTail(3) ? 4 : 0;
 }
 
-/// Each character in its units; each byte that begins none as U+FFFD.
+/// Converts each character to its units, and each byte that begins none to U+FFFD.
 std::u16string expectedUnits(std::string_view text) {
     std::u16string result;
     while (!text.empty()) {
@@ -77,7 +76,7 @@ std::u16string expectedUnits(std::string_view text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // A copy of the exact size, so that a step beyond it is seen.
+    // A copy of the exact size, so that an access beyond it is detected.
     std::vector<char16_t> wide(size / sizeof(char16_t));
     if (!wide.empty()) std::memcpy(wide.data(), data, wide.size() * sizeof(char16_t));
     const std::u16string units(wide.begin(), wide.end());
@@ -88,13 +87,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const std::string name = nStdPath::fileNameToUtf8(units);
     check(decoded(name) == codePoints(units, true), "the text of a file name");
-    check(nStdPath::fileNameFromUtf8(name) == units, "the file name that comes back");
+    check(nStdPath::fileNameFromUtf8(name) == units, "the file name after the round trip");
 
     const std::vector<char> narrow(reinterpret_cast<const char*>(data), reinterpret_cast<const char*>(data) + size);
     const std::string_view bytes(narrow.data(), narrow.size());
     const std::u16string fromBytes = nStdPath::fileNameFromUtf8(bytes);
     check(fromBytes == expectedUnits(bytes), "the file name of any bytes");
-    // Halves of a pair, each with three bytes of its own, become one character.
+    // Halves of a pair, each encoded in three bytes, become one character.
     check(decoded(nStdPath::fileNameToUtf8(fromBytes)) == codePoints(fromBytes, true), "the text of that file name");
     return 0;
 }

@@ -6,8 +6,8 @@
 #include <string>
 #include <thread>
 
-/// Holds a call for as long as a test needs to look at a process in the middle of it: the call waits while there is a
-/// file NAME.hold, and leaves NAME.held to tell that it has come.
+/// Holds a call while a test inspects the process in the middle of it: if there is a file NAME.hold, the call creates
+/// NAME.held to show that it has started, and waits until NAME.hold is removed.
 inline void waitAtGate(const std::filesystem::path& name) {
     const auto with = [&](const char* extension) { return std::filesystem::path(name) += extension; };
     if (!std::filesystem::exists(with(".hold"))) return;

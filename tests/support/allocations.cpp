@@ -14,16 +14,16 @@ namespace {
 constinit std::size_t smallestRefused = SIZE_MAX;
 constinit int refusals = 0;
 
-// In static memory, as all this may be called before any constructor has run.
+// In static memory, because all of this may be called before any constructor has run.
 constinit bool counting = false;
 constinit int failingRequest = 0;
 constinit tHowLong duration = tHowLong::once;
 constinit bool newOnly = false;
-constinit bool isNew = false;  // the request is one by `new`
+constinit bool isNew = false;  // the request comes from `new`
 constinit tCounts counts{0, 0};
 
-/// A set of addresses that allocates no memory: an open-addressing hash table with linear probing. It forgets addresses
-/// that it has no room for.
+/// A set of addresses that allocates no memory: an open-addressing hash table with linear probing. It drops addresses
+/// when it is full.
 class tBlocks {
 public:
     void clear() noexcept {
@@ -46,7 +46,7 @@ public:
         if (blocks_[at] == nullptr) return;
         blocks_[at] = nullptr;
         --size_;
-        // Those that follow may not be found any more: put them back.
+        // The following addresses may have become unreachable: insert them again.
         for (at = next(at); blocks_[at] != nullptr; at = next(at)) {
             void* const moved = blocks_[at];
             blocks_[at] = nullptr;
@@ -96,8 +96,8 @@ void fail(int nth, tHowLong howLong, bool requestsByNewOnly) noexcept {
     counting = true;
 }
 
-/// At a thread's first exception, and at the first one that no memory is left for, the language's own libraries
-/// allocate memory that they keep, and end the process if they cannot.
+/// On a thread's first exception, and on the first one for which no memory is left, the runtime libraries allocate
+/// memory that they never free, and end the process if they cannot.
 void settleLibraries() noexcept {
     static bool settled = false;
     if (std::exchange(settled, true)) return;
@@ -148,7 +148,7 @@ void* requestByNew(std::size_t bytes) noexcept {
 
 }  // namespace allocations
 
-// All forms: a sanitizer's own operators would otherwise be used in place of missing ones.
+// All forms: otherwise a sanitizer's own operators would be used in place of missing ones.
 void* operator new(std::size_t size) {
     void* const block = allocations::requestByNew(size);
     if (block == nullptr) throw std::bad_alloc();

@@ -3,17 +3,17 @@
 #include <atomic>
 #include <cstddef>
 
-/// Lets memory run out in a test. The linker sends every malloc, calloc, realloc and free of the test program through
-/// here, and with them every `new`; on Windows those of the language's own libraries as well. One thread at a time.
-/// Expectations belong after the action, not into it.
+/// Makes memory run out in a test. The linker redirects every malloc, calloc, realloc and free of the test program to
+/// this module, and with them every `new`; on Windows also those of the runtime libraries. Thread: one at a time. Put
+/// expectations after the action, not inside it.
 namespace allocations {
 
-/// From now on requests for at least `bytes` are refused and counted.
+/// From now on, requests for at least `bytes` are refused and counted.
 void startRefusing(std::size_t bytes) noexcept;
-/// Returns how many were.
+/// Stops refusing. Returns how many were refused.
 int stopRefusing() noexcept;
 
-/// Does something while requests for at least `bytes` are refused. Returns how many were.
+/// Runs the action while requests for at least `bytes` are refused. Returns how many were refused.
 template <class Action>
 int refused(std::size_t bytes, Action action) {
     struct Stop {
@@ -27,8 +27,8 @@ int refused(std::size_t bytes, Action action) {
 
 enum class tHowLong { once, forEver };
 
-/// From now on requests are counted, their blocks are remembered, and the `nth` request, counted from 1, is refused;
-/// so are all later ones if `howLong` says so. 0: none.
+/// From now on, requests are counted, their blocks are recorded, and the `nth` request, counted from 1, is refused,
+/// with all later ones if `howLong` says so. If `nth` is 0, none is refused.
 void startFailing(int nth, tHowLong howLong) noexcept;
 
 struct tCounts {
@@ -36,18 +36,18 @@ struct tCounts {
     int refused;
 };
 
-/// Ends it.
+/// Stops this. Returns the counts.
 tCounts stopFailing() noexcept;
 
-/// The same for requests by `new` alone: those by malloc, calloc and realloc are neither counted nor refused.
+/// The same only for requests by `new`: those by malloc, calloc and realloc are neither counted nor refused.
 void startFailingNew(int nth, tHowLong howLong) noexcept;
-/// Ends it. Returns whether a request has been refused.
+/// Stops this. Returns whether a request has been refused.
 inline bool stopFailingNew() noexcept { return stopFailing().refused > 0; }
 
-/// Returns how many of the blocks remembered since the last start have not been freed.
+/// Returns how many of the blocks recorded since the last start have not been freed.
 std::size_t held() noexcept;
 
-/// While one lives, requests for memory are the test's own: neither counted nor refused. Thread: any.
+/// While one exists, requests for memory are neither counted nor refused: they are the test's own. Thread: any.
 class tPause {
 public:
     tPause() noexcept { ++count; }
@@ -58,7 +58,7 @@ public:
     inline static constinit std::atomic<int> count{0};
 };
 
-/// Suspends all pauses while it lives, for a stand-in that calls the product.
+/// Suspends all pauses while it exists, for a stand-in that calls the product.
 class tProductCall {
 public:
     tProductCall() noexcept : pauses_(tPause::count.exchange(0)) {}

@@ -8,7 +8,7 @@
 namespace support {
 
 /// The plug-in of tests/plugins/calling, whose entries "Begin", "Halt" and "End" call the test back while this object
-/// lives. It keeps the library loaded. One at a time.
+/// exists. Keeps the library loaded. At most one may exist at a time.
 class tCallingPlugin {
 public:
     explicit tCallingPlugin(std::function<void(const std::string& entry)> onCall);

@@ -27,7 +27,7 @@ std::int32_t wrappedCurrentExceptionCode() {
         } catch (const zuerr::ExceptionBase& exception) {
             current->texts.emplace_back(exception.report() == nullptr ? "" : exception.report());
         } catch (...) {
-            // Has no report.
+            // It has no report.
         }
     }
     return realCurrentExceptionCode();

@@ -5,7 +5,8 @@
 
 namespace support {
 
-/// Collects the reports of the program's own exceptions that a boundary converts into a code. One at a time.
+/// Collects the reports of the program's own exceptions that a boundary converts to a code. At most one may exist at a
+/// time.
 class tCaughtReports {
 public:
     tCaughtReports();

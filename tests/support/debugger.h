@@ -3,5 +3,5 @@
 #include <functional>
 #include <string>
 
-/// Runs the action and returns what it writes to the debugger.
+/// Runs the action and returns its output to the debugger.
 std::string debuggerOutput(const std::function<void()>& action);

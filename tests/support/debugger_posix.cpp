@@ -2,7 +2,7 @@
 
 #include "tests/support/debugger.h"
 
-// Natively standard error stands in for the debugger.
+// Natively, standard error replaces the debugger.
 std::string debuggerOutput(const std::function<void()>& action) {
     testing::internal::CaptureStderr();
     action();

@@ -8,20 +8,21 @@
 
 namespace support {
 
-/// While it lives, the machine's framework library is the one that the test chooses, and pauses cost no time. One at a
-/// time. On Windows it replaces the imports GetModuleHandleA, LoadLibraryExA, GetProcAddress, FreeLibrary and Sleep;
-/// calls about other libraries go on to the system.
+/// While it exists, the machine's framework library is the one that the test chooses, and pauses take no time. At most
+/// one may exist at a time. On Windows it replaces the imports GetModuleHandleA, LoadLibraryExA, GetProcAddress,
+/// FreeLibrary and Sleep; calls for other libraries are passed on to the system.
 class tDeploymentPlatform {
 public:
-    /// The entry that the library has; null: the library is not on this machine.
+    /// `entry` is the library's entry point, or null if the library is missing on this machine.
     explicit tDeploymentPlatform(nZusysapi::InstantiateFramework2 libraryEntry = nullptr);
     ~tDeploymentPlatform();
     tDeploymentPlatform(const tDeploymentPlatform&) = delete;
     tDeploymentPlatform& operator=(const tDeploymentPlatform&) = delete;
 
-    nZusysapi::InstantiateFramework2 entry;  ///< may be changed between two attempts: the library comes or goes
-    std::function<void()> onPause;           ///< called for each pause, after it was noted
-    std::vector<std::uint32_t> pauses;       ///< in milliseconds
+    nZusysapi::InstantiateFramework2
+        entry;                      ///< may be changed between two attempts, as if the library appeared or disappeared
+    std::function<void()> onPause;  ///< called for each pause, after it has been recorded
+    std::vector<std::uint32_t> pauses;  ///< in milliseconds
 };
 
 }  // namespace support

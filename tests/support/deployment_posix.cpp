@@ -1,4 +1,4 @@
-// Never shipped: where there is no framework library, nDeployment's platform is whatever a test says.
+// Never shipped: there is no framework library here, so each test scripts nDeployment's platform.
 #include "source/nDeploymentPlatform.h"
 #include "tests/support/allocations.h"
 #include "tests/support/deployment.h"

@@ -6,7 +6,7 @@
 namespace {
 
 support::tDeploymentPlatform* current = nullptr;
-int loadedLibrary = 0;  // its address is the handle of the library
+int loadedLibrary = 0;  // its address serves as the library's handle
 
 HMODULE handle() { return reinterpret_cast<HMODULE>(&loadedLibrary); }
 
@@ -16,7 +16,7 @@ bool isFramework(const char* name) {
 
 HMODULE findModule(const char* name) {
     if (!isFramework(name)) return imports::GetModuleHandleA.real(name);
-    return nullptr;  // never loaded by anybody else, so that every attempt shows what the machine has now
+    return nullptr;  // never loaded already, so that every attempt uses the machine's current state
 }
 
 HMODULE load(const char* name, HANDLE file, DWORD flags) {

@@ -5,8 +5,9 @@
 
 namespace support {
 
-/// While it lives, the test is called before each description file is read: the plug-in directory may be changed then,
-/// after it was listed. One at a time. (The test programs are linked with --wrap; the product has no seam for this.)
+/// While it exists, it calls the test before each description file is read, so that the test can change the plug-in
+/// directory after the listing. At most one may exist at a time. (The test programs are linked with --wrap; the product
+/// has no seam for this.)
 class tDescriptionReads {
 public:
     explicit tDescriptionReads(std::function<void(const std::string& filePath)> beforeEach);

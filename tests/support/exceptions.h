@@ -8,10 +8,10 @@
 
 #include "err/Exception.h"
 
-/// What tests of exceptions share.
+/// Shared by the tests of exceptions.
 namespace support {
 
-/// Does something while an exception unwinds the stack, and expects that this exception arrives.
+/// Runs the action while an exception unwinds the stack, and expects that this exception arrives.
 template <class Action>
 void whileUnwinding(Action action) {
     struct Guard {
@@ -39,7 +39,8 @@ std::int32_t caughtCode(Action action) {
     return 0;
 }
 
-/// Code and report of the program's exception that the action throws, "-52008 {...}"; "nothing" if it throws none.
+/// Returns code and report of the program's exception that the action throws, "-52008 {...}", or "nothing" if it throws
+/// none.
 template <class Action>
 std::string caughtReport(Action action) {
     try {

@@ -4,7 +4,7 @@
 
 namespace support {
 
-/// Replaces the product's clock by one whose time the test sets. One at a time.
+/// Replaces the product's clock with one whose time the test sets. At most one may exist at a time.
 class tFakeClock {
 public:
     /// Sets the tick's length in units of 100 nanoseconds, by default one millisecond.

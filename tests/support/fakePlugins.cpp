@@ -12,7 +12,7 @@ namespace {
 
 tFakePlugins* currentPlugins = nullptr;
 
-/// An entry point has no argument that could tell whose it is, so each plug-in has functions of its own.
+/// An entry point has no argument that could identify its plug-in, so each plug-in has its own functions.
 struct tEntries {
     std::int32_t (*initialize)();
     void (*stop)();

@@ -9,14 +9,14 @@
 
 namespace support {
 
-/// The bytes of a file; empty if it cannot be opened.
+/// Returns the bytes of a file, or an empty string if it cannot be opened.
 inline std::string read(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// An empty folder for one test, removed with everything in it. Paths are made of UTF-16 names, so that the locale does
-/// not matter on any platform.
+/// An empty folder for one test, removed with its contents on destruction. Paths are built from UTF-16 names, so that
+/// they do not depend on the locale on any platform.
 class tFolder {
 public:
     explicit tFolder(const std::filesystem::path& prefix = "zuziptra") {
@@ -43,7 +43,7 @@ public:
         return path_ / name;
     }
 
-    /// Writes a file, in folders that are made for it if need be, and returns its path in UTF-8.
+    /// Writes a file, creates its folders if necessary, and returns its path in UTF-8.
     std::string write(const std::filesystem::path& name, std::string_view content = "") const {
         create_directories((path_ / name).parent_path());
         std::ofstream(path_ / name, std::ios::binary)

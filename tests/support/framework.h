@@ -15,8 +15,8 @@ namespace support {
 
 class tScriptedFramework;
 
-/// What the objects of the scripted framework have in common: a reference count that is watched. An object is kept
-/// until its framework goes, so that a use after the last release is seen and harmless.
+/// The base of the scripted framework's objects: a checked reference count. An object exists until its framework is
+/// destroyed, so that a use after the last release is harmless and is reported.
 class tCounted {
 public:
     tCounted(tScriptedFramework& script, std::string name) : script_(script), name_(std::move(name)) {}
@@ -28,7 +28,7 @@ public:
     [[nodiscard]] const std::string& name() const { return name_; }
 
 protected:
-    /// Every operation starts here.
+    /// Every operation calls this first.
     void note(const std::string& call);
     std::uint32_t add();
     std::uint32_t drop();
@@ -44,8 +44,8 @@ private:
     std::uint32_t references_ = 1;
 };
 
-/// A system-configuration framework that does what a test says, notes every call and checks its arguments. One at a
-/// time. Going, it expects that every reference has been released.
+/// A system-configuration framework that a test scripts. It records every call and checks its arguments, and on
+/// destruction it expects that every reference has been released. At most one may exist at a time.
 class tScriptedFramework {
 public:
     using Result = nZusysapi::Result;
@@ -58,24 +58,24 @@ public:
     tScriptedFramework(const tScriptedFramework&) = delete;
     tScriptedFramework& operator=(const tScriptedFramework&) = delete;
 
-    /// The entry of the library.
+    /// The library's entry point.
     static Result instantiate(std::uint32_t first, std::uint32_t second, nZusysapi::Framework** framework);
 
-    /// What the setting reads.
+    /// The value of the setting.
     std::uint32_t setting = 1;
-    /// What a step (1 to 6) gives on an attempt (1 and up), where 0 is success; asked when the step is called. It may
-    /// throw.
+    /// Returns the result of a step (1 to 6) on an attempt (1 and up), where 0 is success; called when the step is
+    /// called. May throw.
     std::function<Result(int attempt, int step)> outcome = [](int, int) { return 0; };
-    /// What a step that fails does to its out pointer.
-    enum class OnFailure { leavesThePointer, writesNull, givesAnObject, writesGarbage };
+    /// The effect of a failing step on its out pointer.
+    enum class OnFailure { leavesThePointer, writesNull, returnsAnObject, writesGarbage };
     OnFailure onFailure = OnFailure::leavesThePointer;
-    /// The step that succeeds and gives null all the same; 0: none.
+    /// The step that succeeds but returns null; 0 for none.
     int nullStep = 0;
-    /// Every instantiation gives the same framework object.
+    /// Whether every instantiation returns the same framework object.
     bool oneFramework = false;
 
-    /// What was called, in order: "instantiate", "framework.createOptions", "options.release" and so on. With more than
-    /// one attempt the names carry its number from the second on: "framework2.createOptions".
+    /// The calls, in order: "instantiate", "framework.createOptions", "options.release" and so on. From the second
+    /// attempt on, the names contain its number: "framework2.createOptions".
     std::vector<std::string> calls;
     int attempts = 0;
 
@@ -85,9 +85,9 @@ public:
         return references;
     }
 
-    /// For the objects: the outcome of a step that gives an object.
+    /// Called by the objects: the outcome of a step that returns an object.
     template <class Implementation, class Interface>
-    Result give(int step, const char* name, Interface** out);
+    Result returnObject(int step, const char* name, Interface** out);
 
 private:
     inline static tScriptedFramework* current_ = nullptr;
@@ -119,7 +119,7 @@ public:
 
     Result queryInterface(const nZusysapi::InterfaceId& id, void** object) override {
         note("queryInterface");
-        EXPECT_EQ(id.data4[7], 0x46) << "asked for something other than the identity";
+        EXPECT_EQ(id.data4[7], 0x46) << "queried for an interface other than the identity";
         add();
         *object = static_cast<nZusysapi::Object*>(this);
         return 0;
@@ -161,7 +161,7 @@ public:
         EXPECT_EQ(selector, 1U);
         EXPECT_EQ(*count, 0U) << "the count starts as 0";
         *count = 1;
-        return script_.give<tScriptedResource>(5, "resource", resource);
+        return script_.returnObject<tScriptedResource>(5, "resource", resource);
     }
 };
 
@@ -193,7 +193,7 @@ public:
         EXPECT_TRUE(std::u16string_view(target) == u"//localhost");
         EXPECT_EQ(flag, 1U);
         EXPECT_NE(dynamic_cast<tScriptedOptions*>(options), nullptr);
-        return script_.give<tScriptedConnection>(4, "connection", connection);
+        return script_.returnObject<tScriptedConnection>(4, "connection", connection);
     }
     Result slot5() override { return unexpectedSlot(5); }
     Result slot6() override { return unexpectedSlot(6); }
@@ -202,17 +202,17 @@ public:
     Result slot9() override { return unexpectedSlot(9); }
     Result createOptions(nZusysapi::Options** options) override {
         note("createOptions");
-        return script_.give<tScriptedOptions>(2, "options", options);
+        return script_.returnObject<tScriptedOptions>(2, "options", options);
     }
 };
 
 template <class Implementation, class Interface>
-nZusysapi::Result tScriptedFramework::give(int step, const char* name, Interface** out) {
+nZusysapi::Result tScriptedFramework::returnObject(int step, const char* name, Interface** out) {
     const allocations::tPause pause;
     EXPECT_EQ(*out, nullptr) << "the out pointer of step " << step << " starts as null";
     const Result result = outcome(attempts, step);
     if (step == nullStep) return result;
-    if (result == 0 || onFailure == OnFailure::givesAnObject) {
+    if (result == 0 || onFailure == OnFailure::returnsAnObject) {
         const std::string number = attempts == 1 ? "" : std::to_string(attempts);
         auto object = std::make_unique<Implementation>(*this, name + number);
         *out = object.get();
@@ -240,7 +240,7 @@ inline nZusysapi::Result tScriptedFramework::instantiate(std::uint32_t first, st
         *framework = &object;
         return 0;
     }
-    return script.give<tScriptedFrameworkObject>(1, "framework", framework);
+    return script.returnObject<tScriptedFrameworkObject>(1, "framework", framework);
 }
 
 }  // namespace support

@@ -5,13 +5,14 @@
 
 namespace support {
 
-/// Passes a little time without asking the system.
+/// Passes a little time without a system call.
 inline void spin(unsigned turns) {
     for (volatile unsigned left = turns; left > 0;) left = left - 1;
 }
 
-/// What lies between two of the requests that a thread sends without end: the lock must be free at times, or the
-/// service main never gets it. When that takes very long the machine is busy, and the service main waits for its turn.
+/// The pause between two requests of a thread that sends them continuously: the lock must sometimes be free, or
+/// serviceMain never gets it. After a very long time the machine is probably busy, and serviceMain is waiting for its
+/// turn.
 inline void pauseAfterRequest(int number) {
     if (number < 10'000) {
         spin(1'000);

@@ -16,9 +16,9 @@ namespace support {
 /// has tried to list the plug-ins, and without a status file. Records these system calls in the order in which they are
 /// made:
 ///
-///   create-event, set-event, close-event   the stop event: a start, a stop request, a stop
-///   list                                   the first thing that a run does
-///   add-early, add-run, remove-early, remove-run   console handlers
+/// create-event, set-event, close-event the stop event: a start, a stop request, a stop
+/// list the first step of a run
+/// add-early, add-run, remove-early, remove-run console handlers
 class HostCalls : public testing::Test {
 protected:
     void SetUp() override {

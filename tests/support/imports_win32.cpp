@@ -33,7 +33,7 @@ struct Door<import, Result(Arguments...)> {
     static Result enter(Arguments... arguments) { return import.call(arguments...); }
 };
 
-/// A function that the product looks up by its name instead of importing it is replaced like the others.
+/// A function that the product looks up by name instead of importing it can be replaced like the others.
 template <>
 struct Door<GetProcAddress, decltype(::GetProcAddress)> {
     static FARPROC WINAPI enter(HMODULE library, const char* name) {

@@ -14,8 +14,8 @@
 #include "tests/support/allocations.h"
 
 /// Stand-ins for system calls. The test program defines the import pointers (__imp_NAME) of the calls listed below, so
-/// every call that the product makes through them comes here first: to a test's replacement if there is one, otherwise
-/// on to the system. The product has no seam for this.
+/// every call that the product makes through them comes here first, and is passed to a test's replacement if there is
+/// one, otherwise to the system. The product has no seam for this.
 ///
 ///   imports::CreateEventA.replace([](auto...) -> HANDLE { SetLastError(ERROR_ACCESS_DENIED); return nullptr; });
 ///
@@ -55,7 +55,7 @@ public:
         remember();
     }
 
-    /// The function that the product's call reaches now, for a replacement that wraps another one.
+    /// Returns the function that the product's call reaches now, for a replacement that wraps another one.
     [[nodiscard]] std::function<Result(Arguments...)> current() {
         if (replacement_ != nullptr) return *replacement_;
         return [this](Arguments... arguments) { return real(arguments...); };
@@ -67,10 +67,10 @@ public:
         return real_(arguments...);
     }
 
-    /// Does what the product's call does.
+    /// Makes the call as the product would.
     Result call(Arguments... arguments) {
         if (replacement_ == nullptr) return real(arguments...);
-        const allocations::tPause pause;  // the memory that a test needs here is not the product's
+        const allocations::tPause pause;  // the test's own memory must not count as the product's
         return (*replacement_)(arguments...);
     }
 
@@ -83,7 +83,7 @@ private:
     const wchar_t* library_;
     const char* name_;
     Result (*real_)(Arguments...) = nullptr;
-    // A pointer, so that imports are ready before any constructor runs.
+    // A pointer, so that imports are usable before any constructor has run.
     std::function<Result(Arguments...)>* replacement_ = nullptr;
 };
 
@@ -137,8 +137,8 @@ private:
     IMPORT(L"msvcrt.dll", _wrename)                      \
     IMPORT(L"shell32.dll", SHGetFolderPathW)
 
-// The same for calls that the compiler treats as ordinary functions, as the headers do not declare them dllimport. They
-// reach their import pointer through a jump instruction, which the test program defines too.
+// The same for calls that the compiler treats as ordinary functions because the headers do not declare them dllimport.
+// They reach their import pointer through a jump instruction, which the test program defines too.
 #define IMPORTS_BEHIND_A_JUMP(IMPORT) \
     IMPORT(L"msvcrt.dll", fclose)     \
     IMPORT(L"msvcrt.dll", ferror)     \

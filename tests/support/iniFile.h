@@ -8,7 +8,7 @@
 #include "ini/parser.h"
 #include "tests/support/folder.h"
 
-/// A file for one test, in a folder of its own.
+/// A file for one test, in its own folder.
 class tIniFile {
 public:
     explicit tIniFile(std::string_view content, const std::filesystem::path& name = "test.ini")
@@ -19,7 +19,7 @@ public:
     void write(std::string_view content) const { folder_.write(path_, content); }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-    /// As the parser expects it. Not wstring(), which depends on the locale natively.
+    /// Returns the path in the parser's form. wstring() would depend on the locale natively.
     [[nodiscard]] std::wstring widePath() const {
         const std::u32string path = path_.u32string();
         return {path.begin(), path.end()};
@@ -33,8 +33,8 @@ private:
     std::filesystem::path path_;
 };
 
-/// The document as text, one line for each section and key: "[Service]@1", "Name=value@2", with the quote after the
-/// value if one was stripped, and "error@3" at the end if a line is malformed. Each ends with a line feed.
+/// Returns the document as text, one line for each section and key: "[Service]@1", "Name=value@2", with the quote after
+/// the value if one was stripped, and "error@3" at the end if a line is malformed. Each ends with a line feed.
 inline std::string describe(const nIni::tDocument& document) {
     std::ostringstream text;
     for (const nIni::tSection& section : document.sections) {
@@ -49,7 +49,7 @@ inline std::string describe(const nIni::tDocument& document) {
     return text.str();
 }
 
-/// What `describe` returns for a text parsed with these flags, or the code of a parse that fails.
+/// Returns the result of `describe` for a text parsed with these flags, or the code of a failed parse.
 inline std::string parsed(std::string_view content, std::uint32_t flags = 3) {
     nIni::tDocument document;
     document.flags = flags;

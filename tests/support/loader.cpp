@@ -10,7 +10,7 @@ tLoader* current = nullptr;
 tLoader::tLoader() : previous_(current) { current = this; }
 tLoader::~tLoader() { current = previous_; }
 
-// The linker gives the calls of a wrapped function to __wrap_NAME, and the function itself the name __real_NAME.
+// The linker redirects calls of a wrapped function to __wrap_NAME and renames the function itself to __real_NAME.
 
 nLibrary::tHandle realLoad(const char* path, std::uint32_t& osError) asm("__real__ZN8nLibrary4loadEPKcRj");
 nLibrary::tHandle wrappedLoad(const char* path, std::uint32_t& osError) asm("__wrap__ZN8nLibrary4loadEPKcRj");

@@ -6,8 +6,8 @@
 
 namespace support {
 
-/// Stands in for the dynamic loader: while one lives, every call of nLibrary comes to it (to the youngest). Without one
-/// the calls go on to the system. (The test programs are linked with --wrap; the product has no seam for this.)
+/// Replaces the dynamic loader: while one exists, every call of nLibrary comes to it (to the newest). Without one the
+/// calls are passed on to the system. (The test programs are linked with --wrap; the product has no seam for this.)
 class tLoader {
 public:
     tLoader();

@@ -14,7 +14,7 @@
 
 namespace support {
 
-/// A manager whose plug-ins and whose clock do what the test says.
+/// A manager whose plug-ins and clock the test scripts.
 class tManagerTest : public testing::Test {
 protected:
     static tPluginDescription describe(const std::string& path, std::vector<std::string> dependencies = {}) {

@@ -7,10 +7,10 @@
 /// The libraries that tests/plugins/ builds, for real loading.
 namespace support {
 
-/// The full path (UTF-8) of one of them.
+/// Returns the full path (UTF-8) of one of them.
 std::string pluginPath(const std::string& name);
 
-/// What the test plug-ins report while this object lives (see plugins/behaviours/behaviours.cpp).
+/// The reports of the test plug-ins while this object exists (see plugins/behaviours/behaviours.cpp).
 class tPluginLog {
 public:
     tPluginLog();
@@ -24,11 +24,12 @@ private:
     std::string path_;
 };
 
-/// What the platform does differently: the environment is set, and the test program found, in different ways.
+/// Platform differences: how the environment is set and the test program is found.
 void setEnvironment(const char* name, const char* value);
 std::string testProgramFolder();
 extern const char* const libraryExtension;
-/// So many files a test makes in one folder: on Windows fewer, as Wine looks at all of them before it makes one more.
+/// How many files a test creates in one folder: fewer on Windows, because Wine reads all of them before it creates
+/// another.
 extern const std::size_t manyFiles;
 
 }  // namespace support

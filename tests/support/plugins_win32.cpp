@@ -10,7 +10,7 @@ namespace support {
 const char* const libraryExtension = ".dll";
 const std::size_t manyFiles = 1'000;
 
-// The runtime's own copy of the environment, which is what getenv reads.
+// The runtime's own copy of the environment, which getenv reads.
 void setEnvironment(const char* name, const char* value) { _putenv_s(name, value); }
 
 std::string testProgramFolder() {

@@ -1,4 +1,4 @@
-// Never shipped: where there are no access lists, there is nothing to grant.
+// Never shipped: there are no access lists here, so there is nothing to grant.
 #include "quarks/processAccess.h"
 
 namespace nProcessAccess {

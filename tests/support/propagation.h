@@ -8,7 +8,7 @@
 
 namespace support {
 
-/// Expects that the product distinguishes a propagating exception from none, whatever was thrown before.
+/// Expects that the product still detects correctly whether an exception is propagating.
 inline void expectPropagationToBeTold() {
     EXPECT_FALSE(zuerr::ExceptionIsPropagating());
     struct CleanUp {

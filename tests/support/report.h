@@ -16,11 +16,11 @@ namespace report {
 /// Returns the text as a JSON document that keeps the order of its members. Fails the test if it is not JSON.
 inline nlohmann::ordered_json parsed(const char* text) {
     auto document = nlohmann::ordered_json::parse(text, nullptr, false);
-    EXPECT_FALSE(document.is_discarded()) << "no JSON: " << text;
+    EXPECT_FALSE(document.is_discarded()) << "not JSON: " << text;
     return document;
 }
 
-/// Whether a report buffer is laid out as promised: text, terminator, zero fill, sentinel in the last byte.
+/// Checks the layout of a report buffer: text, terminator, zero fill, sentinel in the last byte.
 inline testing::AssertionResult wellLaidOut(const char* buffer, std::size_t size) {
     if (buffer[size - 1] != zuerr::jsonSentinel) return testing::AssertionFailure() << "no sentinel";
     const std::size_t length = strnlen(buffer, size);

@@ -92,8 +92,8 @@ bool tServiceManager::change(tHandler handler, bool add) {
     return true;
 }
 
-/// The console calls its handlers one event at a time, the one added last first, and only a handler itself changes the
-/// list meanwhile. Returns false if none handles the event, which would end the process.
+/// The console calls its handlers one event at a time, the most recently added first, and only a handler itself changes
+/// the list meanwhile. Returns false if none handles the event, which would end the process.
 bool tServiceManager::consoleEvent() {
     const std::lock_guard lock(mutex_);
     const std::vector<tHandler> handlers(handlers_.rbegin(), handlers_.rend());

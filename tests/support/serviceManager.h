@@ -10,9 +10,9 @@
 
 namespace support {
 
-/// Takes the place of the service manager and of the console for the program's real entry and service control, with
-/// threads that send without end. On Windows it replaces the imports that they call; elsewhere it defines the functions
-/// of support/posix/windows.h. One at a time.
+/// Replaces the service manager and the console for the program's real entry and service control, with threads that
+/// send requests continuously. On Windows it replaces the imports that they call; elsewhere it defines the functions of
+/// support/posix/windows.h. At most one may exist at a time.
 class tServiceManager {
 public:
     using tHandler = int (*)(unsigned long);
@@ -24,7 +24,7 @@ public:
 
     /// Runs one life of the service while three threads send controls from its first RUNNING report until its end.
     /// Returns its reports: START_PENDING 2, RUNNING 4, stop requested r (checkpoint 1), stop pending p (checkpoint 2),
-    /// STOPPED 1, with any number of requests in a row as one.
+    /// STOPPED 1; successive requests are shown as one.
     std::string hammeredService();
     /// The same with a single stop request, sent `delay` turns after the RUNNING report.
     std::string serviceStoppedOnce(unsigned delay);
@@ -33,7 +33,7 @@ public:
     int hammeredForeground(unsigned delay);
 
     std::atomic<std::uint64_t> sent = 0;  ///< controls, or console events that were handled
-    std::atomic<int> failedSignals = 0;   ///< of the stop event, which was gone
+    std::atomic<int> failedSignals = 0;   ///< signals of the stop event after it was closed
 
     // For the platform's functions.
     void note(unsigned long state, unsigned long checkpoint);
@@ -46,7 +46,7 @@ private:
     static void runServiceMain();
 
     static constexpr std::size_t mostReports = 1 << 20;
-    // Without any ordering between threads, which would hide what the product's own lock fails to order.
+    // Accessed without any ordering between threads, which would hide missing ordering in the product's own lock.
     std::unique_ptr<std::atomic<char>[]> reports_ = std::make_unique<std::atomic<char>[]>(mostReports);
     std::atomic<std::size_t> count_ = 0;
     std::atomic<bool> running_ = false;

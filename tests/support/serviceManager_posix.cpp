@@ -1,4 +1,4 @@
-// Never shipped: the functions that the program's entry and its service control take from <windows.h>.
+// Never shipped: the functions of <windows.h> that the program's entry and service control call.
 #include "source/serviceControl.h"
 #include "tests/support/posix/windows.h"
 #include "tests/support/serviceManager.h"

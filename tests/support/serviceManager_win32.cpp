@@ -5,7 +5,7 @@
 namespace support {
 
 tServiceManager::tServiceManager() {
-    // Waiting threads sleep, which is no pause of the run.
+    // Waiting threads sleep too; that is not a pause of the run.
     imports::Sleep.replace([](DWORD milliseconds) { imports::Sleep.real(milliseconds); });
     imports::StartServiceCtrlDispatcherA.replace([](auto...) {
         SetLastError(ERROR_FAILED_SERVICE_CONTROLLER_CONNECT);

@@ -17,7 +17,7 @@ std::filesystem::path freshFolder() {
     return std::filesystem::temp_directory_path() / ("service-test-" + std::to_string(random()));
 }
 
-/// The next line without a carriage return and with "T ms" for any "1250 ms".
+/// Returns the next line without a carriage return, and with "T ms" for any duration such as "1250 ms".
 std::string plainLine(std::istream& file) {
     std::string line;
     std::getline(file, line);

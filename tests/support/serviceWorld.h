@@ -9,8 +9,9 @@
 
 namespace support {
 
-/// A machine for the service to live on: a shared directory with an empty plug-in directory in it, a folder for the
-/// status file, and no framework library, all of its own. It stops what is still started when it goes. One at a time.
+/// A machine for the service to run on: its own shared directory with an empty plug-in directory, its own folder for
+/// the status file, and no framework library. Stops a service that is still started on destruction. At most one may
+/// exist at a time.
 class tServiceWorld {
 public:
     tServiceWorld();
@@ -18,13 +19,13 @@ public:
     tServiceWorld(const tServiceWorld&) = delete;
     tServiceWorld& operator=(const tServiceWorld&) = delete;
 
-    /// Writes a description file and returns its path as the service names it.
+    /// Writes a description file and returns its path in the service's form.
     std::string describe(const std::string& fileName, const std::string& text) const;
     /// A description whose library is tests/plugins/calling, with the entries Begin, Halt and End.
     [[nodiscard]] static std::string calling(const std::string& name, const std::string& moreKeys = "");
 
-    /// What the status file says below its first two lines, which are checked here, or "no status file". Line ends are
-    /// plain, and every duration is shown as "T ms".
+    /// Returns the text of the status file after its first two lines, which are checked here, or "no status file".
+    /// Lines end with LF, and every duration is shown as "T ms".
     [[nodiscard]] std::string status() const;
     void removeStatus() const;
 

@@ -17,7 +17,7 @@ inline testing::AssertionResult wellLaidOut(const zuerr::StatusRecord& record) {
 
 }  // namespace report
 
-/// Buffer managers for status records, and the capacities requested from them in this test.
+/// Buffer managers for status records, and the capacities that were requested from them in this test.
 class StatusRecordManager : public testing::Test {
 protected:
     StatusRecordManager() { requests.clear(); }

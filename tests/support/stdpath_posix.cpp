@@ -1,4 +1,4 @@
-// Never shipped: where there is no registry, the platform's readers of stdpath give what a test says.
+// Never shipped: there is no registry here, so the platform's readers of stdpath return what the test specifies.
 #include <algorithm>
 #include <string_view>
 
@@ -13,7 +13,7 @@ namespace {
 support::tSharedPlaces* current = nullptr;
 
 std::u16string wide(const std::string& text) {
-    const allocations::tPause pause;  // it is the system that has this text
+    const allocations::tPause pause;  // this text is the system's
     return nStdPath::fileNameFromUtf8(text);
 }
 

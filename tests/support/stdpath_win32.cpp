@@ -9,7 +9,7 @@
 namespace {
 
 support::tSharedPlaces* current = nullptr;
-int openedKey = 0;  // its address is the handle of the maker's key
+int openedKey = 0;  // its address serves as the handle of the vendor's key
 
 HKEY handle() { return reinterpret_cast<HKEY>(&openedKey); }
 

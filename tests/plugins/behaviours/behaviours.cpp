@@ -1,8 +1,8 @@
-// One entry point for each way in which a plug-in may behave; a description chooses by naming it.
+// One entry point for each kind of behaviour; a description selects one by its name.
 //
-// Each call appends "<library> <what happened>" to the file that the environment variable TEST_PLUGIN_LOG names, the
-// library being the file name without its extension. Copies of the file under other names are so told apart.
-// Those that wait do so at the gate (see gate.h) of the library's own path.
+// Each call appends "<library> <what happened>" to the file that the environment variable TEST_PLUGIN_LOG names, where
+// the library is the file name without its extension. This distinguishes copies of the file under other names.
+// Entries that wait do so at the gate (see gate.h) with the library's own path.
 
 #include <cstdint>
 #include <cstdio>
@@ -39,7 +39,7 @@ struct LoadLog {
 };
 const LoadLog loadLog;
 
-/// What it takes to print and to destroy this exception is code of this library, which must still be loaded then.
+/// The code that prints and destroys this exception is in this library, which must still be loaded then.
 class OwnException : public std::exception {
 public:
     ~OwnException() override { log("destroys its exception"); }

@@ -2,5 +2,5 @@
 
 #include <filesystem>
 
-/// The file of the library that this is compiled into.
+/// Returns the file of the library that this code is compiled into.
 std::filesystem::path ownPath();

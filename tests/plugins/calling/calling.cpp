@@ -1,6 +1,7 @@
-// Calls the test program back from each entry point, so that a test may look at the world at that very moment.
+// Calls the test program back from each entry point, so that a test can inspect the state at that moment.
 //
-// Initialize gives a warning and the other two throw, so that their codes show in a status text whatever their times.
+// Initialize returns a warning and the other two throw, so that a status text shows their codes regardless of their
+// times.
 
 #include <cstdint>
 #include <stdexcept>

@@ -1,2 +1,2 @@
-// What a plug-in may keep beside itself in its own folder.
+// A library that a plug-in may have beside it in its own folder.
 extern "C" int answer() { return 42; }

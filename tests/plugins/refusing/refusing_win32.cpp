@@ -1,4 +1,4 @@
-// A library that does not want to be loaded.
+// A library that refuses to be loaded.
 #include <windows.h>
 
 BOOL WINAPI DllMain(HINSTANCE /*self*/, DWORD reason, LPVOID /*reserved*/) {

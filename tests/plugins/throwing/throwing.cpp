@@ -1,6 +1,6 @@
-// Throws all that there is to throw, made by a C++ runtime and a copy of the error model that are not the host's.
+// Throws every kind of exception, from a C++ runtime and a copy of the error model that are not the host's.
 //
-// Each function serves as any of the three entry points: what it gives never matters, as it never returns.
+// Each function can be any of the three entry points: its result type never matters, because it never returns.
 #include <array>
 #include <cstdint>
 #include <exception>
@@ -34,7 +34,7 @@ struct Large : std::exception {
     std::array<char, 1'000'000> bytes{};
 };
 
-/// What a std::exception would be if it could be told which of the two.
+/// An ambiguous std::exception: it has two of them as bases.
 struct TwoExceptions : std::runtime_error, std::logic_error {
     TwoExceptions() : std::runtime_error("one"), std::logic_error("two") {}
 };
@@ -43,7 +43,7 @@ struct NoException {
     std::string text = "a text that is too long for a string's small buffer, so that it is released in its library";
 };
 
-/// Throws and catches while it is destroyed by an exception on its way.
+/// Throws and catches while a propagating exception destroys it.
 struct Busy {
     Busy() = default;
     Busy(const Busy&) = delete;
@@ -52,7 +52,7 @@ struct Busy {
         try {
             throw NoException();
         } catch (const NoException&) {
-            // All is well here.
+            // Expected.
         }
     }
 };
@@ -87,7 +87,7 @@ void ThrowBadException() { throw std::bad_exception(); }
 void ThrowLarge() { throw Large(); }
 void ThrowFromBelow() { throwFromBelow(50); }
 
-/// Thrown while another one is being handled, and carrying it along.
+/// Thrown while another one is being handled, which is nested in it.
 void ThrowNested() {
     try {
         throw NoException();
@@ -110,20 +110,20 @@ void ThrowAgain() {
     }
 }
 
-// A lack of memory.
+// Out of memory.
 void ThrowBadAlloc() { throw std::bad_alloc(); }
 void ThrowBadArrayNewLength() { throw std::bad_array_new_length(); }
 void ThrowOwnBadAlloc() { throw OwnBadAlloc(); }
 void ThrowBadAllocAndMore() { throw BadAllocAndMore(); }
 
-// The program's own.
+// The program's own exceptions.
 void ThrowOsFault() { zuerr::Raise({zuerr::osFault, {"throwing", 7}}); }
 void ThrowBaseAlone() { throwWithCode(-7); }
 void ThrowSmallestCode() { throwWithCode(INT32_MIN); }
 void ThrowWarning() { throwWithCode(5); }
 void ThrowNoCode() { throw zuerr::Exception(); }
 
-// What is no std::exception.
+// Other types than std::exception.
 void ThrowInt() { throw 7; }
 void ThrowText() { throw "text"; }
 void ThrowString() { throw std::string(1000, 'x'); }
@@ -132,7 +132,7 @@ void ThrowFunction() { throw &ThrowInt; }
 void ThrowObject() { throw NoException(); }
 void ThrowTwoExceptions() { throw TwoExceptions(); }
 
-/// Nothing leaves the library; gives the code that it finds itself.
+/// No exception leaves the library; returns the code that the library itself determines.
 std::int32_t CatchOwnOsFault() {
     try {
         ThrowOsFault();

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the program's entry and its service control take from <windows.h>, so that native tools can watch them: they are
-// compiled once more for the native tests, against the few names here. A test brings the functions.
+// The part of <windows.h> that the program's entry and service control use. They are compiled again for the native
+// tests with these few names, so that native tools can check them. Tests provide the functions.
 
 using BOOL = int;
 using DWORD = unsigned long;

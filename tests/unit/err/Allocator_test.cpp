@@ -21,7 +21,7 @@ using zuerr::WideBuffer;
 constexpr const char* outOfMemoryReport =
     R"({"error_constant":"-52000","file":"zubrx/err/Allocator","line":31,"component":"zuZiptraRemoteService"})";
 
-/// A block with the text "abc".
+/// Returns a block with the text "abc".
 char* newBlock() {
     StatusRecord status;
     return std::strcpy(static_cast<char*>(Reallocate(nullptr, 4, status)), "abc");
@@ -29,7 +29,7 @@ char* newBlock() {
 
 std::u16string content(const WideBuffer& buffer) { return {buffer.begin(), buffer.end()}; }
 
-TEST(Reallocate, AllocatesGrowsWithTheContentAndFrees) {
+TEST(Reallocate, AllocatesGrowsAndFreesABlock) {
     StatusRecord status;
     char* const block = static_cast<char*>(Reallocate(newBlock(), 100'000, status));
     EXPECT_THAT(block, StrEq("abc"));
@@ -113,10 +113,11 @@ TEST(WideBuffer, KeepsItsContentWhenMemoryRunsOut) {
     EXPECT_THAT(status.json, StrEq(outOfMemoryReport));
 }
 
-TEST(WideBuffer, RefusesACountWhoseByteSizeOverflows) {
+TEST(WideBuffer, RejectsACountWhoseByteSizeOverflows) {
     StatusRecord status;
     WideBuffer buffer;
-    // In bytes this wraps around to 2. (Refused here already, as a sanitizer ends the program at such a request.)
+    // In bytes this wraps around to 2. (The request is refused here already, because a sanitizer would end the
+    // program.)
     EXPECT_EQ(allocations::refused(1'000'000, [&] { buffer.resize(SIZE_MAX / 2 + 2, status); }), 1);
     EXPECT_EQ(status.code, -52000);
     EXPECT_EQ(buffer.size(), 0U);

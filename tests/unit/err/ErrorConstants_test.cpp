@@ -29,7 +29,7 @@ const std::map<std::string, zuerr::ErrorConstant>& constants() {
     return all;
 }
 
-/// The folder with the sources: the one that the tests run in, or one above it.
+/// The source folder: the working folder or one above it.
 std::filesystem::path sources() {
     std::filesystem::path folder = std::filesystem::current_path();
     while (!exists(folder / "docs" / "codes.md") && folder.has_relative_path()) folder = folder.parent_path();
@@ -50,13 +50,13 @@ void forEachMatch(const std::string& text, const char* pattern, Use use) {
     }
 }
 
-/// "file line" to the code, or to "" where the text does not name an error constant beside the site.
+/// Maps "file line" to the code, or to "" if no error constant is named beside the site.
 using tSites = std::map<std::string, std::string>;
 
 std::string unescaped(const std::string& literal) { return std::regex_replace(literal, std::regex(R"(\\\\)"), "\\"); }
 
-/// The raise sites in a source file: {sourceFile, LINE} or {"file", LINE}, perhaps after an error constant, and the
-/// lines that stdpath names for its system errors.
+/// Finds the raise sites in a source file: {sourceFile, LINE} or {"file", LINE}, optionally after an error constant,
+/// and the lines that stdpath passes for its system errors.
 void addSites(const std::string& text, tSites& sites) {
     std::string sourceFile = "zutolq\\stdpath";
     forEachMatch(text, R"rx(sourceFile = "([^"]*)")rx",
@@ -70,7 +70,7 @@ void addSites(const std::string& text, tSites& sites) {
                  [&](const std::smatch& match) { sites["zutolq\\stdpath " + match[1].str()] = ""; });
 }
 
-TEST(ErrorConstants, AreTheCodesAndTextsThatUsersLookUp) {
+TEST(ErrorConstants, AreTheDocumentedCodesAndTexts) {
     std::map<std::string, std::int32_t> codes;
     for (const auto& [name, constant] : constants()) codes[constant.text] = constant.code;
     EXPECT_THAT(codes,

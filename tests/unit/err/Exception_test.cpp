@@ -33,7 +33,7 @@ using zuerr::ThrowIfFailed;
 constexpr zuerr::RaiseReport osFault{zuerr::osFault, {".\\source\\tService", 217}};
 constexpr zuerr::RaiseReport fileAndLine{nullptr, {"a", 1}, nullptr};
 
-/// A buffer manager that is not the default one.
+/// A buffer manager other than the default one.
 bool ownManager(StatusRecord& record, std::uint32_t capacity) noexcept {
     return StatusRecord::reallocJsonDefault(record, capacity);
 }
@@ -44,7 +44,7 @@ TEST(Exception, IsVirtuallyBothAnExceptionBaseAndAStandardException) {
     EXPECT_TRUE((std::is_base_of_v<ExceptionBase, Exception>));
     EXPECT_TRUE((std::is_base_of_v<std::exception, Exception>));
     EXPECT_FALSE((std::is_base_of_v<std::exception, ExceptionBase>));
-    // A class with both as virtual bases of its own still has one of each.
+    // A class with both as its own virtual bases still has only one of each.
     struct Joined : Exception, virtual ExceptionBase, virtual std::exception {};
     Joined joined;
     EXPECT_EQ(static_cast<ExceptionBase*>(&joined), static_cast<ExceptionBase*>(static_cast<Exception*>(&joined)));
@@ -85,7 +85,7 @@ TEST(Exception, FreesItsReportThroughTheRecordsManager) {
 TEST(Exception, IsDestroyedCompletelyThroughItsBase) {
     auto* const exception = new Exception;
     RaiseInto(exception->record, -1, osFault);
-    delete static_cast<ExceptionBase*>(exception);  // a leak checker judges
+    delete static_cast<ExceptionBase*>(exception);  // a leak checker would notice
 }
 
 // Raise
@@ -97,7 +97,7 @@ TEST(Raise, ThrowsTheCodeWithItsReport) {
     EXPECT_EQ(caughtReport([] { Raise(osFault, -7); }).substr(0, 3), "-7 ");
 }
 
-TEST(Raise, LeavesOutAConstantOrComponentThatIsNotGiven) {
+TEST(Raise, OmitsAConstantOrComponentThatIsNull) {
     EXPECT_EQ(caughtReport([] { Raise(fileAndLine, -7); }), R"(-7 {"file":"a","line":1})");
 }
 
@@ -110,7 +110,7 @@ TEST(Raise, AcceptsEveryLine) {
     }
 }
 
-TEST(Raise, AcceptsTextsThatAreKnownOnlyAtRunTime) {
+TEST(Raise, AcceptsTextsKnownOnlyAtRunTime) {
     const std::string constant = "con\"stant";
     const std::string file = "C:\\Ger\xC3\xA4t\n";
     const std::string component(5, 'c');
@@ -135,7 +135,7 @@ TEST(Raise, KeepsAPathOf300CharactersInOneBufferOf512Bytes) {
 
 TEST(Raise, ThrowsTheCodeWhenThereIsNoMemoryForItsReport) {
     std::string caught;
-    // The language's own memory for the thrown object is below this.
+    // The runtime's memory for the thrown object is smaller than this.
     caught.reserve(100);
     caught = caughtReport([] { allocations::refused(512, [] { Raise(osFault); }); });
     EXPECT_EQ(caught, "-52008 {}");
@@ -178,7 +178,7 @@ TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingForSuccessAndForAWarning) {
     }
 }
 
-TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingOverAPropagatingException) {
+TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingWhileAnExceptionPropagates) {
     StatusRecord record;
     RaiseInto(record, -52008, fileAndLine);
     whileUnwinding([&] { ThrowIfFailed(record); });
@@ -224,7 +224,7 @@ TEST(ThrowIfFailed, ClearsAPlatformStatusWithoutThrowingForSuccessAndForAWarning
 
 // ExceptionIsPropagating
 
-TEST(ExceptionIsPropagating, IsTrueOnlyWhileTheStackIsUnwound) {
+TEST(ExceptionIsPropagating, IsTrueOnlyWhileTheStackUnwinds) {
     EXPECT_FALSE(ExceptionIsPropagating());
     whileUnwinding([] { EXPECT_TRUE(ExceptionIsPropagating()); });
     try {
@@ -273,12 +273,12 @@ TEST(CurrentExceptionCode, ChecksForBadAllocFirst) {
     EXPECT_EQ(caughtCode([] { throw Both(); }), -52000);
 }
 
-TEST(CurrentExceptionCode, LetsAnExceptionOfAnyOtherTypeThrough) {
+TEST(CurrentExceptionCode, RethrowsAnExceptionOfAnyOtherType) {
     EXPECT_THROW(caughtCode([] { throw 42; }), int);
     EXPECT_FALSE(ExceptionIsPropagating());
 }
 
-TEST(CurrentExceptionCode, LeavesTheHandledExceptionAsItIs) {
+TEST(CurrentExceptionCode, LeavesTheHandledExceptionUnchanged) {
     try {
         Raise(osFault);
     } catch (const Exception& exception) {

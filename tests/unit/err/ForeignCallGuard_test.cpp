@@ -1,4 +1,4 @@
-// A real library with a C++ runtime of its own throws here. See plugins/throwing.
+// A real library with its own C++ runtime throws here. See plugins/throwing.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -56,14 +56,14 @@ private:
     nLibrary::tHandle library_;
 };
 
-TEST_F(ForeignCallGuardTest, IsNeededAsAForeignThrowIsMissingFromOurRuntimesCount) {
+TEST_F(ForeignCallGuardTest, IsNeededBecauseOurRuntimeDoesNotCountForeignThrows) {
     const ForeignCallGuard guard;
     const int before = std::uncaught_exceptions();
     EXPECT_THROW(entry("ThrowRuntimeError")(), std::runtime_error);
     EXPECT_EQ(std::uncaught_exceptions(), before - 1);
 }
 
-TEST_F(ForeignCallGuardTest, KeepsPropagationRightAfterAnyNumberOfForeignExceptions) {
+TEST_F(ForeignCallGuardTest, KeepsPropagationCorrectAfterAnyNumberOfForeignExceptions) {
     const std::pair<const char*, std::int32_t> throwers[] = {
         {"ThrowRuntimeError", -52003}, {"ThrowBadAlloc", -52000}, {"ThrowOsFault", -52008}};
     for (const auto& [name, code] : throwers) {
@@ -86,7 +86,7 @@ TEST_F(ForeignCallGuardTest, CountsNothingForAnExceptionThatItsOwnLibraryCatches
     EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignCallGuardTest, LeavesAnExceptionOfOursPropagating) {
+TEST_F(ForeignCallGuardTest, LeavesOurOwnExceptionPropagating) {
     whileUnwinding([thrower = entry("ThrowOsFault")] {
         EXPECT_TRUE(ExceptionIsPropagating());
         for (int i = 0; i < 2; ++i) {
@@ -118,13 +118,13 @@ TEST_F(ForeignCallGuardTest, CountsForEachThreadSeparately) {
     EXPECT_TRUE(failuresAreThrown());
 }
 
-TEST_F(ForeignCallGuardTest, LetsAForeignReportBeCopiedIntoARecordOfOurs) {
+TEST_F(ForeignCallGuardTest, AllowsCopyingAForeignReportIntoOurRecord) {
     const ForeignCallGuard guard;
     StatusRecord record;
     try {
         entry("ThrowOsFault")();
     } catch (const zuerr::ExceptionBase& exception) {
-        // Another buffer manager made the report, so it is copied and not moved.
+        // The report has another buffer manager, so it is copied, not moved.
         EXPECT_NE(exception.record.reallocJson, record.reallocJson);
         EXPECT_TRUE(Copy(record, exception.record));
         EXPECT_NE(exception.report(), nullptr);

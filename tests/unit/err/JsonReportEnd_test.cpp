@@ -9,13 +9,13 @@ namespace {
 
 using zuerr::FindEnd;
 
-/// The offset that FindEnd returns, -1 for null.
+/// Returns the offset that FindEnd finds, or -1 for null.
 std::ptrdiff_t endOf(std::string text) {
     const char* const end = FindEnd(text.data());
     return end == nullptr ? -1 : end - text.data();
 }
 
-/// Each text is a container that ends at its last byte, whatever follows.
+/// Expects that each text is a container that ends at its last byte, regardless of the following text.
 void expectValid(std::initializer_list<const char*> texts) {
     for (const std::string text : texts) {
         const auto last = static_cast<std::ptrdiff_t>(text.size()) - 1;
@@ -36,7 +36,7 @@ TEST(FindEnd, IsNullForATextThatDoesNotBeginWithABraceOrBracket) {
     expectInvalid({"", "x", " {}", "1", "\"a\"", "true", "}", "]", "]]", "x]", "(]"});
 }
 
-TEST(FindEnd, IsNullForAContainerThatIsNotClosedByItsOwnKind) {
+TEST(FindEnd, IsNullForAContainerThatIsClosedByTheOtherKind) {
     expectInvalid({"{", "[", "{]", "[}", "[[]", "[1", "{\"a\"", "{\"a\":", "{\"a\":1", "{\"a\":1]", "[1}"});
 }
 
@@ -66,16 +66,16 @@ TEST(FindEnd, AcceptsEightEscapesAndFourHexadecimalDigits) {
     expectInvalid({R"(["\x"])", R"(["\v"])", R"(["\u12g4"])", R"(["\u123"])", R"(["\u"])", R"(["\U1234"])"});
 }
 
-TEST(FindEnd, EndsNoStringAtAnUnknownEscape) {
+TEST(FindEnd, DoesNotEndAStringAtAnUnknownEscape) {
     expectInvalid({R"(["\])", R"(["\,1])", R"(["\u12])", R"({"a":"\})", R"({"\:1})"});
 }
 
-TEST(FindEnd, RefusesControlCharactersInStringsAndNoOtherByte) {
+TEST(FindEnd, RejectsOnlyControlCharactersInStrings) {
     expectInvalid({"[\"\n\"]", "[\"\t\"]", "[\"\x1F\"]", "[\"\x01\"]", "{\"\n\":1}"});
     expectValid({"[\" \x7F\x80\xFF\"]", "[\"Ger\xC3\xA4t\"]"});
 }
 
-TEST(FindEnd, EndsNoStringAtAControlCharacter) { expectInvalid({"[\"\n]", "[\"a\t]", "{\"\n:1}"}); }
+TEST(FindEnd, DoesNotEndAStringAtAControlCharacter) { expectInvalid({"[\"\n]", "[\"a\t]", "{\"\n:1}"}); }
 
 TEST(FindEnd, IsNullForAStringThatDoesNotEnd) {
     expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", "[\"a\\\"", "[\"\\u", "[\"\\u12", "['a']"});
@@ -99,13 +99,13 @@ TEST(FindEnd, IsNullForAMalformedNumber) {
     expectInvalid({"[+1]", "[.5]", "[e5]", "[1e]", "[1ee5]", "[1e+-5]", "[--1]", "[1.5.5]", "[0x10]", "[1e5.5]"});
 }
 
-TEST(FindEnd, MatchesTheThreeWordsLetterForLetter) {
+TEST(FindEnd, MatchesTheThreeLiteralsExactly) {
     expectValid({"[true,false,null]", R"({"a":true})"});
     expectInvalid({"[tru]", "[True]", "[truex]", "[nul", "[fals]", "[nan]", "[t]", "[n", "[f", "[NULL]"});
     expectInvalid({"[trux]", "[falsy]", "[nuLL]"});
 }
 
-TEST(FindEnd, FollowsNestingOf1024LevelsAndRefusesMore) {
+TEST(FindEnd, AcceptsNestingOf1024LevelsAndRejectsMore) {
     EXPECT_EQ(endOf(std::string(1024, '[') + std::string(1024, ']')), 2047);
     EXPECT_EQ(endOf(std::string(1025, '[') + std::string(1025, ']')), -1);
     EXPECT_EQ(endOf(std::string(1'000'000, '[')), -1);

@@ -23,8 +23,8 @@ using zuerr::JsonChain;
 
 // Members and their order
 
-/// The text after a number is written into it at the offset, counted from the end if negative. An array element has no
-/// key.
+/// Returns the text after a number has been added at the offset, which counts from the end if negative. An array
+/// element has no key.
 std::string inserted(const std::string& text, int offset) {
     Buffer buffer(512, text.c_str());
     char* const cursor = buffer.text() + offset + (offset < 0 ? static_cast<int>(text.size()) : 0);
@@ -51,7 +51,7 @@ TEST(JsonReport, InsertsAfterAValueInTheMiddle) {
     EXPECT_EQ(inserted(R"([{"a":1}])", -2), R"([{"a":1,"k":9}])");
 }
 
-TEST(JsonReport, IgnoresBlanksWhenItDecidesAboutTheComma) {
+TEST(JsonReport, IgnoresBlanksInDecidingWhetherACommaIsNeeded) {
     EXPECT_EQ(inserted("{ \t\r\n}", 0), "{\"k\":9 \t\r\n}");
     EXPECT_EQ(inserted("[ \t\r\n]", -1), "[ \t\r\n9]");
     EXPECT_EQ(inserted("{\"a\":1 \n}", -1), "{\"a\":1 \n,\"k\":9}");
@@ -94,7 +94,7 @@ TEST(JsonReport, FillsANestedObjectWithoutACommaBeforeItsFirstMember) {
     EXPECT_TRUE(buffer.wellLaidOut());
 }
 
-TEST(JsonReport, ReturnsANullCursorAsItIs) {
+TEST(JsonReport, ReturnsNullForANullCursor) {
     EXPECT_EQ(AddString(nullptr, "a", "b"), nullptr);
     EXPECT_EQ(AddInt(nullptr, "a", 1), nullptr);
     EXPECT_EQ(AddUInt(nullptr, "a", 1), nullptr);
@@ -136,14 +136,14 @@ TEST(JsonReport, EscapesKeysLikeValues) {
     EXPECT_THAT(buffer.text(), StrEq(R"({"a\\\"":"b"})"));
 }
 
-TEST(JsonReport, WritesTextThatAnotherReaderReadsBack) {
+TEST(JsonReport, WritesTextThatAnotherLibraryCanRead) {
     const std::string value = "C:\\Gerät\\部署\n\"x\"";
     Buffer buffer(512, "{}");
     AddString(buffer.end(), "file", value.c_str());
     EXPECT_EQ(report::parsed(buffer.text())["file"], value);
 }
 
-// Room
+// Space
 
 static_assert(std::is_nothrow_invocable_v<JsonChain::Grow, void*, const char*>);
 
@@ -154,9 +154,9 @@ struct Member {
     const char* text;
 };
 
-class JsonReportRoom : public testing::TestWithParam<Member> {};
+class JsonReportSpace : public testing::TestWithParam<Member> {};
 
-TEST_P(JsonReportRoom, KeepsTheTextByteForByteWhenTheRoomIsTooSmall) {
+TEST_P(JsonReportSpace, KeepsTheTextByteForByteIfTheSpaceIsTooSmall) {
     const std::size_t needed = std::strlen(GetParam().text);
     for (const char* before : {"{}", "{\"a\":1}"}) {
         const std::size_t comma = std::strlen(before) > 2 ? 1 : 0;
@@ -170,7 +170,7 @@ TEST_P(JsonReportRoom, KeepsTheTextByteForByteWhenTheRoomIsTooSmall) {
     }
 }
 
-TEST_P(JsonReportRoom, FitsExactlyIntoTheRoomThatItNeeds) {
+TEST_P(JsonReportSpace, FitsExactlyIntoTheSpaceThatItNeeds) {
     const std::string member = GetParam().text;
     const auto expectWritten = [&](const std::string& before, bool atEnd, std::size_t comma, const std::string& after,
                                    std::size_t cursor) {
@@ -186,7 +186,7 @@ TEST_P(JsonReportRoom, FitsExactlyIntoTheRoomThatItNeeds) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, JsonReportRoom,
+    All, JsonReportSpace,
     testing::Values(
         Member{"String", [](char* cursor) { return AddString(cursor, "k", "a\n\"\\"); }, R"("k":"a\n\"\\")"},
         Member{"EmptyString", [](char* cursor) { return AddString(cursor, "", ""); }, R"("":"")"},
@@ -226,7 +226,7 @@ TEST(CopyText, NeedsTheTextItsTerminatorAndTheSentinel) {
     EXPECT_EQ(bytes, (std::vector<char>{'{', '}', 0, 'J', '#', '#', '#', '#'}));
 }
 
-TEST(CopyText, KeepsThePresentTextWhenGivenNone) {
+TEST(CopyText, KeepsTheCurrentTextIfGivenNull) {
     std::vector<char> bytes{'[', ']', 0, 'x', 'y', 'z'};
     EXPECT_TRUE(CopyText(bytes.data(), 6, nullptr));
     EXPECT_EQ(bytes, (std::vector<char>{'[', ']', 0, 0, 0, 'J'}));
@@ -252,7 +252,7 @@ TEST(JsonChain, WritesMembersInOrderAndReturnsItsCursor) {
     EXPECT_THAT(buffer.text(), StrEq(R"({"s":"text","i":-1,"u":1,"o":{"x":1,"y":2},"p":{},"z":3})"));
 }
 
-TEST(JsonChain, LeavesOutTheMemberThatDoesNotFitAndEveryLaterOneIfItCannotGrow) {
+TEST(JsonChain, SkipsTheMemberThatDoesNotFitAndEveryLaterOneIfItCannotGrow) {
     Buffer buffer = Buffer::withRoom(10, "{}");
     JsonChain chain(buffer.end(), nullptr, nullptr);
     chain.AddInt("a", 1).AddString("b", "too long for ten").AddInt("c", 3).EnterObject("d").LeaveObject();
@@ -260,7 +260,7 @@ TEST(JsonChain, LeavesOutTheMemberThatDoesNotFitAndEveryLaterOneIfItCannotGrow) 
     EXPECT_EQ(chain.cursor(), nullptr);
 }
 
-/// Moves the text into larger and larger buffers, a few bytes at a time, at most `steps` times.
+/// Moves the text into ever larger buffers, a few bytes at a time, at most `steps` times.
 struct Growth {
     Buffer buffer;
     std::size_t step;
@@ -277,7 +277,7 @@ struct Growth {
     }
 };
 
-TEST(JsonChain, GrowsAsOftenAsAMemberNeedsAndContinuesAtTheSamePlace) {
+TEST(JsonChain, GrowsAsOftenAsAMemberNeedsAndContinuesAtTheSamePosition) {
     Growth growth{Buffer::withRoom(0, "{}"), 5, 100};
     JsonChain chain(growth.buffer.end(), Growth::grow, &growth);
     chain.AddString("long", "0123456789012345678901234567890").EnterObject("o").AddInt("x", 1);
@@ -286,7 +286,7 @@ TEST(JsonChain, GrowsAsOftenAsAMemberNeedsAndContinuesAtTheSamePlace) {
     EXPECT_TRUE(growth.buffer.wellLaidOut());
 }
 
-TEST(JsonChain, StopsForGoodWhenGrowingFails) {
+TEST(JsonChain, StopsPermanentlyIfGrowingFails) {
     Growth growth{Buffer::withRoom(0, "{}"), 4, 2};
     JsonChain chain(growth.buffer.end(), Growth::grow, &growth);
     chain.AddInt("a", 1).AddInt("b", 2).EnterObject("o").AddInt("c", 3);

@@ -27,7 +27,7 @@ PlatformStatus raised(std::int32_t code, const char* component, const RaiseSite&
     return status;
 }
 
-/// Code and report of the record that a platform status is converted into.
+/// Returns code and report of the record that a platform status is converted to.
 std::string converted(const PlatformStatus& platform) {
     StatusRecord record;
     ConvertPlatformStatus(platform, record);
@@ -47,7 +47,7 @@ TEST(PlatformStatus, IsInitiallySuccessOfTheFullSize) {
 
 // Raising
 
-TEST(PlatformStatus, TakesCodeComponentFileAndLineAndResetsTheExtension) {
+TEST(PlatformStatus, StoresCodeComponentFileAndLineAndResetsTheExtension) {
     PlatformStatus status;
     status.extension = 42;
     RaiseInto(status, -52008, "quarks", site);
@@ -59,12 +59,12 @@ TEST(PlatformStatus, TakesCodeComponentFileAndLineAndResetsTheExtension) {
     EXPECT_TRUE(status.failed());
 }
 
-TEST(PlatformStatus, CutsAComponentToNineCharacters) {
+TEST(PlatformStatus, TruncatesAComponentToNineCharacters) {
     EXPECT_THAT(raised(-1, "ninechars", site).component.data(), StrEq("ninechars"));
     EXPECT_THAT(raised(-1, "zuZiptraRemoteService", site).component.data(), StrEq("zuZiptraR"));
 }
 
-TEST(PlatformStatus, CutsTheMiddleOutOfAPathOfMoreThan100Characters) {
+TEST(PlatformStatus, RemovesTheMiddleOfAPathOfMoreThan100Characters) {
     const std::string whole = std::string(99, 'x') + "y";
     EXPECT_EQ(raised(-1, "", {whole.c_str(), 1}).file.data(), whole);
     for (const std::size_t middle : {3, 4, 1000}) {
@@ -82,7 +82,7 @@ TEST(PlatformStatus, KeepsTheFirstError) {
     EXPECT_EQ(converted(status), R"(-1 {"file":"a","line":1,"component":"first"})");
 }
 
-TEST(PlatformStatus, ReplacesAWarningByAnErrorAndClearsItsLongerTexts) {
+TEST(PlatformStatus, ReplacesAWarningWithAnErrorAndClearsItsLongerTexts) {
     PlatformStatus status = raised(3, "warning", {"long/file/name", 3});
     RaiseInto(status, -1, "err", {"a", 1});
     EXPECT_EQ(status.code, -1);
@@ -91,7 +91,7 @@ TEST(PlatformStatus, ReplacesAWarningByAnErrorAndClearsItsLongerTexts) {
     EXPECT_EQ(status.line, 1);
 }
 
-TEST(PlatformStatus, TakesOnlyTheCodeIfItsDeclaredSizeIsBelow208) {
+TEST(PlatformStatus, StoresOnlyTheCodeIfItsDeclaredSizeIsBelow208) {
     PlatformStatus status{.size = 207};
     RaiseInto(status, -1, "component", site);
     EXPECT_EQ(status.code, -1);
@@ -109,14 +109,14 @@ TEST(ConvertPlatformStatus, WritesFileLineAndComponentForAnErrorAndForAWarning) 
     }
 }
 
-TEST(ConvertPlatformStatus, LeavesOutFileAndLineWithoutAFileAndAnEmptyComponent) {
+TEST(ConvertPlatformStatus, OmitsFileAndLineWithoutAFileAndOmitsAnEmptyComponent) {
     EXPECT_EQ(converted(raised(-1, "component", {"", 12})), R"(-1 {"component":"component"})");
     EXPECT_EQ(converted(raised(-1, "", {"a", 12})), R"(-1 {"file":"a","line":12})");
 }
 
 TEST(ConvertPlatformStatus, DoesNothingForSuccess) { EXPECT_EQ(converted(raised(0, "component", site)), "0 none"); }
 
-TEST(ConvertPlatformStatus, DoesNothingIfTheRecordRefusesTheCode) {
+TEST(ConvertPlatformStatus, DoesNothingIfTheRecordDoesNotStoreTheCode) {
     StatusRecord record;
     record.code = -1;
     ConvertPlatformStatus(raised(-52008, "component", site), record);
@@ -124,13 +124,13 @@ TEST(ConvertPlatformStatus, DoesNothingIfTheRecordRefusesTheCode) {
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST(ConvertPlatformStatus, CarriesOnlyTheCodeForADeclaredSizeBelow208) {
+TEST(ConvertPlatformStatus, ConvertsOnlyTheCodeIfTheDeclaredSizeIsBelow208) {
     PlatformStatus platform = raised(-1, "component", site);
     platform.size = 207;
     EXPECT_EQ(converted(platform), "-1 none");
 }
 
-TEST(ConvertPlatformStatus, HasRoomForTheLongestMembersInABufferOf512Bytes) {
+TEST(ConvertPlatformStatus, FitsTheLongestMembersIntoABufferOf512Bytes) {
     const std::string file(100, '\\');
     const auto line = std::numeric_limits<std::int32_t>::min();
     StatusRecord record;
@@ -142,14 +142,14 @@ TEST(ConvertPlatformStatus, HasRoomForTheLongestMembersInABufferOf512Bytes) {
     EXPECT_EQ(record.capacity, 512U);
 }
 
-/// A manager that grants as many requests as the test allows, and what it was asked for.
+/// A manager that grants as many requests as the test allows and records them.
 struct tManager {
     inline static std::vector<std::uint32_t> requests;
     inline static std::vector<std::size_t> lengths;
-    inline static std::size_t refused = 0;  ///< the number of the request that is refused, counted from 1
+    inline static std::size_t refused = 0;  ///< which request is refused, counted from 1
 
     static bool realloc(StatusRecord& record, std::uint32_t capacity) noexcept {
-        // The writer itself makes sure of an empty report before each member.
+        // The writer itself ensures before each member that there is at least an empty report.
         if (capacity > 4) {
             requests.push_back(capacity);
             lengths.push_back(record.json == nullptr ? 2 : std::strlen(record.json));
@@ -169,14 +169,14 @@ struct tManager {
     }
 };
 
-TEST(ConvertPlatformStatus, MakesSureOf258BytesOfRoomBeforeEachMember) {
+TEST(ConvertPlatformStatus, Reserves258BytesBeforeEachMember) {
     EXPECT_EQ(tManager::convertedWithRefusal(0), R"({"file":"a","line":12,"component":"component"})");
     ASSERT_EQ(tManager::requests.size(), 3U);
-    // Text, terminator, room, sentinel.
+    // Text, terminator, reserved bytes, sentinel.
     for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(tManager::requests[i], tManager::lengths[i] + 1 + 258 + 1);
 }
 
-TEST(ConvertPlatformStatus, WritesNoMemberAfterARefusedGrowth) {
+TEST(ConvertPlatformStatus, WritesNoMemberAfterGrowthHasFailed) {
     EXPECT_EQ(tManager::convertedWithRefusal(1), "none");
     EXPECT_EQ(tManager::requests.size(), 1U);
     EXPECT_EQ(tManager::convertedWithRefusal(2), R"({"file":"a"})");

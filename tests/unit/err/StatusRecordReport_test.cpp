@@ -58,7 +58,7 @@ TEST_F(StatusRecordReport, IsNotWrittenIntoARecordThatContainsAnError) {
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST_F(StatusRecordReport, ReplacesThatOfAWarningByThatOfAnErrorOnly) {
+TEST_F(StatusRecordReport, OfAWarningIsReplacedOnlyByAnErrors) {
     StatusRecord record;
     RaiseInto(record, 5, osFault);
     RaiseInto(record, -1, fileAndLine);
@@ -73,13 +73,13 @@ TEST_F(StatusRecordReport, ReplacesThatOfAWarningByThatOfAnErrorOnly) {
     EXPECT_THAT(warned.json, StrEq(R"({"file":"a","line":-7,"file":"a","line":-7})"));
 }
 
-TEST_F(StatusRecordReport, TakesFurtherMembersThroughTheRaisesChain) {
+TEST_F(StatusRecordReport, AcceptsFurtherMembersThroughTheRaisesChain) {
     StatusRecord record;
     RaiseInto(record, -1, fileAndLine).EnterObject("b").AddInt("c", 1).LeaveObject().AddUInt("d", 2);
     EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":-7,"b":{"c":1},"d":2})"));
 }
 
-TEST_F(StatusRecordReport, AsksFor1022BytesIfItNeedsMoreThan512) {
+TEST_F(StatusRecordReport, Requests1022BytesIfItNeedsMoreThan512) {
     StatusRecord record;
     record.reallocJson = remember;
     const std::string file(500, 'x');
@@ -101,7 +101,7 @@ TEST_F(StatusRecordReport, GrowsUntilALongMemberFits) {
     EXPECT_EQ(report::parsed(record.json)["file"], file);
 }
 
-TEST_F(StatusRecordReport, IsCompleteIfTheManagerGrantsExactlyWhatItIsAskedFor) {
+TEST_F(StatusRecordReport, IsCompleteIfTheManagerGrantsExactlyTheRequestedSize) {
     StatusRecord record;
     record.reallocJson = exact;
     RaiseInto(record, -52008, osFault);
@@ -145,7 +145,7 @@ TEST_F(StatusRecordReport, IsContinuedByAppend) {
     EXPECT_THAT(record.json, StrEq(R"({"file":"a","line":-7,"b":{"c":"d"}})"));
 }
 
-TEST_F(StatusRecordReport, KeepsTheChainsPlaceInANestedObjectWhenTheBufferMoves) {
+TEST_F(StatusRecordReport, KeepsTheChainsPositionInANestedObjectWhenTheBufferMoves) {
     StatusRecord record;
     const std::string text(600, 'x');
     Append(record).AddInt("a", 1).EnterObject("o").AddInt("b", 2).AddString("c", text.c_str()).AddInt("d", 4);
@@ -154,7 +154,7 @@ TEST_F(StatusRecordReport, KeepsTheChainsPlaceInANestedObjectWhenTheBufferMoves)
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST_F(StatusRecordReport, StaysAsItIsIfItIsNotJson) {
+TEST_F(StatusRecordReport, StaysUnchangedIfItIsNotJson) {
     StatusRecord record;
     record.reallocJson(record, 1);
     zuerr::CopyText(record.json, record.capacity, "no JSON");
@@ -162,8 +162,8 @@ TEST_F(StatusRecordReport, StaysAsItIsIfItIsNotJson) {
     EXPECT_THAT(record.json, StrEq("no JSON"));
 }
 
-TEST_F(StatusRecordReport, TakesNoFurtherMemberIfItIsNotValidAfterGrowth) {
-    // The writer copies control characters unchanged; the validator, which runs after each growth, refuses them.
+TEST_F(StatusRecordReport, AcceptsNoFurtherMemberIfItIsNotValidAfterGrowth) {
+    // The writer copies control characters unchanged; the validator, which runs after each growth, rejects them.
     StatusRecord record;
     const std::string text(600, 'x');
     Append(record).AddString("a", "\x01").AddString("b", text.c_str()).AddInt("c", 1);
@@ -177,7 +177,7 @@ TEST_F(StatusRecordReport, DoublesItsBufferUpToTwoGigabytes) {
         record.reallocJson(record, 4);
         zuerr::CopyText(record.json, 4, "{}");
         record.reallocJson = refuse;
-        record.capacity = capacity;  // a claim: the sentinel is directly after the text, so there is no room
+        record.capacity = capacity;  // a false claim: the sentinel directly follows the text, so there is no space
         requests.clear();
         Append(record).AddInt("a", 1);
         EXPECT_THAT(record.json, StrEq("{}"));

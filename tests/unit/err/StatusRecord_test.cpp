@@ -32,7 +32,7 @@ constexpr zuerr::RaiseReport anyReport{"constant", {".\\source\\tService", 217},
 
 class StatusRecordTest : public StatusRecordManager {
 protected:
-    /// A buffer of this size without room for an empty report.
+    /// Returns a buffer of this size, too small for an empty report.
     static void giveBuffer(StatusRecord& record, std::uint32_t capacity) {
         record.json = static_cast<char*>(std::calloc(capacity, 1));
         record.json[capacity - 1] = zuerr::jsonSentinel;
@@ -77,8 +77,8 @@ TEST_F(StatusRecordTest, FreesItsBufferThroughItsManagerWhenClearedAndWhenDestro
 
 // SetCode
 
-TEST_F(StatusRecordTest, TakesACodeThatOutranksThePresentOne) {
-    // The present code, the new one, and whether it is taken.
+TEST_F(StatusRecordTest, StoresACodeThatOutranksTheCurrentOne) {
+    // The current code, the new one, and whether it is stored.
     const std::tuple<std::int32_t, std::int32_t, bool> rows[] = {
         {0, 0, false},  {0, 1, true},   {0, -1, true},  {5, 0, false},     {5, 6, false},          {1, -1, true},
         {-1, 0, false}, {-1, 1, false}, {-1, 5, false}, {5, -52005, true}, {-52008, -52026, false}};
@@ -91,7 +91,7 @@ TEST_F(StatusRecordTest, TakesACodeThatOutranksThePresentOne) {
     }
 }
 
-TEST_F(StatusRecordTest, ResetsItsReportIfTheCodeIsTaken) {
+TEST_F(StatusRecordTest, ResetsItsReportIfTheCodeIsStored) {
     StatusRecord record;
     RaiseInto(record, 5, anyReport);
     EXPECT_TRUE(SetCode(record, -52005));
@@ -99,7 +99,7 @@ TEST_F(StatusRecordTest, ResetsItsReportIfTheCodeIsTaken) {
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST_F(StatusRecordTest, KeepsItsReportIfTheCodeIsRefused) {
+TEST_F(StatusRecordTest, KeepsItsReportIfTheCodeIsNotStored) {
     StatusRecord record;
     RaiseInto(record, -52008, anyReport);
     const std::string before = record.json;
@@ -107,7 +107,7 @@ TEST_F(StatusRecordTest, KeepsItsReportIfTheCodeIsRefused) {
     EXPECT_EQ(record.json, before);
 }
 
-TEST_F(StatusRecordTest, AsksForThreeBytesIfItsBufferIsTooSmallForAnEmptyReport) {
+TEST_F(StatusRecordTest, RequestsThreeBytesIfItsBufferIsTooSmallForAnEmptyReport) {
     StatusRecord record;
     record.reallocJson = remember;
     giveBuffer(record, 2);
@@ -117,7 +117,7 @@ TEST_F(StatusRecordTest, AsksForThreeBytesIfItsBufferIsTooSmallForAnEmptyReport)
     EXPECT_TRUE(wellLaidOut(record));
 }
 
-TEST_F(StatusRecordTest, IsContentWithThreeBytesForAnEmptyReport) {
+TEST_F(StatusRecordTest, NeedsOnlyThreeBytesForAnEmptyReport) {
     for (const std::uint32_t capacity : {2, 3}) {
         StatusRecord record;
         record.reallocJson = exact;
@@ -187,7 +187,7 @@ TEST_F(StatusRecordTest, FreesItsBufferForARequestOfZeroBytes) {
     }
 }
 
-TEST_F(StatusRecordTest, RefusesTwoGigabytesWithoutAskingForMemory) {
+TEST_F(StatusRecordTest, RefusesTwoGigabytesWithoutAllocating) {
     StatusRecord record;
     EXPECT_TRUE(record.reallocJson(record, 1));
     bool grown = true;
@@ -240,7 +240,7 @@ TEST_F(StatusRecordTest, LosesItsReportToACopyOfARecordWithoutOne) {
     EXPECT_THAT(requests, ElementsAre(0)) << "the old report is freed";
 }
 
-TEST_F(StatusRecordTest, IsNotChangedByACopyWhoseCodeIsRefused) {
+TEST_F(StatusRecordTest, IsNotChangedByACopyWhoseCodeIsNotStored) {
     const std::pair<std::int32_t, std::int32_t> codes[] = {{-52026, -52008}, {0, 0}};
     for (const auto& [present, code] : codes) {
         StatusRecord source;

@@ -10,7 +10,7 @@ using support::eventually;
 using support::tExample;
 using support::tExampleFolder;
 
-/// The plug-in and those that it depends on, started.
+/// Starts the plug-in and those that it depends on.
 class tRun {
 public:
     explicit tRun(const tExampleFolder& folder)
@@ -28,7 +28,7 @@ private:
     tExample deployment_;
 };
 
-/// Keeps a file open without sharing, so that it cannot be replaced.
+/// Holds a file open without sharing, so that it cannot be replaced.
 class tFileInUse {
 public:
     explicit tFileInUse(const std::filesystem::path& file)
@@ -72,7 +72,7 @@ TEST_F(DeploymentExample, AppliesAnEmptyFileAndOneOfManyPieces) {
     EXPECT_EQ(folder.read("data/deployed/large"), large);
 }
 
-TEST_F(DeploymentExample, AppliesNothingASecondTime) {
+TEST_F(DeploymentExample, AppliesNoFileTwice) {
     folder.write("data/incoming/once", "content");
     {
         const tRun run(folder);
@@ -103,7 +103,7 @@ TEST_F(DeploymentExample, RecordsAFileThatWasInPlaceButNotRecorded) {
     EXPECT_EQ(folder.read("data/deployed/file"), "content");
 }
 
-TEST_F(DeploymentExample, FinishesAfterTheNextStartWhatAStopInterrupted) {
+TEST_F(DeploymentExample, FinishesInterruptedWorkAfterTheNextStart) {
     create_directories(folder.path() / "data/deployed");
     folder.write("data/incoming/file", "new");
     {
@@ -160,7 +160,7 @@ TEST_F(DeploymentExample, DeploysToTheFolderOfTheSettings) {
     EXPECT_EQ(folder.read("target/file"), "content");
 }
 
-TEST_F(DeploymentExample, FailsWhenItsFoldersCannotBeMade) {
+TEST_F(DeploymentExample, FailsIfItsFoldersCannotBeCreated) {
     folder.write("data/working", "a file is in the way");
     EXPECT_EQ(tRun(folder).result, -1);
 }

@@ -19,7 +19,7 @@ protected:
     std::unique_ptr<tExample> transport = std::make_unique<tExample>(folder, "Transport");
 };
 
-TEST_F(TransportExample, MovesWhatIsDroppedIntoTheOutboxToIncoming) {
+TEST_F(TransportExample, MovesFilesFromTheOutboxToIncoming) {
     EXPECT_EQ(transport->initialize(), 0);
     folder.write(u8"data/outbox/文件 one.cfg", "content");
     // For a moment after the move the file is still open in the plug-in.
@@ -52,7 +52,7 @@ TEST_F(TransportExample, DeliversNothingAfterCleanupAndCanBeUnloaded) {
     transport->stop();
     transport->cleanup();
     folder.write("data/outbox/late", "");
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));  // it looks into the outbox every 200
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));  // it checks the outbox every 200 ms
     EXPECT_TRUE(folder.has("data/outbox/late"));
     transport.reset();
     EXPECT_EQ(GetModuleHandleW(L"Transport.dll"), nullptr);
@@ -73,7 +73,7 @@ TEST_F(TransportExample, UsesTheFolderOfTheSettings) {
     EXPECT_FALSE(folder.has("data"));
 }
 
-TEST_F(TransportExample, FailsWithoutAThreadWhenItsFoldersCannotBeMade) {
+TEST_F(TransportExample, FailsWithoutAThreadIfItsFoldersCannotBeCreated) {
     folder.write("data", "a file is in the way");
     EXPECT_EQ(transport->initialize(), -1);
     transport.reset();

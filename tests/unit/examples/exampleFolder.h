@@ -22,7 +22,7 @@ public:
     }
 };
 
-/// One of the example plug-ins, called as the host calls it. Stops, cleans up and unloads it on destruction.
+/// One of the example plug-ins, called as the host would call it. Stops, cleans up and unloads it on destruction.
 class tExample {
 public:
     tExample(const tExampleFolder& folder, const std::string& name) : name_(name) {
@@ -43,7 +43,7 @@ public:
     }
     void cleanup() const { entry<void (*)()>("Cleanup")(); }
 
-    /// The export whose name is the plug-in's with this ending.
+    /// Returns the export whose name is the plug-in's name plus this suffix.
     template <class Function>
     [[nodiscard]] Function entry(const char* ending) const {
         return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module_, (name_ + ending).c_str())));
@@ -54,7 +54,7 @@ private:
     HMODULE module_ = nullptr;
 };
 
-/// Waits for something that another thread does. Returns false if it has not happened after ten seconds.
+/// Waits until another thread has made the condition true. Returns false if it is still false after ten seconds.
 template <class Condition>
 bool eventually(Condition condition) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);

@@ -9,7 +9,7 @@ namespace {
 
 std::vector<const void*> closed;
 
-/// Has a result, as the system's functions have.
+/// Returns a result, like the system's functions.
 int closeNumber(int* number) {
     closed.push_back(number);
     return -1;
@@ -17,19 +17,19 @@ int closeNumber(int* number) {
 
 using tNumber = std::unique_ptr<int, tCloser<closeNumber>>;
 
-TEST(TCloser, ClosesTheHandleOnceWhenItsOwnerIsDestroyed) {
+TEST(tCloser, ClosesTheHandleOnceWhenItsOwnerIsDestroyed) {
     closed.clear();
     int number = 0;
     { const tNumber first(&number); }
     EXPECT_EQ(closed, std::vector<const void*>{&number});
 }
 
-TEST(TCloser, IsNotCalledForAnOwnerOfNothing) {
+TEST(tCloser, IsNotCalledForAnEmptyOwner) {
     closed.clear();
     { const tNumber none; }
     EXPECT_TRUE(closed.empty());
 }
 
-TEST(TCloser, AddsNothingToTheSizeOfAPointer) { EXPECT_EQ(sizeof(tNumber), sizeof(int*)); }
+TEST(tCloser, AddsNothingToTheSizeOfAPointer) { EXPECT_EQ(sizeof(tNumber), sizeof(int*)); }
 
 }  // namespace

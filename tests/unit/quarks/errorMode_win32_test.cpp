@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST(TErrorMode, KeepsTheThreadFromShowingMessageBoxesWhileItExistsAndRestoresTheModeAfterwards) {
+TEST(tErrorMode, SuppressesMessageBoxesWhileItExistsAndRestoresTheModeAfterwards) {
     DWORD testsMode = 0;
     SetThreadErrorMode(SEM_NOOPENFILEERRORBOX, &testsMode);
     {

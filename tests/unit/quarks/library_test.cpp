@@ -9,7 +9,7 @@
 
 #include "tests/support/plugins.h"
 
-// What both twins promise.
+// The contract of both platforms' implementations.
 namespace {
 
 constexpr std::uint32_t untouched = 0xABCD;
@@ -18,7 +18,7 @@ constexpr std::uint32_t procedureNotFound = 127;
 
 int call(void* function) { return reinterpret_cast<int (*)()>(function)(); }
 
-/// Loads a test plug-in for the length of a test.
+/// Loads a test plug-in for the duration of a test.
 class nLibraryLoaded : public testing::Test {
 protected:
     ~nLibraryLoaded() override {
@@ -29,7 +29,7 @@ protected:
     nLibrary::tHandle library_ = nLibrary::load(support::pluginPath("behaviours").c_str(), osError_);
 };
 
-TEST_F(nLibraryLoaded, LoadsAndLeavesTheErrorNumberAlone) {
+TEST_F(nLibraryLoaded, LoadsAndLeavesTheErrorNumberUnchanged) {
     EXPECT_NE(library_, nullptr);
     EXPECT_EQ(osError_, untouched);
 }
@@ -41,23 +41,23 @@ TEST_F(nLibraryLoaded, FindsAnExportedFunctionByItsName) {
     EXPECT_EQ(osError_, untouched);
 }
 
-TEST_F(nLibraryLoaded, GivesNullAndTheErrorNumberForANameThatIsNotExported) {
+TEST_F(nLibraryLoaded, ReturnsNullAndTheErrorNumberForANameThatIsNotExported) {
     EXPECT_EQ(nLibrary::symbol(library_, "NoSuchEntry", osError_), nullptr);
     EXPECT_EQ(osError_, procedureNotFound);
 }
 
-TEST_F(nLibraryLoaded, TellsNamesApartByCase) {
+TEST_F(nLibraryLoaded, DistinguishesNamesByCase) {
     EXPECT_EQ(nLibrary::symbol(library_, "initwarning3", osError_), nullptr);
 }
 
-TEST_F(nLibraryLoaded, IsLoadedAgainUnderTheSameHandle) {
+TEST_F(nLibraryLoaded, LoadingItAgainReturnsTheSameHandle) {
     const nLibrary::tHandle again = nLibrary::load(support::pluginPath("behaviours").c_str(), osError_);
     EXPECT_EQ(again, library_);
     EXPECT_TRUE(nLibrary::unload(again, osError_));
     EXPECT_NE(nLibrary::symbol(library_, "InitOk", osError_), nullptr) << "one of two references is left";
 }
 
-TEST(nLibrary, RunsTheLibrarysOwnStartAndEndOnce) {
+TEST(nLibrary, RunsTheLibrarysInitialisationAndTerminationOnce) {
     const support::tPluginLog log;
     std::uint32_t osError = untouched;
     const nLibrary::tHandle library = nLibrary::load(support::pluginPath("behaviours").c_str(), osError);
@@ -67,20 +67,20 @@ TEST(nLibrary, RunsTheLibrarysOwnStartAndEndOnce) {
     EXPECT_EQ(osError, untouched);
 }
 
-TEST(nLibrary, GivesNullAndTheErrorNumberForAMissingFile) {
+TEST(nLibrary, ReturnsNullAndTheErrorNumberForAMissingFile) {
     std::uint32_t osError = untouched;
     EXPECT_EQ(nLibrary::load(support::pluginPath("no such library").c_str(), osError), nullptr);
     EXPECT_EQ(osError, moduleNotFound);
 }
 
-TEST(nLibrary, GivesNullAndAnErrorNumberForAnEmptyPath) {
+TEST(nLibrary, ReturnsNullAndAnErrorNumberForAnEmptyPath) {
     std::uint32_t osError = untouched;
     EXPECT_EQ(nLibrary::load("", osError), nullptr);
     EXPECT_NE(osError, untouched);
     EXPECT_NE(osError, 0U);
 }
 
-TEST(nLibrary, GivesNullAndAnErrorNumberForAFileThatIsNoLibrary) {
+TEST(nLibrary, ReturnsNullAndAnErrorNumberForAFileThatIsNotALibrary) {
     const std::string path = support::testProgramFolder() + "/no library.dll";
     std::ofstream(path) << "MZ, but no more";
     std::uint32_t osError = untouched;
@@ -90,14 +90,14 @@ TEST(nLibrary, GivesNullAndAnErrorNumberForAFileThatIsNoLibrary) {
     std::remove(path.c_str());
 }
 
-TEST(nLibrary, GivesNullAndAnErrorNumberForALibraryThatRefuses) {
+TEST(nLibrary, ReturnsNullAndAnErrorNumberForALibraryThatRefusesToLoad) {
     std::uint32_t osError = untouched;
     EXPECT_EQ(nLibrary::load(support::pluginPath("refusing").c_str(), osError), nullptr);
     EXPECT_NE(osError, untouched);
     EXPECT_NE(osError, 0U);
 }
 
-TEST(nLibrary, LooksInTheLibrarysOwnFolderForWhatItDependsOn) {
+TEST(nLibrary, SearchesTheLibrarysOwnFolderForItsDependencies) {
     std::uint32_t osError = untouched;
     const nLibrary::tHandle library = nLibrary::load(support::pluginPath("dependant").c_str(), osError);
     ASSERT_NE(library, nullptr) << osError;

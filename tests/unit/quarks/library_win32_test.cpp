@@ -50,7 +50,7 @@ protected:
     static INT_PTR WINAPI entry() { return 0; }
 
     static constexpr DWORD error = 1114;
-    static constexpr DWORD modeBefore = 32770;  ///< without the bit of critical errors
+    static constexpr DWORD modeBefore = 32770;  ///< without the bit for critical errors
     UINT codePage_ = CP_UTF8;
     HMODULE module_ = theModule();
     BOOL freed_ = TRUE;
@@ -73,7 +73,7 @@ TEST_F(nLibraryCalls, LoadThatFailsReadsTheErrorNumberBeforeItTurnsMessageBoxesB
                                     "SetThreadErrorMode 32770"));
 }
 
-TEST_F(nLibraryCalls, UnloadFailsOnFalseAloneAndReadsTheErrorNumberAtOnce) {
+TEST_F(nLibraryCalls, UnloadFailsOnlyForFalseAndReadsTheErrorNumberAtOnce) {
     EXPECT_TRUE(nLibrary::unload(theModule(), osError_));
     freed_ = -1;
     EXPECT_TRUE(nLibrary::unload(theModule(), osError_));
@@ -93,15 +93,15 @@ TEST_F(nLibraryCalls, SymbolReturnsTheAddressOrReadsTheErrorNumberAtOnce) {
     EXPECT_THAT(calls_, ElementsAre("GetProcAddress Entry", "GetProcAddress Entry", "GetLastError"));
 }
 
-// Before Windows 10 1903 the system does not heed the manifest's wish for UTF-8.
+// Before version 1903 of Windows 10, the system ignores the manifest's request for UTF-8.
 
 struct tCodePageRow {
     UINT codePage;
     std::string path;
-    std::string expected;  ///< empty: the path cannot be expressed
+    std::string expected;  ///< empty if the path cannot be converted
 };
 
-TEST_F(nLibraryCalls, LoadConvertsThePathToAnotherCodePageAndFailsWhereACharacterWouldBeLost) {
+TEST_F(nLibraryCalls, LoadConvertsThePathToAnotherCodePageAndFailsIfACharacterWouldBeLost) {
     const std::vector<tCodePageRow> rows = {
         {CP_UTF8,
          "C:\\gr\xC3\xB6\xC3\x9F"
@@ -117,7 +117,7 @@ TEST_F(nLibraryCalls, LoadConvertsThePathToAnotherCodePageAndFailsWhereACharacte
          "e.dll"},
         {1252, "C:\\\xE2\x82\xAC.dll", "C:\\\x80.dll"},
         {1252, "C:\\\xE8\xAE\xA1.dll", ""},
-        {1252, "C:\\\xEF\xBC\xA1.dll", ""},  // a wide A, which only looks like an A
+        {1252, "C:\\\xEF\xBC\xA1.dll", ""},  // a full-width A, which only looks like an A
         {1252, "C:\\\xF0\x9F\x9A\x80.dll", ""},
         {1252, "C:\\no UTF-8 \xFF.dll", ""},
         {936, "C:\\\xE8\xAE\xA1.dll", "C:\\\xBC\xC6.dll"},
@@ -137,12 +137,12 @@ TEST_F(nLibraryCalls, LoadConvertsThePathToAnotherCodePageAndFailsWhereACharacte
     }
 }
 
-TEST_F(nLibraryCalls, LoadPassesAnEmptyPathOnWhateverTheCodePage) {
+TEST_F(nLibraryCalls, LoadPassesOnAnEmptyPathForAnyCodePage) {
     codePage_ = 1252;
     EXPECT_EQ(nLibrary::load("", osError_), theModule());
 }
 
-TEST(nLibrary, UnloadOfAHandleThatIsNoneFails) {
+TEST(nLibrary, UnloadFailsForAnInvalidHandle) {
     std::uint32_t osError = untouched;
     int noModule = 0;
     EXPECT_FALSE(nLibrary::unload(&noModule, osError));

@@ -10,9 +10,9 @@
 
 namespace {
 
-/// Every call of the module in order, each checked on its arguments and answered without touching the process. A test
-/// makes a call fail by naming it.
-class ProcessAccess : public testing::Test {
+/// Records every call of the module in order, checks its arguments and leaves the process unchanged. A test makes a
+/// call fail by naming it.
+class nProcessAccessCalls : public testing::Test {
 protected:
     void SetUp() override {
         imports::GetCurrentProcessId.replace([this] {
@@ -89,24 +89,24 @@ protected:
 constexpr const char* allCalls =
     "GetCurrentProcessId OpenProcess SetEntriesInAclA SetSecurityInfo LocalFree CloseHandle ";
 
-TEST_F(ProcessAccess, OpensTheProcessBuildsTheListSetsItAndReleasesBoth) { EXPECT_EQ(run(), allCalls); }
+TEST_F(nProcessAccessCalls, OpensTheProcessBuildsTheListSetsItAndReleasesBoth) { EXPECT_EQ(run(), allCalls); }
 
-TEST_F(ProcessAccess, SkipsSettingAListThatCouldNotBeBuilt) {
+TEST_F(nProcessAccessCalls, SkipsSettingAListThatCouldNotBeBuilt) {
     EXPECT_EQ(run("SetEntriesInAclA"), "GetCurrentProcessId OpenProcess SetEntriesInAclA CloseHandle ");
 }
 
-TEST_F(ProcessAccess, ClosesNoHandleThatItDidNotGet) {
+TEST_F(nProcessAccessCalls, DoesNotCloseAHandleThatItDidNotGet) {
     EXPECT_EQ(run("OpenProcess"), "GetCurrentProcessId OpenProcess SetEntriesInAclA SetSecurityInfo LocalFree ");
 }
 
-TEST_F(ProcessAccess, ReleasesBothWhenTheListIsRefused) { EXPECT_EQ(run("SetSecurityInfo"), allCalls); }
+TEST_F(nProcessAccessCalls, ReleasesBothWhenTheListIsRefused) { EXPECT_EQ(run("SetSecurityInfo"), allCalls); }
 
-TEST_F(ProcessAccess, GoesOnWhenTheListCannotBeFreed) { EXPECT_EQ(run("LocalFree"), allCalls); }
+TEST_F(nProcessAccessCalls, IgnoresAFailureToFreeTheList) { EXPECT_EQ(run("LocalFree"), allCalls); }
 
-TEST_F(ProcessAccess, GoesOnWhenTheHandleCannotBeClosed) { EXPECT_EQ(run("CloseHandle"), allCalls); }
+TEST_F(nProcessAccessCalls, IgnoresAFailureToCloseTheHandle) { EXPECT_EQ(run("CloseHandle"), allCalls); }
 
-TEST(ProcessAccessOfThisProcess, IsOneEntryThatLetsEveryoneQueryIt) {
-    // Read through a handle of this test's own making, opened before the list shuts others out.
+TEST(nProcessAccess, IsOneEntryThatLetsEveryoneQueryIt) {
+    // Read through a handle that this test opens before the list locks others out.
     const HANDLE process = OpenProcess(READ_CONTROL | WRITE_DAC, FALSE, GetCurrentProcessId());
     ASSERT_NE(process, nullptr);
     ACL* before = nullptr;

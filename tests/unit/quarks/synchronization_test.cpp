@@ -7,26 +7,26 @@
 
 namespace {
 
-TEST(Event, SetBeforeTheWaitMakesTheWaitReturnAtOnce) {
+TEST(tEvent, SetBeforeTheWaitMakesTheWaitReturnAtOnce) {
     tEvent event;
     event.set();
     event.wait();
 }
 
-TEST(Event, OnceSetLetsEveryLaterWaitThrough) {
+TEST(tEvent, OnceSetBlocksNoLaterWait) {
     tEvent event;
     event.set();
     for (int i = 0; i < 3; ++i) event.wait();
 }
 
-TEST(Event, MayBeSetAgainAndAgain) {
+TEST(tEvent, MayBeSetRepeatedly) {
     tEvent event;
     event.set();
     event.set();
     event.wait();
 }
 
-TEST(Event, HoldsTheWaiterUntilAnotherThreadSetsIt) {
+TEST(tEvent, BlocksTheWaiterUntilAnotherThreadSetsIt) {
     tEvent event;
     std::atomic<bool> set = false;
     std::thread other([&] {
@@ -39,7 +39,7 @@ TEST(Event, HoldsTheWaiterUntilAnotherThreadSetsIt) {
     other.join();
 }
 
-TEST(Event, LetsAllWaitingThreadsThrough) {
+TEST(tEvent, ReleasesAllWaitingThreads) {
     tEvent event;
     std::thread first([&] { event.wait(); });
     std::thread second([&] { event.wait(); });
@@ -48,7 +48,7 @@ TEST(Event, LetsAllWaitingThreadsThrough) {
     second.join();
 }
 
-TEST(Event, IsOfItsOwnSoThatSettingOneLeavesAnotherUnset) {
+TEST(tEvent, IsIndependentOfOtherEvents) {
     tEvent one;
     tEvent other;
     one.set();

@@ -16,7 +16,7 @@ void refuseEvents() {
     });
 }
 
-TEST(EventCalls, CreateAManualResetUnnamedUnsignalledEventWithDefaultSecurity) {
+TEST(tEventCalls, CreateAManualResetUnnamedUnsignalledEventWithDefaultSecurity) {
     int calls = 0;
     imports::CreateEventA.replace([&](SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL signalled, LPCSTR name) {
         ++calls;
@@ -30,7 +30,7 @@ TEST(EventCalls, CreateAManualResetUnnamedUnsignalledEventWithDefaultSecurity) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(EventCalls, SetAndWaitWithoutATimeOutOnTheEventThatWasCreatedAndCloseItOnce) {
+TEST(tEventCalls, SetWaitWithoutATimeOutAndCloseOnceTheCreatedEvent) {
     HANDLE created = nullptr;
     std::string calls;
     imports::CreateEventA.replace([&](auto... arguments) {
@@ -58,20 +58,20 @@ TEST(EventCalls, SetAndWaitWithoutATimeOutOnTheEventThatWasCreatedAndCloseItOnce
     EXPECT_EQ(calls, "create set wait close ");
 }
 
-TEST(EventCalls, ThrowAnOsFaultWithItsPlaceWhenThereIsNoEvent) {
+TEST(tEventCalls, ThrowAnOsFaultWithItsSiteIfTheEventCannotBeCreated) {
     refuseEvents();
     try {
         const tEvent event;
         FAIL() << "nothing thrown";
     } catch (const zuerr::Exception& exception) {
         EXPECT_EQ(exception.record.code, -52008);
-        // The fixed-size record keeps nine characters of the component, and no error constant.
+        // The fixed-size record contains nine characters of the component, and no error constant.
         EXPECT_STREQ(exception.what(),
                      R"({"file":"zukest/quarks/synchronization","line":1598,"component":"zuZiptraR"})");
     }
 }
 
-TEST(EventCalls, CloseNothingWhenThereIsNoEvent) {
+TEST(tEventCalls, CloseNothingIfTheEventCouldNotBeCreated) {
     refuseEvents();
     imports::CloseHandle.replace([](HANDLE handle) {
         ADD_FAILURE() << handle;
@@ -80,13 +80,13 @@ TEST(EventCalls, CloseNothingWhenThereIsNoEvent) {
     EXPECT_THROW(tEvent(), zuerr::Exception);
 }
 
-/// Creates an event while the scope that it lives in is left by an exception.
+/// Creates an event while an exception leaves the scope.
 struct EventWhileUnwinding {
     std::optional<tEvent>& event;
     ~EventWhileUnwinding() { event.emplace(); }
 };
 
-TEST(EventCalls, ThrowNothingOverAnExceptionThatIsPropagatingAndTheEventThenNeitherBlocksNorFails) {
+TEST(tEventCalls, ThrowNothingWhileAnExceptionIsPropagatingAndTheEventThenNeitherBlocksNorFails) {
     refuseEvents();
     std::optional<tEvent> event;
     try {

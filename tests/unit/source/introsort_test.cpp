@@ -39,7 +39,7 @@ bool isPermutation(std::vector<int> values) {
     return values == all;
 }
 
-/// Insertion as it is told in words, on values that are taken out and put in.
+/// Insertion sort written plainly, by removing and inserting values.
 template <class Before>
 std::vector<int> inserted(const std::vector<int>& values, Before before) {
     std::vector<int> result;
@@ -55,7 +55,7 @@ std::vector<int> inserted(const std::vector<int>& values, Before before) {
     return result;
 }
 
-/// Answers for each pair of values, drawn once: the same question always gets the same answer, and nothing else holds.
+/// A random answer for each pair of values. It is the same at each call, but otherwise the answers are inconsistent.
 class tRandomAnswers {
 public:
     explicit tRandomAnswers(std::uint32_t seed) : seed_(seed) {}
@@ -87,7 +87,7 @@ TEST(nIntrosort, SortsEveryLengthUpTo100) {
     }
 }
 
-TEST(nIntrosort, SortsWhatIsSortedReversedOrAllTheSame) {
+TEST(nIntrosort, SortsSortedReversedAndEqualValues) {
     for (const std::size_t count : {2U, 32U, 33U, 1000U, 10000U}) {
         const std::vector<int> ascending = upTo(count);
         EXPECT_EQ(sorted(ascending, std::less<>()), ascending);
@@ -96,7 +96,7 @@ TEST(nIntrosort, SortsWhatIsSortedReversedOrAllTheSame) {
     }
 }
 
-TEST(nIntrosort, SortsManyValuesThatAreTheSame) {
+TEST(nIntrosort, SortsManyRepeatedValues) {
     std::vector<int> values = shuffled(5000, 1);
     for (int& value : values) value %= 7;
     std::vector<int> expected = values;
@@ -104,7 +104,7 @@ TEST(nIntrosort, SortsManyValuesThatAreTheSame) {
     EXPECT_EQ(sorted(values, std::less<>()), expected);
 }
 
-TEST(nIntrosort, InsertsUpTo32ValuesWhateverTheAnswers) {
+TEST(nIntrosort, SortsUpTo32ValuesByInsertionForAnyPredicate) {
     for (std::size_t count = 0; count <= nIntrosort::insertionLimit; ++count) {
         for (std::uint32_t seed = 0; seed < 300; ++seed) {
             const tRandomAnswers before(seed);
@@ -114,7 +114,7 @@ TEST(nIntrosort, InsertsUpTo32ValuesWhateverTheAnswers) {
     }
 }
 
-TEST(nIntrosort, InsertsUpTo32ValuesOfARing) {
+TEST(nIntrosort, SortsUpTo32ValuesByInsertionForACyclicPredicate) {
     for (int count = 1; count <= 32; ++count) {
         const auto before = [count](int a, int b) { return (a + 1) % count == b; };
         for (std::uint32_t seed = 0; seed < 50; ++seed) {
@@ -124,25 +124,25 @@ TEST(nIntrosort, InsertsUpTo32ValuesOfARing) {
     }
 }
 
-TEST(nIntrosort, LooksAtTheFirstOneFirst) {
-    // 2 goes before 0, the first, and before nothing else: it gets to the front without passing 1.
+TEST(nIntrosort, ComparesEachElementWithTheFirstOneBeforeItsNeighbours) {
+    // 2 precedes 0, the first, and nothing else: it moves to the front without being compared with 1.
     const auto before = [](int a, int b) { return a == 2 && b == 0; };
     EXPECT_EQ(sorted({0, 1, 2}, before), (std::vector{2, 0, 1}));
-    // 2 goes before 1, its neighbour, and not before 0.
+    // 2 precedes 1, its neighbour, but not 0.
     const auto beforeNeighbour = [](int a, int b) { return a == 2 && b == 1; };
     EXPECT_EQ(sorted({0, 1, 2}, beforeNeighbour), (std::vector{0, 2, 1}));
-    // 3 goes before 1 and does not get there, as it does not pass 2.
+    // 3 precedes 1 but does not reach it, because it does not precede 2.
     const auto beforeOneBehind = [](int a, int b) { return a == 3 && b == 1; };
     EXPECT_EQ(sorted({0, 1, 2, 3}, beforeOneBehind), (std::vector{0, 1, 2, 3}));
 }
 
-TEST(nIntrosort, InsertsNoMoreThan32Values) {
+TEST(nIntrosort, DoesNotSortMoreThan32ValuesByInsertion) {
     const auto always = [](int, int) { return true; };
     EXPECT_EQ(sorted(upTo(32), always), inserted(upTo(32), always));
     EXPECT_NE(sorted(upTo(33), always), inserted(upTo(33), always));
 }
 
-TEST(nIntrosort, KeepsEveryValueWhateverTheAnswers) {
+TEST(nIntrosort, KeepsEveryValueForAnyPredicate) {
     for (std::uint32_t seed = 0; seed < 20000; ++seed) {
         ASSERT_TRUE(isPermutation(sorted(upTo(seed % 150), tRandomAnswers(seed)))) << seed;
     }
@@ -151,14 +151,14 @@ TEST(nIntrosort, KeepsEveryValueWhateverTheAnswers) {
     }
 }
 
-TEST(nIntrosort, KeepsEveryValueWhenTheSameQuestionGetsDifferentAnswers) {
+TEST(nIntrosort, KeepsEveryValueIfThePredicateContradictsItself) {
     for (std::uint32_t seed = 0; seed < 5000; ++seed) {
         std::mt19937 random(seed);
         ASSERT_TRUE(isPermutation(sorted(upTo(seed % 150), [&random](int, int) { return random() % 2 == 0; }))) << seed;
     }
 }
 
-TEST(nIntrosort, KeepsEveryValueWhenTheAnswerIsAlwaysTheSame) {
+TEST(nIntrosort, KeepsEveryValueIfThePredicateIsConstant) {
     for (const std::size_t count : {0U, 1U, 2U, 32U, 33U, 100U, 5000U}) {
         EXPECT_TRUE(isPermutation(sorted(upTo(count), [](int, int) { return true; })));
         EXPECT_EQ(sorted(upTo(count), [](int, int) { return false; }).size(), count);
@@ -166,7 +166,7 @@ TEST(nIntrosort, KeepsEveryValueWhenTheAnswerIsAlwaysTheSame) {
     }
 }
 
-TEST(nIntrosort, KeepsEveryValueWhenAnAnswerIsAnException) {
+TEST(nIntrosort, KeepsEveryValueIfThePredicateThrows) {
     for (int answers = 0; answers < 2000; answers += 7) {
         std::vector<int> values = shuffled(200, 1);
         int left = answers;
@@ -179,8 +179,8 @@ TEST(nIntrosort, KeepsEveryValueWhenAnAnswerIsAnException) {
     }
 }
 
-TEST(nIntrosort, GivesTheSameOrderOnEveryToolchain) {
-    // A digest of the orders of some inconsistent predicates, once computed and kept.
+TEST(nIntrosort, ProducesTheSameOrderOnEveryToolchain) {
+    // A stored digest of the orders that some inconsistent predicates produce.
     std::uint32_t digest = 0;
     for (std::uint32_t seed = 0; seed < 200; ++seed) {
         for (const int value : sorted(shuffled(seed, seed), tRandomAnswers(seed))) {
@@ -190,8 +190,8 @@ TEST(nIntrosort, GivesTheSameOrderOnEveryToolchain) {
     EXPECT_EQ(digest, 3765410294U);
 }
 
-/// Answers that make any quick sort as bad as can be: values are fixed only when they are asked about, and as high as
-/// they can still be (M. D. McIlroy, "A Killer Adversary for Quicksort").
+/// An adversary that makes any quicksort quadratic: a value is fixed only when it is compared, and then as high as
+/// still possible (M. D. McIlroy, "A Killer Adversary for Quicksort").
 class tAdversary {
 public:
     explicit tAdversary(std::size_t count) : values_(count, gas), solid_(0) {}
@@ -215,7 +215,7 @@ private:
     int candidate_ = 0;
 };
 
-TEST(nIntrosort, NeverAsksQuadraticallyOften) {
+TEST(nIntrosort, NeverMakesAQuadraticNumberOfComparisons) {
     for (const std::size_t count : {1000U, 10000U, 100000U}) {
         tAdversary adversary(count);
         std::vector<int> values = upTo(count);
@@ -226,7 +226,8 @@ TEST(nIntrosort, NeverAsksQuadraticallyOften) {
     }
 }
 
-/// How often moving this root down asks, when the answer is always yes: twice where there are two children.
+/// The number of comparisons that sifting this root down makes if the answer is always yes: two wherever there are two
+/// children.
 std::size_t siftQuestions(std::size_t root, std::size_t size) {
     std::size_t questions = 0;
     while (2 * root + 1 < size) {
@@ -237,8 +238,8 @@ std::size_t siftQuestions(std::size_t root, std::size_t size) {
     return questions;
 }
 
-TEST(nIntrosort, LeavesTheRestToTheHeapSortAfter15PartitionsOf1000ValuesWithinOneAnother) {
-    // Each partition asks three times for its median and once about each other value, and puts its pivot last.
+TEST(nIntrosort, SwitchesToHeapSortAfter15NestedPartitionsOf1000Values) {
+    // Each partition makes three comparisons for its median and one for each other value, and its pivot ends up last.
     std::size_t expected = 0;
     for (std::size_t size = 1000; size > 985; --size) expected += 3 + size - 1;
     for (std::size_t root = 0; root < 985 / 2; ++root) expected += siftQuestions(root, 985);
@@ -248,7 +249,7 @@ TEST(nIntrosort, LeavesTheRestToTheHeapSortAfter15PartitionsOf1000ValuesWithinOn
     EXPECT_EQ(questions, expected);
 }
 
-TEST(nIntrosort, AsksLittleOfShuffledSortedReversedAndRepeatedValues) {
+TEST(nIntrosort, MakesFewComparisonsForShuffledSortedReversedAndRepeatedValues) {
     const std::size_t count = 10000;
     std::vector<int> repeated = shuffled(count, 2);
     for (int& value : repeated) value %= 3;
@@ -261,7 +262,7 @@ TEST(nIntrosort, AsksLittleOfShuffledSortedReversedAndRepeatedValues) {
     }
 }
 
-TEST(nIntrosort, HeapSortSortsAndKeepsEveryValueWhateverTheAnswers) {
+TEST(nIntrosort, HeapSortSortsAndKeepsEveryValueForAnyPredicate) {
     for (std::uint32_t seed = 0; seed < 500; ++seed) {
         std::vector<int> values = shuffled(seed % 150, seed);
         auto less = std::less<int>();

@@ -2,7 +2,7 @@
 
 #include "tests/support/hostCalls_win32.h"
 
-/// The program's main: compiled once more under this name, so that tests can call it.
+/// The program's main, compiled again under this name so that tests can call it.
 int hostMain(int argumentCount, char** arguments);
 
 namespace {
@@ -34,7 +34,7 @@ protected:
         });
     }
 
-    /// The exit code, with what was written in `output` and `errors`.
+    /// Returns the exit code and stores the program's output in `output` and `errors`.
     int run(std::vector<std::string> arguments) {
         std::vector<char*> pointers;
         for (std::string& argument : arguments) pointers.push_back(argument.data());
@@ -47,7 +47,8 @@ protected:
         return exitCode;
     }
 
-    /// A foreground run. Nothing stands between main's return and the exit code here.
+    /// Runs in the foreground and returns the exit code. Calls nothing after main, so that the last error stays
+    /// unchanged.
     int runInForeground() {
         char program[] = "host.exe";
         char* arguments[] = {program, nullptr};
@@ -60,7 +61,7 @@ protected:
 
 // Service mode.
 
-TEST_F(Main, GivesTheDispatcherOneServiceByNameAndAnEndMark) {
+TEST_F(Main, PassesTheDispatcherOneNamedServiceAndATerminator) {
     imports::StartServiceCtrlDispatcherA.replace([](const SERVICE_TABLE_ENTRYA* table) {
         EXPECT_STREQ(table[0].lpServiceName, "zuZiptraRemoteService");
         EXPECT_EQ(table[0].lpServiceProc, &serviceMain);
@@ -71,7 +72,7 @@ TEST_F(Main, GivesTheDispatcherOneServiceByNameAndAnEndMark) {
     EXPECT_EQ(run({"host.exe"}), 0);
 }
 
-TEST_F(Main, ReturnsZeroAndDoesNothingElseOnceTheServiceHasStoppedWhateverTheArguments) {
+TEST_F(Main, ReturnsZeroAfterTheServiceHasStoppedAndIgnoresTheArguments) {
     imports::StartServiceCtrlDispatcherA.replace([](auto...) { return TRUE; });
     EXPECT_EQ(run({"host.exe", "--nonsense"}), 0);
     EXPECT_EQ(run({"host.exe", "--help"}), 0);
@@ -79,7 +80,7 @@ TEST_F(Main, ReturnsZeroAndDoesNothingElseOnceTheServiceHasStoppedWhateverTheArg
     EXPECT_THAT(calls, IsEmpty());
 }
 
-TEST_F(Main, ReturnsAnyOtherErrorOfTheDispatcherBeforeLookingAtTheArguments) {
+TEST_F(Main, ReturnsAnyOtherDispatcherErrorBeforeExaminingTheArguments) {
     for (const DWORD error :
          {DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_SERVICE_ALREADY_RUNNING}, DWORD{1064}, DWORD{0}, DWORD{0xC0000005}}) {
         failDispatcher(error);
@@ -101,7 +102,7 @@ TEST_F(Main, PrintsTheUsageForEitherHelpArgument) {
     }
 }
 
-TEST_F(Main, HearsAHelpArgumentWhereverItStands) {
+TEST_F(Main, RecognisesAHelpArgumentInAnyPosition) {
     EXPECT_EQ(run({"host.exe", "x", "--help"}), 0);
     EXPECT_EQ(output, usage);
     EXPECT_EQ(run({"host.exe", "-h", "x"}), 0);
@@ -110,7 +111,7 @@ TEST_F(Main, HearsAHelpArgumentWhereverItStands) {
     EXPECT_EQ(output, usage);
 }
 
-TEST_F(Main, RefusesWhatOnlyLooksLikeAHelpArgument) {
+TEST_F(Main, RejectsArgumentsThatOnlyResembleHelp) {
     for (const char* argument : {"-help", "-H", "--HELP", "--hel", "--helpx", "-hx", "-?", "/h", "h", " -h", "-", ""}) {
         EXPECT_EQ(run({"host.exe", argument}), -1) << argument;
         EXPECT_EQ(output, "");
@@ -118,18 +119,18 @@ TEST_F(Main, RefusesWhatOnlyLooksLikeAHelpArgument) {
     }
 }
 
-TEST_F(Main, DoesNotTakeTheProgramNameForAnArgument) {
+TEST_F(Main, DoesNotTreatTheProgramNameAsAnArgument) {
     EXPECT_EQ(run({"--help", "x"}), -1);
     EXPECT_EQ(output, "");
     EXPECT_EQ(errors, "Try `--help --help' for more information.\n");
 }
 
-TEST_F(Main, PrintsAProgramNameWithPercentSignsAsItStands) {
+TEST_F(Main, PrintsPercentSignsInTheProgramNameUnchanged) {
     EXPECT_EQ(run({"C:\\100%s%n %d\\host.exe", "x"}), -1);
     EXPECT_EQ(errors, "Try `C:\\100%s%n %d\\host.exe --help' for more information.\n");
 }
 
-TEST_F(Main, StartsNothingWhenThereAreArguments) {
+TEST_F(Main, DoesNotStartTheServiceIfThereAreArguments) {
     run({"host.exe", "--help"});
     run({"host.exe", "x"});
     EXPECT_THAT(calls, ElementsAre("dispatch", "dispatch"));
@@ -150,7 +151,7 @@ TEST_F(Main, RunsInTheForegroundEvenWithoutAProgramName) {
     EXPECT_THAT(calls, testing::Contains("list"));
 }
 
-TEST_F(Main, ReturnsTheLastErrorAsItIsAfterTheStop) {
+TEST_F(Main, ReturnsTheLastErrorThatIsSetAfterTheStop) {
     imports::SetConsoleCtrlHandler.replace([](PHANDLER_ROUTINE handler, BOOL add) {
         SetLastError(handler == earlyConsoleHandler && add == FALSE ? 4711 : 13);
         return TRUE;
@@ -158,7 +159,7 @@ TEST_F(Main, ReturnsTheLastErrorAsItIsAfterTheStop) {
     EXPECT_EQ(runInForeground(), 4711);
 }
 
-TEST_F(Main, ReturnsAHighLastErrorAsThe32BitsThatItIs) {
+TEST_F(Main, ReturnsALargeLastErrorWithTheSame32Bits) {
     imports::SetConsoleCtrlHandler.replace([](auto...) {
         SetLastError(0xE0000123);
         return TRUE;
@@ -182,7 +183,7 @@ TEST_F(Main, ReturnsMinusOneWhenTheStartFails) {
     EXPECT_THAT(calls, ElementsAre("dispatch", "add-early", "create-event", "remove-early"));
 }
 
-TEST_F(Main, SetsTheStartResultAsTheLastErrorBeforeItRemovesTheHandlerAndReadsItBackAfterwards) {
+TEST_F(Main, SetsTheStartResultAsTheLastErrorThenRemovesTheHandlerThenReadsTheErrorBack) {
     refuseEvents();
     imports::SetConsoleCtrlHandler.replace([](PHANDLER_ROUTINE, BOOL add) {
         if (add == FALSE) {
@@ -194,7 +195,7 @@ TEST_F(Main, SetsTheStartResultAsTheLastErrorBeforeItRemovesTheHandlerAndReadsIt
     EXPECT_EQ(runInForeground(), 99);
 }
 
-TEST_F(Main, SkipsTheRunWhenTheSecondHandlerIsRefusedAndStillStops) {
+TEST_F(Main, SkipsTheRunButStopsIfTheSecondHandlerIsRefused) {
     imports::SetConsoleCtrlHandler.replace([this](PHANDLER_ROUTINE handler, BOOL add) {
         calls.emplace_back(std::string(add == TRUE ? "add-" : "remove-") + nameOf(handler));
         return handler == runConsoleHandler ? FALSE : TRUE;
@@ -204,8 +205,8 @@ TEST_F(Main, SkipsTheRunWhenTheSecondHandlerIsRefusedAndStillStops) {
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(Main, SkipsTheRunAfterAConsoleEventDuringTheStartAndStillStops) {
-    imports::OpenProcess.replace([](auto...) -> HANDLE {  // in the middle of the start
+TEST_F(Main, SkipsTheRunButStopsAfterAConsoleEventDuringTheStart) {
+    imports::OpenProcess.replace([](auto...) -> HANDLE {  // during the start
         EXPECT_EQ(earlyConsoleHandler(CTRL_C_EVENT), TRUE);
         return nullptr;
     });
@@ -216,7 +217,7 @@ TEST_F(Main, SkipsTheRunAfterAConsoleEventDuringTheStartAndStillStops) {
 }
 
 TEST_F(Main, EndsTheRunOnAConsoleEvent) {
-    imports::RegOpenKeyExW.replace([this](auto...) {  // in the middle of the run
+    imports::RegOpenKeyExW.replace([this](auto...) {  // during the run
         calls.emplace_back("list");
         EXPECT_EQ(runConsoleHandler(CTRL_C_EVENT), TRUE);
         return LSTATUS{ERROR_FILE_NOT_FOUND};

@@ -19,14 +19,14 @@ using support::tScriptedFramework;
 using testing::ElementsAre;
 using testing::SizeIs;
 
-int theLibrary = 0;  // its address is the library's handle
+int theLibrary = 0;  // its address serves as the library's handle
 
 HMODULE handle() { return reinterpret_cast<HMODULE>(&theLibrary); }
 
-/// The loader as the binding sees it.
-class DeploymentPlatform : public testing::Test {
+/// A scripted loader.
+class nDeploymentPlatform : public testing::Test {
 protected:
-    DeploymentPlatform() {
+    nDeploymentPlatform() {
         imports::GetModuleHandleA.replace([this](LPCSTR name) -> HMODULE {
             calls.push_back(std::string("find ") + name);
             return loaded ? handle() : nullptr;
@@ -50,7 +50,7 @@ protected:
         });
     }
 
-    /// Windows 7 without the search flags: what each absolute path leads to is up to the test.
+    /// Windows 7 without the search flags: the test decides which absolute paths can be loaded.
     void refuseSearchFlags() {
         imports::LoadLibraryExA.replace([](auto...) -> HMODULE {
             SetLastError(ERROR_INVALID_PARAMETER);
@@ -80,39 +80,40 @@ protected:
     std::size_t triesUntilFound = 0;
 };
 
-// 2560 = beside the executable (512) and in the system folder (2048): nowhere else could somebody plant a library.
-TEST_F(DeploymentPlatform, LooksBesideTheExecutableAndInTheSystemFolderOnly) {
+// 2560 = beside the executable (512) and in the system folder (2048): anywhere else, others may be able to plant a
+// library.
+TEST_F(nDeploymentPlatform, SearchesOnlyBesideTheExecutableAndInTheSystemFolder) {
     EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
     EXPECT_THAT(calls,
                 ElementsAre("find zusysapi.dll", "load zusysapi.dll 2560", "look up zusysInstantiateFramework2"));
 }
 
-TEST_F(DeploymentPlatform, TakesNoSecondReferenceToALibraryThatIsThere) {
+TEST_F(nDeploymentPlatform, TakesNoSecondReferenceToALoadedLibrary) {
     loaded = true;
     EXPECT_EQ(nDeployment::findFrameworkEntry(), &tScriptedFramework::instantiate);
     EXPECT_THAT(calls, ElementsAre("find zusysapi.dll", "look up zusysInstantiateFramework2"));
 }
 
-TEST_F(DeploymentPlatform, GivesNothingWhenTheLibraryIsMissing) {
+TEST_F(nDeploymentPlatform, ReturnsNullIfTheLibraryIsMissing) {
     present = false;
     EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_THAT(calls, ElementsAre("find zusysapi.dll", "load zusysapi.dll 2560"));
 }
 
-TEST_F(DeploymentPlatform, LetsALibraryWithoutTheEntryGoAgain) {
+TEST_F(nDeploymentPlatform, UnloadsALibraryWithoutTheEntry) {
     entry = nullptr;
     EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_EQ(calls.back(), "free");
     EXPECT_FALSE(loaded);
 }
 
-TEST_F(DeploymentPlatform, TriesTheTwoFoldersByAbsolutePathsWhereTheSearchFlagsAreUnknown) {
+TEST_F(nDeploymentPlatform, TriesBothFoldersByAbsolutePathIfTheSearchFlagsAreUnknown) {
     refuseSearchFlags();
     EXPECT_EQ(nDeployment::findFrameworkEntry(), nullptr);
     EXPECT_THAT(paths, ElementsAre(L"C:\\größe\\zusysapi.dll", L"S:\\s\\zusysapi.dll"));
 }
 
-TEST_F(DeploymentPlatform, TakesTheLibraryBesideTheExecutableFirstWhereTheSearchFlagsAreUnknown) {
+TEST_F(nDeploymentPlatform, PrefersTheLibraryBesideTheExecutableIfTheSearchFlagsAreUnknown) {
     refuseSearchFlags();
     for (triesUntilFound = 1; triesUntilFound <= 2; ++triesUntilFound) {
         paths.clear();
@@ -121,7 +122,7 @@ TEST_F(DeploymentPlatform, TakesTheLibraryBesideTheExecutableFirstWhereTheSearch
     }
 }
 
-TEST_F(DeploymentPlatform, TriesNoAbsolutePathAfterAnyOtherError) {
+TEST_F(nDeploymentPlatform, TriesNoAbsolutePathAfterAnyOtherError) {
     refuseSearchFlags();
     present = false;
     imports::LoadLibraryExA.replace([](auto...) -> HMODULE {
@@ -132,7 +133,7 @@ TEST_F(DeploymentPlatform, TriesNoAbsolutePathAfterAnyOtherError) {
     EXPECT_THAT(paths, SizeIs(0));
 }
 
-TEST_F(DeploymentPlatform, TriesNoFolderThatTheSystemDoesNotTell) {
+TEST_F(nDeploymentPlatform, SkipsAFolderThatTheSystemDoesNotReport) {
     refuseSearchFlags();
     imports::GetModuleFileNameW.replace([](auto...) { return DWORD{0}; });
     imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
@@ -140,8 +141,8 @@ TEST_F(DeploymentPlatform, TriesNoFolderThatTheSystemDoesNotTell) {
     EXPECT_THAT(paths, SizeIs(0));
 }
 
-// A damaged library would otherwise display a message box, and the start would wait for someone to close it.
-TEST_F(DeploymentPlatform, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheErrorHasBeenRead) {
+// Otherwise the system would display a message box for a damaged library, and the start would wait until it is closed.
+TEST_F(nDeploymentPlatform, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheErrorHasBeenRead) {
     refuseSearchFlags();
     DWORD mode = SEM_NOOPENFILEERRORBOX;
     imports::SetThreadErrorMode.replace([&](DWORD newMode, DWORD* previous) {
@@ -160,15 +161,15 @@ TEST_F(DeploymentPlatform, LoadsWithoutAMessageBoxAndRestoresTheModeOnceTheError
     EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX});
 }
 
-TEST_F(DeploymentPlatform, SleepsForAsManyMillisecondsAsItIsTold) {
+TEST_F(nDeploymentPlatform, SleepsForTheGivenMilliseconds) {
     DWORD slept = 0;
     imports::Sleep.replace([&slept](DWORD milliseconds) { slept = milliseconds; });
     nDeployment::sleepMs(10'000);
     EXPECT_EQ(slept, 10'000U);
 }
 
-// The binary interface: an object is a pointer to a table of functions. This one is made by hand, so that a change in
-// the order of the declarations cannot hide itself.
+// The binary interface: an object is a pointer to a table of functions. This one is written by hand, so that a change
+// in the order of the declarations is noticed.
 
 constexpr std::size_t slots = 16;
 
@@ -256,7 +257,7 @@ std::int32_t instantiate(std::uint32_t first, std::uint32_t second, tObject** ou
     return 0;
 }
 
-TEST_F(DeploymentPlatform, CallsTheSlotsThatTheLibraryHasThemIn) {
+TEST_F(nDeploymentPlatform, CallsEachOperationThroughItsSlot) {
     std::vector<std::string> seen;
     slotCalls = &seen;
     frameworkTable.functions[0] = reinterpret_cast<void*>(&identify);
@@ -270,7 +271,7 @@ TEST_F(DeploymentPlatform, CallsTheSlotsThatTheLibraryHasThemIn) {
     EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
     EXPECT_THAT(seen, ElementsAre("framework 10", "options 10", "framework 4", "connection 3",
                                   "framework 1",                               // the holder's own reference
-                                  "connection 2", "options 2", "framework 2",  // what was local
+                                  "connection 2", "options 2", "framework 2",  // the local ones
                                   "resource 15", "resource 2", "framework 2"));
 }
 

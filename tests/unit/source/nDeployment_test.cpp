@@ -25,7 +25,7 @@ using OnFailure = tScriptedFramework::OnFailure;
 
 constexpr Result generalFailure = static_cast<Result>(0x80004005);
 
-struct Deployment : testing::Test {
+struct nDeploymentTest : testing::Test {
     tScriptedFramework framework;
     support::tDeploymentPlatform platform{tScriptedFramework::instantiate};
 
@@ -48,7 +48,7 @@ struct Deployment : testing::Test {
 
 // ConnectFramework
 
-TEST_F(Deployment, ConnectingTakesTheStepsInOrderAndKeepsNothingButFrameworkAndResource) {
+TEST_F(nDeploymentTest, ConnectingPerformsTheStepsInOrderAndKeepsOnlyFrameworkAndResource) {
     tFramework frameworkHolder;
     tResource resourceHolder;
     EXPECT_TRUE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
@@ -58,13 +58,13 @@ TEST_F(Deployment, ConnectingTakesTheStepsInOrderAndKeepsNothingButFrameworkAndR
     EXPECT_EQ(framework.held(), 2U);
 }
 
-TEST_F(Deployment, AMissingLibraryIsAFailedAttempt) {
+TEST_F(nDeploymentTest, AMissingLibraryIsAFailedAttempt) {
     platform.entry = nullptr;
     EXPECT_FALSE(connects());
     EXPECT_THAT(framework.calls, IsEmpty());
 }
 
-TEST_F(Deployment, AConnectionMadeEarlierIsReplacedAndReleased) {
+TEST_F(nDeploymentTest, AnEarlierConnectionIsReplacedAndReleased) {
     tFramework frameworkHolder;
     tResource resourceHolder;
     ASSERT_TRUE(nDeployment::ConnectFramework(frameworkHolder, resourceHolder));
@@ -74,7 +74,7 @@ TEST_F(Deployment, AConnectionMadeEarlierIsReplacedAndReleased) {
     EXPECT_EQ(framework.held(), 2U);
 }
 
-TEST_F(Deployment, AFrameworkThatIsHeldAlreadyKeepsItsOneReference) {
+TEST_F(nDeploymentTest, AFrameworkThatIsAlreadyHeldKeepsItsOnlyReference) {
     framework.oneFramework = true;
     tFramework frameworkHolder;
     tResource resourceHolder;
@@ -83,7 +83,7 @@ TEST_F(Deployment, AFrameworkThatIsHeldAlreadyKeepsItsOneReference) {
     EXPECT_EQ(framework.held(), 2U);
 }
 
-TEST_F(Deployment, AFailedAttemptLeavesAConnectionMadeEarlierAlone) {
+TEST_F(nDeploymentTest, AFailedAttemptKeepsAnEarlierConnection) {
     for (int step = 1; step <= 5; ++step) {
         SCOPED_TRACE(step);
         framework.outcome = [](int, int) { return 0; };
@@ -100,11 +100,11 @@ TEST_F(Deployment, AFailedAttemptLeavesAConnectionMadeEarlierAlone) {
     }
 }
 
-/// What fails, with which result, and what becomes of the out pointer.
+/// The step that fails, its result, and its effect on the out pointer.
 using tFailure = std::tuple<int, Result, OnFailure>;
-struct DeploymentStep : Deployment, testing::WithParamInterface<tFailure> {};
+struct nDeploymentStep : nDeploymentTest, testing::WithParamInterface<tFailure> {};
 
-TEST_P(DeploymentStep, ThatFailsEndsTheAttemptWithEveryReferenceReleased) {
+TEST_P(nDeploymentStep, EndsTheAttemptWithEveryReferenceReleasedIfItFails) {
     const auto [step, result, onFailure] = GetParam();
     framework.onFailure = onFailure;
     fail(step, 1, result);
@@ -119,17 +119,17 @@ TEST_P(DeploymentStep, ThatFailsEndsTheAttemptWithEveryReferenceReleased) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Failing, DeploymentStep,
+INSTANTIATE_TEST_SUITE_P(Failing, nDeploymentStep,
                          testing::Combine(testing::Range(1, 6), testing::Values(-1, generalFailure, 1, 0x7FFFFFFF),
                                           testing::Values(OnFailure::leavesThePointer, OnFailure::writesNull)));
-INSTANTIATE_TEST_SUITE_P(FailingWithAPositiveResultAndAnObject, DeploymentStep,
+INSTANTIATE_TEST_SUITE_P(FailingWithAPositiveResultAndAnObject, nDeploymentStep,
                          testing::Combine(testing::Range(1, 6), testing::Values(1),
-                                          testing::Values(OnFailure::givesAnObject)));
-INSTANTIATE_TEST_SUITE_P(FailingWithANegativeResultAndAWildPointer, DeploymentStep,
+                                          testing::Values(OnFailure::returnsAnObject)));
+INSTANTIATE_TEST_SUITE_P(FailingWithANegativeResultAndAWildPointer, nDeploymentStep,
                          testing::Combine(testing::Range(1, 6), testing::Values(-1),
                                           testing::Values(OnFailure::writesGarbage)));
 
-TEST_F(Deployment, AStepThatSucceedsWithoutAnObjectIsAFailedAttempt) {
+TEST_F(nDeploymentTest, AStepThatSucceedsWithoutAnObjectIsAFailedAttempt) {
     for (const int step : {1, 2, 4, 5}) {
         SCOPED_TRACE(step);
         framework.nullStep = step;
@@ -140,25 +140,25 @@ TEST_F(Deployment, AStepThatSucceedsWithoutAnObjectIsAFailedAttempt) {
 
 // ConnectWithRetry
 
-TEST_F(Deployment, SuccessAtTheFirstAttemptPausesNowhere) {
+TEST_F(nDeploymentTest, SuccessAtTheFirstAttemptCausesNoPause) {
     EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
     EXPECT_EQ(framework.attempts, 1);
     EXPECT_THAT(platform.pauses, IsEmpty());
 }
 
-TEST_F(Deployment, SuccessAtTheThirdAttemptComesAfterTwoPausesOfTenSeconds) {
+TEST_F(nDeploymentTest, SuccessAtTheThirdAttemptComesAfterTwoPausesOfTenSeconds) {
     fail(1, 2);
     EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
     EXPECT_THAT(platform.pauses, ElementsAre(10'000U, 10'000U));
 }
 
-TEST_F(Deployment, SuccessAtTheSeventhAttemptIsStillSuccess) {
+TEST_F(nDeploymentTest, SuccessAtTheSeventhAttemptIsStillSuccess) {
     fail(5, 6);
     EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
     EXPECT_THAT(platform.pauses, SizeIs(6));
 }
 
-TEST_F(Deployment, SevenFailuresArePausedAfterTheLastOneIncludedAndThenGivenUp) {
+TEST_F(nDeploymentTest, ConnectingGivesUpAfterSevenFailuresEachFollowedByAPause) {
     fail(1, 1000);
     EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
                  zuZiptraRemoteService::CannotInitSystemFramework);
@@ -167,7 +167,7 @@ TEST_F(Deployment, SevenFailuresArePausedAfterTheLastOneIncludedAndThenGivenUp) 
     EXPECT_THAT(platform.pauses, Each(10'000U));
 }
 
-TEST_F(Deployment, TheLibraryIsLookedForAnewAtEveryAttempt) {
+TEST_F(nDeploymentTest, EveryAttemptLooksForTheLibraryAgain) {
     platform.entry = nullptr;
     platform.onPause = [this] {
         if (platform.pauses.size() == 4) platform.entry = tScriptedFramework::instantiate;
@@ -177,16 +177,16 @@ TEST_F(Deployment, TheLibraryIsLookedForAnewAtEveryAttempt) {
     EXPECT_THAT(platform.pauses, SizeIs(4));
 }
 
-TEST_F(Deployment, ALibraryThatNeverComesIsGivenUpAfterSevenPauses) {
+TEST_F(nDeploymentTest, ConnectingGivesUpOnAMissingLibraryAfterSevenPauses) {
     platform.entry = nullptr;
     EXPECT_THROW(static_cast<void>(nDeployment::IsDeploymentAllowed()),
                  zuZiptraRemoteService::CannotInitSystemFramework);
     EXPECT_THAT(platform.pauses, SizeIs(7));
 }
 
-struct DeploymentRetry : Deployment, testing::WithParamInterface<std::tuple<int, int>> {};
+struct nDeploymentRetry : nDeploymentTest, testing::WithParamInterface<std::tuple<int, int>> {};
 
-TEST_P(DeploymentRetry, GoesOnUntilNoStepFailsAndHoldsNothingAcrossAPause) {
+TEST_P(nDeploymentRetry, RepeatsUntilNoStepFailsAndHoldsNoReferenceDuringAPause) {
     const auto [step, failures] = GetParam();
     fail(step, failures);
     platform.onPause = [this] { EXPECT_EQ(framework.held(), 0U); };
@@ -201,24 +201,24 @@ TEST_P(DeploymentRetry, GoesOnUntilNoStepFailsAndHoldsNothingAcrossAPause) {
     EXPECT_EQ(framework.held(), 0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(EachStepFailingOnEachAttempt, DeploymentRetry,
+INSTANTIATE_TEST_SUITE_P(EachStepFailingOnEachAttempt, nDeploymentRetry,
                          testing::Combine(testing::Range(1, 6), testing::Range(1, 8)));
 
 // IsDeploymentAllowed
 
-TEST_F(Deployment, TheSettingZeroMeansNotAllowed) {
+TEST_F(nDeploymentTest, ASettingOfZeroMeansNotAllowed) {
     framework.setting = 0;
     EXPECT_FALSE(nDeployment::IsDeploymentAllowed());
 }
 
-TEST_F(Deployment, AnyOtherSettingMeansAllowed) {
+TEST_F(nDeploymentTest, AnyOtherSettingMeansAllowed) {
     for (const std::uint32_t value : {1U, 2U, 7U, 0x100U, 0x80000000U, 0xFFFFFFFFU}) {
         framework.setting = value;
         EXPECT_TRUE(nDeployment::IsDeploymentAllowed()) << value;
     }
 }
 
-TEST_F(Deployment, ASettingThatCannotBeReadIsNotFoundAndNotTriedAgain) {
+TEST_F(nDeploymentTest, AnUnreadableSettingIsNotFoundAndIsNotRetried) {
     for (const Result result : {-1, generalFailure, 1}) {
         framework.attempts = 0;
         fail(6, 1000, result);
@@ -230,14 +230,14 @@ TEST_F(Deployment, ASettingThatCannotBeReadIsNotFoundAndNotTriedAgain) {
     EXPECT_THAT(platform.pauses, IsEmpty());
 }
 
-TEST_F(Deployment, TheResourceIsReleasedBeforeTheFramework) {
+TEST_F(nDeploymentTest, TheResourceIsReleasedBeforeTheFramework) {
     EXPECT_TRUE(nDeployment::IsDeploymentAllowed());
     ASSERT_GE(framework.calls.size(), 3U);
     framework.calls.erase(framework.calls.begin(), framework.calls.end() - 3);
     EXPECT_THAT(framework.calls, ElementsAre("resource.readSetting", "resource.release", "framework.release"));
 }
 
-TEST_F(Deployment, AFrameworkThatThrowsLeavesNothingHeld) {
+TEST_F(nDeploymentTest, EveryReferenceIsReleasedIfTheFrameworkThrows) {
     for (int failingStep = 1; failingStep <= 6; ++failingStep) {
         framework.outcome = [=](int, int step) -> Result {
             if (step == failingStep) throw std::logic_error("broken framework");
@@ -248,7 +248,7 @@ TEST_F(Deployment, AFrameworkThatThrowsLeavesNothingHeld) {
     }
 }
 
-TEST(DeploymentExceptions, CarryTheirFixedTexts) {
+TEST(nDeploymentExceptions, CarryTheirFixedTexts) {
     EXPECT_STREQ(zuZiptraRemoteService::CannotInitSystemFramework().what(), "Cannot init system framework");
     EXPECT_STREQ(zuZiptraRemoteService::DeploymentSettingNotFound().what(), "Deployment setting not found");
     EXPECT_TRUE((std::is_base_of_v<std::runtime_error, zuZiptraRemoteService::CannotInitSystemFramework>));

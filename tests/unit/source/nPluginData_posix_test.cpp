@@ -11,7 +11,7 @@
 
 namespace {
 
-/// What only a file system with links and limits can show.
+/// Rules that need a file system with links and limits.
 class nPluginDataLinks : public testing::Test {
 protected:
     std::vector<std::string> listed(const std::string& name = ".") {
@@ -24,13 +24,13 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(nPluginDataLinks, MayBeLinksToFiles) {
+TEST_F(nPluginDataLinks, ListsLinksToFiles) {
     folder.write("a.txt");
     std::filesystem::create_symlink("a.txt", folder.path() / "link.ini");
     EXPECT_THAT(listed(), testing::ElementsAre("link.ini"));
 }
 
-TEST_F(nPluginDataLinks, AreNoLinksToNothingToFoldersOrToThemselves) {
+TEST_F(nPluginDataLinks, SkipsLinksToNothingToFoldersAndToThemselves) {
     folder.makeFolder("inner");
     std::filesystem::create_symlink("missing", folder.path() / "nothing.ini");
     std::filesystem::create_symlink("inner", folder.path() / "folder.ini");
@@ -39,19 +39,19 @@ TEST_F(nPluginDataLinks, AreNoLinksToNothingToFoldersOrToThemselves) {
     EXPECT_THAT(listed(), testing::ElementsAre("a.ini"));
 }
 
-TEST_F(nPluginDataLinks, AreNoPipes) {
+TEST_F(nPluginDataLinks, SkipsPipes) {
     ASSERT_EQ(mkfifo((folder.path() / "pipe.ini").c_str(), 0600), 0);
     EXPECT_THAT(listed(), testing::IsEmpty());
 }
 
-TEST_F(nPluginDataLinks, AreFoundThroughALinkToTheirDirectory) {
+TEST_F(nPluginDataLinks, ListsADirectoryThroughALink) {
     folder.makeFolder("inner");
     folder.write("inner/a.ini");
     std::filesystem::create_directory_symlink("inner", folder.path() / "link");
     EXPECT_THAT(listed("link"), testing::ElementsAre("a.ini"));
 }
 
-TEST_F(nPluginDataLinks, OfADirectoryWhoseStatusIsNotAvailableAreAnError) {
+TEST_F(nPluginDataLinks, ThrowsIfTheDirectorysStatusIsNotAvailable) {
     std::filesystem::create_symlink("itself", folder.path() / "itself");
     try {
         listed("itself");
@@ -61,7 +61,7 @@ TEST_F(nPluginDataLinks, OfADirectoryWhoseStatusIsNotAvailableAreAnError) {
     }
 }
 
-TEST_F(nPluginDataLinks, OfADirectoryThatCannotBeReadAreBoostsOwnException) {
+TEST_F(nPluginDataLinks, ThrowsBoostsExceptionIfTheDirectoryCannotBeRead) {
     rlimit limit{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     const rlimit none{0, limit.rlim_max};
@@ -70,12 +70,12 @@ TEST_F(nPluginDataLinks, OfADirectoryThatCannotBeReadAreBoostsOwnException) {
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-TEST_F(nPluginDataLinks, KeepABlankOrABackslashInTheirNames) {
+TEST_F(nPluginDataLinks, KeepsBlanksAndBackslashesInNames) {
     folder.write("a \\b .ini");
     EXPECT_THAT(listed(), testing::ElementsAre("a \\b .ini"));
 }
 
-TEST(nPluginData, RequiresTheLow32BitsOfANumberOf64) {
+TEST(nPluginData, RequiresIsTheLow32BitsOfALargerNumber) {
     const support::tFolder folder;
     const std::pair<const char*, std::uint32_t> rows[] = {
         {"4294967296", 0}, {"4294967297", 1}, {"18446744073709551616", 4294967295}, {"-4294967296", 0}};

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-/// "CODE REPORT" of the exception that the call throws, or "nothing thrown".
+/// Returns "CODE REPORT" of the exception that the call throws, or "nothing thrown".
 std::string thrownBy(const std::function<void()>& call) {
     try {
         call();
@@ -44,7 +44,7 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(nPluginDataListing, AreTheRegularFilesWithTheExtensionInLowerCase) {
+TEST_F(nPluginDataListing, ListsRegularFilesWithTheLowerCaseExtension) {
     const std::string a = folder.write("a.ini");
     folder.write("b.INI");
     folder.write("c.txt");
@@ -52,7 +52,7 @@ TEST_F(nPluginDataListing, AreTheRegularFilesWithTheExtensionInLowerCase) {
     EXPECT_THAT(listed(), ElementsAre(a));
 }
 
-TEST_F(nPluginDataListing, AreToldByWhatFollowsTheLastDotAlsoIfNothingPrecedesIt) {
+TEST_F(nPluginDataListing, TheExtensionStartsAtTheLastDotEvenIfNothingPrecedesIt) {
     folder.write("ini");
     const std::string bare = folder.write(".ini");
     folder.write("a.ini.bak");
@@ -62,22 +62,22 @@ TEST_F(nPluginDataListing, AreToldByWhatFollowsTheLastDotAlsoIfNothingPrecedesIt
     EXPECT_THAT(listed(), UnorderedElementsAre(bare, d));
 }
 
-TEST_F(nPluginDataListing, AreNoneInAnEmptyDirectory) { EXPECT_THAT(listed(), IsEmpty()); }
+TEST_F(nPluginDataListing, ListsNothingInAnEmptyDirectory) { EXPECT_THAT(listed(), IsEmpty()); }
 
-TEST_F(nPluginDataListing, OfFoldersInsideAreNotListed) {
+TEST_F(nPluginDataListing, DoesNotListFilesInSubfolders) {
     folder.makeFolder("inner");
     folder.write("inner/a.ini");
     EXPECT_THAT(listed(), IsEmpty());
 }
 
-TEST_F(nPluginDataListing, AreAddedToTheList) {
+TEST_F(nPluginDataListing, AppendsToTheList) {
     const std::string a = folder.write("a.ini");
     std::vector<std::string> files{"before"};
     nPluginData::listDescriptionFiles(nStdPath::pathFromUtf8(folder.utf8()), ".ini", files);
     EXPECT_THAT(files, ElementsAre("before", a));
 }
 
-TEST_F(nPluginDataListing, StandInTheFileSystemsOrder) {
+TEST_F(nPluginDataListing, KeepsTheFileSystemsOrder) {
     for (const char* const name : {"m.ini", "z.ini", "a.ini", "q.ini", "b.ini", "x.ini", "c.ini", "y.ini"}) {
         folder.write(name);
     }
@@ -88,7 +88,7 @@ TEST_F(nPluginDataListing, StandInTheFileSystemsOrder) {
     EXPECT_EQ(listed(), expected);
 }
 
-TEST_F(nPluginDataListing, AreListedWithAnyNameInAnyFolder) {
+TEST_F(nPluginDataListing, ListsFilesWithAnyNameInAnyFolder) {
     folder.makeFolder(u"größe 计划 🚀");
     std::vector<std::string> expected;
     for (const std::u16string_view name : {u"with two blanks.ini", u"größe.ini", u"计划.ini", u"🚀.ini"}) {
@@ -97,7 +97,7 @@ TEST_F(nPluginDataListing, AreListedWithAnyNameInAnyFolder) {
     EXPECT_THAT(listed(u"größe 计划 🚀"), testing::UnorderedElementsAreArray(expected));
 }
 
-TEST_F(nPluginDataListing, MayHaveAnotherExtension) {
+TEST_F(nPluginDataListing, AcceptsAnotherExtension) {
     folder.write("a.ini");
     const std::string b = folder.write("b.txt");
     std::vector<std::string> files;
@@ -105,12 +105,12 @@ TEST_F(nPluginDataListing, MayHaveAnotherExtension) {
     EXPECT_THAT(files, ElementsAre(b));
 }
 
-TEST_F(nPluginDataListing, OfAMissingDirectoryAreAnError) {
+TEST_F(nPluginDataListing, ThrowsForAMissingDirectory) {
     EXPECT_EQ(thrownBy([this] { listed("missing"); }), directoryMissing);
     EXPECT_EQ(thrownBy([this] { listed("missing/inner"); }), directoryMissing);
 }
 
-TEST_F(nPluginDataListing, OfAFileInPlaceOfTheDirectoryAreAnError) {
+TEST_F(nPluginDataListing, ThrowsForAFileInPlaceOfTheDirectory) {
     folder.write("plugins", "no directory");
     EXPECT_EQ(thrownBy([this] { listed("plugins"); }), directoryMissing);
     EXPECT_EQ(thrownBy([this] { listed("plugins/inner"); }), directoryMissing);
@@ -127,7 +127,7 @@ protected:
     support::tSharedPlaces places;
 };
 
-TEST_F(nPluginDataPlugins, AreDescribedInTheSharedDirectory) {
+TEST_F(nPluginDataPlugins, AreListedFromTheSharedDirectory) {
     folder.makeFolder(u"共享 share/ZiptraRemoteService/plugins");
     folder.write(u"共享 share/ZiptraRemoteService/top.ini");
     const std::string a = folder.write(u"共享 share/ZiptraRemoteService/plugins/a.ini");
@@ -136,24 +136,24 @@ TEST_F(nPluginDataPlugins, AreDescribedInTheSharedDirectory) {
     EXPECT_THAT(all(), ElementsAre(a));
 }
 
-TEST_F(nPluginDataPlugins, AreNoneAndThatIsNoErrorWhenTheirDirectoryIsEmpty) {
+TEST_F(nPluginDataPlugins, AnEmptyDirectoryIsNotAnError) {
     folder.makeFolder("ZiptraRemoteService/plugins");
     places.sharedDirectory = folder.utf8();
     EXPECT_THAT(all(), IsEmpty());
 }
 
-TEST_F(nPluginDataPlugins, CannotBeListedWithoutTheirDirectory) {
+TEST_F(nPluginDataPlugins, ThrowsWithoutAPluginDirectory) {
     folder.makeFolder("ZiptraRemoteService");
     places.sharedDirectory = folder.utf8();
     EXPECT_EQ(thrownBy(all), directoryMissing);
 }
 
-TEST_F(nPluginDataPlugins, CannotBeListedWithoutASharedDirectory) {
+TEST_F(nPluginDataPlugins, ThrowsWithoutASharedDirectory) {
     const std::string thrown = thrownBy(all);
     EXPECT_TRUE(thrown.starts_with(R"(-52006 {"error_constant":"kestStatusResourceNotFound",)")) << thrown;
 }
 
-/// The fields in their order, between bars.
+/// Returns the fields in order, separated by bars.
 std::string shown(const tPluginDescription& record) {
     std::string text = record.name + '|';
     for (const std::string& dependency : record.dependencies) text += dependency + ',';
@@ -163,14 +163,14 @@ std::string shown(const tPluginDescription& record) {
 
 class nPluginDataReading : public testing::Test {
 protected:
-    /// What the file says, as read into a record that said something else before.
+    /// Returns a description read from this content into a record that had other content.
     tPluginDescription of(std::string_view content) {
         tPluginDescription record = earlier;
         nPluginData::readDescription(folder.write("a.ini", content), record);
         return record;
     }
 
-    /// The failure to read this file; the record must stay as it was.
+    /// Returns the failure to read this file; expects the record to be unchanged.
     std::string failure(const std::string& path) {
         tPluginDescription record = earlier;
         const std::string thrown = thrownBy([&] { nPluginData::readDescription(path, record); });
@@ -184,7 +184,7 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(nPluginDataReading, HoldsEveryKeyOfTheFile) {
+TEST_F(nPluginDataReading, ReadsEveryKeyOfTheFile) {
     EXPECT_EQ(shown(of("[Service]\r\n"
                        "Name=Scheduler\r\n"
                        "Dependencies=Transport, Settings\r\n"
@@ -196,14 +196,14 @@ TEST_F(nPluginDataReading, HoldsEveryKeyOfTheFile) {
               "Scheduler|Settings,Transport,|3|scheduler.dll|SchedulerInitialize|SchedulerStop|SchedulerCleanup");
 }
 
-TEST_F(nPluginDataReading, HoldsDefaultsWhenTheSectionIsEmpty) { EXPECT_EQ(shown(of("[Service]")), "||1||||"); }
+TEST_F(nPluginDataReading, UsesDefaultsIfTheSectionIsEmpty) { EXPECT_EQ(shown(of("[Service]")), "||1||||"); }
 
-TEST_F(nPluginDataReading, HoldsDefaultsWhenThereIsNoSuchSection) {
+TEST_F(nPluginDataReading, UsesDefaultsIfTheSectionIsMissing) {
     EXPECT_EQ(shown(of("")), "||1||||");
     EXPECT_EQ(shown(of("[Other]\nName=Scheduler\nRequires=7")), "||1||||");
 }
 
-TEST_F(nPluginDataReading, TakesNoNoticeOfOtherSectionsAndKeys) {
+TEST_F(nPluginDataReading, IgnoresOtherSectionsAndKeys) {
     EXPECT_EQ(shown(of("Name=before\n[Other]\nPath=other.dll\n[Service]\nName=A\nComment=x\n[Last]\nStop=y")),
               "A||1||||");
 }
@@ -212,15 +212,15 @@ TEST_F(nPluginDataReading, FindsSectionAndKeysInAnyCase) {
     EXPECT_EQ(shown(of("[SERVICE]\nnAmE=Mixed")), "Mixed||1||||");
 }
 
-TEST_F(nPluginDataReading, DropsDoubleQuotesAroundAValueAndKeepsSingleOnes) {
+TEST_F(nPluginDataReading, StripsDoubleQuotesAroundAValueAndKeepsSingleOnes) {
     EXPECT_EQ(shown(of("[Service]\nPath=\"C:\\My plug-ins\\a.dll\"\nName='A'")), "'A'||1|C:\\My plug-ins\\a.dll|||");
 }
 
-TEST_F(nPluginDataReading, MayHaveEmptyValues) {
+TEST_F(nPluginDataReading, AcceptsEmptyValues) {
     EXPECT_EQ(shown(of("[Service]\nName=\nDependencies=\nPath=\nRequires=\nInitialize=\nStop=\nCleanup=")), "||1||||");
 }
 
-TEST_F(nPluginDataReading, TakesOnlyTheEqualsSignForASeparator) {
+TEST_F(nPluginDataReading, OnlyTheEqualsSignIsASeparator) {
     EXPECT_EQ(shown(of("[Service]\nName:x=A\nPath=C:\\a.dll")), "||1|C:\\a.dll|||");
 }
 
@@ -230,13 +230,13 @@ TEST_F(nPluginDataReading, SortsDependenciesByteByByteAndKeepsDuplicates) {
                 ElementsAre("B", "Z", "_", "a", "\xC3\xA4"));
 }
 
-TEST_F(nPluginDataReading, RequiresOneWhenTheValueIsMissingOrEmpty) {
+TEST_F(nPluginDataReading, RequiresIsOneIfMissingOrEmpty) {
     EXPECT_EQ(of("[Service]\nName=A").requiresMask, 1U);
     EXPECT_EQ(requiresOf(""), 1U);
     EXPECT_EQ(requiresOf("\"\""), 1U);
 }
 
-TEST_F(nPluginDataReading, RequiresZeroWhenTheValueIsNoNumber) {
+TEST_F(nPluginDataReading, RequiresIsZeroIfNotANumber) {
     EXPECT_EQ(requiresOf("x"), 0U);
     EXPECT_EQ(requiresOf("x7"), 0U);
     EXPECT_EQ(requiresOf("-"), 0U);
@@ -244,7 +244,7 @@ TEST_F(nPluginDataReading, RequiresZeroWhenTheValueIsNoNumber) {
     EXPECT_EQ(requiresOf("\" \""), 0U);
 }
 
-TEST_F(nPluginDataReading, RequiresTheNumberThatTheValueBeginsWith) {
+TEST_F(nPluginDataReading, RequiresIsTheNumberThatTheValueBeginsWith) {
     EXPECT_EQ(requiresOf("7"), 7U);
     EXPECT_EQ(requiresOf("0"), 0U);
     EXPECT_EQ(requiresOf("2x"), 2U);
@@ -253,12 +253,12 @@ TEST_F(nPluginDataReading, RequiresTheNumberThatTheValueBeginsWith) {
     EXPECT_EQ(requiresOf("4294967295"), 4294967295U);
 }
 
-TEST_F(nPluginDataReading, RequiresDecimalNumbers) {
+TEST_F(nPluginDataReading, RequiresIsDecimal) {
     EXPECT_EQ(requiresOf("010"), 10U);
     EXPECT_EQ(requiresOf("0x10"), 0U);
 }
 
-TEST_F(nPluginDataReading, TakesASignBeforeTheRequiredNumber) {
+TEST_F(nPluginDataReading, RequiresMayHaveASign) {
     EXPECT_EQ(requiresOf("+3"), 3U);
     EXPECT_EQ(requiresOf("-1"), 4294967295U);
     EXPECT_EQ(requiresOf("-4294967295"), 1U);
@@ -269,14 +269,14 @@ TEST_F(nPluginDataReading, KeepsTextsInAnyScriptByteForByte) {
               "\xE8\xAE\xA1||1|\xF0\x9F\x9A\x80.dll||\xFF\x80|");
 }
 
-TEST_F(nPluginDataReading, IsReadFromAFileOfAnyName) {
+TEST_F(nPluginDataReading, ReadsAFileWithAnyName) {
     folder.makeFolder(u"größe 计划");
     tPluginDescription record;
     nPluginData::readDescription(folder.write(u"größe 计划/with blanks 🚀.ini", "[Service]\nName=A"), record);
     EXPECT_EQ(record.name, "A");
 }
 
-TEST_F(nPluginDataReading, IsReadFromAFileWhosePathIsVeryLong) {
+TEST_F(nPluginDataReading, ReadsAFileWithAVeryLongPath) {
     std::filesystem::path name;
     while (folder.utf8(name).size() < 1000) name /= std::string(100, 'x');
     folder.makeFolder(name);
@@ -285,7 +285,7 @@ TEST_F(nPluginDataReading, IsReadFromAFileWhosePathIsVeryLong) {
     EXPECT_EQ(record.name, "A");
 }
 
-TEST_F(nPluginDataReading, IsFoundAndReadWhereThePathIsVeryLong) {
+TEST_F(nPluginDataReading, ListsAndReadsFilesInAFolderWithAVeryLongPath) {
     std::filesystem::path name;
     while (folder.utf8(name).size() < 1000) name /= std::string(100, 'x');
     folder.makeFolder(name);
@@ -298,15 +298,15 @@ TEST_F(nPluginDataReading, IsFoundAndReadWhereThePathIsVeryLong) {
     EXPECT_EQ(record.name, "A");
 }
 
-TEST_F(nPluginDataReading, OfAMissingFileIsAnErrorWithTheParsersCode) {
+TEST_F(nPluginDataReading, ThrowsTheParsersCodeForAMissingFile) {
     EXPECT_EQ(failure(folder.utf8("missing.ini")), report("-22", "result", "261"));
 }
 
-TEST_F(nPluginDataReading, OfAUtf16FileIsAnErrorWithTheParsersCode) {
+TEST_F(nPluginDataReading, ThrowsTheParsersCodeForAUtf16File) {
     EXPECT_EQ(failure(folder.write("a.ini", "\xFF\xFE[\0S\0")), report("-3", "result", "261"));
 }
 
-TEST_F(nPluginDataReading, OfAFileWithAMalformedLineIsAnError) {
+TEST_F(nPluginDataReading, ThrowsForAMalformedLine) {
     const std::string malformed = report("-52005", "zukesterr_invalidParameter", "268");
     for (const char* const content : {"[Service]\nName=A\n\nPath=a.dll", "[Service]\nName=A\n\n", "[Service\nName=A",
                                       "[Service]\nName", "[Service]\n=A", "   ", "[Service]\nName:A"}) {
@@ -320,7 +320,7 @@ std::vector<std::string> split(std::string_view text) {
     return list;
 }
 
-TEST(nPluginDataDependencies, AreTheTrimmedPiecesBetweenTheCommas) {
+TEST(nPluginDataDependencies, AreTheTrimmedTextsBetweenTheCommas) {
     EXPECT_THAT(split("Transport, Settings"), ElementsAre("Transport", "Settings"));
     EXPECT_THAT(split(" b , ,a,,"), ElementsAre("b", "a"));
 }
@@ -329,17 +329,17 @@ TEST(nPluginDataDependencies, KeepTheirOrderTheirCaseAndTheirDuplicates) {
     EXPECT_THAT(split("b,a,B,b"), ElementsAre("b", "a", "B", "b"));
 }
 
-TEST(nPluginDataDependencies, AreNoneInATextWithoutNames) {
+TEST(nPluginDataDependencies, AreEmptyForATextWithoutNames) {
     EXPECT_THAT(split(""), IsEmpty());
     EXPECT_THAT(split(" \t "), IsEmpty());
     EXPECT_THAT(split(" ,,, , "), IsEmpty());
 }
 
-TEST(nPluginDataDependencies, AreSeparatedByCommasAlone) {
+TEST(nPluginDataDependencies, AreSeparatedOnlyByCommas) {
     EXPECT_THAT(split("a b;c|d, e\tf"), ElementsAre("a b;c|d", "e\tf"));
 }
 
-TEST(nPluginDataDependencies, LoseEveryKindOfWhiteSpaceAtBothEnds) {
+TEST(nPluginDataDependencies, AreTrimmedOfEveryKindOfWhiteSpace) {
     EXPECT_THAT(split(" \t\n\v\f\ra b \t\n\v\f\r,\tc"), ElementsAre("a b", "c"));
 }
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-TEST(nPluginData, RequiresTheLargestNumberWhereTheValueExceeds32Bits) {
+TEST(nPluginData, RequiresIsTheLargestNumberIfTheValueExceeds32Bits) {
     // A long has 32 bits here; elsewhere the low 32 of 64 remain.
     const support::tFolder folder;
     for (const char* const value : {"4294967296", "4294967297", "18446744073709551616"}) {
@@ -24,7 +24,7 @@ TEST(nPluginData, RequiresTheLargestNumberWhereTheValueExceeds32Bits) {
     }
 }
 
-TEST(nPluginData, OpensTheFileByTheVeryNameOfTheFileAlsoWhenThatIsNoUtf16) {
+TEST(nPluginData, OpensAFileWhoseNameIsNotValidUtf16) {
     const std::wstring path = L"C:\\计划 🚀\\lone \xDC00 and \xD800.ini";
     std::vector<std::wstring> opened;
     imports::_wfopen.replace([&opened](const wchar_t* name, const wchar_t* /*mode*/) -> FILE* {
@@ -36,18 +36,18 @@ TEST(nPluginData, OpensTheFileByTheVeryNameOfTheFileAlsoWhenThatIsNoUtf16) {
     EXPECT_THAT(opened, testing::ElementsAre(path));
 }
 
-TEST(nPluginData, PathsAreNotConvertedByThePathLibrarysLocale) {
+TEST(nPluginData, DoesNotConvertPathsWithThePathLibrarysLocale) {
     const support::tFolder folder;
     const std::string file = folder.write(u"计划.ini");
     std::vector<std::string> files;
-    // A locale that can convert no letter of it; Wine's own may know all of them.
+    // A locale that cannot convert any of its letters; Wine's own may be able to convert all of them.
     const std::locale before = boost::filesystem::path::imbue(std::locale::classic());
     nPluginData::listDescriptionFiles(folder.path().wstring(), L".ini", files);
     boost::filesystem::path::imbue(before);
     EXPECT_THAT(files, testing::ElementsAre(file));
 }
 
-/// Here `new` asks an allocator that a test can let fail.
+/// These tests can make `new` fail.
 class nPluginDataMemory : public testing::Test {
 protected:
     const support::tFolder folder;
@@ -55,13 +55,13 @@ protected:
     tPluginDescription record{"earlier", {"x", "y"}, 6, "earlier.dll", "i", "s", "c"};
 };
 
-TEST_F(nPluginDataMemory, IsLeftAsItWasWithoutAnErrorWhenThereIsNoDocument) {
+TEST_F(nPluginDataMemory, LeavesTheRecordUnchangedIfThereIsNoMemoryForADocument) {
     EXPECT_EQ(allocations::refused(sizeof(nIni::tDocument), [this] { nPluginData::readDescription(path, record); }), 1);
     EXPECT_EQ(record.name, "earlier");
     EXPECT_EQ(record.path, "earlier.dll");
 }
 
-TEST_F(nPluginDataMemory, IsAnErrorWithTheParsersCodeWhenMemoryRunsOutLater) {
+TEST_F(nPluginDataMemory, ThrowsTheParsersCodeIfMemoryRunsOutLater) {
     std::int32_t code = 0;
     std::string report;
     EXPECT_GT(allocations::refused(10000,
@@ -80,7 +80,7 @@ TEST_F(nPluginDataMemory, IsAnErrorWithTheParsersCodeWhenMemoryRunsOutLater) {
     EXPECT_EQ(record.name, "earlier");
 }
 
-TEST_F(nPluginDataMemory, IsReadOrAnErrorAtEachRequestForMemoryThatIsRefused) {
+TEST_F(nPluginDataMemory, ReadsOrThrowsWhicheverAllocationFails) {
     const std::string small = folder.write("b.ini", "[Service]\nName=B\nRequires=6\n");
     bool struck = true;
     for (int nth = 1; struck; ++nth) {
@@ -93,7 +93,7 @@ TEST_F(nPluginDataMemory, IsReadOrAnErrorAtEachRequestForMemoryThatIsRefused) {
             thrown = true;
         }
         struck = allocations::stopFailing().refused > 0;
-        // Nothing is thrown when there is no memory for a document.
+        // Nothing is thrown if there is no memory for a document.
         if (!record.name.empty() || !struck) {
             EXPECT_EQ(record.requiresMask, 6U) << nth;
         }

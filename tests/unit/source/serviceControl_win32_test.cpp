@@ -49,7 +49,7 @@ protected:
         serviceMain(1, arguments);
     }
 
-    /// A service that has been started, as the control handler finds it.
+    /// Starts a service, as the control handler expects.
     void start() {
         gStatusHandle = handle;
         ASSERT_EQ(startService(), 0);
@@ -61,7 +61,7 @@ protected:
 
 // The service main.
 
-TEST_F(ServiceControl, ReportsEachStateOfALifeInOrderAndNothingElse) {
+TEST_F(ServiceControl, ReportsEachStateInOrderAndNothingElse) {
     runServiceMain();
     EXPECT_THAT(calls, ElementsAre("register zuZiptraRemoteService", startPending, "create-event", running, "list",
                                    stopPending, "close-event", stopped));
@@ -87,7 +87,7 @@ TEST_F(ServiceControl, ReportsAFailedStartAsStoppedWithItsOwnCodeAndStopsNothing
     EXPECT_EQ(gStatusLock, 0);
 }
 
-TEST_F(ServiceControl, GoesOnAsUsualWhenItsReportsAreRefused) {
+TEST_F(ServiceControl, ContinuesIfItsReportsAreRefused) {
     imports::SetServiceStatus.replace([this](SERVICE_STATUS_HANDLE, SERVICE_STATUS* status) {
         calls.push_back(textOf(*status));
         SetLastError(ERROR_INVALID_HANDLE);
@@ -98,7 +98,7 @@ TEST_F(ServiceControl, GoesOnAsUsualWhenItsReportsAreRefused) {
                                    stopPending, "close-event", stopped));
 }
 
-TEST_F(ServiceControl, KeepsTheLockForGoodOnceTheRunHasReturnedAndDropsEveryLaterRequest) {
+TEST_F(ServiceControl, NeverFreesTheLockAfterTheRunAndDropsEveryLaterRequest) {
     runServiceMain();
     EXPECT_EQ(gStatusLock, 1);
     calls.clear();
@@ -108,7 +108,7 @@ TEST_F(ServiceControl, KeepsTheLockForGoodOnceTheRunHasReturnedAndDropsEveryLate
     EXPECT_EQ(gStatusLock, 1);
 }
 
-TEST_F(ServiceControl, HoldsTheLockFromBeforeTheStopIsReportedUntilTheEnd) {
+TEST_F(ServiceControl, HoldsTheLockWhileItReportsTheStop) {
     std::string lockAtReport;
     imports::SetServiceStatus.replace([&](SERVICE_STATUS_HANDLE, SERVICE_STATUS* status) {
         lockAtReport += std::to_string(status->dwCurrentState) + ':' + std::to_string(gStatusLock.load()) + ' ';
@@ -149,7 +149,7 @@ TEST_F(ServiceControl, ReportsAStopRequestThenSetsTheEvent) {
     EXPECT_THAT(calls, ElementsAre(stopRequested, "set-event"));
 }
 
-TEST_F(ServiceControl, TakesAShutdownForAStop) {
+TEST_F(ServiceControl, TreatsAShutdownAsAStop) {
     start();
     serviceControlHandler(SERVICE_CONTROL_SHUTDOWN);
     EXPECT_THAT(calls, ElementsAre(stopRequested, "set-event"));
@@ -209,7 +209,7 @@ TEST_F(ServiceControl, StillSetsTheEventWhenItsReportIsRefused) {
 constexpr unsigned long consoleEvents[] = {
     CTRL_C_EVENT, CTRL_BREAK_EVENT, CTRL_CLOSE_EVENT, CTRL_LOGOFF_EVENT, CTRL_SHUTDOWN_EVENT, 3, 0xFFFFFFFF};
 
-TEST_F(ServiceControl, NotesAnyEarlyConsoleEventAndNothingElse) {
+TEST_F(ServiceControl, RecordsAnyEarlyConsoleEventAndDoesNothingElse) {
     for (const unsigned long event : consoleEvents) {
         gConsoleInterrupted = 0;
         EXPECT_EQ(earlyConsoleHandler(event), TRUE);
@@ -218,7 +218,7 @@ TEST_F(ServiceControl, NotesAnyEarlyConsoleEventAndNothingElse) {
     EXPECT_THAT(calls, IsEmpty());
 }
 
-TEST_F(ServiceControl, TakesTheRunHandlerOffTheListFirstAndThenEndsTheRunOnAnyConsoleEvent) {
+TEST_F(ServiceControl, RemovesTheRunHandlerAndThenEndsTheRunOnAnyConsoleEvent) {
     start();
     for (const unsigned long event : consoleEvents) {
         calls.clear();

@@ -1,5 +1,5 @@
-// The program's real entry and its real service control against threads in the place of the service manager and of the
-// console. Native tools watch the threads, ThreadSanitizer above all.
+// The program's real entry and service control, with threads in place of the service manager and the console. Native
+// tools, above all ThreadSanitizer, can check the threads.
 
 #include <gtest/gtest.h>
 
@@ -17,9 +17,11 @@ namespace {
 class ServiceControlRace : public testing::Test {
 protected:
     ServiceControlRace() { world.deployment.entry = support::tScriptedFramework::instantiate; }
-    ~ServiceControlRace() override { EXPECT_EQ(manager.failedSignals, 0) << "the event was gone before its last use"; }
+    ~ServiceControlRace() override {
+        EXPECT_EQ(manager.failedSignals, 0) << "the event was closed before its last use";
+    }
 
-    /// RACE_ROUNDS lets the tests run longer.
+    /// The environment variable RACE_ROUNDS makes the tests run longer.
     static unsigned rounds() {
         const char* const text = std::getenv("RACE_ROUNDS");
         return static_cast<unsigned>(std::max(text == nullptr ? 0 : std::atoi(text), 20));
@@ -40,7 +42,7 @@ TEST_F(ServiceControlRace, NoRequestIsReportedOnceTheServiceMainReportsTheStop) 
     printFigures("a service that waits");
 }
 
-TEST_F(ServiceControlRace, ARequestMeetsAServiceThatStopsByItselfBeforeItsStopOrNever) {
+TEST_F(ServiceControlRace, AServiceThatStopsByItselfReportsARequestBeforeItsStopOrNotAtAll) {
     std::filesystem::remove_all(world.plugins);
     for (unsigned round = 0; round < rounds(); ++round) {
         const std::string life = manager.hammeredService();
@@ -49,14 +51,14 @@ TEST_F(ServiceControlRace, ARequestMeetsAServiceThatStopsByItselfBeforeItsStopOr
     printFigures("a service that stops by itself");
 }
 
-TEST_F(ServiceControlRace, ASingleRequestIsNeverLostWheneverItComes) {
+TEST_F(ServiceControlRace, ASingleRequestIsNeverLost) {
     for (unsigned round = 0; round < rounds(); ++round) {
         ASSERT_EQ(manager.serviceStoppedOnce(round % 20 * 20'000), "24rp1") << round;
     }
     printFigures("a single request");
 }
 
-TEST_F(ServiceControlRace, ConsoleEventsEndAForegroundRunWheneverTheyCome) {
+TEST_F(ServiceControlRace, ConsoleEventsAlwaysEndAForegroundRun) {
     for (unsigned round = 0; round < rounds(); ++round) {
         manager.hammeredForeground(round * 7 % 20 * 50'000);
         ASSERT_EQ(gService, nullptr);

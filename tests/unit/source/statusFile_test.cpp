@@ -26,7 +26,7 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(StatusFileCalls, OpeningEmptiesAFileThatIsThere) {
+TEST_F(StatusFileCalls, OpeningTruncatesAnExistingFile) {
     write(folder.write("a", "something longer"), "new");
     EXPECT_EQ(content("a"), "new");
 }
@@ -35,7 +35,7 @@ TEST_F(StatusFileCalls, OpeningFailsWithoutTheDirectory) {
     EXPECT_EQ(nStatusFile::open(folder.utf8("missing") + "\\a"), nullptr);
 }
 
-TEST_F(StatusFileCalls, RemovingTellsWhetherThereWasAFile) {
+TEST_F(StatusFileCalls, RemovingReturnsWhetherThereWasAFile) {
     const std::string path = folder.write("a");
     EXPECT_TRUE(nStatusFile::remove(path));
     EXPECT_FALSE(exists(folder.path() / "a"));
@@ -58,7 +58,7 @@ TEST_F(StatusFileCalls, RenamingFailsWithoutAFile) {
     EXPECT_FALSE(nStatusFile::rename(folder.utf8("a"), folder.utf8("b")));
 }
 
-TEST_F(StatusFileCalls, TakeNamesOfAnyScript) {
+TEST_F(StatusFileCalls, AcceptNamesInAnyScript) {
     const std::filesystem::path from(u"中文 状态");
     const std::filesystem::path to(u"😀.txt");
     write(folder.utf8(from), "text");

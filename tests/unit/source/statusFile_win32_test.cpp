@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Counts the file calls that get through to the runtime, which all fail.
+/// Makes all file calls of the runtime fail and counts them.
 class StatusFileInvalidPath : public testing::Test {
 protected:
     StatusFileInvalidPath() {
@@ -19,7 +19,7 @@ protected:
     int calls = 0;
 };
 
-TEST_F(StatusFileInvalidPath, MakesNoCallForTextThatIsNoUtf8) {
+TEST_F(StatusFileInvalidPath, MakesNoCallForTextThatIsNotUtf8) {
     EXPECT_EQ(nStatusFile::open("C:\\\xC0\x80"), nullptr);
     EXPECT_FALSE(nStatusFile::remove("C:\\\xFF"));
     EXPECT_FALSE(nStatusFile::rename("C:\\\xE4\xB8", "C:\\b"));
@@ -39,14 +39,14 @@ TEST_F(StatusFileInvalidPath, MakesNoCallWhenTheSecondConversionFails) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(StatusFileInvalidPath, IsTheOnlyReasonForNotCalling) {
+TEST_F(StatusFileInvalidPath, DoesNotPreventCallsForAValidPath) {
     EXPECT_EQ(nStatusFile::open("C:\\missing\\a"), nullptr);
     EXPECT_FALSE(nStatusFile::remove("C:\\missing\\a"));
     EXPECT_FALSE(nStatusFile::rename("C:\\missing\\a", "C:\\missing\\b"));
     EXPECT_EQ(calls, 3);
 }
 
-TEST(StatusFilePath, IsConvertedWholeFromUtf8AndRefusedWhenInvalid) {
+TEST(StatusFilePath, IsConvertedCompletelyFromUtf8AndRejectedIfInvalid) {
     std::string calls;
     const std::string path = "C:\\missing\\\xE4\xB8\xAD";
     imports::MultiByteToWideChar.replace([&](UINT page, DWORD flags, LPCCH text, int size, LPWSTR wide, int room) {

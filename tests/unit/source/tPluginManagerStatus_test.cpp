@@ -12,7 +12,7 @@
 
 namespace {
 
-/// A library at every path, with an entry for every name: each takes as long as the test says and succeeds.
+/// Every path leads to a library, with an entry for every name: each takes as long as the test specifies and succeeds.
 class AnyLibrary : public support::tLoader {
 public:
     explicit AnyLibrary(support::tFakeClock& timeOfTheTest) : clock(timeOfTheTest) { current_ = this; }
@@ -150,7 +150,7 @@ TEST_F(tPluginManagerStatus, ShowsTheCodeOfAFailureThatTookNoTime) {
 }
 
 TEST_F(tPluginManagerStatus, LabelsTheCallsOfEntriesWithoutANameByTheirKind) {
-    // What does nothing takes no time, unless the clock happens to tick just then.
+    // A built-in entry takes no time, unless the clock happens to tick during the call.
     clock_.msPerReading = 1;
     manager_.startAll({named("Alpha")}, 1);
     manager_.stopAll();
@@ -181,7 +181,7 @@ TEST_F(tPluginManagerStatus, PrintsTheMaskUnsigned) {
     EXPECT_EQ(textAfterStart(description), "Alpha (depends on )\nLoaded From: \nRequires: 4294967295\n\n");
 }
 
-TEST_F(tPluginManagerStatus, PrintsTheLowHalfOfATimeWhichStillCountsAsNotZero) {
+TEST_F(tPluginManagerStatus, PrintsTheLow32BitsOfATimeButTestsAll64ForZero) {
     library_.initMs = 0x1'0000'0000;
     EXPECT_NE(textAfterStart(alpha()).find("AlphaInit Time: 0 ms\nAlphaInit Code: 0\n"), std::string::npos);
 }
@@ -196,7 +196,7 @@ TEST_F(tPluginManagerStatus, PrintsTheSmallestCodeSigned) {
     EXPECT_NE(textAfterStart(alpha()).find("AlphaInit Code: -2147483648\n"), std::string::npos);
 }
 
-TEST_F(tPluginManagerStatus, GroupsNoDigitsWhateverTheGlobalLocaleSays) {
+TEST_F(tPluginManagerStatus, DoesNotGroupDigitsInAnyGlobalLocale) {
     class Grouping : public std::numpunct<char> {
         [[nodiscard]] char do_thousands_sep() const override { return '.'; }
         [[nodiscard]] std::string do_grouping() const override { return "\3"; }
@@ -208,14 +208,14 @@ TEST_F(tPluginManagerStatus, GroupsNoDigitsWhateverTheGlobalLocaleSays) {
     EXPECT_NE(text.find("AlphaInit Time: 1234567 ms\n"), std::string::npos) << text;
 }
 
-TEST_F(tPluginManagerStatus, PassesTextsOnAsTheyAre) {
+TEST_F(tPluginManagerStatus, CopiesTextsUnchanged) {
     tPluginDescription description = named("%s \"Bl\xC3\xBCte\"");
     description.path = "\xE6\x8F\x92\xE4\xBB\xB6/a b.dll";
     EXPECT_EQ(textAfterStart(description),
               "%s \"Bl\xC3\xBCte\" (depends on )\nLoaded From: \xE6\x8F\x92\xE4\xBB\xB6/a b.dll\nRequires: 1\n\n");
 }
 
-TEST_F(tPluginManagerStatus, IsWholeOrNotAtAllWhereverMemoryRunsOut) {
+TEST_F(tPluginManagerStatus, IsCompleteOrThrowsWhereverMemoryRunsOut) {
     const std::string whole = textAfterStart(alpha());
     bool failed = true;
     for (int nth = 1; failed; ++nth) {
@@ -224,7 +224,7 @@ TEST_F(tPluginManagerStatus, IsWholeOrNotAtAllWhereverMemoryRunsOut) {
         try {
             text = manager_.statusText();
         } catch (const std::bad_alloc&) {
-            // No text, then.
+            // There is no text then.
         }
         failed = allocations::stopFailingNew();
         EXPECT_EQ(text, failed ? "not at all" : whole) << nth;

@@ -26,7 +26,7 @@ TEST_F(tPluginManagerStop, StopsAndCleansUpTheLastStartedFirst) {
     EXPECT_THAT(cleanupCodes(), ElementsAre(0, 0, 0));
 }
 
-TEST_F(tPluginManagerStop, AnExceptionFromStopBecomesItsStopCodeAndGoesNoFurther) {
+TEST_F(tPluginManagerStop, AnExceptionFromStopBecomesItsStopCodeAndIsNotPassedOn) {
     plugins_.plugin("A").stop = [] { throw std::runtime_error("A"); };
     plugins_.plugin("B").stop = [] { throw std::bad_alloc(); };
     plugins_.plugin("C").stop = [] { zuerr::Raise({zuerr::osFault, {"file", 1}}); };
@@ -49,7 +49,7 @@ TEST_F(tPluginManagerStop, AnExceptionFromCleanupBecomesItsCodeAndSkipsThatUnloa
     EXPECT_EQ(manager_.entries()[0].library.loaded, 1);
 }
 
-TEST_F(tPluginManagerStop, AnUnloadThatFailsInCleanUpShowsAsThatEntrysCode) {
+TEST_F(tPluginManagerStop, AnUnloadThatFailsDuringCleanUpBecomesTheCleanUpCode) {
     plugins_.plugin("B").refusedUnloads = 1;
     start({describe("A"), describe("B"), describe("C")});
     stopAndCleanUp();

@@ -34,7 +34,7 @@ protected:
     tPluginManager manager;
 };
 
-TEST_F(tPluginManagerFaulting, ThatFailWhileTheyAreLoadedAreLibrariesThatCannotBeLoaded) {
+TEST_F(tPluginManagerFaulting, AFaultDuringLoadingIsAFailedLoad) {
     for (const char* const fault :
          {"fault while loading", "throw while loading", "throw something while loading", "fault while loading"}) {
         manager = {};
@@ -44,14 +44,14 @@ TEST_F(tPluginManagerFaulting, ThatFailWhileTheyAreLoadedAreLibrariesThatCannotB
     }
 }
 
-TEST_F(tPluginManagerFaulting, ThatFailWhileTheyAreUnloadedAreUnloaded) {
+TEST_F(tPluginManagerFaulting, AFaultDuringUnloadingIsIgnored) {
     const tPluginEntry& entry = live("fault while unloading");
     EXPECT_EQ(entry.initCode, 0);
     EXPECT_EQ(entry.cleanupCode, 0);
     EXPECT_EQ(entry.library.loaded, 0);
 }
 
-TEST_F(tPluginManagerFaulting, MayBeLoadedOnceTheyFailNoMore) {
+TEST_F(tPluginManagerFaulting, ALibraryCanBeLoadedOnceItNoLongerFaults) {
     live("throw while loading");
     manager = {};
     EXPECT_EQ(live("").initCode, 0);

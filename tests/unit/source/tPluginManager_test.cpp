@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 class tPluginManagerTest : public support::tManagerTest {};
 
-// The way of one plug-in.
+// One plug-in.
 
 TEST_F(tPluginManagerTest, AnEmptyListYieldsNoEntriesAndStopAndCleanUpDoNothing) {
     start({});
@@ -32,7 +32,7 @@ TEST_F(tPluginManagerTest, APluginIsLoadedItsEntriesAreFoundAndInitializeIsCalle
     EXPECT_THAT(initCodes(), ElementsAre(0));
 }
 
-TEST_F(tPluginManagerTest, AnEntryKeepsAFullCopyOfItsDescription) {
+TEST_F(tPluginManagerTest, AnEntryContainsAFullCopyOfItsDescription) {
     tPluginDescription description = describe("A", {"nobody"});
     description.name = "name";
     description.requiresMask = 6;
@@ -47,7 +47,7 @@ TEST_F(tPluginManagerTest, AnEntryKeepsAFullCopyOfItsDescription) {
     EXPECT_EQ(kept.cleanup, "Cleanup");
 }
 
-TEST_F(tPluginManagerTest, APositiveInitializeResultCountsAsStartedAndIsKept) {
+TEST_F(tPluginManagerTest, APositiveInitializeResultCountsAsStartedAndIsStored) {
     plugins_.plugin("A").initialize = [] { return 3; };
     start({describe("A"), describe("B", {"A"})});
     EXPECT_THAT(initCodes(), ElementsAre(3, 0));
@@ -99,7 +99,7 @@ TEST_F(tPluginManagerTest, APluginAfterItsDependenciesStarts) {
     EXPECT_THAT(initCodes(), ElementsAre(0, 0, 0));
 }
 
-TEST_F(tPluginManagerTest, OneFailingPluginFailsItsDependantsAndNobodyElse) {
+TEST_F(tPluginManagerTest, AFailingPluginFailsOnlyItsDependants) {
     plugins_.plugin("A").initialize = [] { return -7; };
     start({describe("A"), describe("B", {"A"}), describe("C")});
     EXPECT_THAT(initCodes(), ElementsAre(-7, -52006, 0));
@@ -108,18 +108,18 @@ TEST_F(tPluginManagerTest, OneFailingPluginFailsItsDependantsAndNobodyElse) {
     EXPECT_THAT(plugins_.callsOf("unload"), ElementsAre("A"));
 }
 
-TEST_F(tPluginManagerTest, AFailureGoesDownTheWholeChain) {
+TEST_F(tPluginManagerTest, AFailureAffectsTheWholeChainOfDependants) {
     plugins_.plugin("A").loads = false;
     start({describe("A"), describe("B", {"A"}), describe("C", {"B"}), describe("D", {"C"})});
     EXPECT_THAT(initCodes(), ElementsAre(-52005, -52006, -52006, -52006));
 }
 
-TEST_F(tPluginManagerTest, APluginListedBeforeItsDependencyFailsThoughThatStartsLater) {
+TEST_F(tPluginManagerTest, APluginListedBeforeItsDependencyFailsEvenIfTheDependencyStartsLater) {
     start({describe("A", {"B"}), describe("B")});
     EXPECT_THAT(initCodes(), ElementsAre(-52006, 0));
 }
 
-TEST_F(tPluginManagerTest, ADependencyThatNoDescriptionNamesIsMissing) {
+TEST_F(tPluginManagerTest, ADependencyWithoutADescriptionIsMissing) {
     start({describe("A"), describe("B", {"A", "nobody"})});
     EXPECT_THAT(initCodes(), ElementsAre(0, -52006));
     EXPECT_THAT(reports_.texts,
@@ -133,7 +133,7 @@ TEST_F(tPluginManagerTest, ADependencyStartedByAnEarlierCallDoesNotCount) {
     EXPECT_THAT(initCodes(), ElementsAre(0, -52006));
 }
 
-TEST_F(tPluginManagerTest, TwoPluginsOfOneNameStandForOneMentionOnly) {
+TEST_F(tPluginManagerTest, TwoPluginsOfOneNameSatisfyOnlyOneMentionOfIt) {
     start({describe("A"), describe("A"), describe("B", {"A"}), describe("C", {"A", "A"})});
     EXPECT_THAT(initCodes(), ElementsAre(0, 0, 0, -52006));
 }
@@ -145,7 +145,7 @@ TEST_F(tPluginManagerTest, APluginThatDependsOnItselfNeverStarts) {
 
 // Many.
 
-TEST_F(tPluginManagerTest, TenThousandPluginsStartInTheirOrderEachAfterTheOneBefore) {
+TEST_F(tPluginManagerTest, TenThousandPluginsStartInOrderEachAfterThePrecedingOne) {
     constexpr int many = 10'000;
     std::vector<tPluginDescription> descriptions;
     for (int i = 0; i < many; ++i) {

@@ -15,8 +15,8 @@ namespace {
 using nZusysapi::Result;
 using support::tScriptedFramework;
 
-struct ServiceDeployment : testing::Test {
-    ServiceDeployment() {
+struct tServiceDeployment : testing::Test {
+    tServiceDeployment() {
         world.deployment.entry = tScriptedFramework::instantiate;
         startService();
     }
@@ -25,7 +25,7 @@ struct ServiceDeployment : testing::Test {
     support::tServiceWorld world;
 };
 
-TEST_F(ServiceDeployment, OfZeroClearsItsBitAndNoOther) {
+TEST_F(tServiceDeployment, ASettingOfZeroClearsOnlyTheDeploymentBit) {
     framework.setting = 0;
     for (const auto& [before, after] : {std::pair(0xFFFFFFFFU, 0xFFFFFFFDU), {6U, 4U}, {2U, 0U}, {5U, 5U}, {0U, 0U}}) {
         gService->allowedMask = before;
@@ -35,7 +35,7 @@ TEST_F(ServiceDeployment, OfZeroClearsItsBitAndNoOther) {
     EXPECT_EQ(gService->messages, "");
 }
 
-TEST_F(ServiceDeployment, OfAnythingElseLeavesTheMaskAsItIs) {
+TEST_F(tServiceDeployment, AnyOtherSettingLeavesTheMaskUnchanged) {
     for (const std::uint32_t mask : {0xFFFFFFFFU, 2U, 5U}) {
         framework.setting = 7;
         gService->allowedMask = mask;
@@ -45,7 +45,7 @@ TEST_F(ServiceDeployment, OfAnythingElseLeavesTheMaskAsItIs) {
     EXPECT_EQ(gService->messages, "");
 }
 
-TEST_F(ServiceDeployment, ThatCannotBeReachedIsALineBehindTheOthersAndLeavesTheMask) {
+TEST_F(tServiceDeployment, AnUnreachableFrameworkAppendsAMessageAndLeavesTheMaskUnchanged) {
     framework.outcome = [](int, int step) { return step == 3 ? 1 : 0; };
     gService->messages = "earlier\n";
     ApplyDeploymentSetting(*gService);
@@ -53,7 +53,7 @@ TEST_F(ServiceDeployment, ThatCannotBeReachedIsALineBehindTheOthersAndLeavesTheM
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
 }
 
-TEST_F(ServiceDeployment, ThatCannotBeReadIsALineAndLeavesTheMask) {
+TEST_F(tServiceDeployment, AnUnreadableSettingAppendsAMessageAndLeavesTheMaskUnchanged) {
     framework.setting = 0;
     framework.outcome = [](int, int step) { return step == 6 ? 1 : 0; };
     ApplyDeploymentSetting(*gService);
@@ -61,27 +61,27 @@ TEST_F(ServiceDeployment, ThatCannotBeReadIsALineAndLeavesTheMask) {
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
 }
 
-TEST_F(ServiceDeployment, TakesTheTextOfAnyOtherStandardException) {
+TEST_F(tServiceDeployment, AppendsTheTextOfAnyOtherStandardException) {
     framework.outcome = [](int, int) -> Result { throw std::logic_error("broken framework"); };
     ApplyDeploymentSetting(*gService);
     EXPECT_EQ(gService->messages, "broken framework\n");
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
 }
 
-TEST_F(ServiceDeployment, LetsExceptionsThatAreNoStandardOnesPassWithNothingHeld) {
+TEST_F(tServiceDeployment, PassesOnNonStandardExceptionsWithEveryReferenceReleased) {
     framework.outcome = [](int, int step) -> Result { return step == 6 ? throw 42 : 0; };
     EXPECT_THROW(ApplyDeploymentSetting(*gService), int);
     EXPECT_EQ(gService->messages, "");
     EXPECT_EQ(framework.held(), 0U);
 }
 
-/// A framework library with a C++ runtime of its own that throws instead of answering. See plugins/throwing.
-class ServiceDeploymentThrowing : public testing::Test {
+/// A framework library with its own C++ runtime that throws instead of returning. See plugins/throwing.
+class tServiceDeploymentThrowing : public testing::Test {
 protected:
-    ServiceDeploymentThrowing() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {
+    tServiceDeploymentThrowing() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {
         startService();
     }
-    ~ServiceDeploymentThrowing() override { nLibrary::unload(library_, osError_); }
+    ~tServiceDeploymentThrowing() override { nLibrary::unload(library_, osError_); }
 
     void expectMessage(const char* entry, const std::string& message) {
         void* const address = nLibrary::symbol(library_, entry, osError_);
@@ -100,16 +100,16 @@ private:
     nLibrary::tHandle library_;
 };
 
-TEST_F(ServiceDeploymentThrowing, IsALineWithTheTextOfWhatItThrows) {
+TEST_F(tServiceDeploymentThrowing, AppendsTheTextOfItsException) {
     expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
     expectMessage("ThrowOddText", "%s%n\xFF\x01\"\n\n");
     expectMessage("ThrowEmptyText", "\n");
     expectMessage("ThrowLongText", std::string(1'000'000, 'x') + "\n");
 }
 
-TEST_F(ServiceDeploymentThrowing, IsAnEmptyLineWhenWhatItThrowsHasNoTextAtAll) { expectMessage("ThrowNoText", "\n"); }
+TEST_F(tServiceDeploymentThrowing, AppendsAnEmptyLineIfItsExceptionHasNoText) { expectMessage("ThrowNoText", "\n"); }
 
-TEST_F(ServiceDeploymentThrowing, DoesNotBlurWhetherAnExceptionIsPropagating) {
+TEST_F(tServiceDeploymentThrowing, LeavesPropagationDetectedCorrectly) {
     for (int i = 0; i < 3; ++i) expectMessage("ThrowRuntimeError", "an exception of the standard library\n");
     support::expectPropagationToBeTold();
 }

@@ -22,7 +22,7 @@ using testing::IsEmpty;
 
 constexpr const char* noFramework = "Cannot init system framework\n";
 
-/// A paragraph of the status file on a plug-in of callingPlugin.
+/// The status file's paragraph about a plug-in of callingPlugin.
 std::string paragraph(const std::string& name, const std::string& dependencies, const std::string& calls) {
     return name + " (depends on " + dependencies + ")\nLoaded From: " + support::pluginPath("calling") +
            "\nRequires: 1\n" + calls + "\n";
@@ -32,16 +32,16 @@ constexpr const char* begun = "Begin Time: T ms\nBegin Code: 3\n";
 constexpr const char* ended =
     "Begin Time: T ms\nBegin Code: 3\nHalt Time: T ms\nHalt Code: -52003\nEnd Time: T ms\nEnd Code: -52003\n";
 
-/// So that what is being timed takes a tick at least.
+/// Makes the timed step take at least one tick.
 void waitForNextTick() {
     const std::uint64_t now = nTime::NowTicks();
     while (nTime::NowTicks() == now) {
     }
 }
 
-class ServiceRun : public testing::Test {
+class tServiceRun : public testing::Test {
 protected:
-    ServiceRun() { startService(); }
+    tServiceRun() { startService(); }
 
     /// Runs with the stop event set beforehand, so that stop and clean-up follow the start at once.
     static void runWithoutWaiting() {
@@ -49,7 +49,7 @@ protected:
         runService();
     }
 
-    /// The names of the manager's entries in their order.
+    /// Returns the names of the manager's entries in order.
     static std::vector<std::string> names() {
         std::vector<std::string> names;
         for (const tPluginEntry& entry : gService->pluginManager.entries()) names.push_back(entry.description.name);
@@ -67,25 +67,25 @@ protected:
 
 // The listing.
 
-TEST_F(ServiceRun, GivesUpAtOnceWithAMessageWhenThereIsNoPluginDirectory) {
+TEST_F(tServiceRun, ReturnsAtOnceWithAMessageIfThereIsNoPluginDirectory) {
     std::filesystem::remove_all(world.plugins);
     world.removeStatus();
-    runService();  // would wait for ever otherwise
+    runService();  // would wait forever otherwise
     EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n");
     EXPECT_EQ(world.status(), "no status file");
     EXPECT_EQ(gService->initTimeMs, 0U);
-    EXPECT_THAT(world.deployment.pauses, IsEmpty()) << "the deployment setting was asked for";
+    EXPECT_THAT(world.deployment.pauses, IsEmpty()) << "the deployment setting was queried";
     stopService();
     EXPECT_EQ(world.status(), "Allowed: 0xffffffff\n\nFailed to open plugins directory.\n");
 }
 
-TEST_F(ServiceRun, GivesUpAtOnceWithAMessageWhenTheSharedDirectoryIsNotKnown) {
+TEST_F(tServiceRun, ReturnsAtOnceWithAMessageIfTheSharedDirectoryIsUnknown) {
     world.places.sharedDirectory.reset();
     runService();
     EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n");
 }
 
-TEST_F(ServiceRun, ALackOfMemoryDuringTheListingEndsTheRunWithoutAMessage) {
+TEST_F(tServiceRun, RunningOutOfMemoryDuringTheListingEndsTheRunWithoutAMessage) {
     world.removeStatus();
     allocations::startFailingNew(1, allocations::tHowLong::once);
     runService();
@@ -95,14 +95,14 @@ TEST_F(ServiceRun, ALackOfMemoryDuringTheListingEndsTheRunWithoutAMessage) {
     EXPECT_EQ(world.status(), "no status file");
 }
 
-TEST_F(ServiceRun, RunsWithoutPlugins) {
+TEST_F(tServiceRun, RunsWithoutPlugins) {
     runWithoutWaiting();
     EXPECT_THAT(names(), IsEmpty());
     EXPECT_THAT(world.status(), testing::StartsWith("Allowed: 0xffffffff\n"));
     EXPECT_EQ(gService->messages, noFramework);
 }
 
-TEST_F(ServiceRun, WaitsForTheStopEventWithoutPlugins) {
+TEST_F(tServiceRun, WaitsForTheStopEventWithoutPlugins) {
     const std::future<void> run = std::async(std::launch::async, runService);
     EXPECT_EQ(run.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
     signalServiceStop();
@@ -111,7 +111,7 @@ TEST_F(ServiceRun, WaitsForTheStopEventWithoutPlugins) {
 
 // Reading.
 
-TEST_F(ServiceRun, SkipsABadFileWithAMessageThatNamesItAndReadsAllOthers) {
+TEST_F(tServiceRun, SkipsABadFileWithAMessageThatNamesItAndReadsAllOthers) {
     world.describe("a.ini", world.calling("A"));
     const std::string bad = world.describe("b.ini", "[Service]\nthis line has no equals sign\n");
     world.describe("c.ini", world.calling("C"));
@@ -120,7 +120,7 @@ TEST_F(ServiceRun, SkipsABadFileWithAMessageThatNamesItAndReadsAllOthers) {
     EXPECT_EQ(gService->messages, "Failed to parse service description file: " + bad + "\n" + noFramework);
 }
 
-TEST_F(ServiceRun, NamesEveryBadFileInItsOwnLine) {
+TEST_F(tServiceRun, NamesEveryBadFileInItsOwnLine) {
     const std::string first = world.describe("a.ini", "[Service]\nbad\n");
     const std::string second = world.describe("b.ini", "[Service]\nbad\n");
     runWithoutWaiting();
@@ -130,13 +130,13 @@ TEST_F(ServiceRun, NamesEveryBadFileInItsOwnLine) {
     EXPECT_EQ(std::count(gService->messages.begin(), gService->messages.end(), '\n'), 3);
 }
 
-TEST_F(ServiceRun, PassesAnEmptyFileOnAsAPluginWithoutAName) {
+TEST_F(tServiceRun, TreatsAnEmptyFileAsAPluginWithoutAName) {
     world.describe("a.ini", "");
     runWithoutWaiting();
     EXPECT_THAT(names(), ElementsAre(""));
 }
 
-TEST_F(ServiceRun, MakesTwoRecordsOfTwoFilesThatNameTheSamePlugin) {
+TEST_F(tServiceRun, KeepsBothOfTwoFilesThatNameTheSamePlugin) {
     world.describe("1.ini", world.calling("Twice"));
     world.describe("2.ini", world.calling("Between"));
     world.describe("3.ini", world.calling("Twice"));
@@ -144,7 +144,7 @@ TEST_F(ServiceRun, MakesTwoRecordsOfTwoFilesThatNameTheSamePlugin) {
     EXPECT_THAT(names(), ElementsAre("Between", "Twice", "Twice"));
 }
 
-/// In how many places reading the file fails for lack of memory.
+/// Returns how many of its allocations make reading the file fail if they fail.
 int placesToFailIn(const std::string& file) {
     int places = 0;
     bool failed = true;
@@ -162,7 +162,7 @@ int placesToFailIn(const std::string& file) {
     return places;
 }
 
-TEST_F(ServiceRun, ALackOfMemoryWhileReadingAFileCostsThatFileAlone) {
+TEST_F(tServiceRun, RunningOutOfMemoryWhileReadingAFileSkipsOnlyThatFile) {
     const std::string file = world.describe("a.ini", world.calling("A"));
     const std::string messages = "Failed to parse service description file: " + file + "\n" + noFramework;
     bool failed = true;
@@ -183,7 +183,7 @@ TEST_F(ServiceRun, ALackOfMemoryWhileReadingAFileCostsThatFileAlone) {
 
 // The order.
 
-TEST_F(ServiceRun, StartsADependencyBeforeItsDependantWhateverTheirNames) {
+TEST_F(tServiceRun, StartsADependencyBeforeItsDependantWhateverTheirNames) {
     world.describe("a.ini", world.calling("A", "Dependencies=B\n"));
     world.describe("b.ini", world.calling("B"));
     runWithoutWaiting();
@@ -191,7 +191,7 @@ TEST_F(ServiceRun, StartsADependencyBeforeItsDependantWhateverTheirNames) {
     EXPECT_THAT(initCodes(), ElementsAre(3, 3));
 }
 
-TEST_F(ServiceRun, StartsPluginsThatDoNotNameEachOtherByTheBytesOfTheirNames) {
+TEST_F(tServiceRun, StartsIndependentPluginsInByteOrderOfTheirNames) {
     int files = 0;
     for (const char* name : {"b", "B", "a", "\xC3\xA4", "C"}) {
         world.describe(std::to_string(++files) + ".ini", world.calling(name));
@@ -204,7 +204,7 @@ TEST_F(ServiceRun, StartsPluginsThatDoNotNameEachOtherByTheBytesOfTheirNames) {
 
 std::string needsDeployment() { return support::tServiceWorld::calling("Deployment", "Requires=2\n"); }
 
-TEST_F(ServiceRun, ClearsTheDeploymentBitBeforeThePluginsStartWhenDeploymentIsNotAllowed) {
+TEST_F(tServiceRun, ClearsTheDeploymentBitBeforeThePluginsStartWhenDeploymentIsNotAllowed) {
     support::tScriptedFramework framework;
     framework.setting = 0;
     world.deployment.entry = support::tScriptedFramework::instantiate;
@@ -216,7 +216,7 @@ TEST_F(ServiceRun, ClearsTheDeploymentBitBeforeThePluginsStartWhenDeploymentIsNo
     EXPECT_THAT(world.status(), testing::StartsWith("Allowed: 0xfffffffd\n"));
 }
 
-TEST_F(ServiceRun, LeavesTheMaskAsItIsWhenDeploymentIsAllowed) {
+TEST_F(tServiceRun, LeavesTheMaskUnchangedIfDeploymentIsAllowed) {
     support::tScriptedFramework framework;
     framework.setting = 7;
     world.deployment.entry = support::tScriptedFramework::instantiate;
@@ -227,7 +227,7 @@ TEST_F(ServiceRun, LeavesTheMaskAsItIsWhenDeploymentIsAllowed) {
     EXPECT_EQ(gService->messages, "");
 }
 
-TEST_F(ServiceRun, LeavesDeploymentAllowedAndSaysWhyOnceWhenTheSettingCannotBeAskedFor) {
+TEST_F(tServiceRun, LeavesDeploymentAllowedWithOneMessageIfTheFrameworkIsUnavailable) {
     world.describe("deployment.ini", needsDeployment());
     runWithoutWaiting();
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
@@ -235,7 +235,7 @@ TEST_F(ServiceRun, LeavesDeploymentAllowedAndSaysWhyOnceWhenTheSettingCannotBeAs
     EXPECT_EQ(gService->messages, "Cannot init system framework\n");
 }
 
-TEST_F(ServiceRun, LeavesDeploymentAllowedAndSaysWhyOnceWhenTheSettingCannotBeRead) {
+TEST_F(tServiceRun, LeavesDeploymentAllowedWithOneMessageIfTheSettingCannotBeRead) {
     support::tScriptedFramework framework;
     framework.outcome = [](int, int step) { return step == 6 ? 1 : 0; };
     world.deployment.entry = support::tScriptedFramework::instantiate;
@@ -244,9 +244,9 @@ TEST_F(ServiceRun, LeavesDeploymentAllowedAndSaysWhyOnceWhenTheSettingCannotBeRe
     EXPECT_EQ(gService->messages, "Deployment setting not found\n");
 }
 
-// The status file at each of its writings, and the order of what lies between.
+// The status file after each write, and the order of the steps in between.
 
-TEST_F(ServiceRun, WritesTheStatusFileBeforeThePluginsStartAfterTheyStartedAndAfterTheyAreCleanedUp) {
+TEST_F(tServiceRun, WritesTheStatusFileBeforeThePluginsStartAfterTheyStartedAndAfterTheyAreCleanedUp) {
     std::vector<std::string> seen;
     const support::tCallingPlugin plugin(
         [&](const std::string& entry) { seen.push_back(entry + "\n" + world.status()); });
@@ -264,14 +264,14 @@ TEST_F(ServiceRun, WritesTheStatusFileBeforeThePluginsStartAfterTheyStartedAndAf
     const std::string head = "Allowed: 0xffffffff\nInit Time T ms\n\nFailed to parse service description file: " + bad +
                              "\nCannot init system framework\n";
     const std::string started = head + paragraph("B", "", begun) + paragraph("A", "B", begun);
-    EXPECT_THAT(seen, ElementsAre("query\n" + fresh,                       // as the construction left it
+    EXPECT_THAT(seen, ElementsAre("query\n" + fresh,                       // as written by the constructor
                                   "Begin\n" + head, "Begin\n" + head,      // before the first plug-in
                                   "Halt\n" + started, "Halt\n" + started,  // after all have started
                                   "End\n" + started, "End\n" + started));  // and not again until
     EXPECT_EQ(world.status(), head + paragraph("B", "", ended) + paragraph("A", "B", ended));  // all is done
 }
 
-TEST_F(ServiceRun, StopsNothingBeforeTheStopEventIsSetAndThenEverything) {
+TEST_F(tServiceRun, StopsNothingBeforeTheStopEventIsSetAndThenEverything) {
     std::vector<std::string> entries;
     std::promise<void> bothBegun;
     const support::tCallingPlugin plugin([&](const std::string& entry) {
@@ -288,7 +288,7 @@ TEST_F(ServiceRun, StopsNothingBeforeTheStopEventIsSetAndThenEverything) {
     EXPECT_THAT(entries, ElementsAre("Begin", "Begin", "Halt", "Halt", "End", "End"));
 }
 
-TEST_F(ServiceRun, StopsRightAfterTheStartWhenTheStopEventIsSetDuringTheStart) {
+TEST_F(tServiceRun, StopsRightAfterTheStartWhenTheStopEventIsSetDuringTheStart) {
     std::vector<std::string> entries;
     const support::tCallingPlugin plugin([&](const std::string& entry) {
         entries.push_back(entry);
@@ -301,7 +301,7 @@ TEST_F(ServiceRun, StopsRightAfterTheStartWhenTheStopEventIsSetDuringTheStart) {
     EXPECT_THAT(entries, ElementsAre("Begin", "Begin", "Halt", "Halt", "End", "End"));
 }
 
-TEST_F(ServiceRun, LeavesThePluginsEntriesInPlaceUntilTheServiceIsDestroyed) {
+TEST_F(tServiceRun, LeavesThePluginsEntriesInPlaceUntilTheServiceIsDestroyed) {
     world.describe("a.ini", world.calling("A"));
     runWithoutWaiting();
     const std::string atTheEnd = world.status();

@@ -1,4 +1,4 @@
-// The run with scripted system calls: the clock, the loader that refuses to unload, the writings of the status file.
+// The run with scripted system calls: the clock, a loader that refuses to unload, the writes of the status file.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,12 +17,12 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class ServiceRunCalls : public testing::Test {
+class tServiceRunCalls : public testing::Test {
 protected:
     support::tServiceWorld world;
 };
 
-/// A clock that a test winds by hand, with ticks of one millisecond.
+/// A clock that the test advances, with ticks of one millisecond.
 class tHandWoundClock {
 public:
     tHandWoundClock() {
@@ -41,7 +41,7 @@ public:
     ULONGLONG nowMs = 1'000'000;
 };
 
-TEST_F(ServiceRunCalls, TheTimeOfThePreparationCoversListingAndQueryButNoPlugin) {
+TEST_F(tServiceRunCalls, TheInitTimeCoversListingAndQueryButNoPlugin) {
     startService();
     tHandWoundClock clock;
     imports::RegOpenKeyExW.replace([&clock](HKEY, LPCWSTR, DWORD, REGSAM, HKEY* key) {
@@ -64,7 +64,7 @@ TEST_F(ServiceRunCalls, TheTimeOfThePreparationCoversListingAndQueryButNoPlugin)
     EXPECT_EQ(gService->pluginManager.entries().at(0).initTimeMs, 10'000U);
 }
 
-TEST_F(ServiceRunCalls, APluginThatCannotBeUnloadedEndsTheRunWhereItStands) {
+TEST_F(tServiceRunCalls, APluginThatCannotBeUnloadedEndsTheRunAtOnce) {
     startService();
     std::vector<std::string> entries;
     const support::tCallingPlugin plugin([&entries](const std::string& entry) { entries.push_back(entry); });
@@ -77,16 +77,16 @@ TEST_F(ServiceRunCalls, APluginThatCannotBeUnloadedEndsTheRunWhereItStands) {
         kept = library;
         return FALSE;
     });
-    runService();  // no stop is requested: it would wait for ever
+    runService();  // no stop is requested: it would wait forever
     EXPECT_THAT(entries, ElementsAre("Begin"));
     EXPECT_EQ(gService->pluginManager.entries().size(), 1U);
-    EXPECT_EQ(world.status().find("A (depends on"), std::string::npos) << "the run wrote once more";
+    EXPECT_EQ(world.status().find("A (depends on"), std::string::npos) << "the run wrote the status again";
     stopService();
     EXPECT_THAT(world.status(), HasSubstr("A (depends on"));
-    imports::FreeLibrary.real(kept);  // other tests want to see it loaded afresh
+    imports::FreeLibrary.real(kept);  // other tests must be able to load it anew
 }
 
-TEST_F(ServiceRunCalls, TheStatusFileIsWrittenAtFiveMomentsOfALife) {
+TEST_F(tServiceRunCalls, TheStatusFileIsWrittenFiveTimesFromStartToStop) {
     std::vector<std::string> moments;
     imports::_wrename.replace([&moments](const wchar_t* from, const wchar_t* to) {
         moments.emplace_back("write");
@@ -106,16 +106,16 @@ TEST_F(ServiceRunCalls, TheStatusFileIsWrittenAtFiveMomentsOfALife) {
     EXPECT_THAT(moments, ElementsAre("write", "write", "Begin", "write", "wait", "Halt", "End", "write", "write"));
 }
 
-TEST_F(ServiceRunCalls, WritesNoStatusFileWhenItGivesUp) {
+TEST_F(tServiceRunCalls, WritesNoStatusFileIfTheSharedDirectoryIsUnknown) {
     startService();
     world.places.sharedDirectory.reset();
-    int writings = 0;
-    imports::_wrename.replace([&writings](auto...) {
-        ++writings;
+    int writes = 0;
+    imports::_wrename.replace([&writes](auto...) {
+        ++writes;
         return 0;
     });
     runService();
-    EXPECT_EQ(writings, 0);
+    EXPECT_EQ(writes, 0);
 }
 
 }  // namespace

@@ -12,10 +12,10 @@ namespace {
 
 std::ptrdiff_t openFiles() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); }
 
-/// The device that is always full stands in for the temporary file.
-class ServiceStatusFullDisk : public testing::Test {
+/// The device that is always full replaces the temporary file.
+class tServiceStatusFullDisk : public testing::Test {
 protected:
-    ServiceStatusFullDisk() {
+    tServiceStatusFullDisk() {
         folder.write("s", "old");
         std::filesystem::create_symlink("/dev/full", folder.path() / ".s.tmp");
     }
@@ -31,14 +31,14 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(ServiceStatusFullDisk, IsFoundWhileALongTextIsWrittenAndLeavesTheOldFile) {
+TEST_F(tServiceStatusFullDisk, IsDetectedWhileALongTextIsWrittenAndKeepsTheOldFile) {
     const std::ptrdiff_t before = openFiles();
     EXPECT_EQ(failureOf(1'000'000), support::writeFailed);
     EXPECT_EQ(openFiles(), before);
     EXPECT_EQ(status(), "old");
 }
 
-TEST_F(ServiceStatusFullDisk, IsFoundAtTheCloseOfAShortTextAndLeavesTheOldFile) {
+TEST_F(tServiceStatusFullDisk, IsDetectedWhenAShortTextIsClosedAndKeepsTheOldFile) {
     const std::ptrdiff_t before = openFiles();
     EXPECT_EQ(failureOf(10), support::writeFailed);
     EXPECT_EQ(openFiles(), before);

@@ -24,11 +24,11 @@ constexpr const char* fileName = "zuZiptraRemoteService.status";
 constexpr const char* temporaryName = ".zuZiptraRemoteService.status.tmp";
 
 std::string content(const std::filesystem::path& path) {
-    std::ifstream file(path);  // as text: line ends are plain on every platform
+    std::ifstream file(path);  // in text mode, lines end with LF on every platform
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// The text with every letter turned into A or a and every digit into 9; a day of one digit gets its second.
+/// Replaces every letter by A or a and every digit by 9, and pads a day of one digit.
 std::string shape(std::string text) {
     const auto byte = [](char character) { return static_cast<unsigned char>(character); };
     for (char& character : text) {
@@ -41,11 +41,11 @@ std::string shape(std::string text) {
     return text;
 }
 
-class ServiceStatusText : public testing::Test {
+class tServiceStatusText : public testing::Test {
 protected:
-    ServiceStatusText() { startService(); }
+    tServiceStatusText() { startService(); }
 
-    /// The whole status file after one more write.
+    /// Writes the status file again and returns its content.
     [[nodiscard]] std::string written() const {
         WriteStatus(*gService);
         return content(world.statusFolder / fileName);
@@ -54,47 +54,47 @@ protected:
     support::tServiceWorld world;
 };
 
-TEST_F(ServiceStatusText, BeginsWithTheBannerAndTheTimeOfWriting) {
+TEST_F(tServiceStatusText, BeginsWithTheBannerAndTheTimeOfWriting) {
     const std::string text = written();
     const std::string banner = "ZU-Ziptra Remote Configuration and Deployment status\n";
     ASSERT_TRUE(text.starts_with(banner)) << text;
     EXPECT_EQ(shape(text.substr(banner.size())), "Aaaaaaa: Aaa Aaa 99 99:99:99 9999\nAaaaaaa: 9aaaaaaaaa\n\n");
 }
 
-TEST_F(ServiceStatusText, LeavesTheInitTimeOutWhileItIsZeroAndKeepsTheEmptyLine) {
+TEST_F(tServiceStatusText, LeavesTheInitTimeOutWhileItIsZeroAndKeepsTheEmptyLine) {
     gService->initTimeMs = 0;
     EXPECT_NE(written().find("Allowed: 0xffffffff\n\n"), std::string::npos);
     EXPECT_EQ(written().find("Init Time"), std::string::npos);
 }
 
-TEST_F(ServiceStatusText, ShowsTheInitTimeInMilliseconds) {
+TEST_F(tServiceStatusText, ShowsTheInitTimeInMilliseconds) {
     gService->initTimeMs = 1250;
     EXPECT_NE(written().find("Allowed: 0xffffffff\nInit Time 1250 ms\n\n"), std::string::npos);
 }
 
-TEST_F(ServiceStatusText, TellsAnInitTimeFromZeroByAll64BitsAndShowsTheLow32) {
+TEST_F(tServiceStatusText, TestsAll64BitsOfTheInitTimeForZeroAndShowsTheLow32) {
     gService->initTimeMs = std::uint64_t{1} << 32U;
     EXPECT_NE(written().find("\nInit Time 0 ms\n"), std::string::npos);
 }
 
-TEST_F(ServiceStatusText, ShowsAMaskOfZeroAs0x0) {
+TEST_F(tServiceStatusText, ShowsAMaskOfZeroAs0x0) {
     gService->allowedMask = 0;
     EXPECT_NE(written().find("\nAllowed: 0x0\n"), std::string::npos);
 }
 
-TEST_F(ServiceStatusText, ShowsTheMaskInLowerCaseWithoutLeadingZeros) {
+TEST_F(tServiceStatusText, ShowsTheMaskInLowerCaseWithoutLeadingZeros) {
     gService->allowedMask = 0xFFFFFFFD;
     EXPECT_NE(written().find("\nAllowed: 0xfffffffd\n"), std::string::npos);
     gService->allowedMask = 3;
     EXPECT_NE(written().find("\nAllowed: 0x3\n"), std::string::npos);
 }
 
-TEST_F(ServiceStatusText, ShowsTheTimeInDecimalBehindTheHexadecimalMask) {
+TEST_F(tServiceStatusText, ShowsTheTimeInDecimalAfterTheHexadecimalMask) {
     gService->initTimeMs = 255;
     EXPECT_NE(written().find("Init Time 255 ms"), std::string::npos);
 }
 
-/// While it lives, numbers are grouped as some countries do.
+/// While it exists, digits are grouped, as in some locales.
 class tGroupingLocale {
 public:
     tGroupingLocale() : before_(std::locale::global(std::locale(std::locale::classic(), new tPunctuation))) {}
@@ -110,13 +110,13 @@ private:
     std::locale before_;
 };
 
-TEST_F(ServiceStatusText, ShowsPlainDigitsWhateverTheLocale) {
+TEST_F(tServiceStatusText, ShowsPlainDigitsInAnyLocale) {
     const tGroupingLocale locale;
     gService->initTimeMs = 1234567;
     EXPECT_NE(written().find("\nAllowed: 0xffffffff\nInit Time 1234567 ms\n"), std::string::npos);
 }
 
-TEST_F(ServiceStatusText, ShowsTheMessagesAsTheyAreAndThePlugInsBelow) {
+TEST_F(tServiceStatusText, ShowsTheMessagesUnchangedAndThePluginsBelow) {
     gService->messages = "first\nsecond\n";
     tPluginDescription plugin;
     plugin.name = "Alpha";
@@ -124,18 +124,18 @@ TEST_F(ServiceStatusText, ShowsTheMessagesAsTheyAreAndThePlugInsBelow) {
     EXPECT_NE(written().find("\n\nfirst\nsecond\nAlpha (depends on )\n"), std::string::npos);
 }
 
-TEST_F(ServiceStatusText, LosesTheCarriageReturnsOfTheMessages) {
+TEST_F(tServiceStatusText, RemovesTheCarriageReturnsOfTheMessages) {
     gService->messages = "one\r\ntwo\r\r\n\rthree\n";
     EXPECT_NE(written().find("\n\none\ntwo\nthree\n"), std::string::npos);
 }
 
-TEST_F(ServiceStatusText, OfALockedUpFolderStopsNothing) {
+TEST_F(tServiceStatusText, AMissingFolderIsIgnored) {
     world.places.appDataFolder = world.plugins.string() + "/missing";
     EXPECT_NO_THROW(WriteStatus(*gService));
     EXPECT_FALSE(exists(world.plugins / "missing"));
 }
 
-TEST_F(ServiceStatusText, OfAnUnknownFolderStopsNothingAndKeepsTheOldFile) {
+TEST_F(tServiceStatusText, AnUnknownFolderIsIgnoredAndTheOldFileIsKept) {
     const std::string before = written();
     gService->allowedMask = 0;
     world.places.appDataFolder.reset();
@@ -143,14 +143,14 @@ TEST_F(ServiceStatusText, OfAnUnknownFolderStopsNothingAndKeepsTheOldFile) {
     EXPECT_EQ(content(world.statusFolder / fileName), before);
 }
 
-TEST_F(ServiceStatusText, OfAnUnknownFolderIsReportedToTheTraceLikeAnyOtherFailure) {
+TEST_F(tServiceStatusText, AnUnknownFolderIsTracedLikeAnyOtherFailure) {
     world.places.appDataFolder.reset();
     const support::tCaughtReports reports;
     WriteStatus(*gService);
     EXPECT_THAT(reports.texts, ElementsAre(HasSubstr("kestStatusResourceNotFound")));
 }
 
-class ServiceStatusReplacement : public testing::Test {
+class tServiceStatusReplacement : public testing::Test {
 protected:
     void write(const std::string& text) const { WriteStatusFile(folder.utf8(), "s.status", text); }
     [[nodiscard]] std::string status() const { return content(folder.path() / "s.status"); }
@@ -161,51 +161,51 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(ServiceStatusReplacement, WritesTheWholeTextAndLeavesNoTemporaryFile) {
+TEST_F(tServiceStatusReplacement, WritesTheWholeTextAndLeavesNoTemporaryFile) {
     write("one\ntwo\n");
     EXPECT_EQ(status(), "one\ntwo\n");
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(ServiceStatusReplacement, ReplacesALongerFileAsAWhole) {
+TEST_F(tServiceStatusReplacement, ReplacesALongerFileAsAWhole) {
     write("something long that must not show through\n");
     write("short\n");
     EXPECT_EQ(status(), "short\n");
 }
 
-TEST_F(ServiceStatusReplacement, WritesAnEmptyTextAsAnEmptyFile) {
+TEST_F(tServiceStatusReplacement, WritesAnEmptyTextAsAnEmptyFile) {
     write("");
     EXPECT_EQ(status(), "");
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(ServiceStatusReplacement, OverwritesAStaleTemporaryFile) {
+TEST_F(tServiceStatusReplacement, OverwritesAStaleTemporaryFile) {
     folder.write(".s.status.tmp", "left behind by a rename that failed, and longer");
     write("new\n");
     EXPECT_EQ(status(), "new\n");
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(ServiceStatusReplacement, FailsAtLine207WithoutAFileWhenTheDirectoryDoesNotExist) {
+TEST_F(tServiceStatusReplacement, FailsAtLine207WithoutAFileWhenTheDirectoryDoesNotExist) {
     const auto call = [this] { WriteStatusFile(folder.utf8("missing"), fileName, "text"); };
     EXPECT_EQ(support::failureOf(call), support::openFailed);
     EXPECT_EQ(files(), 0U);
 }
 
-TEST_F(ServiceStatusReplacement, FailsAtLine207AndKeepsTheOldFileWhenTheTemporaryFileCannotBeOpened) {
+TEST_F(tServiceStatusReplacement, FailsAtLine207AndKeepsTheOldFileWhenTheTemporaryFileCannotBeOpened) {
     write("old\n");
     folder.makeFolder(".s.status.tmp");
     EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::openFailed);
     EXPECT_EQ(status(), "old\n");
 }
 
-TEST_F(ServiceStatusReplacement, FailsAtLine225AndLeavesTheCompleteTemporaryFileWhenTheNameIsTaken) {
+TEST_F(tServiceStatusReplacement, FailsAtLine225AndLeavesTheCompleteTemporaryFileWhenTheNameIsTaken) {
     folder.makeFolder("s.status/occupied");
     EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::renameFailed);
     EXPECT_EQ(content(folder.path() / ".s.status.tmp"), "new\n");
 }
 
-TEST_F(ServiceStatusReplacement, RecoversOnceTheNameIsFreeAgain) {
+TEST_F(tServiceStatusReplacement, RecoversOnceTheNameIsFreeAgain) {
     folder.makeFolder("s.status/occupied");
     EXPECT_NE(support::failureOf([this] { write("first\n"); }), "none");
     remove_all(folder.path() / "s.status");
@@ -214,7 +214,7 @@ TEST_F(ServiceStatusReplacement, RecoversOnceTheNameIsFreeAgain) {
     EXPECT_EQ(files(), 1U);
 }
 
-TEST_F(ServiceStatusReplacement, FindsADirectoryOfAnyScript) {
+TEST_F(tServiceStatusReplacement, AcceptsADirectoryInAnyScript) {
     const std::filesystem::path name(u"状态 и пробел 🙂");
     folder.makeFolder(name);
     WriteStatusFile(folder.utf8(name), fileName, "text\n");
@@ -222,7 +222,7 @@ TEST_F(ServiceStatusReplacement, FindsADirectoryOfAnyScript) {
     EXPECT_FALSE(exists(folder.path() / name / temporaryName));
 }
 
-TEST_F(ServiceStatusReplacement, IsSeenWholeOrNotAtAllByAReaderBesideTheWriter) {
+TEST_F(tServiceStatusReplacement, ShowsAConcurrentReaderAWholeFileOrNone) {
     constexpr std::size_t size = 20'000;
     std::atomic<int> whole = 0;
     std::atomic<int> torn = 0;
@@ -230,14 +230,14 @@ TEST_F(ServiceStatusReplacement, IsSeenWholeOrNotAtAllByAReaderBesideTheWriter) 
     std::thread reader([&] {
         while (!done) {
             std::ifstream file(folder.path() / "s.status", std::ios::binary);
-            if (!file) continue;  // between two files there is none for a moment
+            if (!file) continue;  // for a moment there is no file
             const std::string seen{std::istreambuf_iterator<char>(file), {}};
-            // Every text is one letter, so often.
+            // Every text is one letter, repeated.
             const bool isWhole = seen.size() == size && seen.find_first_not_of(seen[0]) == std::string::npos;
             ++(isWhole ? whole : torn);
         }
     });
-    // On Windows a reader may keep the name taken: the write fails then, and the file stays the old one.
+    // On Windows a reader may keep the name in use: the write then fails, and the old file stays.
     for (int i = 0; i < 2000 && (i < 50 || whole < 20); ++i) {
         support::failureOf([&] { write(std::string(size, static_cast<char>('a' + i % 26))); });
     }
@@ -247,7 +247,7 @@ TEST_F(ServiceStatusReplacement, IsSeenWholeOrNotAtAllByAReaderBesideTheWriter) 
     EXPECT_GE(whole, 20);
 }
 
-TEST_F(ServiceStatusReplacement, FailsForADirectoryThatIsNoUtf8) {
+TEST_F(tServiceStatusReplacement, FailsForADirectoryThatIsNotUtf8) {
     const auto call = [this] { WriteStatusFile(folder.utf8() + "\\\xFF", fileName, "text"); };
     EXPECT_EQ(support::failureOf(call), support::openFailed);
 }

@@ -17,18 +17,18 @@ std::string bytes(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// What writing the file "s" fails with.
+/// Returns the failure of writing the file "s".
 std::string failureOf(const support::tFolder& folder, const std::string& text) {
     return support::failureOf([&] { WriteStatusFile(folder.utf8(), "s", text); });
 }
 
-TEST(ServiceStatusOnDisk, HasWindowsLineEndsAndNoDoubledCarriageReturns) {
+TEST(tServiceStatusOnDisk, HasWindowsLineEndsAndNoDoubledCarriageReturns) {
     const support::tFolder folder;
     WriteStatusFile(folder.utf8(), "s", "one\r\ntwo\n\n");
     EXPECT_EQ(bytes(folder.path() / "s"), "one\r\ntwo\r\n\r\n");
 }
 
-TEST(ServiceStatusOnDisk, IsOpenedForTextWithSharingThatDeniesNobodyThenDeletedThenRenamed) {
+TEST(tServiceStatusOnDisk, IsOpenedAsTextAndSharedThenDeletedThenRenamed) {
     const support::tFolder folder;
     std::wstring calls;
     imports::_wfsopen.replace([&](const wchar_t* path, const wchar_t* mode, int sharing) {
@@ -51,7 +51,7 @@ TEST(ServiceStatusOnDisk, IsOpenedForTextWithSharingThatDeniesNobodyThenDeletedT
     EXPECT_EQ(calls, L"open w 64\nremove\nrename\n");
 }
 
-TEST(ServiceStatusOnDisk, IsNotOpenedWhenItsPathCannotBeConverted) {
+TEST(tServiceStatusOnDisk, IsNotOpenedWhenItsPathCannotBeConverted) {
     const support::tFolder folder;
     bool opened = false;
     imports::_wfsopen.replace([&](auto...) -> FILE* {
@@ -63,7 +63,7 @@ TEST(ServiceStatusOnDisk, IsNotOpenedWhenItsPathCannotBeConverted) {
     EXPECT_FALSE(opened);
 }
 
-TEST(ServiceStatusOnDisk, KeepsTheOldFileWhenTheNewOneIsCutShort) {
+TEST(tServiceStatusOnDisk, KeepsTheOldFileIfTheNewOneIsTruncated) {
     const support::tFolder folder;
     folder.write("s", "old");
     std::size_t closed = 0;
@@ -79,7 +79,7 @@ TEST(ServiceStatusOnDisk, KeepsTheOldFileWhenTheNewOneIsCutShort) {
     EXPECT_EQ(bytes(folder.path() / "s"), "old");
 }
 
-TEST(ServiceStatusOnDisk, WritesTheTextWithOneCall) {
+TEST(tServiceStatusOnDisk, WritesTheTextWithOneCall) {
     const support::tFolder folder;
     int calls = 0;
     imports::fwrite.replace([&](const void* data, std::size_t size, std::size_t count, FILE* file) {
@@ -91,7 +91,7 @@ TEST(ServiceStatusOnDisk, WritesTheTextWithOneCall) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(ServiceStatusOnDisk, KeepsTheOldFileWhenTheDiskIsFoundFullAtTheClose) {
+TEST(tServiceStatusOnDisk, KeepsTheOldFileIfTheDiskIsFullOnClosing) {
     const support::tFolder folder;
     folder.write("s", "old");
     imports::fclose.replace([](FILE* file) {
@@ -102,14 +102,14 @@ TEST(ServiceStatusOnDisk, KeepsTheOldFileWhenTheDiskIsFoundFullAtTheClose) {
     EXPECT_EQ(bytes(folder.path() / "s"), "old");
 }
 
-TEST(ServiceStatusOnDisk, GoesOnWhenThereIsNothingToDelete) {
+TEST(tServiceStatusOnDisk, IsWrittenIfThereIsNothingToDelete) {
     const support::tFolder folder;
     imports::_wremove.replace([](const wchar_t*) { return -1; });
     EXPECT_EQ(failureOf(folder, "new"), "none");
     EXPECT_EQ(bytes(folder.path() / "s"), "new");
 }
 
-TEST(ServiceStatusOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
+TEST(tServiceStatusOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
     const support::tFolder folder;
     folder.write("s", "old");
     imports::_wrename.replace([](auto...) { return -1; });
@@ -118,7 +118,7 @@ TEST(ServiceStatusOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
     EXPECT_EQ(bytes(folder.path() / ".s.tmp"), "new");
 }
 
-TEST(ServiceStatusOnWindows, SurvivesATimeThatTheRuntimeHasNoTextFor) {
+TEST(tServiceStatusOnWindows, SurvivesATimeThatTheRuntimeCannotFormat) {
     const support::tServiceWorld world;
     imports::_ctime64.replace([](const __time64_t*) -> char* { return nullptr; });
     startService();
@@ -126,7 +126,7 @@ TEST(ServiceStatusOnWindows, SurvivesATimeThatTheRuntimeHasNoTextFor) {
               std::string::npos);
 }
 
-TEST(ServiceStatusOnWindows, ShowsTheTimeThatTheRuntimeGives) {
+TEST(tServiceStatusOnWindows, ShowsTheTimeThatTheRuntimeReturns) {
     const support::tServiceWorld world;
     imports::_time64.replace([](__time64_t*) -> __time64_t { return 1'794'799'600; });
     imports::_ctime64.replace([](const __time64_t* now) -> char* {
@@ -139,7 +139,7 @@ TEST(ServiceStatusOnWindows, ShowsTheTimeThatTheRuntimeGives) {
               std::string::npos);
 }
 
-TEST(ServiceStatusOnWindows, KeepsAFailedWriteToItself) {
+TEST(tServiceStatusOnWindows, DoesNotPassOnAFailedWrite) {
     const support::tServiceWorld world;
     startService();
     const std::string before = bytes(world.statusFolder / "zuZiptraRemoteService.status");
@@ -149,9 +149,9 @@ TEST(ServiceStatusOnWindows, KeepsAFailedWriteToItself) {
     EXPECT_EQ(bytes(world.statusFolder / "zuZiptraRemoteService.status"), before);
 }
 
-/// Writes the status file while an exception propagates; gives how many files were opened for that.
+/// Writes the status file while an exception propagates. Returns how many files were opened for that.
 int opensWhileAnExceptionPropagates() {
-    static int opens;  // the service's end opens a file as well, after this function's
+    static int opens;  // stopping the service also opens a file, after this function has returned
     opens = 0;
     imports::_wfsopen.replace([](auto... arguments) {
         ++opens;
@@ -168,7 +168,7 @@ int opensWhileAnExceptionPropagates() {
     }
 }
 
-TEST(ServiceStatusOnWindows, IsWrittenAlsoWhileAnExceptionPropagates) {
+TEST(tServiceStatusOnWindows, IsWrittenEvenWhileAnExceptionPropagates) {
     const support::tServiceWorld world;
     startService();
     world.removeStatus();
@@ -176,15 +176,15 @@ TEST(ServiceStatusOnWindows, IsWrittenAlsoWhileAnExceptionPropagates) {
     EXPECT_TRUE(exists(world.statusFolder / "zuZiptraRemoteService.status"));
 }
 
-// The failure cannot be thrown then, and the folder is of no use: one at the root of the drive, of anybody's making.
-TEST(ServiceStatusOnWindows, IsWrittenNowhereWhenTheFolderIsUnknownWhileAnExceptionPropagates) {
+// The failure cannot be thrown then, and the folder must not be used: anyone may have created it at the drive's root.
+TEST(tServiceStatusOnWindows, IsNotWrittenIfTheFolderIsUnknownWhileAnExceptionPropagates) {
     support::tServiceWorld world;
     startService();
     world.places.appDataFolder.reset();
     EXPECT_EQ(opensWhileAnExceptionPropagates(), 0);
 }
 
-TEST(ServiceStatusOnWindows, LetsExceptionsThatAreNoStandardOnesPass) {
+TEST(tServiceStatusOnWindows, PassesOnNonStandardExceptions) {
     const support::tServiceWorld world;
     startService();
     imports::_time64.replace([](__time64_t*) -> __time64_t { throw 42; });

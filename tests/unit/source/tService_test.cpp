@@ -8,12 +8,12 @@ namespace {
 
 constexpr const char* freshStatus = "Allowed: 0xffffffff\n\n";
 
-class Service : public testing::Test {
+class tServiceTest : public testing::Test {
 protected:
     support::tServiceWorld world;
 };
 
-TEST_F(Service, StartsWithEverythingAllowedAndNothingElseInIt) {
+TEST_F(tServiceTest, StartsWithEverythingAllowedAndAllElseEmpty) {
     ASSERT_EQ(startService(), 0);
     ASSERT_NE(gService, nullptr);
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
@@ -22,13 +22,13 @@ TEST_F(Service, StartsWithEverythingAllowedAndNothingElseInIt) {
     EXPECT_TRUE(gService->pluginManager.entries().empty());
 }
 
-TEST_F(Service, WritesAFirstStatusFileWhenItIsBuilt) {
+TEST_F(tServiceTest, WritesAStatusFileOnConstruction) {
     EXPECT_EQ(world.status(), "no status file");
     startService();
     EXPECT_EQ(world.status(), freshStatus);
 }
 
-TEST_F(Service, WritesALastStatusFileWithEverythingInItWhenItIsDestroyed) {
+TEST_F(tServiceTest, WritesACompleteStatusFileOnDestruction) {
     startService();
     gService->allowedMask = 0xFFFFFFFD;
     gService->initTimeMs = 1250;
@@ -44,20 +44,20 @@ TEST_F(Service, WritesALastStatusFileWithEverythingInItWhenItIsDestroyed) {
               "Alpha (depends on )\nLoaded From: alpha.dll\nRequires: 1\nInit Time: T ms\nInit Code: -52002\n\n");
 }
 
-TEST_F(Service, IsGoneOnceItHasBeenStopped) {
+TEST_F(tServiceTest, IsDestroyedWhenItIsStopped) {
     startService();
     stopService();
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(Service, StoppingDoesNothingWithoutAnObjectHoweverOften) {
+TEST_F(tServiceTest, StoppingDoesNothingWithoutAService) {
     stopService();
     stopService();
     EXPECT_EQ(gService, nullptr);
     EXPECT_EQ(world.status(), "no status file");
 }
 
-TEST_F(Service, ASecondStopAfterTheFirstWritesNothing) {
+TEST_F(tServiceTest, ASecondStopAfterTheFirstWritesNothing) {
     startService();
     stopService();
     world.removeStatus();
@@ -66,16 +66,16 @@ TEST_F(Service, ASecondStopAfterTheFirstWritesNothing) {
     EXPECT_EQ(world.status(), "no status file");
 }
 
-TEST_F(Service, ASecondStartReplacesTheObjectWhoseLastStatusIsWrittenAfterTheNewOneIsBuilt) {
+TEST_F(tServiceTest, ASecondStartReplacesTheObjectWhoseLastStatusIsWrittenAfterTheNewOneIsBuilt) {
     startService();
     gService->messages = "the old one\n";
     EXPECT_EQ(startService(), 0);
     EXPECT_EQ(gService->messages, "");
-    // Built first, the new one wrote first.
+    // The new one was built first, so it wrote first.
     EXPECT_EQ(world.status(), std::string(freshStatus) + "the old one\n");
 }
 
-TEST_F(Service, StartsAndStopsWithoutAPlaceForTheStatusFile) {
+TEST_F(tServiceTest, StartsAndStopsWithoutAFolderForTheStatusFile) {
     std::filesystem::remove_all(world.statusFolder);
     EXPECT_EQ(startService(), 0);
     stopService();
@@ -83,14 +83,14 @@ TEST_F(Service, StartsAndStopsWithoutAPlaceForTheStatusFile) {
     EXPECT_FALSE(std::filesystem::exists(world.statusFolder));
 }
 
-TEST_F(Service, AStopRequestBeforeTheRunEndsTheRunAtOnce) {
+TEST_F(tServiceTest, AStopRequestBeforeTheRunEndsTheRunAtOnce) {
     startService();
     signalServiceStop();
     runService();
     EXPECT_NE(gService, nullptr);
 }
 
-TEST_F(Service, AStopRequestStaysMadeForEveryLaterRun) {
+TEST_F(tServiceTest, AStopRequestAppliesToEveryLaterRun) {
     startService();
     signalServiceStop();
     signalServiceStop();

@@ -1,4 +1,4 @@
-// The order of birth and death, and what may and may not leave the entry points.
+// The order of construction and destruction, and which exceptions leave the entry points.
 
 #include <stdexcept>
 
@@ -12,7 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class ServiceLife : public support::HostCalls {
+class tServiceLife : public support::HostCalls {
 protected:
     void SetUp() override {
         HostCalls::SetUp();
@@ -27,19 +27,19 @@ protected:
     }
 };
 
-TEST_F(ServiceLife, BeginsWithTheEventThenTheAccessListThenTheStatusFile) {
+TEST_F(tServiceLife, BeginsWithTheEventThenTheAccessListThenTheStatusFile) {
     EXPECT_EQ(startService(), 0);
     EXPECT_THAT(calls, ElementsAre("create-event", "grant", "write-status"));
 }
 
-TEST_F(ServiceLife, EndsWithTheStatusFileThenTheEvent) {
+TEST_F(tServiceLife, EndsWithTheStatusFileThenTheEvent) {
     startService();
     calls.clear();
     stopService();
     EXPECT_THAT(calls, ElementsAre("write-status", "close-event"));
 }
 
-TEST_F(ServiceLife, SurvivesItsAccessListBeingRefused) {
+TEST_F(tServiceLife, SurvivesItsAccessListBeingRefused) {
     imports::SetEntriesInAclA.replace([this](auto...) {
         calls.emplace_back("refuse");
         return DWORD{ERROR_ACCESS_DENIED};
@@ -48,14 +48,14 @@ TEST_F(ServiceLife, SurvivesItsAccessListBeingRefused) {
     EXPECT_THAT(calls, ElementsAre("create-event", "grant", "refuse", "write-status"));
 }
 
-TEST_F(ServiceLife, DoesNotBeginWithoutAnEvent) {
+TEST_F(tServiceLife, DoesNotBeginWithoutAnEvent) {
     refuseEvents();
     EXPECT_EQ(startService(), -1);
     EXPECT_THAT(calls, ElementsAre("create-event"));
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(ServiceLife, AFailedStartLeavesAnEarlierServiceUntouched) {
+TEST_F(tServiceLife, AFailedStartLeavesAnEarlierServiceUntouched) {
     startService();
     tService* const earlier = gService;
     refuseEvents();
@@ -65,24 +65,24 @@ TEST_F(ServiceLife, AFailedStartLeavesAnEarlierServiceUntouched) {
     EXPECT_THAT(calls, ElementsAre("create-event"));
 }
 
-TEST_F(ServiceLife, BuildsTheNewServiceBeforeItDestroysTheOldOne) {
+TEST_F(tServiceLife, BuildsTheNewServiceBeforeItDestroysTheOldOne) {
     startService();
     calls.clear();
     startService();
     EXPECT_THAT(calls, ElementsAre("create-event", "grant", "write-status", "write-status"))
-        << "the last by the old one, whose event is not the one that is watched";
+        << "the old service writes last; only the new one's event is watched";
 }
 
-TEST_F(ServiceLife, SignalsTheEventOfItsOwnAndNothingElse) {
+TEST_F(tServiceLife, SignalsTheEventOfItsOwnAndNothingElse) {
     startService();
     calls.clear();
     signalServiceStop();
     EXPECT_THAT(calls, ElementsAre("set-event"));
 }
 
-// Exceptions, thrown by the system's stand-ins.
+// Exceptions, thrown by the stand-ins for system calls.
 
-TEST_F(ServiceLife, AStandardExceptionDuringTheStartMeansMinusOne) {
+TEST_F(tServiceLife, AStandardExceptionDuringTheStartMeansMinusOne) {
     imports::CreateEventA.replace([](auto...) -> HANDLE { throw std::bad_alloc(); });
     EXPECT_EQ(startService(), -1);
     imports::CreateEventA.replace([](auto...) -> HANDLE { throw std::runtime_error("no event today"); });
@@ -90,7 +90,7 @@ TEST_F(ServiceLife, AStandardExceptionDuringTheStartMeansMinusOne) {
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(ServiceLife, AStandardExceptionDuringTheRunEndsTheRunAndNothingElse) {
+TEST_F(tServiceLife, AStandardExceptionDuringTheRunEndsTheRunAndNothingElse) {
     startService();
     imports::RegOpenKeyExW.replace([](auto...) -> LSTATUS { throw std::runtime_error("no registry today"); });
     calls.clear();
@@ -100,20 +100,20 @@ TEST_F(ServiceLife, AStandardExceptionDuringTheRunEndsTheRunAndNothingElse) {
     EXPECT_EQ(gService->messages, "") << "not a directory that cannot be read, but a failure of another kind";
 }
 
-TEST_F(ServiceLife, AStandardExceptionFromTheLastStatusFileDoesNotKeepTheServiceFromGoing) {
+TEST_F(tServiceLife, AStandardExceptionFromTheLastStatusFileDoesNotPreventDestruction) {
     startService();
     imports::SHGetFolderPathW.replace([](auto...) -> HRESULT { throw std::runtime_error("no folders today"); });
     stopService();
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(ServiceLife, AStandardExceptionFromTheAccessListMeansMinusOne) {
+TEST_F(tServiceLife, AStandardExceptionFromTheAccessListMeansMinusOne) {
     imports::SetEntriesInAclA.replace([](auto...) -> DWORD { throw std::runtime_error("no list today"); });
     EXPECT_EQ(startService(), -1);
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(ServiceLife, AStandardExceptionFromTheWaitEndsTheRunAndNothingElse) {
+TEST_F(tServiceLife, AStandardExceptionFromTheWaitEndsTheRunAndNothingElse) {
     const support::tServiceWorld world;
     startService();
     imports::WaitForSingleObject.replace([](auto...) -> DWORD { throw std::runtime_error("no wait today"); });
@@ -121,14 +121,14 @@ TEST_F(ServiceLife, AStandardExceptionFromTheWaitEndsTheRunAndNothingElse) {
     EXPECT_NE(gService, nullptr);
 }
 
-TEST_F(ServiceLife, AStandardExceptionFromTheStopRequestIsNotPassedOn) {
+TEST_F(tServiceLife, AStandardExceptionFromTheStopRequestIsNotPassedOn) {
     startService();
     imports::SetEvent.replace([](HANDLE) -> BOOL { throw std::runtime_error("no signal today"); });
     EXPECT_NO_THROW(signalServiceStop());
     EXPECT_NE(gService, nullptr);
 }
 
-TEST_F(ServiceLife, ADestructionThatThrowsLeavesThePointerAsItWas) {
+TEST_F(tServiceLife, ADestructionThatThrowsLeavesThePointerUnchanged) {
     startService();
     const tService* const before = gService;
     imports::CloseHandle.replace([](HANDLE) -> BOOL { throw std::runtime_error("no close today"); });
@@ -137,7 +137,7 @@ TEST_F(ServiceLife, ADestructionThatThrowsLeavesThePointerAsItWas) {
     gService = nullptr;
 }
 
-TEST_F(ServiceLife, EachEntryPointPassesItsExceptionToTheConversion) {
+TEST_F(tServiceLife, EachEntryPointPassesItsExceptionToTheConversion) {
     static constexpr zuerr::RaiseReport failure{zuerr::osFault, {"test", 1}};
     const support::tServiceWorld world;
     const support::tCaughtReports caught;
@@ -161,7 +161,7 @@ TEST_F(ServiceLife, EachEntryPointPassesItsExceptionToTheConversion) {
     gService = nullptr;
 }
 
-TEST_F(ServiceLife, ExceptionsOfOtherKindsAreNotCaught) {
+TEST_F(tServiceLife, ExceptionsOfOtherKindsAreNotCaught) {
     imports::CreateEventA.replace([](auto...) -> HANDLE { throw 7; });
     EXPECT_THROW(startService(), int);
     EXPECT_EQ(gService, nullptr);

@@ -82,7 +82,7 @@ protected:
     zuerr::PlatformStatus status_;
 };
 
-TEST_F(tSharedLibraryTest, IsFreshlyNotLoadedAndItsEntriesAreHarmless) {
+TEST_F(tSharedLibraryTest, IsInitiallyNotLoadedAndItsEntriesAreHarmless) {
     EXPECT_EQ(library_.loaded, 0);
     expectBuiltInEntries();
 }
@@ -98,7 +98,7 @@ struct tCase {
     const char* operation;
     bool isLoaded;              ///< before
     std::int32_t status;        ///< before: 0, a warning or a failure
-    std::optional<bool> works;  ///< what the system call does; empty: it must not be made
+    std::optional<bool> works;  ///< whether the system call succeeds; empty if it must not be made
     std::int32_t codeAfter;
     std::int32_t lineAfter;  ///< of the report
     bool isLoadedAfter;
@@ -117,7 +117,7 @@ constexpr tCase cases[] = {
     {"symbol", false, 5, {}, -52005, 280, false},
 };
 
-TEST_F(tSharedLibraryTest, ItsCallsReportThroughTheStatusAndDoNothingWhereThatHoldsAFailure) {
+TEST_F(tSharedLibraryTest, CallsReportThroughTheStatusAndDoNothingIfItContainsAnError) {
     for (const tCase& row : cases) {
         const std::string operation = row.operation;
         SCOPED_TRACE(operation + (row.isLoaded ? ", loaded, " : ", not loaded, ") + std::to_string(row.status));
@@ -178,7 +178,7 @@ TEST_F(tSharedLibraryTest, OpenStartsFromTheBuiltInsWhateverTheEntriesWereBefore
     EXPECT_EQ(calls, 0);
 }
 
-/// The report of the exception that open throws.
+/// Returns the report of the exception that open throws.
 std::string openReport(tSharedLibrary& library, const tPluginDescription& description) {
     try {
         library.open(description);
@@ -189,7 +189,7 @@ std::string openReport(tSharedLibrary& library, const tPluginDescription& descri
     return "nothing thrown";
 }
 
-TEST_F(tSharedLibraryTest, OpenThrowsWhatTheLoadReported) {
+TEST_F(tSharedLibraryTest, OpenThrowsTheReportOfAFailedLoad) {
     EXPECT_CALL(loader_, load).WillOnce(Return(nullptr));
     EXPECT_EQ(openReport(library_, description("I", "S", "C")),
               R"({"file":"zukest/quarks/library","line":134,"component":"zuZiptraR"})");
@@ -216,7 +216,7 @@ TEST_F(tSharedLibraryTest, OpenStoresNoEntryWhenTheLastOneIsMissing) {
     expectBuiltInEntries();
 }
 
-TEST_F(tSharedLibraryTest, CloseUnloadsAndPutsTheBuiltInsBack) {
+TEST_F(tSharedLibraryTest, CloseUnloadsAndRestoresTheBuiltIns) {
     makeLoaded();
     library_.initialize = initializeFive;
     library_.stop = countCall;
@@ -227,7 +227,7 @@ TEST_F(tSharedLibraryTest, CloseUnloadsAndPutsTheBuiltInsBack) {
     expectBuiltInEntries();
 }
 
-TEST_F(tSharedLibraryTest, CloseOfOneNeverLoadedIsHarmless) {
+TEST_F(tSharedLibraryTest, CloseIsHarmlessIfNothingWasLoaded) {
     library_.close();
     expectBuiltInEntries();
 }
@@ -261,14 +261,14 @@ void whileAnExceptionPropagates(Function function) {
         std::runtime_error);
 }
 
-TEST_F(tSharedLibraryTest, OpenDropsAFailedLoadWhileAnotherExceptionPropagates) {
+TEST_F(tSharedLibraryTest, OpenIgnoresAFailedLoadWhileAnotherExceptionPropagates) {
     EXPECT_CALL(loader_, load).WillOnce(Return(nullptr));
     whileAnExceptionPropagates([&] { library_.open(description("I", "S", "C")); });
     EXPECT_EQ(library_.loaded, 0);
     expectBuiltInEntries();
 }
 
-TEST_F(tSharedLibraryTest, OpenReplacesAMissingEntryByTheBuiltInWhileAnotherExceptionPropagates) {
+TEST_F(tSharedLibraryTest, OpenUsesTheBuiltInForAMissingEntryWhileAnotherExceptionPropagates) {
     expectLoad();
     expectSymbol("I", addressOf(initializeFive));
     expectSymbol("S", nullptr);
@@ -282,7 +282,7 @@ TEST_F(tSharedLibraryTest, OpenReplacesAMissingEntryByTheBuiltInWhileAnotherExce
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(tSharedLibraryTest, CloseDropsItsFailureWhileAnotherExceptionPropagates) {
+TEST_F(tSharedLibraryTest, CloseIgnoresItsFailureWhileAnotherExceptionPropagates) {
     makeLoaded();
     EXPECT_CALL(loader_, unload).WillOnce(Return(false));
     whileAnExceptionPropagates([&] { library_.close(); });

@@ -8,19 +8,19 @@
 
 namespace {
 
-TEST(StdPathFolders, AreTheOnesOfThisProgramAndOfTheSystem) {
+TEST(nStdPathFolders, AreThoseOfThisProgramAndOfTheSystem) {
     EXPECT_TRUE(exists(std::filesystem::path(nStdPath::applicationFolder()) / "unit_tests.exe"));
     EXPECT_TRUE(exists(std::filesystem::path(nStdPath::systemFolder()) / "kernel32.dll"));
 }
 
-TEST(StdPathFolders, AreEmptyIfTheSystemDoesNotTell) {
+TEST(nStdPathFolders, AreEmptyIfTheSystemCallFails) {
     imports::GetModuleFileNameW.replace([](auto...) { return DWORD{0}; });
     imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
     EXPECT_EQ(nStdPath::applicationFolder(), L"");
     EXPECT_EQ(nStdPath::systemFolder(), L"");
 }
 
-TEST(StdPathFolders, AreEmptyIfThePathIsCut) {
+TEST(nStdPathFolders, AreEmptyIfThePathIsTruncated) {
     imports::GetModuleFileNameW.replace([](HMODULE, wchar_t* path, DWORD size) {
         std::wmemset(path, L'\\', size);
         return size;

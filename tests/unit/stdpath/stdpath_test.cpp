@@ -12,7 +12,7 @@ namespace {
 
 std::string text(std::u8string_view utf8) { return {utf8.begin(), utf8.end()}; }
 
-/// A record that tells an operation to do nothing.
+/// Returns a record with an error, for which an operation does nothing.
 struct tFailedStatus : zuerr::StatusRecord {
     tFailedStatus() { code = -7; }
 };
@@ -22,32 +22,32 @@ std::string trimmed(std::string path) {
     return path;
 }
 
-TEST(StdPathTrimPath, RemovesEveryBackslashAtTheEnd) { EXPECT_EQ(trimmed("C:\\Data\\\\"), "C:\\Data"); }
+TEST(nStdPathTrimPath, RemovesEveryBackslashAtTheEnd) { EXPECT_EQ(trimmed("C:\\Data\\\\"), "C:\\Data"); }
 
-TEST(StdPathTrimPath, RemovesWhiteSpaceAtBothEnds) {
+TEST(nStdPathTrimPath, RemovesWhiteSpaceAtBothEnds) {
     EXPECT_EQ(trimmed("C:\\Data  "), "C:\\Data");
     EXPECT_EQ(trimmed("  C:\\Data"), "C:\\Data");
     EXPECT_EQ(trimmed(" \t\n\v\f\rC:\\My Data \t\n\v\f\r"), "C:\\My Data");
 }
 
-TEST(StdPathTrimPath, RemovesWhiteSpaceZerosAndBackslashesAtTheEndInAnyOrder) {
+TEST(nStdPathTrimPath, RemovesWhiteSpaceZerosAndBackslashesAtTheEndInAnyOrder) {
     EXPECT_EQ(trimmed(std::string("C:\\Data\\ \0\\ \0\0", 14)), "C:\\Data");
 }
 
-TEST(StdPathTrimPath, RemovesWhiteSpaceAloneAtTheBeginning) {
+TEST(nStdPathTrimPath, RemovesOnlyWhiteSpaceAtTheBeginning) {
     EXPECT_EQ(trimmed(" \\\\server\\share\\"), "\\\\server\\share");
     EXPECT_EQ(trimmed(std::string("\0 a", 3)), std::string("\0 a", 3));
 }
 
-TEST(StdPathTrimPath, KeepsForwardSlashes) { EXPECT_EQ(trimmed("/Data/"), "/Data/"); }
+TEST(nStdPathTrimPath, KeepsForwardSlashes) { EXPECT_EQ(trimmed("/Data/"), "/Data/"); }
 
-TEST(StdPathTrimPath, LeavesNothingOfATextThatHoldsNothingElse) {
+TEST(nStdPathTrimPath, LeavesNothingOfATextWithNothingElseInIt) {
     EXPECT_EQ(trimmed(""), "");
     EXPECT_EQ(trimmed(std::string(" \\\0", 3)), "");
 }
 
-TEST(StdPathTrimPath, KeepsBytesAbove127) {
-    // NEL, no-break space and the tails of letters that hold such bytes: no white space in UTF-8.
+TEST(nStdPathTrimPath, KeepsBytesAbove127) {
+    // NEL, no-break space and letters whose last bytes look like these: in UTF-8 none of the bytes is white space.
     EXPECT_EQ(trimmed("\x85\xA0 x \x85\xA0"), "\x85\xA0 x \x85\xA0");
     EXPECT_EQ(trimmed(text(u8"à计…")), text(u8"à计…"));
     for (int byte = 128; byte < 256; ++byte) {
@@ -56,7 +56,7 @@ TEST(StdPathTrimPath, KeepsBytesAbove127) {
     }
 }
 
-class StdPathSharedDirectory : public testing::Test {
+class nStdPathSharedDirectory : public testing::Test {
 protected:
     std::string read() {
         nStdPath::getSharedDirectory(result, status);
@@ -68,30 +68,30 @@ protected:
     std::string result = "as it was";
 };
 
-TEST_F(StdPathSharedDirectory, IsTheRegistryValueWithoutItsTerminatingZero) {
+TEST_F(nStdPathSharedDirectory, IsTheRegistryValueWithoutItsTerminatingZero) {
     places.sharedDirectory = std::string("D:\\Shared\0", 10);
     EXPECT_EQ(read(), "D:\\Shared");
     EXPECT_EQ(status.code, 0);
     EXPECT_EQ(status.json, nullptr);
 }
 
-TEST_F(StdPathSharedDirectory, IsTrimmed) {
+TEST_F(nStdPathSharedDirectory, IsTrimmed) {
     places.sharedDirectory = std::string("  C:\\Data\\\\ \0", 12);
     EXPECT_EQ(read(), "C:\\Data");
 }
 
-TEST_F(StdPathSharedDirectory, NeedsNoTerminatingZero) {
+TEST_F(nStdPathSharedDirectory, NeedsNoTerminatingZero) {
     places.sharedDirectory = "D:\\Shared";
     EXPECT_EQ(read(), "D:\\Shared");
 }
 
-TEST_F(StdPathSharedDirectory, MayBeEmpty) {
+TEST_F(nStdPathSharedDirectory, MayBeEmpty) {
     places.sharedDirectory = "";
     EXPECT_EQ(read(), "");
     EXPECT_EQ(status.code, 0);
 }
 
-TEST_F(StdPathSharedDirectory, HasRoomForWhatIsAddedToIt) {
+TEST_F(nStdPathSharedDirectory, HasCapacityForAppendedNames) {
     places.sharedDirectory = "D:\\Shared";
     result = "";
     result.shrink_to_fit();
@@ -99,18 +99,18 @@ TEST_F(StdPathSharedDirectory, HasRoomForWhatIsAddedToIt) {
     EXPECT_GE(result.capacity(), 256U);
 }
 
-TEST_F(StdPathSharedDirectory, MayBeWrittenInAnyScript) {
+TEST_F(nStdPathSharedDirectory, MayBeInAnyScript) {
     places.sharedDirectory = text(u8"D:\\größe\\计划 🚀\\");
     EXPECT_EQ(read(), text(u8"D:\\größe\\计划 🚀"));
 }
 
-TEST_F(StdPathSharedDirectory, IsLeftUntouchedByAFailure) {
+TEST_F(nStdPathSharedDirectory, IsUnchangedAfterAFailure) {
     EXPECT_EQ(read(), "as it was");
     EXPECT_EQ(status.code, -52006);
     EXPECT_NE(std::string(status.json).find("RegQueryValue failed"), std::string::npos) << status.json;
 }
 
-TEST_F(StdPathSharedDirectory, IsNotReadWhenTheRecordHoldsAFailure) {
+TEST_F(nStdPathSharedDirectory, IsNotReadIfTheRecordContainsAnError) {
     places.sharedDirectory = "D:\\Shared";
     tFailedStatus failed;
     nStdPath::getSharedDirectory(result, failed);
@@ -119,14 +119,14 @@ TEST_F(StdPathSharedDirectory, IsNotReadWhenTheRecordHoldsAFailure) {
     EXPECT_EQ(failed.json, nullptr);
 }
 
-TEST_F(StdPathSharedDirectory, IsReadWhenTheRecordHoldsAWarning) {
+TEST_F(nStdPathSharedDirectory, IsReadIfTheRecordContainsAWarning) {
     places.sharedDirectory = "D:\\Shared";
     status.code = 5;
     EXPECT_EQ(read(), "D:\\Shared");
     EXPECT_EQ(status.code, 5);
 }
 
-class StdPathAppDataDirectory : public StdPathSharedDirectory {
+class nStdPathAppDataDirectory : public nStdPathSharedDirectory {
 protected:
     std::string read() {
         nStdPath::getCommonAppDataDirectory(result, status);
@@ -134,28 +134,28 @@ protected:
     }
 };
 
-TEST_F(StdPathAppDataDirectory, IsTheMakersFolderInTheMachinesFolder) {
+TEST_F(nStdPathAppDataDirectory, IsTheVendorsFolderInTheMachinesFolder) {
     places.appDataFolder = "C:\\ProgramData";
     EXPECT_EQ(read(), "C:\\ProgramData\\Corvell");
     EXPECT_EQ(status.code, 0);
 }
 
-TEST_F(StdPathAppDataDirectory, HasOneBackslashBeforeTheMakersFolder) {
+TEST_F(nStdPathAppDataDirectory, HasOneBackslashBeforeTheVendorsFolder) {
     places.appDataFolder = "C:\\";
     EXPECT_EQ(read(), "C:\\Corvell");
 }
 
-TEST_F(StdPathAppDataDirectory, HoldsAllThatFitsTheSystemsBuffer) {
+TEST_F(nStdPathAppDataDirectory, IsCompleteIfItFillsTheSystemsBuffer) {
     places.appDataFolder = "C:\\" + std::string(256, 'x');
     EXPECT_EQ(read(), *places.appDataFolder + "\\Corvell");
 }
 
-TEST_F(StdPathAppDataDirectory, MayBeWrittenInAnyScript) {
+TEST_F(nStdPathAppDataDirectory, MayBeInAnyScript) {
     places.appDataFolder = text(u8"D:\\größe\\计划 🚀");
     EXPECT_EQ(read(), text(u8"D:\\größe\\计划 🚀\\Corvell"));
 }
 
-TEST_F(StdPathAppDataDirectory, IsReplacedAfterAFailureAndOnlyTheRecordTellsIt) {
+TEST_F(nStdPathAppDataDirectory, IsReplacedEvenAfterAFailureWhichOnlyTheRecordShows) {
     EXPECT_EQ(read(), "\\Corvell");
     EXPECT_EQ(status.code, -52006);
     EXPECT_STREQ(status.json,
@@ -164,7 +164,7 @@ TEST_F(StdPathAppDataDirectory, IsReplacedAfterAFailureAndOnlyTheRecordTellsIt) 
                  R"("zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
 }
 
-TEST_F(StdPathAppDataDirectory, IsNotAskedForWhenTheRecordHoldsAFailure) {
+TEST_F(nStdPathAppDataDirectory, IsNotReadIfTheRecordContainsAnError) {
     places.appDataFolder = "C:\\ProgramData";
     tFailedStatus failed;
     nStdPath::getCommonAppDataDirectory(result, failed);
@@ -172,7 +172,7 @@ TEST_F(StdPathAppDataDirectory, IsNotAskedForWhenTheRecordHoldsAFailure) {
     EXPECT_EQ(failed.code, -7);
 }
 
-TEST(StdPathReaders, DoNotTouchTheBufferWhenTheRecordHoldsAFailure) {
+TEST(nStdPathReaders, DoNotChangeTheBufferIfTheRecordContainsAnError) {
     support::tSharedPlaces places;
     places.sharedDirectory = "D:\\Shared";
     places.appDataFolder = "C:\\ProgramData";
@@ -184,7 +184,7 @@ TEST(StdPathReaders, DoNotTouchTheBufferWhenTheRecordHoldsAFailure) {
     EXPECT_EQ(failed.code, -7);
 }
 
-class StdPathPluginDirectory : public StdPathSharedDirectory {
+class nStdPathPluginDirectory : public nStdPathSharedDirectory {
 protected:
     const std::string separator =
         nStdPath::pathToUtf8(boost::filesystem::path::string_type(1, boost::filesystem::path::preferred_separator));
@@ -192,22 +192,22 @@ protected:
     static std::string compose() { return nStdPath::pathToUtf8(nStdPath::getPluginDirectory()); }
 };
 
-TEST_F(StdPathPluginDirectory, LiesTwoFoldersBelowTheSharedDirectory) {
+TEST_F(nStdPathPluginDirectory, IsTwoFoldersBelowTheSharedDirectory) {
     places.sharedDirectory = "D:\\Shared\\";
     EXPECT_EQ(compose(), "D:\\Shared" + separator + "ZiptraRemoteService" + separator + "plugins");
 }
 
-TEST_F(StdPathPluginDirectory, TakesASlashAtTheEndOfTheSharedDirectoryForTheSeparator) {
+TEST_F(nStdPathPluginDirectory, UsesASlashAtTheEndOfTheSharedDirectoryAsTheSeparator) {
     places.sharedDirectory = "D:/Shared/";
     EXPECT_EQ(compose(), "D:/Shared/ZiptraRemoteService" + separator + "plugins");
 }
 
-TEST_F(StdPathPluginDirectory, KeepsASharedDirectoryInAnyScript) {
+TEST_F(nStdPathPluginDirectory, AcceptsASharedDirectoryInAnyScript) {
     places.sharedDirectory = text(u8"D:\\größe\\计划 🚀\\");
     EXPECT_EQ(compose(), text(u8"D:\\größe\\计划 🚀") + separator + "ZiptraRemoteService" + separator + "plugins");
 }
 
-TEST_F(StdPathPluginDirectory, ThrowsTheFailureToFindTheSharedDirectory) {
+TEST_F(nStdPathPluginDirectory, ThrowsTheFailureToFindTheSharedDirectory) {
     try {
         static_cast<void>(nStdPath::getPluginDirectory());
         FAIL() << "nothing thrown";
@@ -217,7 +217,7 @@ TEST_F(StdPathPluginDirectory, ThrowsTheFailureToFindTheSharedDirectory) {
     }
 }
 
-TEST_F(StdPathPluginDirectory, ThrowsNothingOverAnExceptionInFlight) {
+TEST_F(nStdPathPluginDirectory, ThrowsNothingWhileAnExceptionIsPropagating) {
     struct tComposeAtExit {
         std::string& composed;
         ~tComposeAtExit() { composed = compose(); }
@@ -230,7 +230,7 @@ TEST_F(StdPathPluginDirectory, ThrowsNothingOverAnExceptionInFlight) {
     }
 }
 
-TEST(StdPathSystemErrorReport, TellsAWin32ErrorUnsignedWithTheSystemsText) {
+TEST(nStdPathSystemErrorReport, ShowsAWin32ErrorUnsignedWithTheSystemsText) {
     zuerr::StatusRecord status;
     nStdPath::raiseSystemError(status, 232, {nStdPath::tSystemError::tKind::win32, 0xFFFFFFFE, "No \"such\" key.\r\n"},
                                "RegOpenKeyEx failed");
@@ -241,7 +241,7 @@ TEST(StdPathSystemErrorReport, TellsAWin32ErrorUnsignedWithTheSystemsText) {
                  R"("string":"No \"such\" key.\r\n"},"zutolq_debug":{"desc":"RegOpenKeyEx failed"}})");
 }
 
-TEST(StdPathSystemErrorReport, LeavesOutATextThatTheSystemDoesNotHave) {
+TEST(nStdPathSystemErrorReport, OmitsTheTextIfTheSystemHasNone) {
     zuerr::StatusRecord status;
     nStdPath::raiseSystemError(status, 256, {nStdPath::tSystemError::tKind::win32, 2}, "RegQueryValue failed");
     EXPECT_STREQ(status.json, R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":256,)"
@@ -249,7 +249,7 @@ TEST(StdPathSystemErrorReport, LeavesOutATextThatTheSystemDoesNotHave) {
                               R"("zutolq_debug":{"desc":"RegQueryValue failed"}})");
 }
 
-TEST(StdPathSystemErrorReport, GrowsWithTheSystemsText) {
+TEST(nStdPathSystemErrorReport, GrowsWithTheSystemsText) {
     const std::string longText(2000, 'x');
     zuerr::StatusRecord status;
     nStdPath::raiseSystemError(status, 256, {nStdPath::tSystemError::tKind::win32, 2, longText.c_str()}, "d");
@@ -258,7 +258,7 @@ TEST(StdPathSystemErrorReport, GrowsWithTheSystemsText) {
     EXPECT_TRUE(report.ends_with(R"(},"zutolq_debug":{"desc":"d"}})")) << report;
 }
 
-TEST(StdPathSystemErrorReport, EndsBeforeTheFirstMemberForWhichThereIsNoMemory) {
+TEST(nStdPathSystemErrorReport, EndsBeforeTheFirstMemberForWhichThereIsNoMemory) {
     const std::string longText(600, 'x');
     zuerr::StatusRecord status;
     const nStdPath::tSystemError error{nStdPath::tSystemError::tKind::win32, 2, longText.c_str()};
@@ -269,7 +269,7 @@ TEST(StdPathSystemErrorReport, EndsBeforeTheFirstMemberForWhichThereIsNoMemory) 
         << "the description would have had room";
 }
 
-TEST(StdPathSystemErrorReport, NeverReplacesAnEarlierError) {
+TEST(nStdPathSystemErrorReport, NeverReplacesAnEarlierError) {
     tFailedStatus failed;
     nStdPath::raiseSystemError(failed, 256, {nStdPath::tSystemError::tKind::win32, 2}, "d");
     EXPECT_EQ(failed.code, -7);

@@ -16,17 +16,17 @@ namespace {
 
 using testing::ElementsAre;
 
-/// One answer of the registry to a query.
+/// The registry's response to one query.
 struct tAnswer {
     LSTATUS result;
     DWORD reportedSize;
     std::u16string value;
 };
 
-/// A registry that says what the test scripts, and notes who asks for what.
-class StdPathRegistryReader : public testing::Test {
+/// A scripted registry that records every call.
+class nStdPathRegistryReader : public testing::Test {
 protected:
-    StdPathRegistryReader() {
+    nStdPathRegistryReader() {
         imports::RegOpenKeyExW.replace([this](HKEY hive, const wchar_t* path, DWORD options, REGSAM access, HKEY* key) {
             EXPECT_EQ(hive, HKEY_LOCAL_MACHINE);
             EXPECT_STREQ(path, L"SOFTWARE\\Corvell\\Common\\Installer");
@@ -41,7 +41,7 @@ protected:
                 EXPECT_EQ(key, handle());
                 EXPECT_STREQ(name, L"ZUSHAREDDIR64");
                 EXPECT_EQ(reserved, nullptr);
-                EXPECT_EQ(type, nullptr) << "the type of the value is nobody's business";
+                EXPECT_EQ(type, nullptr) << "the type of the value is not used";
                 calls.push_back("query " + std::to_string(*size));
                 return answer(data, size);
             });
@@ -77,7 +77,7 @@ protected:
         if (answers.empty()) return ERROR_CALL_NOT_IMPLEMENTED;
         const tAnswer next = answers.front();
         answers.erase(answers.begin());
-        // The system may use all of the room that it is told of.
+        // The system may fill the whole buffer.
         std::memset(data, 0xEE, *size);
         std::memcpy(data, next.value.data(), next.value.size() * sizeof(char16_t));
         *size = next.reportedSize;
@@ -106,80 +106,80 @@ std::string report(int line, unsigned code, const std::string& text, const std::
            text + R"(},"zutolq_debug":{"desc":")" + description + "\"}}";
 }
 
-/// What running out of memory reports, whoever asked for it.
+/// The report that running out of memory causes, whichever call needed it.
 const std::string outOfMemory =
     R"({"error_constant":"-52000","file":"zubrx/err/Allocator","line":31,"component":"zuZiptraRemoteService"})";
 
 const std::string systemText = R"(,"string":"The system's text.\r\n")";
 
-TEST_F(StdPathRegistryReader, AsksWith512BytesAndKeepsExactlyWhatTheValueHeld) {
+TEST_F(nStdPathRegistryReader, QueriesWith512BytesAndKeepsExactlyTheValue) {
     answers = {{ERROR_SUCCESS, 10, {u"C:\\D\0", 5}}};
     EXPECT_EQ(read(), std::u16string(u"C:\\D\0", 5));
     EXPECT_EQ(status.code, 0);
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
 }
 
-TEST_F(StdPathRegistryReader, ReadsAValueThatJustFitsTheFirstBufferAtOnce) {
+TEST_F(nStdPathRegistryReader, ReadsAValueThatJustFitsTheFirstBufferAtOnce) {
     const std::u16string value(256, u'x');
     answers = {{ERROR_SUCCESS, 512, value}};
     EXPECT_EQ(read(), value);
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
 }
 
-TEST_F(StdPathRegistryReader, AsksAgainWithTheSizeThatTheFirstCallReported) {
+TEST_F(nStdPathRegistryReader, QueriesAgainWithTheSizeThatTheFirstCallReported) {
     const std::u16string value(300, u'x');
     answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_SUCCESS, 600, value}};
     EXPECT_EQ(read(), value);
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "close"));
 }
 
-TEST_F(StdPathRegistryReader, GoesOnAskingWhileTheValueGrows) {
+TEST_F(nStdPathRegistryReader, RepeatsTheQueryWhileTheValueGrows) {
     const std::u16string value(400, u'x');
     answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_MORE_DATA, 800, u""}, {ERROR_SUCCESS, 800, value}};
     EXPECT_EQ(read(), value);
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "query 800", "close"));
 }
 
-TEST_F(StdPathRegistryReader, KeepsLessWhenTheValueShrinksBetweenTwoCalls) {
+TEST_F(nStdPathRegistryReader, KeepsLessWhenTheValueShrinksBetweenTwoCalls) {
     answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_SUCCESS, 4, u"ab"}};
     EXPECT_EQ(read(), u"ab");
 }
 
-TEST_F(StdPathRegistryReader, DropsTheOddByteOfAValueThatIsNoText) {
+TEST_F(nStdPathRegistryReader, DropsTheOddByteOfAValueThatIsNotText) {
     answers = {{ERROR_SUCCESS, 5, u"abc"}};
     EXPECT_EQ(read(), u"ab");
 }
 
-TEST_F(StdPathRegistryReader, HasRoomForTheOddByteOfALongValue) {
-    // The stand-in writes all of the room that it is told of; a buffer of 300 characters would be one byte too small.
+TEST_F(nStdPathRegistryReader, HasSpaceForTheOddByteOfALongValue) {
+    // The stand-in fills the whole buffer; one of 300 characters would be one byte too small.
     answers = {{ERROR_MORE_DATA, 601, u""}, {ERROR_SUCCESS, 601, std::u16string(300, u'x')}};
     EXPECT_EQ(read(), std::u16string(300, u'x'));
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 601", "close"));
 }
 
-TEST_F(StdPathRegistryReader, GivesAnEmptyTextForAValueWithoutData) {
+TEST_F(nStdPathRegistryReader, ReturnsAnEmptyTextForAValueWithoutData) {
     answers = {{ERROR_SUCCESS, 0, u""}};
     EXPECT_EQ(read(), u"");
     EXPECT_EQ(status.code, 0);
 }
 
-TEST_F(StdPathRegistryReader, MindsNoFailureToCloseTheKey) {
+TEST_F(nStdPathRegistryReader, IgnoresAFailureToCloseTheKey) {
     closeResult = ERROR_INVALID_HANDLE;
     answers = {{ERROR_SUCCESS, 4, u"ab"}};
     EXPECT_EQ(read(), u"ab");
     EXPECT_EQ(status.code, 0);
 }
 
-TEST_F(StdPathRegistryReader, ReportsAMissingKeyAndClosesNothing) {
+TEST_F(nStdPathRegistryReader, ReportsAMissingKeyAndClosesNothing) {
     openResult = ERROR_FILE_NOT_FOUND;
     EXPECT_EQ(read(), u"");
     EXPECT_EQ(status.code, -52006);
     EXPECT_EQ(status.json, report(232, 2, systemText, "RegOpenKeyEx failed"));
     EXPECT_THAT(calls, ElementsAre("open", "format 2", "free"));
-    EXPECT_EQ(reportAtFree, status.json) << "the text is released when the report is built";
+    EXPECT_EQ(reportAtFree, status.json) << "the text is freed after the report is built";
 }
 
-TEST_F(StdPathRegistryReader, ReportsAMissingValueAndClosesTheKey) {
+TEST_F(nStdPathRegistryReader, ReportsAMissingValueAndClosesTheKey) {
     answers = {{ERROR_FILE_NOT_FOUND, 512, u""}};
     read();
     EXPECT_EQ(status.code, -52006);
@@ -188,14 +188,14 @@ TEST_F(StdPathRegistryReader, ReportsAMissingValueAndClosesTheKey) {
     EXPECT_EQ(reportAtFree, status.json);
 }
 
-TEST_F(StdPathRegistryReader, ReportsAFailureOfTheSecondQuery) {
+TEST_F(nStdPathRegistryReader, ReportsAFailureOfTheSecondQuery) {
     answers = {{ERROR_MORE_DATA, 600, u""}, {ERROR_ACCESS_DENIED, 600, u""}};
     read();
     EXPECT_EQ(status.json, report(256, 5, systemText, "RegQueryValue failed"));
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "query 600", "format 5", "free", "close"));
 }
 
-TEST_F(StdPathRegistryReader, LeavesTheTextOutWhenTheSystemHasNone) {
+TEST_F(nStdPathRegistryReader, OmitsTheTextIfTheSystemHasNone) {
     message.reset();
     openResult = static_cast<LSTATUS>(0xDEADBEEF);
     read();
@@ -203,13 +203,13 @@ TEST_F(StdPathRegistryReader, LeavesTheTextOutWhenTheSystemHasNone) {
     EXPECT_THAT(calls, ElementsAre("open", "format 3735928559"));
 }
 
-TEST_F(StdPathRegistryReader, ReportsThatMemoryRunsOutBeforeTheFirstQueryAndClosesTheKey) {
+TEST_F(nStdPathRegistryReader, ReportsThatMemoryRunsOutBeforeTheFirstQueryAndClosesTheKey) {
     EXPECT_EQ(allocations::refused(512, [this] { read(); }), 2) << "the buffer, and the report's";
     EXPECT_EQ(status.code, -52000);
     EXPECT_THAT(calls, ElementsAre("open", "close"));
 }
 
-TEST_F(StdPathRegistryReader, ReportsThatMemoryRunsOutForALongValueAndClosesTheKey) {
+TEST_F(nStdPathRegistryReader, ReportsThatMemoryRunsOutForALongValueAndClosesTheKey) {
     answers = {{ERROR_MORE_DATA, 60000, u""}};
     EXPECT_EQ(allocations::refused(60000, [this] { read(); }), 1);
     EXPECT_EQ(status.code, -52000);
@@ -217,7 +217,7 @@ TEST_F(StdPathRegistryReader, ReportsThatMemoryRunsOutForALongValueAndClosesTheK
     EXPECT_THAT(calls, ElementsAre("open", "query 512", "close"));
 }
 
-TEST_F(StdPathRegistryReader, GivesTheSharedDirectoryOfAValueOfAnyType) {
+TEST_F(nStdPathRegistryReader, ReadsTheSharedDirectoryFromAValueOfAnyType) {
     const std::u16string value(u" D:\\Shared\\ \0", 13);
     answers = {{ERROR_SUCCESS, 26, value}};
     std::string result;
@@ -225,12 +225,12 @@ TEST_F(StdPathRegistryReader, GivesTheSharedDirectoryOfAValueOfAnyType) {
     EXPECT_EQ(result, "D:\\Shared");
 }
 
-TEST_F(StdPathRegistryReader, SpellsThePluginDirectoryWithBackslashes) {
+TEST_F(nStdPathRegistryReader, WritesThePluginDirectoryWithBackslashes) {
     answers = {{ERROR_SUCCESS, 20, {u"D:\\Shared\\", 10}}};
     EXPECT_EQ(nStdPath::getPluginDirectory().native(), L"D:\\Shared\\ZiptraRemoteService\\plugins");
 }
 
-TEST(StdPathRegistry, TellsOfAKeyThatIsNotThereWithTheSystemsOwnText) {
+TEST(nStdPathRegistry, ReportsAMissingKeyWithTheSystemsOwnText) {
     zuerr::StatusRecord status;
     nStdPath::tWideBuffer wide;
     nStdPath::readRegistryString(u"SOFTWARE\\Corvell\\No such key", u"x", 0, wide, status);
@@ -238,9 +238,9 @@ TEST(StdPathRegistry, TellsOfAKeyThatIsNotThereWithTheSystemsOwnText) {
     EXPECT_NE(std::string(status.json).find(R"("code":2,"string":")"), std::string::npos) << status.json;
 }
 
-class StdPathKnownFolder : public testing::Test {
+class nStdPathKnownFolder : public testing::Test {
 protected:
-    StdPathKnownFolder() {
+    nStdPathKnownFolder() {
         imports::SHGetFolderPathW.replace([this](HWND window, int csidl, HANDLE token, DWORD flags, wchar_t* path) {
             EXPECT_EQ(window, nullptr);
             EXPECT_EQ(csidl, 35);
@@ -263,7 +263,7 @@ protected:
     zuerr::StatusRecord status;
 };
 
-TEST_F(StdPathKnownFolder, IsAskedForWithABufferOf260Zeros) {
+TEST_F(nStdPathKnownFolder, IsQueriedWithABufferOf260Zeros) {
     nStdPath::tWideBuffer wide;
     nStdPath::getKnownFolder(35, wide, status);
     EXPECT_EQ(calls, 1);
@@ -271,7 +271,7 @@ TEST_F(StdPathKnownFolder, IsAskedForWithABufferOf260Zeros) {
     EXPECT_EQ(std::u16string(wide.begin(), wide.end()), u"C:\\ProgramData" + std::u16string(246, 0));
 }
 
-TEST_F(StdPathKnownFolder, ReportsEveryResultButZero) {
+TEST_F(nStdPathKnownFolder, ReportsEveryResultExceptZero) {
     for (const HRESULT failing : {E_INVALIDARG, E_FAIL, S_FALSE}) {
         result = failing;
         zuerr::StatusRecord failed;
@@ -281,11 +281,12 @@ TEST_F(StdPathKnownFolder, ReportsEveryResultButZero) {
         EXPECT_EQ(failed.json, R"({"error_constant":"kestStatusResourceNotFound","file":"zutolq\\stdpath","line":293,)"
                                R"("component":"zuZiptraRemoteService","internal_error":{"api":"hresult","code":)" +
                                    std::to_string(failing) + R"(},"zutolq_debug":{"desc":"SHGetFolderPathW failed"}})");
-        EXPECT_EQ(directory, "C:\\ProgramData\\Corvell") << "what the failed call left is converted all the same";
+        EXPECT_EQ(directory, "C:\\ProgramData\\Corvell")
+            << "the content that the failed call left is converted nevertheless";
     }
 }
 
-TEST_F(StdPathKnownFolder, IsNotAskedForWhenThereIsNoMemoryForTheBuffer) {
+TEST_F(nStdPathKnownFolder, IsNotQueriedIfThereIsNoMemoryForTheBuffer) {
     std::string directory = "as it was";
     EXPECT_EQ(allocations::refused(513, [&] { nStdPath::getCommonAppDataDirectory(directory, status); }), 1);
     EXPECT_EQ(calls, 0);
@@ -294,10 +295,10 @@ TEST_F(StdPathKnownFolder, IsNotAskedForWhenThereIsNoMemoryForTheBuffer) {
     EXPECT_EQ(directory, "\\Corvell");
 }
 
-/// The system's loader on a machine where shell32 has not been loaded yet.
-class StdPathShell32 : public StdPathKnownFolder {
+/// A loader of a process that has not loaded shell32 yet.
+class nStdPathShell32 : public nStdPathKnownFolder {
 protected:
-    StdPathShell32() {
+    nStdPathShell32() {
         imports::GetSystemDirectoryW.replace(
             [](wchar_t* path, UINT) { return UINT(std::wcslen(std::wcscpy(path, L"S:\\s"))); });
         imports::GetModuleHandleW.replace([this](const wchar_t* path) {
@@ -332,7 +333,7 @@ protected:
     std::string loaderCalls;
 };
 
-TEST_F(StdPathShell32, IsLoadedFromTheSystemFolderByTheFirstCallAndFoundByLaterOnes) {
+TEST_F(nStdPathShell32, IsLoadedFromTheSystemFolderByTheFirstCallAndReusedByLaterOnes) {
     nStdPath::getCommonAppDataDirectory(directory, status);
     nStdPath::getCommonAppDataDirectory(directory, status);
     EXPECT_EQ(status.code, 0);
@@ -342,7 +343,7 @@ TEST_F(StdPathShell32, IsLoadedFromTheSystemFolderByTheFirstCallAndFoundByLaterO
     EXPECT_EQ(mode, DWORD{SEM_NOOPENFILEERRORBOX}) << "the thread's mode is restored";
 }
 
-TEST_F(StdPathShell32, ThatCannotBeLoadedIsADescribedFailureAndIsTriedAgain) {
+TEST_F(nStdPathShell32, IsReportedAndTriedAgainIfItCannotBeLoaded) {
     canBeLoaded = false;
     zuerr::StatusRecord failed;
     nStdPath::getCommonAppDataDirectory(directory, failed);
@@ -360,21 +361,21 @@ TEST_F(StdPathShell32, ThatCannotBeLoadedIsADescribedFailureAndIsTriedAgain) {
     EXPECT_EQ(loaderCalls, "find load find load ");
 }
 
-TEST_F(StdPathShell32, WithoutTheFunctionIsAFailureWhateverTheLastErrorIs) {
+TEST_F(nStdPathShell32, WithoutTheFunctionIsAFailureRegardlessOfTheLastError) {
     imports::GetProcAddress.replace([](auto...) -> FARPROC { return nullptr; });
     nStdPath::getCommonAppDataDirectory(directory, status);
     EXPECT_EQ(status.code, -52006);
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(StdPathShell32, IsNotLookedForAtTheRootOfADriveIfTheSystemFolderIsUnknown) {
+TEST_F(nStdPathShell32, IsNotSearchedForAtTheRootOfADriveIfTheSystemFolderIsUnknown) {
     imports::GetSystemDirectoryW.replace([](auto...) { return UINT{0}; });
     nStdPath::getCommonAppDataDirectory(directory, status);
     EXPECT_EQ(status.code, -52006);
     EXPECT_EQ(loaderCalls, "");
 }
 
-TEST(StdPathKnownFolders, IncludeTheMachinesApplicationData) {
+TEST(nStdPathKnownFolders, IncludeTheMachinesApplicationData) {
     zuerr::StatusRecord status;
     std::string directory;
     nStdPath::getCommonAppDataDirectory(directory, status);
@@ -383,10 +384,10 @@ TEST(StdPathKnownFolders, IncludeTheMachinesApplicationData) {
     EXPECT_GT(directory.size(), std::strlen("C:\\\\Corvell"));
 }
 
-// The C library is everybody's in this process, and a plug-in may set its locale.
-TEST(StdPathTrimPathInALocale, KeepsTheLastByteOfALetterThatTheLocaleTakesForASpace) {
+// The whole process shares the C library, and a plug-in may set its locale.
+TEST(nStdPathTrimPathInALocale, KeepsTheLastByteOfALetterThatTheLocaleTreatsAsASpace) {
     ASSERT_NE(std::setlocale(LC_ALL, "German_Germany.1252"), nullptr);
-    EXPECT_NE(std::isspace(0xA0), 0) << "this locale shows nothing";
+    EXPECT_NE(std::isspace(0xA0), 0) << "this locale proves nothing";
     std::string path = " \xC2\xA0 voil\xC3\xA0 ";
     nStdPath::trimPath(path);
     std::setlocale(LC_ALL, "C");

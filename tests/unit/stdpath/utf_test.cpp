@@ -15,15 +15,15 @@ std::string toUtf8(std::u16string_view wide) {
     return result;
 }
 
-/// A text that holds every kind of character, as the compiler encodes it in either form.
+/// A text with every kind of character, as the compiler encodes it in either form.
 constexpr std::u16string_view utf16Sample =
     u"C:\\Daten \x7F\u0080\u07FF\u0800计划\uD7FF\uE000\uFFFF\U00010000🚀\U0010FFFF";
 constexpr std::u8string_view utf8Sample =
     u8"C:\\Daten \x7F\u0080\u07FF\u0800计划\uD7FF\uE000\uFFFF\U00010000🚀\U0010FFFF";
 
-TEST(UtfWideToUtf8, GivesWhatTheCompilerGivesForTheSameText) { EXPECT_EQ(toUtf8(utf16Sample), text(utf8Sample)); }
+TEST(UtfWideToUtf8, EncodesATextLikeTheCompiler) { EXPECT_EQ(toUtf8(utf16Sample), text(utf8Sample)); }
 
-TEST(UtfWideToUtf8, AppendsToWhatIsThere) {
+TEST(UtfWideToUtf8, AppendsToTheExistingText) {
     std::string result = "before ";
     const std::u16string_view wide = u"after";
     nStdPath::wideToUtf8(wide.begin(), wide.end(), result);
@@ -38,7 +38,7 @@ TEST(UtfWideToUtf8, AppendsNothingForAnEmptyRange) {
 
 TEST(UtfWideToUtf8, KeepsZeros) { EXPECT_EQ(toUtf8({u"a\0b\0", 4}), std::string("a\0b\0", 4)); }
 
-TEST(UtfWideToUtf8, ChangesItsLengthAtTheEdgesOfTheRanges) {
+TEST(UtfWideToUtf8, ChangesTheLengthAtTheLimitsOfTheRanges) {
     EXPECT_EQ(toUtf8(u"\x007F"), "\x7F");
     EXPECT_EQ(toUtf8(u"\x0080"), "\xC2\x80");
     EXPECT_EQ(toUtf8(u"\x07FF"), "\xDF\xBF");
@@ -48,28 +48,28 @@ TEST(UtfWideToUtf8, ChangesItsLengthAtTheEdgesOfTheRanges) {
     EXPECT_EQ(toUtf8(u"\xDBFF\xDFFF"), "\xF4\x8F\xBF\xBF");
 }
 
-TEST(UtfWideToUtf8, PairsAHighSurrogateWithWhateverFollows) {
+TEST(UtfWideToUtf8, PairsAHighSurrogateWithAnyFollowingUnit) {
     EXPECT_EQ(toUtf8(std::u16string{0xD800, 'A'}), "\xE2\x91\x81");         // U+2441
     EXPECT_EQ(toUtf8(std::u16string{0xD800, 0}), "\xE2\x90\x80");           // U+2400
     EXPECT_EQ(toUtf8(std::u16string{0xD800, 0xD800}), "\xEF\xB0\x80");      // U+FC00
     EXPECT_EQ(toUtf8(std::u16string{0xDBFF, 0xFFFF}), "\xF4\x91\xBF\xBF");  // 0x111FFF
     EXPECT_EQ(toUtf8(std::u16string{0xD800, 'A', 'B'}),
               "\xE2\x91\x81"
-              "B");  // and with no more than that
+              "B");  // but only with one unit
 }
 
-TEST(UtfWideToUtf8, GivesThreeBytesForALowSurrogateOfItsOwn) {
+TEST(UtfWideToUtf8, WritesThreeBytesForALoneLowSurrogate) {
     EXPECT_EQ(toUtf8(std::u16string{0xDC00}), "\xED\xB0\x80");
     EXPECT_EQ(toUtf8(std::u16string{0xDFFF, 'x'}), "\xED\xBF\xBFx");
     EXPECT_EQ(toUtf8(std::u16string{0xDC00, 0xD83D, 0xDE80}), "\xED\xB0\x80\xF0\x9F\x9A\x80");
 }
 
-TEST(UtfWideToUtf8, GivesThreeBytesForAHighSurrogateAtTheEnd) {
+TEST(UtfWideToUtf8, WritesThreeBytesForAHighSurrogateAtTheEnd) {
     EXPECT_EQ(toUtf8(std::u16string{'x', 0xD800}), "x\xED\xA0\x80");
     EXPECT_EQ(toUtf8(std::u16string{0xDBFF}), "\xED\xAF\xBF");
 }
 
-TEST(UtfFileNames, AreConvertedAsTheCompilerConvertsTheSameText) {
+TEST(UtfFileNames, AreConvertedLikeTheCompilersTexts) {
     EXPECT_EQ(nStdPath::fileNameToUtf8(utf16Sample), text(utf8Sample));
     EXPECT_EQ(nStdPath::fileNameFromUtf8(text(utf8Sample)), utf16Sample);
 }
@@ -79,14 +79,14 @@ TEST(UtfFileNames, MayBeEmpty) {
     EXPECT_EQ(nStdPath::fileNameFromUtf8(""), u"");
 }
 
-TEST(UtfFileNames, ComeBackAsTheyWereWhateverTheirUnits) {
+TEST(UtfFileNames, SurviveTheRoundTripWithAnyUnits) {
     for (char32_t unit = 0; unit <= 0xFFFF; ++unit) {
         const std::u16string name{static_cast<char16_t>(unit)};
         ASSERT_EQ(nStdPath::fileNameFromUtf8(nStdPath::fileNameToUtf8(name)), name) << std::hex << +unit;
     }
 }
 
-TEST(UtfFileNames, ComeBackAsTheyWereWhateverStandsTogether) {
+TEST(UtfFileNames, SurviveTheRoundTripWithAnyCombinationOfUnits) {
     constexpr std::array<char16_t, 13> units{0,      'A',    0x7F,   0x80,   0x7FF,  0x800, 0xD7FF,
                                              0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFF};
     std::set<std::string> texts;
@@ -108,17 +108,17 @@ TEST(UtfFileNames, DoNotPairASurrogateWithAnOrdinaryCharacter) {
               "A");
 }
 
-TEST(UtfFileNames, GiveAReplacementCharacterForEachByteThatBeginsNoCharacter) {
+TEST(UtfFileNames, HaveAReplacementCharacterForEachByteThatBeginsNoCharacter) {
     const auto name = [](std::string_view bytes) { return nStdPath::fileNameFromUtf8(bytes); };
-    EXPECT_EQ(name("a\x80z"), u"a\uFFFDz");  // a tail without a head
+    EXPECT_EQ(name("a\x80z"), u"a\uFFFDz");  // a continuation byte without a lead byte
     EXPECT_EQ(name("\xBF"), u"\uFFFD");
-    EXPECT_EQ(name("\xC3"), u"\uFFFD");              // a head at the end
-    EXPECT_EQ(name({"\xC3\xA4", 1}), u"\uFFFD");     // a tail that belongs to somebody else
-    EXPECT_EQ(name("\xC3z"), u"\uFFFDz");            // a head without a tail
-    EXPECT_EQ(name("\xE8\xAE"), u"\uFFFD\uFFFD");    // a tail too short, at the end
+    EXPECT_EQ(name("\xC3"), u"\uFFFD");              // a lead byte at the end
+    EXPECT_EQ(name({"\xC3\xA4", 1}), u"\uFFFD");     // a continuation byte past the end of the text
+    EXPECT_EQ(name("\xC3z"), u"\uFFFDz");            // a lead byte without a continuation byte
+    EXPECT_EQ(name("\xE8\xAE"), u"\uFFFD\uFFFD");    // too few continuation bytes, at the end
     EXPECT_EQ(name("\xE8\xAEz"), u"\uFFFD\uFFFDz");  // and before another character
     EXPECT_EQ(name("\xF0\x9F\x9A"), u"\uFFFD\uFFFD\uFFFD");
-    EXPECT_EQ(name("\xC1\xBF"), u"\uFFFD\uFFFD");  // longer than need be
+    EXPECT_EQ(name("\xC1\xBF"), u"\uFFFD\uFFFD");  // overlong
     EXPECT_EQ(name("\xE0\x9F\xBF"), u"\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(name("\xF0\x8F\xBF\xBF"), u"\uFFFD\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(name("\xF4\x90\x80\x80"), u"\uFFFD\uFFFD\uFFFD\uFFFD");  // above U+10FFFF

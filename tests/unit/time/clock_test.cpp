@@ -19,7 +19,7 @@ using nTime::tUnit;
 
 constexpr std::uint32_t usualIncrement = 156'250;  // 15.625 ms
 
-TEST(Clock, CountsAPartTickAsAWholeOne) {
+TEST(nTimeClock, RoundsUpToWholeTicks) {
     const std::pair<std::uint64_t, std::uint64_t> rows[] = {{0, 0},   {1, 1},     {15, 1},   {16, 2},
                                                             {125, 8}, {1000, 64}, {1001, 65}};
     for (const auto& [milliseconds, ticks] : rows) {
@@ -30,18 +30,18 @@ TEST(Clock, CountsAPartTickAsAWholeOne) {
     }
 }
 
-TEST(Clock, WrapsTheNanosecondsIn64Bits) {
+TEST(nTimeClock, WrapsTheNanosecondsIn64Bits) {
     constexpr std::uint64_t nanosecondsPerMillisecond = 1'000'000;
     constexpr std::uint64_t wrapping = std::numeric_limits<std::uint64_t>::max() / nanosecondsPerMillisecond + 1;
     EXPECT_EQ(ticksFromMs(wrapping, 10'000), 1U);
 }
 
-TEST(Clock, ComputesTheTickLengthOfAReadingIn32Bits) {
-    // 42,949,673 * 100 is 4 more than 32 bits hold, which leaves a tick of 4 nanoseconds.
+TEST(nTimeClock, ComputesTheTickLengthOfAReadingIn32Bits) {
+    // 42,949,673 * 100 exceeds 32 bits and wraps around to a tick of 4 nanoseconds.
     EXPECT_EQ(ticksFromMs(1, 42'949'673), 250'000U);
 }
 
-TEST(Clock, FillsItsSettingsWhenItIsInitialised) {
+TEST(nTimeClock, FillsItsSettingsWhenItIsInitialised) {
     support::tFakeClock clock(usualIncrement);
     clock.counterFrequency = 3'579'545;
     nTime::InitialiseClock();
@@ -58,7 +58,7 @@ TEST(Clock, FillsItsSettingsWhenItIsInitialised) {
     EXPECT_EQ(gClockSettings.tickLength, 429'496'729'500U) << "in 64 bits";
 }
 
-TEST(Clock, InitialisesItselfOnlyWhenItIsFirstRead) {
+TEST(nTimeClock, InitialisesItselfOnlyWhenItIsFirstRead) {
     const support::tFakeClock clock;
     EXPECT_EQ(nTime::nowInTickLengthUnit(), 1'000'000'000U);
     EXPECT_TRUE(gClockSettings.initialised);
@@ -66,14 +66,14 @@ TEST(Clock, InitialisesItselfOnlyWhenItIsFirstRead) {
     EXPECT_EQ(nTime::nowInTickLengthUnit(), 7000U);
 }
 
-TEST(Clock, ReadsTheIncrementAgainAtEachReading) {
+TEST(nTimeClock, ReadsTheIncrementAgainAtEachReading) {
     support::tFakeClock clock(usualIncrement);
     EXPECT_EQ(NowTicks(), 64U);
     clock.timeIncrement = 10'000;
     EXPECT_EQ(NowTicks(), 1000U);
 }
 
-TEST(Clock, UsesTheUsualIncrementOrTheLastOneIfTheSystemReportsNone) {
+TEST(nTimeClock, UsesTheUsualIncrementOrTheLastOneIfTheSystemReportsNone) {
     support::tFakeClock clock(0);
     EXPECT_EQ(NowTicks(), 64U);
     nTime::InitialiseClock();
@@ -87,9 +87,9 @@ TEST(Clock, UsesTheUsualIncrementOrTheLastOneIfTheSystemReportsNone) {
     EXPECT_EQ(stopwatch.elapsedMs(), 50U) << "both readings of a duration count the same ticks";
 }
 
-TEST(Clock, AbortsTheProcessForACounterFrequencyOfZero) {
+TEST(nTimeClock, AbortsTheProcessForACounterFrequencyOfZero) {
     const auto initialise = [] {
-        // Instead of the system's crash report.
+        // Suppresses the system's crash report.
         std::signal(SIGABRT, [](int) { std::_Exit(42); });
         support::tFakeClock clock;
         clock.counterFrequency = 0;
@@ -98,7 +98,7 @@ TEST(Clock, AbortsTheProcessForACounterFrequencyOfZero) {
     EXPECT_EXIT(initialise(), testing::ExitedWithCode(42), "");
 }
 
-TEST(Clock, NeverGoesBack) {
+TEST(nTimeClock, NeverGoesBack) {
     gClockSettings = {};
     std::uint64_t last = NowTicks();
     for (int i = 0; i < 1000; ++i) {

@@ -10,15 +10,15 @@ using nTime::tStopwatch;
 
 constexpr std::uint32_t usualIncrement = 156'250;  // 15.625 ms
 
-TEST(Stopwatch, InitialisesTheClock) {
+TEST(tStopwatch, InitialisesTheClock) {
     nTime::gClockSettings = {};
     const tStopwatch stopwatch;
     EXPECT_TRUE(nTime::gClockSettings.initialised);
 }
 
-TEST(Stopwatch, MeasuresWholeTicksTruncatedToMilliseconds) {
+TEST(tStopwatch, MeasuresWholeTicksTruncatedToMilliseconds) {
     support::tFakeClock clock(usualIncrement);
-    const tStopwatch stopwatch;  // at 1000 ms, where a tick ends
+    const tStopwatch stopwatch;  // at 1000 ms, the end of a tick
     const std::pair<std::uint64_t, std::uint64_t> rows[] = {
         {1000, 0}, {1001, 15}, {1015, 15}, {1016, 31}, {2000, 1000}};
     for (const auto& [nowMs, elapsedMs] : rows) {
@@ -27,7 +27,7 @@ TEST(Stopwatch, MeasuresWholeTicksTruncatedToMilliseconds) {
     }
 }
 
-TEST(Stopwatch, MeasuresNothingWithinOneTick) {
+TEST(tStopwatch, MeasuresZeroWithinOneTick) {
     support::tFakeClock clock(usualIncrement);
     clock.nowMs = 1001;
     const tStopwatch stopwatch;
@@ -35,7 +35,7 @@ TEST(Stopwatch, MeasuresNothingWithinOneTick) {
     EXPECT_EQ(stopwatch.elapsedMs(), 0U);
 }
 
-TEST(Stopwatch, MeasuresMoreMillisecondsThan32BitsHold) {
+TEST(tStopwatch, MeasuresMoreMillisecondsThanFit32Bits) {
     constexpr std::uint64_t sixtyDays = 60ULL * 24 * 60 * 60 * 1000;
     static_assert(sixtyDays > 0xFFFFFFFF);
     support::tFakeClock clock;

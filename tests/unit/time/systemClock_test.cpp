@@ -13,7 +13,7 @@ TEST(SystemClock, CountsMillisecondsThatNeverGoBack) {
     }
 }
 
-TEST(SystemClock, ReportsItsTickAndTheCountersFrequency) {
+TEST(SystemClock, ReportsItsTickLengthAndTheCountersFrequency) {
     EXPECT_GT(nTime::timeIncrement100ns(), 0U);
     EXPECT_GT(nTime::counterFrequencyHz(), 0U);
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// At the end of a test at once: the test framework's own stopwatch asks for the counter frequency.
+/// Immediately at the end of a test: the test framework's own stopwatch queries the counter frequency.
 class SystemClockCalls : public testing::Test {
 protected:
     ~SystemClockCalls() override {
@@ -24,7 +24,7 @@ protected:
     void scriptIncrement() {
         imports::GetSystemTimeAdjustment.replace([this](PDWORD adjustment, PDWORD reported, PBOOL disabled) -> BOOL {
             calls_ += "increment ";
-            // The adjustment is another number on a machine whose clock is being slowed down.
+            // The adjustment differs on a machine whose clock is being slowed down.
             *adjustment = increment_ / 2;
             *reported = increment_;
             *disabled = FALSE;

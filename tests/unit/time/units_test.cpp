@@ -11,7 +11,7 @@ using nTime::tUnit;
 
 constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
 
-TEST(Convert, LeavesTheValueAloneBetweenEqualUnits) {
+TEST(Convert, ReturnsTheValueUnchangedForEqualUnits) {
     EXPECT_EQ(Convert(5, tUnit::milliseconds, tUnit::milliseconds), 5U);
     for (int unit = 0; unit <= 6; ++unit) EXPECT_EQ(Convert(largest, tUnit{unit}, tUnit{unit}), largest);
 }
@@ -26,7 +26,7 @@ TEST(Convert, NumbersTheUnitsFromPicosecondsToHours) {
     EXPECT_EQ(tUnit{6}, tUnit::hours);
 }
 
-TEST(Convert, StepsBy1000UpToSecondsAndBy60AboveThem) {
+TEST(Convert, UsesAFactorOf1000UpToSecondsAnd60Above) {
     const std::uint64_t factors[] = {1000, 1000, 1000, 1000, 60, 60};
     for (int unit = 0; unit < 6; ++unit) {
         EXPECT_EQ(Convert(7, tUnit{unit + 1}, tUnit{unit}), 7 * factors[unit]);
@@ -34,7 +34,7 @@ TEST(Convert, StepsBy1000UpToSecondsAndBy60AboveThem) {
     }
 }
 
-TEST(Convert, StepsOverSeveralUnitsAndTruncatesDivisions) {
+TEST(Convert, ConvertsAcrossSeveralUnitsAndTruncatesDivisions) {
     struct {
         std::uint64_t value;
         tUnit from;

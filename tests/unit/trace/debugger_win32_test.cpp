@@ -12,7 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(DebuggerCalls, PassALineOnAsItIs) {
+TEST(DebuggerCalls, PassOnALineUnchanged) {
     std::vector<std::string> lines;
     imports::OutputDebugStringA.replace([&](LPCSTR line) { lines.emplace_back(line); });
     nTrace::writeToDebugger("one\n");
@@ -20,7 +20,7 @@ TEST(DebuggerCalls, PassALineOnAsItIs) {
     EXPECT_THAT(lines, ElementsAre("one\n", "%s"));
 }
 
-TEST(DebuggerCalls, ReadTheThreadOncePerLineAndWriteTheLineInOnePiece) {
+TEST(DebuggerCalls, ReadTheThreadOncePerLineAndWriteTheLineWithOneCall) {
     std::string calls;
     imports::GetCurrentThreadId.replace([&] {
         calls += "thread ";

@@ -16,7 +16,7 @@ using nTrace::tSite;
 
 constexpr std::uint32_t thread = 4711;
 
-/// What a piece writes into a buffer of this size, which must end where the piece says.
+/// Returns the text that a function writes into a buffer of this size; expects it to end where the function says.
 template <class Write>
 std::string written(std::size_t size, Write write) {
     std::vector<char> buffer(size, '#');
@@ -42,7 +42,7 @@ std::string prefix(const tSite& site, const tIndentationTable& table = {}, std::
     return written(size, [&](char* out, std::size_t room) { return writePrefix(out, room, site, table, thread); });
 }
 
-TEST(TracePrefix, WritesATextAsItIsOrCutsIt) {
+TEST(nTracePrefix, WritesATextUnchangedOrTruncatesIt) {
     const auto text = [](std::size_t size) {
         return written(size, [](char* out, std::size_t room) { return nTrace::writeText(out, room, "] "); });
     };
@@ -52,7 +52,7 @@ TEST(TracePrefix, WritesATextAsItIsOrCutsIt) {
     EXPECT_EQ(text(1), "");
 }
 
-TEST(TracePrefix, AlignsANameOnTheRightInTenCharactersAndCutsItWhereTheRoomEnds) {
+TEST(nTracePrefix, RightAlignsANameInTenCharactersAndTruncatesItAtTheEndOfTheBuffer) {
     struct {
         const char* name;
         std::size_t size;
@@ -71,7 +71,7 @@ TEST(TracePrefix, AlignsANameOnTheRightInTenCharactersAndCutsItWhereTheRoomEnds)
     for (const auto& row : rows) EXPECT_EQ(aligned(row.name, 10, row.size), row.result);
 }
 
-TEST(TracePrefix, WritesTheLastFourDigitsOfALineNumber) {
+TEST(nTracePrefix, WritesTheLastFourDigitsOfALineNumber) {
     const std::pair<std::uint32_t, const char*> rows[] = {{0, "0000"},      {7, "0007"},      {9999, "9999"},
                                                           {10'000, "0000"}, {12'345, "2345"}, {0xFFFFFFFF, "7295"}};
     for (const auto& [line, digits] : rows) EXPECT_EQ(lineNumber(line), digits);
@@ -80,7 +80,7 @@ TEST(TracePrefix, WritesTheLastFourDigitsOfALineNumber) {
     EXPECT_EQ(lineNumber(1234, 1), "");
 }
 
-TEST(TracePrefix, IndentsByOneSpacePerLevelOfTheThread) {
+TEST(nTracePrefix, IndentsByOneSpacePerLevelOfTheThread) {
     tIndentationTable table{};
     table[15] = {thread, 3, 1};
     EXPECT_EQ(indentation(table), "   ");
@@ -88,14 +88,14 @@ TEST(TracePrefix, IndentsByOneSpacePerLevelOfTheThread) {
     EXPECT_EQ(indentation(table), "");
 }
 
-TEST(TracePrefix, DoesNotIndentForAThreadWithoutASlot) {
+TEST(nTracePrefix, DoesNotIndentForAThreadWithoutASlot) {
     tIndentationTable table{};
     EXPECT_EQ(indentation(table), "");
     table.fill({thread + 1, 3, 1});
     EXPECT_EQ(indentation(table), "");
 }
 
-TEST(TracePrefix, SkipsSlotsThatAreNotInUse) {
+TEST(nTracePrefix, SkipsSlotsThatAreNotInUse) {
     tIndentationTable table{};
     table[0] = {thread, 3, 0};
     EXPECT_EQ(indentation(table), "");
@@ -103,27 +103,27 @@ TEST(TracePrefix, SkipsSlotsThatAreNotInUse) {
     EXPECT_EQ(indentation(table), "  ");
 }
 
-TEST(TracePrefix, CutsTheIndentationWhereTheRoomEnds) {
+TEST(nTracePrefix, TruncatesTheIndentationAtTheEndOfTheBuffer) {
     tIndentationTable table{};
     table[0] = {thread, std::numeric_limits<std::uint32_t>::max(), 1};
     EXPECT_EQ(indentation(table, 5), "    ");
     EXPECT_EQ(indentation(table, 1), "");
 }
 
-TEST(TracePrefix, WritesThePiecesInTheirOrder) {
+TEST(nTracePrefix, WritesThePartsInOrder) {
     tIndentationTable table{};
     table[4] = {thread, 2, 1};
     EXPECT_EQ(prefix({"source/tService.cpp", "zuZiptraRemoteService", 217}, table),
               "[oteService|             source/tService.cpp|0217]   ");
 }
 
-TEST(TracePrefix, KeepsTheLast32CharactersOfAFileName) {
+TEST(nTracePrefix, KeepsTheLast32CharactersOfAFileName) {
     const std::string file = "x" + std::string(31, 'y') + "z";
     EXPECT_EQ(prefix({file.c_str(), "short", 12'345}), "[     short|" + file.substr(1) + "|2345] ");
     EXPECT_EQ(prefix({file.c_str() + 1, "short", 1}), "[     short|" + file.substr(1) + "|0001] ");
 }
 
-TEST(TracePrefix, IsCutInEveryBufferAndAlwaysTerminated) {
+TEST(nTracePrefix, IsTruncatedToAnyBufferAndAlwaysTerminated) {
     tIndentationTable table{};
     table[0] = {thread, 5, 1};
     const tSite site{"source/tService.cpp", "zuZiptraRemoteService", 217};

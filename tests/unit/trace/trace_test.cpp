@@ -28,11 +28,11 @@ constexpr const char* prefix = "[oteService|             source/tService.cpp|000
     return line;
 }
 
-TEST(Trace, WritesThePrefixAndTheFormattedText) {
+TEST(nTrace, WritesThePrefixAndTheFormattedText) {
     EXPECT_EQ(lineOf(site, "%s %d of %u\n", "part", -1, 2U), std::string(prefix) + "part -1 of 2\n");
 }
 
-TEST(Trace, CutsALineWhereItsBufferEnds) {
+TEST(nTrace, TruncatesALineAtTheEndOfItsBuffer) {
     const std::string text(5000, 'x');
     const std::string line = lineOf(site, "%s\n", text.c_str());
     EXPECT_THAT(line, StartsWith(std::string(prefix) + "xxx"));
@@ -40,13 +40,13 @@ TEST(Trace, CutsALineWhereItsBufferEnds) {
     EXPECT_THAT(line, SizeIs(1023));
 }
 
-TEST(Trace, ReadsNoFormatInThePrefix) {
+TEST(nTrace, DoesNotTreatThePrefixAsAFormat) {
     EXPECT_EQ(lineOf({"%s%n.cpp", "%d", 1}, "text"), "[        %d|                        %s%n.cpp|0001] text");
 }
 
-// The delivered program. Diagnostic builds have tests of their own.
+// The shipped program. Diagnostic builds have their own tests.
 
-TEST(Trace, WritesNothingToTheDebugger) {
+TEST(nTrace, WritesNothingToTheDebugger) {
     if (nTrace::enabled) GTEST_SKIP() << "a diagnostic build";
     const std::string output = debuggerOutput([] {
         nTrace::trace(nTrace::errors, "Exception: %d\n", -52008);

@@ -1,4 +1,4 @@
-// What the conversion of a caught exception traces in a diagnostic build.
+// The trace of the conversion of a caught exception in a diagnostic build.
 #include "err/Exception.h"
 
 #include <gmock/gmock.h>
@@ -30,7 +30,7 @@ TEST(ExceptionTrace, QuotesAnyOtherStandardException) {
                 EndsWith("] Unexpected exception: 50% of it\n"));
 }
 
-TEST(ExceptionTrace, SaysNothingAboutMemoryThatRanOut) {
+TEST(ExceptionTrace, IsEmptyIfMemoryRanOut) {
     EXPECT_THAT(traced(nTrace::errors, [] { caughtCode([] { throw std::bad_alloc(); }); }), IsEmpty());
 }
 

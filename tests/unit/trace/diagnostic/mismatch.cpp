@@ -1,4 +1,4 @@
-// Compiled while the build is configured: with a text for ARGUMENT it must compile, with a number it must not.
+// Compiled while the build is configured: it must compile if ARGUMENT is a text, and must not if it is a number.
 #include "trace/trace.h"
 
 void traceArgument() { nTrace::trace(nTrace::errors, "%s\n", ARGUMENT); }

@@ -1,4 +1,4 @@
-// What the library loader traces in a diagnostic build.
+// The trace of the library loader in a diagnostic build.
 #include "source/tSharedLibrary.h"
 
 #include <gmock/gmock.h>
@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 static_assert(nTrace::libraries == 4096);
 
-/// Fails at everything, each time with another error number.
+/// Makes every call fail, each with another error number.
 class FailingLoader : public support::tLoader {
     nLibrary::tHandle load(const char* /*path*/, std::uint32_t& osError) override {
         osError = 126;
@@ -32,9 +32,9 @@ class FailingLoader : public support::tLoader {
     }
 };
 
-class LibraryTrace : public testing::Test {
+class tSharedLibraryTrace : public testing::Test {
 protected:
-    /// Returns what the action traces, started without an error.
+    /// Returns the trace of the action, which starts without an error.
     template <class Action>
     std::string traced(Action action) {
         return ::traced(nTrace::libraries, [&] {
@@ -48,7 +48,7 @@ protected:
     zuerr::PlatformStatus status_;
 };
 
-TEST_F(LibraryTrace, NamesWhatFailedAndTheError) {
+TEST_F(tSharedLibraryTrace, NamesTheFailedCallAndTheError) {
     EXPECT_THAT(traced([&] { library_.load("a b.dll", status_); }),
                 EndsWith("] Failed to load library a b.dll, error was 126\n"));
     library_.loaded = 1;
@@ -57,12 +57,12 @@ TEST_F(LibraryTrace, NamesWhatFailedAndTheError) {
                 EndsWith("] Failed to load symbol Entry, error was 127\n"));
 }
 
-TEST_F(LibraryTrace, SaysNothingAboutASymbolOfALibraryThatIsNotLoaded) {
+TEST_F(tSharedLibraryTrace, IsEmptyForASymbolOfALibraryThatIsNotLoaded) {
     EXPECT_THAT(traced([&] { library_.symbol("Entry", status_); }), IsEmpty());
     EXPECT_EQ(status_.line, 280);
 }
 
-TEST_F(LibraryTrace, SaysNothingIfTheStatusContainsAnErrorAlready) {
+TEST_F(tSharedLibraryTrace, IsEmptyIfTheStatusAlreadyContainsAnError) {
     library_.loaded = 1;
     EXPECT_THAT(debuggerOutput([&] {
                     status_.code = -1;

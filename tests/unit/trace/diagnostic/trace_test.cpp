@@ -16,7 +16,7 @@ using testing::StartsWith;
 
 static_assert(nTrace::enabled);
 
-TEST(DiagnosticTrace, WritesOneLineThatNamesItsSiteToTheDebugger) {
+TEST(nTraceDiagnostic, WritesOneLineThatNamesItsSiteToTheDebugger) {
     const std::string line = std::to_string(__LINE__ + 1);
     const auto trace = [] { nTrace::trace(nTrace::errors, "%s: %d\n", "Exception", -52008); };
     const std::string output = traced(nTrace::errors, trace);
@@ -24,9 +24,9 @@ TEST(DiagnosticTrace, WritesOneLineThatNamesItsSiteToTheDebugger) {
     EXPECT_THAT(output, EndsWith("trace/diagnostic/trace_test.cpp|00" + line + "] Exception: -52008\n"));
 }
 
-TEST(DiagnosticTrace, StartsWithTheMaskOfTheBuild) { EXPECT_EQ(nTrace::gMask, 0x5000U); }
+TEST(nTraceDiagnostic, StartsWithTheMaskOfTheBuild) { EXPECT_EQ(nTrace::gMask, 0x5000U); }
 
-TEST(DiagnosticTrace, WritesALineWithAnyCategoryOfTheMask) {
+TEST(nTraceDiagnostic, WritesALineWithAnyCategoryOfTheMask) {
     EXPECT_THAT(debuggerOutput([] { nTrace::trace(nTrace::descriptions | nTrace::errors, "text"); }),
                 EndsWith("] text"));
     EXPECT_THAT(debuggerOutput([] {
