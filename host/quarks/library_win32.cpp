@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "quarks/errorMode.h"
 #include "quarks/library.h"
 
 namespace nLibrary {
@@ -44,12 +45,9 @@ tHandle load(const char* path, std::uint32_t& osError) {
         osError = ERROR_NO_UNICODE_TRANSLATION;
         return nullptr;
     }
-    // Otherwise the system would display a message box for a damaged library and wait until it is closed.
-    DWORD previousMode = 0;
-    SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previousMode);
+    const tErrorMode errorMode;
     const HMODULE module = LoadLibraryExA(systemPath.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (module == nullptr) osError = GetLastError();
-    SetThreadErrorMode(previousMode, nullptr);
     return module;
 }
 
