@@ -226,7 +226,6 @@ int parseStream(tDocument& document, std::FILE* file) {
     document.firstErrorLine = -1;
     tLineReader lines;
     lines.setBlock(withoutByteOrderMark(start), false);
-    bool failed = false;
     do {
         std::string& block = document.texts.emplace_back(lines.rest());
         more = more && readBlock(file, block);
