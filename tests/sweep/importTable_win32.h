@@ -14,7 +14,7 @@ std::vector<std::string> importsIn(const std::string& listing);
 /// The imports that no scenario reaches and that are not the runtime's own.
 std::vector<std::string> forgottenCalls(const std::vector<std::string>& imported, const std::set<std::string>& reached);
 
-/// Whether the name is on the list of functions that the executable imports but the product does not call.
+/// Whether it is on the list of functions that the executable imports but the product does not call.
 bool isOfTheRuntime(std::string_view name);
 
 }  // namespace sweep

@@ -42,14 +42,14 @@ void keepRegistry(tLedger& ledger) {
 }
 
 template <class Import>
-void allocatesText(tLedger& ledger, Import& door) {
+void givesText(tLedger& ledger, Import& door) {
     door.replace([&ledger, inner = door.current()](DWORD flags, LPCVOID source, DWORD id, DWORD language, auto* text,
                                                    DWORD size, va_list* arguments) {
         const DWORD length = inner(flags, source, id, language, text, size, arguments);
         const DWORD error = imports::GetLastError.real();
         // With this flag, `text` points to the variable for the address of the new block.
-        const bool allocated = length != 0 && (flags & FORMAT_MESSAGE_ALLOCATE_BUFFER) != 0;
-        if (allocated) ledger.opened("local memory", *reinterpret_cast<void**>(text));
+        const bool gave = length != 0 && (flags & FORMAT_MESSAGE_ALLOCATE_BUFFER) != 0;
+        if (gave) ledger.opened("local memory", *reinterpret_cast<void**>(text));
         imports::SetLastError.real(error);
         return length;
     });
@@ -62,8 +62,8 @@ void keepLocalMemory(tLedger& ledger) {
         if (error == ERROR_SUCCESS) ledger.opened("local memory", *list);
         return error;
     });
-    allocatesText(ledger, imports::FormatMessageA);
-    allocatesText(ledger, imports::FormatMessageW);  // Boost's, for the text of its exceptions
+    givesText(ledger, imports::FormatMessageA);
+    givesText(ledger, imports::FormatMessageW);  // Boost's, for the text of its exceptions
     closes(ledger, imports::LocalFree, "local memory");
 }
 

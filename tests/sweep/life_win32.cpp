@@ -116,7 +116,7 @@ void tLives::describePlugins() {
     world_.describe("0 malformed.ini", "[Service]\nno equals sign here\n");
     world_.describe("1 missing.ini", description("Missing", "no such library", "InitOk"));
     world_.describe("2 refusing.ini", description("Refusing", "behaviours", "InitFails7"));
-    world_.describe("3 dependant.ini", description("Dependant", "behaviours", "InitOk", "Dependencies=Refusing\n"));
+    world_.describe("3 behind.ini", description("Behind", "behaviours", "InitOk", "Dependencies=Refusing\n"));
     world_.describe("4 deploys.ini", description("Deploys", "behaviours", "InitOk", "Requires=2\n"));
     const std::string held = world_.describe("5 held.ini", description("Held", "behaviours", "InitOk"));
     const std::wstring path = std::filesystem::path(held).native();

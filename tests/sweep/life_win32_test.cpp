@@ -1,4 +1,4 @@
-// The sweep must notice faults: each one that is planted into a life must show in its outcome.
+// The sweep's own eyes: a fault that is planted into a life must show in its outcome.
 #include "tests/sweep/life_win32.h"
 
 #include <gmock/gmock.h>
@@ -15,62 +15,63 @@ namespace {
 using testing::Contains;
 using testing::IsEmpty;
 
-/// Plants a fault around a call and around everything that already stands in for it.
-template <class Import, class Around>
-void plant(Import& door, Around around) {
-    door.replace([around, inner = door.current()](auto... arguments) mutable { return around(inner, arguments...); });
-}
+constexpr sweep::tScenario scenario{"service, 3 plug-ins", true, 3, false, sweep::tDeployment::allowed};
 
-/// Each row prevents the closing of one kind of resource.
-struct tLeak {
-    const char* name;  ///< of the test
-    const char* kind;
-    void (*plant)();
-};
-
-constexpr tLeak leaks[] = {
-    {"AHandleThatIsNotClosed", "handle",
-     [] {
-         plant(imports::CloseHandle, [lost = HANDLE{}](const auto& inner, HANDLE handle) mutable {
-             if (lost != nullptr) return inner(handle);
-             lost = handle;
-             return TRUE;
-         });
-     }},
-    {"ALibraryThatIsNotUnloaded", "module",
-     [] { plant(imports::FreeLibrary, [](const auto& /*inner*/, HMODULE) { return TRUE; }); }},
-    {"AFileThatIsNotClosed", "file",
-     [] { plant(imports::fclose, [](const auto& /*inner*/, FILE* file) { return std::fflush(file); }); }},
-    {"AKeyThatIsNotClosed", "registry key",
-     [] { plant(imports::RegCloseKey, [](const auto& /*inner*/, HKEY) { return ERROR_SUCCESS; }); }},
-    {"SystemMemoryThatIsNotFreed", "local memory",
-     [] { plant(imports::LocalFree, [](const auto& /*inner*/, HLOCAL) -> HLOCAL { return nullptr; }); }},
-    {"ASearchThatIsNotClosed", "search",
-     [] { plant(imports::FindClose, [](const auto& /*inner*/, HANDLE) { return TRUE; }); }},
-};
-
-class tLeakingLives : public testing::TestWithParam<tLeak> {};
-
-TEST_P(tLeakingLives, Show) {
-    // With a locked description: the product searches only for a file that it cannot open.
-    sweep::tLives lives({"service, 1 plug-in and bad files", true, 1, true, sweep::tDeployment::allowed});
-    GetParam().plant();
-    EXPECT_THAT(lives.live().leaks, Contains(GetParam().kind));
-}
-
-INSTANTIATE_TEST_SUITE_P(Sweep, tLeakingLives, testing::ValuesIn(leaks),
-                         [](const auto& test) { return std::string(test.param.name); });
-
-class tFaultyLives : public testing::Test {
+class tLives : public testing::Test {
 protected:
-    tFaultyLives() {
+    tLives() {
         lives_.live();  // for what is set up only once
     }
 
-    sweep::tLives lives_{{"service, 3 plug-ins", true, 3, false, sweep::tDeployment::allowed}};
+    /// Plants a fault around a call and around everything that already stands in for it.
+    template <class Import, class Around>
+    void plant(Import& door, Around around) {
+        door.replace([around, inner = door.current()](auto... arguments) { return around(inner, arguments...); });
+    }
+
+    sweep::tLives lives_{scenario};
 };
 
-TEST_F(tFaultyLives, ShowsAKeyThatIsClosedTwice) {
+TEST_F(tLives, InWhichNothingFailsLeavesNothing) {
+    const sweep::tOutcome outcome = lives_.live();
+    EXPECT_THAT(outcome.leaks, IsEmpty());
+    EXPECT_EQ(outcome.wrongClosings, 0);
+    EXPECT_TRUE(outcome.startedService && outcome.statusWhole && outcome.statusPresent && outcome.statusCurrent);
+    EXPECT_EQ(outcome.plugins.size(), 3U);
+}
+
+TEST_F(tLives, ShowsAHandleThatIsNotClosed) {
+    HANDLE lost = nullptr;
+    plant(imports::CloseHandle, [&lost](const auto& inner, HANDLE handle) {
+        if (lost != nullptr) return inner(handle);
+        lost = handle;
+        return TRUE;
+    });
+    EXPECT_THAT(lives_.live().leaks, Contains("handle"));
+    imports::CloseHandle.real(lost);
+}
+
+TEST_F(tLives, ShowsALibraryThatIsNotUnloaded) {
+    plant(imports::FreeLibrary, [](const auto& /*inner*/, HMODULE) { return TRUE; });
+    EXPECT_THAT(lives_.live().leaks, Contains("module"));
+}
+
+TEST_F(tLives, ShowsAFileThatIsNotClosed) {
+    plant(imports::fclose, [](const auto& /*inner*/, FILE* file) { return std::fflush(file); });
+    EXPECT_THAT(lives_.live().leaks, Contains("file"));
+}
+
+TEST_F(tLives, ShowsAKeyThatIsNotClosed) {
+    plant(imports::RegCloseKey, [](const auto& /*inner*/, HKEY) { return ERROR_SUCCESS; });
+    EXPECT_THAT(lives_.live().leaks, Contains("registry key"));
+}
+
+TEST_F(tLives, ShowsSystemMemoryThatIsNotFreed) {
+    plant(imports::LocalFree, [](const auto& /*inner*/, HLOCAL) -> HLOCAL { return nullptr; });
+    EXPECT_THAT(lives_.live().leaks, Contains("local memory"));
+}
+
+TEST_F(tLives, ShowsAKeyThatIsClosedTwice) {
     plant(imports::RegCloseKey, [](const auto& inner, HKEY key) {
         inner(key);
         return inner(key);
@@ -78,7 +79,7 @@ TEST_F(tFaultyLives, ShowsAKeyThatIsClosedTwice) {
     EXPECT_GT(lives_.live().wrongClosings, 0);
 }
 
-TEST_F(tFaultyLives, ShowsAStatusFileThatIsTorn) {
+TEST_F(tLives, ShowsAStatusFileThatIsTorn) {
     plant(imports::_wrename, [](const auto& inner, const wchar_t* from, const wchar_t* to) {
         const int result = inner(from, to);
         std::ofstream(std::filesystem::path(to), std::ios::binary) << "ZU-Ziptra Remote Conf";
@@ -89,7 +90,7 @@ TEST_F(tFaultyLives, ShowsAStatusFileThatIsTorn) {
     EXPECT_FALSE(outcome.statusCurrent);
 }
 
-TEST_F(tFaultyLives, ShowsAStatusFileThatIsGone) {
+TEST_F(tLives, ShowsAStatusFileThatIsGone) {
     plant(imports::_wrename,
           [](const auto& /*inner*/, const wchar_t* from, const wchar_t*) { return imports::_wremove.real(from); });
     const sweep::tOutcome outcome = lives_.live();
@@ -98,7 +99,7 @@ TEST_F(tFaultyLives, ShowsAStatusFileThatIsGone) {
     EXPECT_FALSE(outcome.temporaryWhole);
 }
 
-TEST_F(tFaultyLives, ForgivesALibraryThatTheSystemRefusesToUnload) {
+TEST_F(tLives, ForgivesALibraryThatTheSystemRefusesToUnload) {
     const auto& calls = lives_.faults().calls();
     const auto call = std::ranges::find(calls, "FreeLibrary", &sweep::tCall::name);
     ASSERT_NE(call, calls.end());
@@ -108,7 +109,7 @@ TEST_F(tFaultyLives, ForgivesALibraryThatTheSystemRefusesToUnload) {
     EXPECT_EQ(outcome.wrongClosings, 0);
 }
 
-TEST_F(tFaultyLives, ShowsMemoryThatIsNotFreed) {
+TEST_F(tLives, ShowsMemoryThatIsNotFreed) {
     void* lost = nullptr;
     plant(imports::_time64, [&lost](const auto& inner, __time64_t* time) {
         const allocations::tProductCall call;
@@ -119,6 +120,15 @@ TEST_F(tFaultyLives, ShowsMemoryThatIsNotFreed) {
     EXPECT_THAT(outcome.leaks, testing::ElementsAre("memory"));
     EXPECT_GT(outcome.requests, 100);
     std::free(lost);
+}
+
+/// With a locked description: the product searches only for a file that it cannot open.
+constexpr sweep::tScenario badFiles{"service, 1 plug-in and bad files", true, 1, true, sweep::tDeployment::allowed};
+
+TEST(tLivesWithBadFiles, ShowASearchThatIsNotClosed) {
+    sweep::tLives lives(badFiles);
+    imports::FindClose.replace([](HANDLE) { return TRUE; });
+    EXPECT_THAT(lives.live().leaks, Contains("search"));
 }
 
 }  // namespace

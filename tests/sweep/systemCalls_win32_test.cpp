@@ -234,4 +234,9 @@ TEST(SystemCallsReached, AreAllThatTheExecutableImports) {
     }
 }
 
+TEST(SystemCallsReached, DoNotIncludeOneThatTheSweepHasForgotten) {
+    EXPECT_THAT(sweep::forgottenCalls({"CreateEventA", "NewCallOfTheProduct", "malloc"}, {"CreateEventA"}),
+                testing::ElementsAre("NewCallOfTheProduct"));
+}
+
 }  // namespace

@@ -1,5 +1,5 @@
-// A plug-in that does nothing and has no C++ runtime: a runtime allocates some memory with every load and never frees
-// it, which would hide a leak in the host.
+// A plug-in that does nothing and brings no C++ runtime: with every load the runtime of another takes some memory that
+// it never gives back, which would hide what the host keeps.
 
 extern "C" {
 

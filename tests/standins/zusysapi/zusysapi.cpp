@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string_view>
 
-// README.md describes what it does and the environment variables that control it.
+// What it does and how it is told what to do: see README.md.
 namespace {
 
 using nZusysapi::Result;
@@ -35,7 +35,7 @@ unsigned long variable(const char* name, unsigned long otherwise) {
     return length == 0 || length >= sizeof text ? otherwise : std::strtoul(text, nullptr, 0);
 }
 
-/// Returns the result of a step, given whether it was called with the host's own arguments.
+/// What a step gives, given whether it was called as the host should call it.
 Result outcome(Step step, bool rightArguments) {
     if (!rightArguments) return -100 - step;
     const bool fails = variable("ZUSYSAPI_FAIL_STEP", 0) == static_cast<unsigned long>(step) &&
@@ -43,14 +43,14 @@ Result outcome(Step step, bool rightArguments) {
     return fails ? -step : 0;
 }
 
-/// The slots that all interfaces share. An object starts with one reference and is destroyed with the last.
+/// The slots that all interfaces share. An object starts with one reference and goes with the last.
 template <class Interface>
 class tCounted : public Interface {
 public:
     explicit tCounted(Kind& kind) : kind_(kind) { ++kind_.references; }
     tCounted(const tCounted&) = delete;
     tCounted& operator=(const tCounted&) = delete;
-    virtual ~tCounted() = default;  // after the slots of the interface, so it moves none of them
+    virtual ~tCounted() = default;  // behind the slots of the interface, so it moves none of them
 
     Result queryInterface(const nZusysapi::InterfaceId& id, void** object) override {
         const bool isIdentity = std::memcmp(&id, &nZusysapi::identity, sizeof id) == 0;
