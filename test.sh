@@ -60,6 +60,7 @@ run() {
     (($#)) || return 0
     labels=$(IFS='|' && printf '%s' "$*")
     printf '%s\n' "$@" >"$results/$preset.labels"
+    ctest --preset "$preset" --show-only=json-v1 >"$results/$preset.json"
     # What failed, and what never ran, is counted from the file that is written here.
     ctest --preset "$preset" --parallel "$jobs" --label-regex "^($labels)\$" \
         --output-junit "$PWD/$results/$preset.xml" || true
@@ -105,7 +106,7 @@ done
 ((${#layers[@]})) || layers=("${default_layers[@]}")
 
 alone "$results"
-rm -f "$results"/*.{xml,log,labels} "$results/steps"
+rm -f "$results"/*.{xml,json,log,labels} "$results/steps"
 touch "$results/steps"
 need_python
 
