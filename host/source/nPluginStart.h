@@ -11,7 +11,7 @@
 namespace nPluginStart {
 
 /// Whether a plug-in of each described name has started. Names are compared bytewise. Names chosen to collide would
-/// make it slow, but each takes a description file, and whoever may write those can run any code.
+/// make it slow, but each takes a description file, and a user who may write those can run any code.
 using tStarted = std::unordered_map<std::string, bool>;
 
 /// Returns all names of the descriptions, none started: noting a start needs no memory then. Throws std::bad_alloc.

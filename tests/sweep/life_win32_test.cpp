@@ -23,7 +23,7 @@ protected:
         lives_.live();  // for what is set up only once
     }
 
-    /// Plants a fault around a call and around everything that already stands in for it.
+    /// Plants a fault around a call and around every stand-in that already replaces it.
     template <class Import, class Around>
     void plant(Import& door, Around around) {
         door.replace([around, inner = door.current()](auto... arguments) { return around(inner, arguments...); });

@@ -111,7 +111,7 @@ TEST(MemoryOfDescriptions, ADescriptionIsReadWholeOrTheRecordIsAsItWas) {
         }
         EXPECT_THAT(attempt.code(), testing::AnyOf(0, -12, -52000));
     };
-    EXPECT_GT(eachAllocationFails("readDescription", reads), 10);
+    EXPECT_GT(eachAllocationFails("readDescription", reads), 18);
 }
 
 TEST(MemoryOfDescriptions, DependenciesAreSplitOrThereIsMinus52000) {

@@ -13,7 +13,7 @@ void figure(std::string_view what, Number number) {
     std::cout << "FIGURE " << what << ": " << number << std::endl;
 }
 
-/// Returns `usual` unless an environment variable gives another number, for a longer run.
+/// Returns `usual` unless an environment variable specifies another number, for a longer run.
 inline int setting(const char* variable, int usual) {
     const char* const text = std::getenv(variable);
     const int number = text == nullptr ? 0 : std::atoi(text);

@@ -11,7 +11,7 @@ namespace endtoend {
 /// Destruction ends it, by force if necessary.
 class tProcess {
 public:
-    /// The command line includes the program's name; an empty one stands for the quoted path of the executable.
+    /// The command line includes the program's name; if it is empty, it is the executable's quoted path.
     explicit tProcess(const tPath& executable, std::wstring commandLine = {}, DWORD creationFlags = 0);
     ~tProcess();
     tProcess(const tProcess&) = delete;

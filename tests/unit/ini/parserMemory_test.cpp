@@ -50,7 +50,7 @@ void expectRightResultOrOutOfMemory(tHowLong howLong) {
         if (!failed) break;
         ++failures;
     }
-    EXPECT_GE(failures, 50);
+    EXPECT_GE(failures, 90);
 }
 
 TEST(IniMemory, OneAllocationThatFailsGivesMinus12OrDoesNotMatter) { expectRightResultOrOutOfMemory(tHowLong::once); }
