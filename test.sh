@@ -28,6 +28,7 @@ The last line is the sum: N passed, N failed, N skipped. What each program print
   coverage   lines and branches of the product that the unit tests reach, with floors
   bench      small benchmarks: their results are checked, not their times
   fuzz       every fuzzer searches for new inputs, ${search_options[0]} seconds each
+  default    those that run when none is named
   all        all of these
 
   --long SECONDS   let each fuzzer search so long, and keep the inputs that reach something new in tests/fuzz/corpus
@@ -92,6 +93,7 @@ while (($#)); do
             usage
             exit 0
             ;;
+        default) layers+=("${default_layers[@]}") ;;
         all) layers+=("${all_layers[@]}") ;;
         lint | unit | replay | sweep | endtoend | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
         --long)

@@ -34,7 +34,8 @@ std::string narrowFromWide(const std::wstring& wide, UINT codePage) {
 /// would be lost.
 std::string toSystemPath(const char* path) {
     const UINT codePage = GetACP();
-    return codePage == CP_UTF8 ? path : narrowFromWide(wideFromUtf8(path), codePage);
+    if (codePage == CP_UTF8) return path;
+    return narrowFromWide(wideFromUtf8(path), codePage);
 }
 
 }  // namespace

@@ -21,7 +21,8 @@ HMODULE loadFramework() {
 
     // Windows 7 without update KB2533623 rejects these flags: try the same folders one by one.
     const HMODULE besideTheExecutable = loadFrom(nStdPath::applicationFolder());
-    return besideTheExecutable != nullptr ? besideTheExecutable : loadFrom(nStdPath::systemFolder());
+    if (besideTheExecutable != nullptr) return besideTheExecutable;
+    return loadFrom(nStdPath::systemFolder());
 }
 
 nZusysapi::InstantiateFramework2 findEntry(HMODULE library) noexcept {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <set>
 #include <string>
@@ -183,13 +184,17 @@ TEST(RemoveRepeated, TheFirstOfEachNameIsKeptInLongLists) {
 }
 
 TEST(RemoveRepeated, RecordsOfOneNameAreMergedInTheirOrder) {
-    std::vector<tRecord> records;
-    for (int i = 0; i < 30'000; ++i) records.push_back({std::to_string(i % 100), i});
-    removeRepeated(records, false, [](tRecord& first, const tRecord& repeated) {
-        EXPECT_EQ(first.merged + 100, repeated.merged);
-        first.merged = repeated.merged;
-    });
-    EXPECT_EQ(records.size(), 100U);
+    for (const int count : {3 * 2, 30'000}) {  // a short list and a long one
+        const int names = std::min(count / 3, 100);
+        std::vector<tRecord> records;
+        for (int i = 0; i < count; ++i) records.push_back({std::to_string(i % names), i});
+        removeRepeated(records, false, [names](tRecord& first, const tRecord& repeated) {
+            EXPECT_EQ(first.merged + names, repeated.merged);
+            first.merged = repeated.merged;
+        });
+        EXPECT_EQ(records.size(), static_cast<std::size_t>(names));
+        EXPECT_EQ(records.back().merged, count - 1);
+    }
 }
 
 TEST(RemoveRepeated, WithoutMemoryNothingIsChanged) {
