@@ -134,15 +134,17 @@ void startFailingNew(int nth, tHowLong howLong) noexcept {
 
 tCounts stopFailing() noexcept {
     counting = false;
+    newOnly = false;
     return counts;
 }
 
 std::size_t held() noexcept { return blocks.size(); }
 
 void* requestByNew(std::size_t bytes) noexcept {
-    isNew = true;
+    // Written only while `new` is made to fail, which happens in one thread.
+    if (newOnly) isNew = true;
     void* const block = std::malloc(bytes == 0 ? 1 : bytes);
-    isNew = false;
+    if (newOnly) isNew = false;
     return block;
 }
 
