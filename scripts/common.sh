@@ -2,9 +2,9 @@
 # shellcheck shell=bash
 set -euo pipefail
 
-# Temporary files stay in the folder, too: those of compilers, tests and Wine.
+# The temporary files of compilers, tests and Wine stay in this folder, too.
 export TMPDIR=$PWD/build/tmp
-mkdir -p "$TMPDIR" 2>/dev/null || true # whoever needs it reports that nothing can be written
+mkdir -p "$TMPDIR" 2>/dev/null || true # commands that need it report that nothing can be written
 
 say() { printf '%s\n' "-- $*"; }
 fail() {
@@ -12,7 +12,7 @@ fail() {
     exit 1
 }
 
-# quietly LOG COMMAND...: runs a command and shows its output only when it fails.
+# quietly LOG COMMAND...: runs a command and shows its output only if it fails.
 quietly() {
     local log=$1 folder
     folder=$(dirname "$log")
@@ -28,14 +28,14 @@ quietly() {
 
 disk_full() { fail "no space left for $1: free some and try again"; }
 
-# writable FOLDER: creates it; fails with one line if nothing can be written there.
+# writable FOLDER: creates the folder, or fails with a one-line message if nothing can be written there.
 writable() {
     { mkdir -p "$1" && touch "$1/.writable"; } 2>/dev/null || fail "cannot write to $1: does it belong to another user?"
     head -c 65536 /dev/zero >"$1/.writable" 2>/dev/null || disk_full "$1"
     rm -f "$1/.writable"
 }
 
-# alone FOLDER: ends this command if another one is running there. The lock is released with the last process that has it.
+# alone FOLDER: fails if another command is running there. The lock is released when the last process that has it ends.
 alone() {
     writable "$1"
     exec 9>"$1/lock"

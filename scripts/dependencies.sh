@@ -31,7 +31,7 @@ install_packages() {
     quietly "$dependencies/apt-install.log" apt-get install -y --no-install-recommends "$@"
 }
 
-# This machine's package sources once more, as sources of source packages.
+# Writes this machine's package sources again, as sources of source packages.
 source_lists() {
     local lists=$1 file
     mkdir -p "$lists"

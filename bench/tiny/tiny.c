@@ -1,4 +1,4 @@
-/* The smallest plug-in. The host gets copies of it, each with a time stamp and a checksum of its own. */
+/* The smallest plug-in. The host loads copies of it, each with its own time stamp and checksum. */
 #include <windows.h>
 
 BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void* reserved) {

@@ -22,15 +22,15 @@ void fail(zuerr::PlatformStatus& status, const zuerr::RaiseSite& site) {
     zuerr::RaiseInto(status, zuerr::invalidParameter.code, zuerr::hostComponent, site);
 }
 
-/// Returns the library's entry of this name, or the built-in one if the name is empty.
+/// Returns the library's entry with this name, or the built-in one if the name is empty.
 template <class Entry>
 Entry findEntry(const tSharedLibrary& library, const std::string& name, Entry builtIn) {
     if (name.empty()) return builtIn;
     zuerr::PlatformStatus status;
     void* const address = library.symbol(name.c_str(), status);
     zuerr::ThrowIfFailed(status);
-    // While another exception is propagating, a missing entry throws nothing. The result must be safe to call even
-    // then.
+    // While another exception is propagating, nothing is thrown for a missing entry. The result must be safe to call
+    // even then.
     return address == nullptr ? builtIn : reinterpret_cast<Entry>(address);
 }
 

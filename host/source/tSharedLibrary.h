@@ -6,8 +6,8 @@
 #include "quarks/library.h"
 #include "source/nPluginData.h"
 
-/// One plug-in library and its three entry points. A plain value: a copy refers to the same library, which only unload
-/// and close unload. Thread: one at a time.
+/// One plug-in library and its three entry points. This is a plain value: a copy refers to the same library, and only
+/// the functions unload and close unload it. Thread: one at a time.
 ///
 /// load, unload and symbol set the status to -52005 when they fail, and do nothing at all, not even a system call, if
 /// it already contains an error. open and close throw zuerr::Exception instead, except while another exception is
@@ -22,7 +22,7 @@ struct tSharedLibrary {
     tNotify stop = doNothing;
     tNotify cleanup = doNothing;
 
-    /// The path is UTF-8. A relative one is resolved along the system's search path.
+    /// The path is UTF-8. A relative path is resolved along the system's search path.
     void load(const char* path, zuerr::PlatformStatus& status);
 
     /// Does nothing if no library is loaded. After a failure the library still counts as loaded.

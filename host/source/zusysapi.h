@@ -4,9 +4,9 @@
 #include <cstdint>
 
 /// The operations of the system-configuration library zusysapi.dll that this program uses. Its objects follow the
-/// conventions of COM (https://learn.microsoft.com/windows/win32/com/the-component-object-model): a table of functions
+/// conventions of COM (https://learn.microsoft.com/windows/win32/com/the-component-object-model): a function table
 /// whose first three slots are query interface, add reference and release. Operations return 0 on success; the caller
-/// must release each object that is returned. Slots that are not used here are named after their number.
+/// must release each object that is returned. Unused slots are named after their numbers.
 namespace nZusysapi {
 
 using Result = std::int32_t;
@@ -26,7 +26,7 @@ static_assert(offsetof(InterfaceId, data2) == 4 && offsetof(InterfaceId, data3) 
 /// The identity interface: two references denote the same object if and only if both return the same pointer for it.
 inline constexpr InterfaceId identity{0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-// The order of the functions is the binary interface. No virtual destructors: they would take a slot.
+// The order of the functions defines the binary interface. Virtual destructors would occupy slots, so there are none.
 class Object {
 public:
     virtual Result queryInterface(const InterfaceId& id, void** object) = 0;  // slot 0

@@ -5,12 +5,12 @@
 
 #include "trace/prefix.h"
 
-/// Developer diagnostics. Outside a diagnostic build (the CMake option ZUZIPTRA_TRACE) the entry point does nothing and
-/// leaves no code in the program; in a diagnostic build it writes a line to the debugger: a prefix that names the site,
-/// then the text.
+/// Developer diagnostics. Outside a diagnostic build (the CMake option ZUZIPTRA_TRACE) the entry point compiles to
+/// nothing; in a diagnostic build it writes a line to the debugger: a prefix that identifies the call site, followed by
+/// the text.
 namespace nTrace {
 
-/// Categories: the bits of the mask.
+/// Each category is one bit of the mask.
 inline constexpr std::uint32_t libraries = 0x1000;
 inline constexpr std::uint32_t descriptions = 0x2000;
 inline constexpr std::uint32_t errors = 0x4000;
@@ -22,7 +22,7 @@ extern std::uint32_t gMask;
 
 /// The category of a trace call together with its site, which the compiler fills in.
 struct tCategory {
-    // Implicit, so that a call passes the bare category.
+    // Implicit, so that callers can pass a bare category.
     // NOLINTNEXTLINE(google-explicit-constructor,hicpp-explicit-conversions)
     constexpr tCategory(std::uint32_t category, const char* file = __builtin_FILE(),
                         std::uint32_t line = __builtin_LINE())
@@ -32,10 +32,10 @@ struct tCategory {
     tSite site;
 };
 
-/// Formats and writes one line, regardless of the mask; truncates it to 1023 bytes. Thread: any. Never throws.
+/// Formats and writes one line, truncated to 1023 bytes, regardless of the mask. Never throws. Thread: any.
 [[gnu::format(printf, 2, 0)]] void writeLine(const tSite& site, const char* format, std::va_list arguments) noexcept;
 
-/// The trace entry point: takes printf's format and arguments, which the compiler checks in every build. Thread: any.
+/// The trace entry point: takes a printf format and arguments, which the compiler checks in every build. Thread: any.
 [[gnu::format(printf, 2, 3)]] inline void trace([[maybe_unused]] tCategory category,
                                                 [[maybe_unused]] const char* format, ...) noexcept {
     if constexpr (enabled) {

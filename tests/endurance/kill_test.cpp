@@ -30,7 +30,7 @@ constexpr DWORD killed = 1;
 /// What the stand-in adds to the number of steps of a life that reaches its end.
 constexpr DWORD wholeLife = 1000;
 
-/// Recognises the whole text of each of the five moments of a life.
+/// Recognises the complete text of each of the five replacements in a life.
 class tWholeTexts {
 public:
     explicit tWholeTexts(const tPath& descriptions) {
@@ -65,7 +65,7 @@ private:
     std::string messages_;
 };
 
-/// Reads the status file again and again during its lifetime.
+/// Reads the status file repeatedly during its lifetime.
 class tReader {
 public:
     explicit tReader(const tWholeTexts& texts) : texts_(texts), thread_([this] { read(); }) {}

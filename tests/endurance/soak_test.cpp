@@ -1,9 +1,9 @@
-// The same life again and again: the last one uses no more handles and memory than an early one.
+// Repeats the same life: the last one uses no more handles or memory than an early one.
 
 #include <gtest/gtest.h>
 #include <windows.h>
 
-// windows.h first: the other needs its types.
+// After windows.h, because it needs its types.
 #include <psapi.h>
 
 #include <algorithm>
@@ -24,14 +24,14 @@ using endtoend::setting;
 using endtoend::tStatusFile;
 using tClock = std::chrono::steady_clock;
 
-/// An entry of NtQuerySystemInformation's list of all handles. (Wine's GetProcessHandleCount always returns 0.)
+/// Requests the list of all handles from NtQuerySystemInformation. (Wine's GetProcessHandleCount always returns 0.)
 constexpr ULONG systemExtendedHandleInformation = 64;
-using tQuerySystemInformation = LONG(WINAPI*)(ULONG kind, void* answer, ULONG size, ULONG* needed);
+using tQuerySystemInformation = LONG(WINAPI*)(ULONG kind, void* buffer, ULONG size, ULONG* neededBytes);
 struct tSystemHandle {
     void* object;
     ULONG_PTR processId;
     ULONG_PTR handle;
-    ULONG more[4];
+    ULONG unused[4];
 };
 struct tSystemHandles {
     ULONG_PTR count;
@@ -39,23 +39,23 @@ struct tSystemHandles {
     tSystemHandle handles[1];
 };
 
-std::size_t handlesOf(DWORD processId) {
-    // The declaration in winternl.h takes an enumeration without this value.
+std::size_t countHandles(DWORD processId) {
+    // The declaration in winternl.h takes an enumeration that lacks this value.
     static const auto query = reinterpret_cast<tQuerySystemInformation>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    static std::vector<ULONG_PTR> room(1 << 16);
-    ULONG needed = 0;
-    while (query(systemExtendedHandleInformation, room.data(), static_cast<ULONG>(room.size() * sizeof room[0]),
-                 &needed) < 0) {
-        if (room.size() > 1 << 24) endtoend::failed("NtQuerySystemInformation");
-        room.resize(2 * room.size());
+    static std::vector<ULONG_PTR> buffer(1 << 16);
+    ULONG neededBytes = 0;
+    while (query(systemExtendedHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size() * sizeof buffer[0]),
+                 &neededBytes) < 0) {
+        if (buffer.size() > 1 << 24) endtoend::failed("NtQuerySystemInformation");
+        buffer.resize(2 * buffer.size());
     }
-    const auto* const all = reinterpret_cast<const tSystemHandles*>(room.data());
+    const auto* const all = reinterpret_cast<const tSystemHandles*>(buffer.data());
     return static_cast<std::size_t>(std::count_if(&all->handles[0], &all->handles[0] + all->count,
                                                   [=](const auto& entry) { return entry.processId == processId; }));
 }
 
-std::size_t memoryInUse() {
+std::size_t usedMemoryKb() {
     PROCESS_MEMORY_COUNTERS counters{};
     endtoend::require(K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters), "GetProcessMemoryInfo");
     return counters.WorkingSetSize / 1024;
@@ -63,7 +63,7 @@ std::size_t memoryInUse() {
 
 class Soak : public endtoend::EndToEnd {
 protected:
-    /// Each depends on the one before it.
+    /// Each plug-in depends on the previous one.
     void addTenPlugins() const {
         for (char name = 'A'; name <= 'J'; ++name) {
             addPlugin({name}, {.dependencies = name == 'A' ? "" : std::string{static_cast<char>(name - 1)},
@@ -82,28 +82,28 @@ protected:
     }
 };
 
-/// Runs the product's code in this process, so that no end of a process cleans up.
-TEST_F(Soak, TenPluginsLoadedAndUnloadedAgainAndAgainLeaveNothingBehind) {
+/// Runs the product's code in this process, so that the end of a process does not clean up after it.
+TEST_F(Soak, TenPluginsLoadedAndUnloadedRepeatedlyLeakNothing) {
     addTenPlugins();
-    const int wanted = std::max(setting("SOAK_CYCLES", 500), 100);
-    const int warmUp = 50;
+    const int cycles = std::max(setting("SOAK_CYCLES", 500), 100);
+    const int warmUpCycles = 50;
     std::set<std::size_t> handles;
     std::vector<std::size_t> memory;
-    for (int cycle = 0; cycle <= wanted; ++cycle) {
+    for (int cycle = 0; cycle <= cycles; ++cycle) {
         ASSERT_EQ(startService(), 0);
         signalServiceStop();  // the run ends as soon as everything has started
         runService();
         stopService();
         if (cycle % 10 != 0) continue;
         ASSERT_NO_FATAL_FAILURE(expectTenGoodPlugins());
-        if (cycle < warmUp) continue;
-        handles.insert(handlesOf(GetCurrentProcessId()));
-        memory.push_back(memoryInUse());
+        if (cycle < warmUpCycles) continue;
+        handles.insert(countHandles(GetCurrentProcessId()));
+        memory.push_back(usedMemoryKb());
     }
     EXPECT_EQ(handles.size(), 1u) << "from " << *handles.begin() << " to " << *handles.rbegin();
     EXPECT_LT(memory.back(), memory.front() + 256);
-    figure("soak, ten plug-ins: cycles", wanted);
-    figure("soak, ten plug-ins: plug-ins loaded and unloaded", 10 * wanted);
+    figure("soak, ten plug-ins: cycles", cycles);
+    figure("soak, ten plug-ins: plug-ins loaded and unloaded", 10 * cycles);
     figure("soak, ten plug-ins: fewest handles", *handles.begin());
     figure("soak, ten plug-ins: most handles", *handles.rbegin());
     figure("soak, ten plug-ins: KB of memory after the warm-up", memory.front());
@@ -111,7 +111,7 @@ TEST_F(Soak, TenPluginsLoadedAndUnloadedAgainAndAgainLeaveNothingBehind) {
     figure("soak, ten plug-ins: KB at the end", memory.back());
 }
 
-TEST_F(Soak, TheServiceStartsAndStopsAgainAndAgain) {
+TEST_F(Soak, TheServiceStartsAndStopsRepeatedly) {
     addTenPlugins();
     const auto end = tClock::now() + std::chrono::seconds(setting("SOAK_SECONDS", 15));
     endtoend::tInstalledService service(executable());
@@ -122,7 +122,7 @@ TEST_F(Soak, TheServiceStartsAndStopsAgainAndAgain) {
         service.start();
         service.waitForState(SERVICE_RUNNING);
         writes.waitFor(3);
-        handles.insert(handlesOf(service.processId()));
+        handles.insert(countHandles(service.processId()));
         ASSERT_EQ(service.stop().win32ExitCode, 0u);
         ASSERT_NO_FATAL_FAILURE(expectTenGoodPlugins());
     }

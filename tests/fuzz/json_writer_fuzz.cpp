@@ -1,5 +1,5 @@
-// Compares the JSON writer, at every kind of cursor, in buffers of every size and in one that grows, with a model that
-// edits a std::string. Another JSON library parses its output.
+// Compares the JSON writer with a model that edits a std::string: at every kind of cursor, in buffers of every size and
+// in a buffer that grows. Another JSON library parses the writer's output.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstdint>
@@ -14,13 +14,13 @@
 
 namespace {
 
-/// The expected state: a container's text, the free bytes of its buffer, and the offset after the last value written.
+/// The expected state: a container's text, the size of its buffer, and the offset after the last value written.
 struct Model {
     std::string text;
     std::size_t capacity;
     std::size_t afterLast = 0;
 
-    /// Inserts at this offset by the writer's rule. Returns false if there is too little space.
+    /// Inserts the member at this offset as the writer should. Returns false if there is too little space.
     bool insert(std::size_t offset, const std::string& member) {
         const bool atStart = text[offset] == '{' || text[offset] == '[';
         const std::size_t at = atStart ? offset + 1 : offset;
@@ -40,13 +40,13 @@ void checkBuffer(const std::vector<char>& buffer, const Model& model) {
     check(buffer == expected, "text, terminator, zero fill and sentinel");
 }
 
-/// FindEnd rejects a control character that is not escaped.
+/// FindEnd rejects an unescaped control character.
 void checkEnd(std::vector<char>& buffer, const Model& model) {
     const bool valid = !jsonText::containsControlCharacter(model.text);
     check(zuerr::FindEnd(buffer.data()) == (valid ? buffer.data() + model.text.size() - 1 : nullptr), "the end");
 }
 
-/// Returns text without a zero: any bytes, or only those that every JSON reader accepts.
+/// Returns text without zero bytes. Readable text contains only bytes that every JSON reader accepts.
 std::string takeText(FuzzedDataProvider& data, bool readable) {
     std::string text = data.ConsumeRandomLengthString(40);
     for (char& character : text) {
@@ -56,7 +56,7 @@ std::string takeText(FuzzedDataProvider& data, bool readable) {
     return text;
 }
 
-/// A member to be written.
+/// A member to write.
 struct Member {
     Member(FuzzedDataProvider& data, bool readable, bool inArray, std::size_t number)
         : hasKey(!inArray),
@@ -88,13 +88,14 @@ struct Member {
     std::uint32_t value;
 };
 
-struct Place {
+struct Position {
     std::size_t offset;
     bool inArray;
 };
 
-/// Returns a cursor: the start of the text, its end, inside the last written object, or after the last written value.
-Place takePlace(FuzzedDataProvider& data, const Model& model, bool array, bool lastIsInArray) {
+/// Returns a cursor's position: at the start of the text, at its end, inside the last object written, or after the last
+/// value written.
+Position takePosition(FuzzedDataProvider& data, const Model& model, bool array, bool lastIsInArray) {
     switch (data.ConsumeIntegralInRange(0, 3)) {
         case 0: return {0, array};
         case 1: return {model.text.size() - 1, array};
@@ -106,11 +107,11 @@ Place takePlace(FuzzedDataProvider& data, const Model& model, bool array, bool l
     return {model.afterLast, lastIsInArray};
 }
 
-/// Writes into the buffer and into the model. Returns false if there was too little space.
+/// Writes the member to both the buffer and the model. Returns false if there was too little space.
 bool write(const Member& member, std::size_t offset, std::vector<char>& buffer, Model& model) {
     const bool fits = model.insert(offset, member.asText());
     char* const next = member.write(buffer.data() + offset);
-    check(next == (fits ? buffer.data() + model.afterLast : nullptr), "the cursor returned");
+    check(next == (fits ? buffer.data() + model.afterLast : nullptr), "the returned cursor");
     checkBuffer(buffer, model);
     return fits;
 }
@@ -119,7 +120,8 @@ void grow(std::vector<char>& buffer, Model& model) {
     const std::vector<char> old = buffer;
     model.capacity *= 2;
     buffer.assign(model.capacity, '#');
-    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), old.data()), "space in the larger");
+    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), old.data()),
+          "space in the larger buffer");
     checkBuffer(buffer, model);
 }
 
@@ -133,23 +135,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     Model model{array ? "[]" : "{}", data.ConsumeIntegralInRange<std::size_t>(4, 600)};
     model.afterLast = 1;
     std::vector<char> buffer(model.capacity, '#');
-    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), model.text.c_str()), "room");
+    check(zuerr::CopyText(buffer.data(), static_cast<std::uint32_t>(buffer.size()), model.text.c_str()),
+          "space in the first buffer");
 
     bool lastIsInArray = array;
     for (std::size_t number = 0; data.remaining_bytes() > 0; ++number) {
-        const Place place = takePlace(data, model, array, lastIsInArray);
-        const Member member(data, readable, place.inArray, number);
-        bool written = write(member, place.offset, buffer, model);
+        const Position position = takePosition(data, model, array, lastIsInArray);
+        const Member member(data, readable, position.inArray, number);
+        bool written = write(member, position.offset, buffer, model);
         while (grows && !written) {
             grow(buffer, model);
-            written = write(member, place.offset, buffer, model);
+            written = write(member, position.offset, buffer, model);
         }
         if (!written) continue;
-        lastIsInArray = place.inArray;
+        lastIsInArray = position.inArray;
         jsonText::check(model.text);
     }
-    // In this case no two keys are the same.
-    if (readable) check(nlohmann::ordered_json::parse(model.text).dump() == model.text, "the values that others read");
+    // Readable keys are unique.
+    if (readable)
+        check(nlohmann::ordered_json::parse(model.text).dump() == model.text, "the values that another library reads");
     checkEnd(buffer, model);
     return 0;
 }

@@ -1,4 +1,4 @@
-// Compares the manager's status text with the same text composed with printf, for any texts, codes and durations.
+// Compares the manager's status text with the same text composed with printf, for arbitrary texts, codes and durations.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cinttypes>
@@ -15,11 +15,11 @@
 
 namespace {
 
-/// Every path leads to a library whose entries' durations and results come from the input. Names begin with the letter
-/// of their kind.
-class tAnyLibrary : public support::tLoader {
+/// Every path loads the same library, whose entries take their durations and results from the input. The name of an
+/// entry begins with the letter of its kind.
+class tFuzzedLibrary : public support::tLoader {
 public:
-    explicit tAnyLibrary(FuzzedDataProvider& data) : data_(data) {
+    explicit tFuzzedLibrary(FuzzedDataProvider& data) : data_(data) {
         current_ = this;
         clock_.msPerReading = data.ConsumeIntegralInRange(0U, 1U);
     }
@@ -40,7 +40,7 @@ private:
         return current_->data_.ConsumeIntegral<std::int32_t>();
     }
 
-    inline static tAnyLibrary* current_ = nullptr;
+    inline static tFuzzedLibrary* current_ = nullptr;
     FuzzedDataProvider& data_;
     support::tFakeClock clock_;
 };
@@ -51,7 +51,7 @@ tPluginDescription anyDescription(FuzzedDataProvider& data) {
     const auto entryName = [&](const char* kind) { return data.ConsumeBool() ? kind + anyText(data) : std::string(); };
     tPluginDescription description;
     description.name = anyText(data);
-    // A dependency is usually missing: the plug-in then fails.
+    // A dependency usually does not exist, and then the plug-in fails.
     for (int count = data.ConsumeIntegralInRange(-3, 3); count > 0; --count) {
         description.dependencies.push_back(anyText(data));
     }
@@ -63,9 +63,9 @@ tPluginDescription anyDescription(FuzzedDataProvider& data) {
     return description;
 }
 
-std::string expectedCall(const std::string& name, const char* otherwise, std::uint64_t timeMs, std::int32_t code) {
+std::string expectedCall(const std::string& name, const char* defaultLabel, std::uint64_t timeMs, std::int32_t code) {
     if (timeMs == 0 && code == 0) return "";
-    const std::string label = name.empty() ? otherwise : name;
+    const std::string label = name.empty() ? defaultLabel : name;
     char time[32];
     char result[32];
     std::snprintf(time, sizeof(time), " Time: %" PRIu64 " ms\n", timeMs % (UINT64_C(1) << 32));
@@ -99,7 +99,7 @@ void check(const tPluginManager& manager) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
     FuzzedDataProvider data(input, size);
-    const tAnyLibrary library(data);
+    const tFuzzedLibrary library(data);
     std::vector<tPluginDescription> descriptions;
     for (int count = data.ConsumeIntegralInRange(0, 8); count > 0; --count) {
         descriptions.push_back(anyDescription(data));

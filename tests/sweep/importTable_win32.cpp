@@ -7,8 +7,8 @@
 namespace sweep {
 namespace {
 
-/// What the language's own libraries import, by its purpose. The product's own code calls none of it, and could not be
-/// told of a failure. Each name is followed by a blank.
+/// The functions that the C and C++ runtime libraries import, grouped by purpose. The product's own code calls none of
+/// them, and could not be told of a failure. Each name is followed by a blank.
 constexpr std::string_view runtime =
     // Program start and end.
     "GetStartupInfoA SetUnhandledExceptionFilter VirtualProtect VirtualQuery __getmainargs __initenv "

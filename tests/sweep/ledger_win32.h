@@ -16,7 +16,7 @@ public:
     /// Records a closing that the system refused: it was tried, and may be tried again.
     void refusedToClose(std::string_view kind, const void* handle);
 
-    /// Whether the product may close this once more.
+    /// Whether the product may close this again.
     [[nodiscard]] bool isOpen(std::string_view kind, const void* handle) const;
     /// The kinds of what is open and was not tried to close.
     [[nodiscard]] std::vector<std::string> leaks() const;

@@ -92,7 +92,7 @@ tLives::tLives(const tScenario& scenario)
       faults_(ledger_) {
     if (scenario_.plugins == noSharedDirectory) world_.places.sharedDirectory.reset();
     describePlugins();
-    // Loaded once more, so that no life has to read it from the disk.
+    // Loaded again, so that no life has to read it from the disk.
     imports::LoadLibraryExA.real(support::pluginPath("behaviours").c_str(), nullptr, 0);
     watch();
     watchStatusFile();

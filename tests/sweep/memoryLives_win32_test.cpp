@@ -66,7 +66,7 @@ private:
 
     void checkPlugins() const {
         if (seen_.waits == 0) {
-            EXPECT_THAT(seen_.plugins, testing::IsEmpty()) << "a run that ends early has started nobody";
+            EXPECT_THAT(seen_.plugins, testing::IsEmpty()) << "a run that ends early has started no plug-in";
             return;
         }
         constexpr const char* badFile = "Failed to parse service description file: ";

@@ -117,7 +117,8 @@ TEST(MemoryOfPlugins, OneThatFindsNoMemoryFailsAloneAndBeforeItIsInitialised) {
             checkInitCodes(attempt, machine.manager.entries());
         } else {
             EXPECT_EQ(attempt.code(), -52000);
-            EXPECT_THAT(machine.fakes.calls, testing::IsEmpty()) << "nobody has been started whom nobody will stop";
+            EXPECT_THAT(machine.fakes.calls, testing::IsEmpty())
+                << "no plug-in has been started that will not be stopped";
         }
         checkCalls(machine);
     };

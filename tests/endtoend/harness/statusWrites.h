@@ -7,8 +7,8 @@
 
 namespace endtoend {
 
-/// Counts how often the status file has been replaced since construction. It watches the folder only: reading the file
-/// again and again would sometimes prevent the next replacement.
+/// Counts how often the status file has been replaced since construction. It only watches the folder: reading the file
+/// repeatedly would sometimes prevent the next replacement.
 class tStatusWrites {
 public:
     tStatusWrites();

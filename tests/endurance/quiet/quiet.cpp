@@ -1,5 +1,5 @@
-// A plug-in that does nothing and brings no C++ runtime: with every load the runtime of another takes some memory that
-// it never gives back, which would hide what the host keeps.
+// A plug-in that does nothing and contains no C++ runtime: such a runtime leaks some memory on every load, which would
+// hide leaks of the host.
 
 extern "C" {
 

@@ -10,7 +10,7 @@ namespace {
 
 std::string text(std::u8string_view utf8) { return {utf8.begin(), utf8.end()}; }
 
-TEST(nStdPathPaths, NameTheirFileInAnyScript) {
+TEST(nStdPathPaths, ReferToFilesWithNamesInAnyScript) {
     const support::tFolder folder;
     for (const std::u16string name : {u"plain.ini", u"with two blanks.ini", u"größe.ini", u"计划.ini", u"🚀.ini"}) {
         const std::string utf8 = folder.write(name, "x");
@@ -25,7 +25,7 @@ TEST(nStdPathPaths, SurviveTheRoundTrip) {
     }
 }
 
-TEST(nStdPathPaths, FoundInAFolderAreShownUnderTheirNames) {
+TEST(nStdPathPaths, FoundInAFolderConvertToTheirUtf8Names) {
     const support::tFolder folder;
     const std::string utf8 = folder.write(u"计划 🚀.ini");
     const boost::filesystem::directory_iterator found(nStdPath::pathFromUtf8(folder.utf8()));
@@ -33,7 +33,7 @@ TEST(nStdPathPaths, FoundInAFolderAreShownUnderTheirNames) {
     EXPECT_EQ(nStdPath::pathToUtf8(found->path()), utf8);
 }
 
-TEST(nStdPathPaths, BecomeTheCompilersWideText) {
+TEST(nStdPathPaths, ConvertToTheSameTextAsAWideLiteral) {
     EXPECT_EQ(nStdPath::widePathFromUtf8(""), L"");
     EXPECT_EQ(nStdPath::widePathFromUtf8(text(u8"C:\\größe\\计划 🚀.ini")), L"C:\\größe\\计划 🚀.ini");
 }
