@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -59,21 +58,6 @@ void waitAtOwnGate(const char* event) {
     waitAtGate(ownPath());
 }
 
-[[noreturn]] void throwRuntimeError(const char* event) {
-    log(event);
-    throw std::runtime_error("an exception of the standard library");
-}
-
-[[noreturn]] void throwBadAlloc(const char* event) {
-    log(event);
-    throw std::bad_alloc();
-}
-
-[[noreturn]] void throwOwnException(const char* event) {
-    log(event);
-    throw OwnException();
-}
-
 [[noreturn]] void throwInt(const char* event) {
     log(event);
     throw 7;
@@ -87,23 +71,22 @@ std::int32_t InitOk() { return logged("InitOk", 0); }
 std::int32_t InitWarning3() { return logged("InitWarning3", 3); }
 std::int32_t InitFails7() { return logged("InitFails7", -7); }
 std::int32_t InitWaits() { return waitAtOwnGate("InitWaits"), 0; }
-std::int32_t InitThrowsRuntimeError() { throwRuntimeError("InitThrowsRuntimeError"); }
-std::int32_t InitThrowsBadAlloc() { throwBadAlloc("InitThrowsBadAlloc"); }
-std::int32_t InitThrowsOwnException() { throwOwnException("InitThrowsOwnException"); }
+std::int32_t InitThrowsOwnException() {
+    log("InitThrowsOwnException");
+    throw OwnException();
+}
 std::int32_t InitThrowsInt() { throwInt("InitThrowsInt"); }
 
 void StopOk() { log("StopOk"); }
 std::int32_t StopReturnsMinus9() { return logged("StopReturnsMinus9", -9); }
 void StopWaits() { waitAtOwnGate("StopWaits"); }
-void StopThrowsRuntimeError() { throwRuntimeError("StopThrowsRuntimeError"); }
-void StopThrowsBadAlloc() { throwBadAlloc("StopThrowsBadAlloc"); }
-void StopThrowsOwnException() { throwOwnException("StopThrowsOwnException"); }
 void StopThrowsInt() { throwInt("StopThrowsInt"); }
 
 void CleanupOk() { log("CleanupOk"); }
 std::int32_t CleanupReturnsMinus9() { return logged("CleanupReturnsMinus9", -9); }
-void CleanupThrowsRuntimeError() { throwRuntimeError("CleanupThrowsRuntimeError"); }
-void CleanupThrowsBadAlloc() { throwBadAlloc("CleanupThrowsBadAlloc"); }
-void CleanupThrowsOwnException() { throwOwnException("CleanupThrowsOwnException"); }
+void CleanupThrowsRuntimeError() {
+    log("CleanupThrowsRuntimeError");
+    throw std::runtime_error("an exception of the standard library");
+}
 void CleanupThrowsInt() { throwInt("CleanupThrowsInt"); }
 }
