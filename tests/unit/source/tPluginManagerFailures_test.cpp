@@ -10,6 +10,7 @@
 
 #include "err/Exception.h"
 #include "tests/support/allocations.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/managerTest.h"
 
 namespace {
@@ -148,13 +149,10 @@ TEST_F(tPluginManagerFailures, AnUnloadThatFailsOnceReplacesTheNegativeResultAnd
 TEST_F(tPluginManagerFailures, AnUnloadThatFailsTwiceEndsTheStartWithoutThatEntry) {
     plugins_.plugin("B").initialize = [] { return -7; };
     plugins_.plugin("B").refusedUnloads = 2;
-    try {
-        start({describe("A"), describe("B"), describe("C")});
-        FAIL();
-    } catch (const zuerr::Exception& exception) {
-        EXPECT_EQ(exception.record.code, -52005);
-        EXPECT_STREQ(exception.what(), R"({"file":"zukest/quarks/library","line":225,"component":"zuZiptraR"})");
-    }
+    EXPECT_EQ(support::caughtReport([&] {
+                  start({describe("A"), describe("B"), describe("C")});
+              }),
+              R"(-52005 {"file":"zukest/quarks/library","line":225,"component":"zuZiptraR"})");
     EXPECT_THAT(plugins_.callsOf("unload"), ElementsAre("B", "B"));
     EXPECT_THAT(plugins_.callsOf("load"), ElementsAre("A", "B"));
     ASSERT_EQ(manager_.entries().size(), 1U);

@@ -9,8 +9,8 @@
 
 #include "err/Exception.h"
 #include "source/tPluginManager.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/plugins.h"
-#include "tests/support/propagation.h"
 
 namespace {
 

@@ -5,8 +5,9 @@
 #include <string>
 
 #include "source/tService.h"
-#include "tests/support/failure.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/folder.h"
+#include "tests/support/statusFailures.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ protected:
     }
 
     [[nodiscard]] std::string failureOf(std::size_t size) const {
-        return support::failureOf([&] { WriteStatusFile(folder.utf8(), "s", std::string(size, 'x')); });
+        return support::caughtReport([&] { WriteStatusFile(folder.utf8(), "s", std::string(size, 'x')); });
     }
     [[nodiscard]] std::string status() const {
         std::ifstream file(folder.path() / "s");

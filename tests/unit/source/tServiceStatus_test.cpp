@@ -11,9 +11,10 @@
 
 #include "source/tService.h"
 #include "tests/support/caughtReports.h"
-#include "tests/support/failure.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/folder.h"
 #include "tests/support/serviceWorld.h"
+#include "tests/support/statusFailures.h"
 
 namespace {
 
@@ -188,26 +189,26 @@ TEST_F(tServiceStatusReplacement, OverwritesAStaleTemporaryFile) {
 
 TEST_F(tServiceStatusReplacement, FailsAtLine207WithoutAFileWhenTheDirectoryDoesNotExist) {
     const auto call = [this] { WriteStatusFile(folder.utf8("missing"), fileName, "text"); };
-    EXPECT_EQ(support::failureOf(call), support::openFailed);
+    EXPECT_EQ(support::caughtReport(call), support::openFailed);
     EXPECT_EQ(files(), 0U);
 }
 
 TEST_F(tServiceStatusReplacement, FailsAtLine207AndKeepsTheOldFileWhenTheTemporaryFileCannotBeOpened) {
     write("old\n");
     folder.makeFolder(".s.status.tmp");
-    EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::openFailed);
+    EXPECT_EQ(support::caughtReport([this] { write("new\n"); }), support::openFailed);
     EXPECT_EQ(status(), "old\n");
 }
 
 TEST_F(tServiceStatusReplacement, FailsAtLine225AndLeavesTheCompleteTemporaryFileWhenTheNameIsTaken) {
     folder.makeFolder("s.status/occupied");
-    EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::renameFailed);
+    EXPECT_EQ(support::caughtReport([this] { write("new\n"); }), support::renameFailed);
     EXPECT_EQ(content(folder.path() / ".s.status.tmp"), "new\n");
 }
 
 TEST_F(tServiceStatusReplacement, RecoversOnceTheNameIsFreeAgain) {
     folder.makeFolder("s.status/occupied");
-    EXPECT_NE(support::failureOf([this] { write("first\n"); }), "none");
+    EXPECT_NE(support::caughtReport([this] { write("first\n"); }), "nothing");
     remove_all(folder.path() / "s.status");
     write("second\n");
     EXPECT_EQ(status(), "second\n");
@@ -239,7 +240,7 @@ TEST_F(tServiceStatusReplacement, ShowsAConcurrentReaderAWholeFileOrNone) {
     });
     // On Windows a reader may keep the name in use: the write then fails, and the old file stays.
     for (int i = 0; i < 2000 && (i < 50 || whole < 20); ++i) {
-        support::failureOf([&] { write(std::string(size, static_cast<char>('a' + i % 26))); });
+        support::caughtReport([&] { write(std::string(size, static_cast<char>('a' + i % 26))); });
     }
     done = true;
     reader.join();
@@ -249,7 +250,7 @@ TEST_F(tServiceStatusReplacement, ShowsAConcurrentReaderAWholeFileOrNone) {
 
 TEST_F(tServiceStatusReplacement, FailsForADirectoryThatIsNotUtf8) {
     const auto call = [this] { WriteStatusFile(folder.utf8() + "\\\xFF", fileName, "text"); };
-    EXPECT_EQ(support::failureOf(call), support::openFailed);
+    EXPECT_EQ(support::caughtReport(call), support::openFailed);
 }
 
 }  // namespace

@@ -5,10 +5,11 @@
 #include <string>
 
 #include "source/tService.h"
-#include "tests/support/failure.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/folder.h"
 #include "tests/support/imports_win32.h"
 #include "tests/support/serviceWorld.h"
+#include "tests/support/statusFailures.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ std::string bytes(const std::filesystem::path& path) {
 
 /// Returns the failure of writing the file "s".
 std::string failureOf(const support::tFolder& folder, const std::string& text) {
-    return support::failureOf([&] { WriteStatusFile(folder.utf8(), "s", text); });
+    return support::caughtReport([&] { WriteStatusFile(folder.utf8(), "s", text); });
 }
 
 TEST(tServiceStatusOnDisk, HasWindowsLineEndsAndNoDoubledCarriageReturns) {
@@ -87,7 +88,7 @@ TEST(tServiceStatusOnDisk, WritesTheTextWithOneCall) {
         EXPECT_EQ(size * count, 100'000U);
         return imports::fwrite.real(data, size, count, file);
     });
-    EXPECT_EQ(failureOf(folder, std::string(100'000, 'x')), "none");
+    EXPECT_EQ(failureOf(folder, std::string(100'000, 'x')), "nothing");
     EXPECT_EQ(calls, 1);
 }
 
@@ -105,7 +106,7 @@ TEST(tServiceStatusOnDisk, KeepsTheOldFileIfTheDiskIsFullOnClosing) {
 TEST(tServiceStatusOnDisk, IsWrittenIfThereIsNothingToDelete) {
     const support::tFolder folder;
     imports::_wremove.replace([](const wchar_t*) { return -1; });
-    EXPECT_EQ(failureOf(folder, "new"), "none");
+    EXPECT_EQ(failureOf(folder, "new"), "nothing");
     EXPECT_EQ(bytes(folder.path() / "s"), "new");
 }
 
@@ -157,15 +158,8 @@ int opensWhileAnExceptionPropagates() {
         ++opens;
         return imports::_wfsopen.real(arguments...);
     });
-    struct tWriter {
-        ~tWriter() { WriteStatus(*gService); }
-    };
-    try {
-        const tWriter writer{};
-        throw 42;
-    } catch (int) {
-        return opens;
-    }
+    support::whileUnwinding([] { WriteStatus(*gService); });
+    return opens;
 }
 
 TEST(tServiceStatusOnWindows, IsWrittenEvenWhileAnExceptionPropagates) {

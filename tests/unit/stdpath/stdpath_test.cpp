@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "err/Exception.h"
 #include "stdpath/path.h"
 #include "stdpath/systemError.h"
 #include "tests/support/allocations.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/stdpath.h"
 
 namespace {
@@ -208,26 +208,14 @@ TEST_F(nStdPathPluginDirectory, AcceptsASharedDirectoryInAnyScript) {
 }
 
 TEST_F(nStdPathPluginDirectory, ThrowsTheFailureToFindTheSharedDirectory) {
-    try {
-        static_cast<void>(nStdPath::getPluginDirectory());
-        FAIL() << "nothing thrown";
-    } catch (const zuerr::Exception& exception) {
-        EXPECT_EQ(exception.record.code, -52006);
-        EXPECT_NE(std::string(exception.what()).find(R"("line":256,)"), std::string::npos) << exception.what();
-    }
+    const std::string thrown = support::caughtReport(compose);
+    EXPECT_TRUE(thrown.starts_with("-52006 ")) << thrown;
+    EXPECT_NE(thrown.find(R"("line":256,)"), std::string::npos) << thrown;
 }
 
 TEST_F(nStdPathPluginDirectory, ThrowsNothingWhileAnExceptionIsPropagating) {
-    struct tComposeAtExit {
-        std::string& composed;
-        ~tComposeAtExit() { composed = compose(); }
-    };
-    try {
-        const tComposeAtExit atExit{result};
-        throw 1;
-    } catch (int) {
-        EXPECT_EQ(result, "ZiptraRemoteService" + separator + "plugins");
-    }
+    support::whileUnwinding([this] { result = compose(); });
+    EXPECT_EQ(result, "ZiptraRemoteService" + separator + "plugins");
 }
 
 TEST(nStdPathSystemErrorReport, ShowsAWin32ErrorUnsignedWithTheSystemsText) {
