@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <exception>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -102,36 +101,6 @@ TEST_F(tPluginManagerFailures, AnExceptionFromInitializeFailsThePluginWithItsCod
     plugins_.calls.clear();
     stopAndCleanUp();
     EXPECT_THAT(plugins_.calls, ElementsAre("call E Stop", "call E Cleanup", "unload E"));
-}
-
-TEST_F(tPluginManagerFailures, AnExceptionWithoutAnErrorStillFailsThePlugin) {
-    plugins_.plugin("A").initialize = []() -> std::int32_t { throw zuerr::Exception(); };
-    start({describe("A"), describe("B", {"A"})});
-    EXPECT_THAT(initCodes(), ElementsAre(0, -52006));
-    EXPECT_EQ(manager_.entries()[0].library.loaded, 0);
-}
-
-TEST_F(tPluginManagerFailures, AnExceptionOfUnknownTypeIsPassedOn) {
-    plugins_.plugin("A").initialize = []() -> std::int32_t { throw 7; };
-    EXPECT_THROW(start({describe("A")}), int);
-}
-
-/// Records its destruction.
-class WatchedException : public std::exception {
-public:
-    explicit WatchedException(std::vector<std::string>& calls) : calls_(calls) {}
-    WatchedException(const WatchedException&) = default;
-    ~WatchedException() override { calls_.emplace_back("destroy"); }
-
-private:
-    std::vector<std::string>& calls_;
-};
-
-TEST_F(tPluginManagerFailures, AnExceptionIsDestroyedBeforeTheLibraryThatThrewItIsUnloaded) {
-    plugins_.plugin("A").initialize = [&]() -> std::int32_t { throw WatchedException(plugins_.calls); };
-    start({describe("A")});
-    EXPECT_THAT(plugins_.calls, ElementsAre("load A", "symbol A Init", "symbol A Stop", "symbol A Cleanup",
-                                            "call A Init", "destroy", "unload A"));
 }
 
 // Unloads that fail.

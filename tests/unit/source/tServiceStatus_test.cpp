@@ -5,7 +5,6 @@
 #include <cctype>
 #include <fstream>
 #include <iterator>
-#include <locale>
 #include <string>
 #include <thread>
 
@@ -13,6 +12,7 @@
 #include "tests/support/caughtReports.h"
 #include "tests/support/exceptions.h"
 #include "tests/support/folder.h"
+#include "tests/support/groupingLocale.h"
 #include "tests/support/serviceWorld.h"
 #include "tests/support/statusFailures.h"
 
@@ -95,24 +95,8 @@ TEST_F(tServiceStatusText, ShowsTheTimeInDecimalAfterTheHexadecimalMask) {
     EXPECT_NE(written().find("Init Time 255 ms"), std::string::npos);
 }
 
-/// While it exists, digits are grouped, as in some locales.
-class tGroupingLocale {
-public:
-    tGroupingLocale() : before_(std::locale::global(std::locale(std::locale::classic(), new tPunctuation))) {}
-    ~tGroupingLocale() { std::locale::global(before_); }
-    tGroupingLocale(const tGroupingLocale&) = delete;
-    tGroupingLocale& operator=(const tGroupingLocale&) = delete;
-
-private:
-    struct tPunctuation : std::numpunct<char> {
-        [[nodiscard]] char do_thousands_sep() const override { return '.'; }
-        [[nodiscard]] std::string do_grouping() const override { return "\3"; }
-    };
-    std::locale before_;
-};
-
 TEST_F(tServiceStatusText, ShowsPlainDigitsInAnyLocale) {
-    const tGroupingLocale locale;
+    const support::tGroupingLocale locale;
     gService->initTimeMs = 1234567;
     EXPECT_NE(written().find("\nAllowed: 0xffffffff\nInit Time 1234567 ms\n"), std::string::npos);
 }
