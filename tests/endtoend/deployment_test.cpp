@@ -53,19 +53,6 @@ TEST_F(DeploymentRetries, ContinueEveryTenSecondsUntilTheFrameworkAnswers) {
     EXPECT_EQ(status.messages, "");
 }
 
-TEST_F(DeploymentRetries, AnInterruptMeanwhileTakesEffectOnceThePluginsHaveStarted) {
-    removeFramework();
-    const tGate pause = holdPause(1);
-    start();
-    pause.waitUntilHeld();
-    interruptForSure();
-    EXPECT_EQ(calls(), "");
-    pause.open();
-    process().exitCode();
-    EXPECT_EQ(std::ranges::count(pauses(), '\n'), 7);
-    EXPECT_EQ(calls(), "A loads\nA InitOk\nA unloads\n");
-}
-
 TEST_F(DeploymentRetries, AStopControlMeanwhileIsReportedAtOnceAndTakesEffectAfterTheLast) {
     removeFramework();
     const tGate pause = holdPause(1);

@@ -48,19 +48,6 @@ TEST_F(Foreground, CtrlCDuringTheConstructionSkipsTheRunButNotTheStop) {
     EXPECT_EQ(calls(), "");
 }
 
-TEST_F(Foreground, CtrlCDuringTheStartOfAPluginWaitsForAllPluginsToStart) {
-    scriptSystemCalls();
-    addPlugin("A", {.initialize = "InitWaits", .stop = "StopOk"});
-    addPlugin("B", {.initialize = "InitOk", .stop = "StopOk"});
-    const tGate gate = holdPlugin("A");
-    start();
-    gate.waitUntilHeld();
-    interruptForSure();
-    gate.open();
-    process().exitCode();
-    EXPECT_EQ(calls(), "A loads\nA InitWaits\nB loads\nB InitOk\nB StopOk\nA StopOk\nB unloads\nA unloads\n");
-}
-
 TEST_F(Foreground, FurtherCtrlCsDuringTheStopChangeNothing) {
     scriptSystemCalls();
     addPlugin("A", {.stop = "StopWaits", .cleanup = "CleanupOk"});

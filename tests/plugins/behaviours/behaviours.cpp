@@ -2,7 +2,7 @@
 //
 // Each call appends "<library> <what happened>" to the file that the environment variable TEST_PLUGIN_LOG names, where
 // the library is the file name without its extension. This distinguishes copies of the file under other names.
-// Entries that wait do so at the gate (see gate.h) with the library's own path.
+// StopWaits waits at the gate (see gate.h) with the library's own path.
 
 #include <cstdint>
 #include <cstdio>
@@ -53,11 +53,6 @@ std::int32_t logged(const char* event, std::int32_t result) {
     return result;
 }
 
-void waitAtOwnGate(const char* event) {
-    log(event);
-    waitAtGate(ownPath());
-}
-
 [[noreturn]] void throwInt(const char* event) {
     log(event);
     throw 7;
@@ -70,7 +65,6 @@ extern "C" {
 std::int32_t InitOk() { return logged("InitOk", 0); }
 std::int32_t InitWarning3() { return logged("InitWarning3", 3); }
 std::int32_t InitFails7() { return logged("InitFails7", -7); }
-std::int32_t InitWaits() { return waitAtOwnGate("InitWaits"), 0; }
 std::int32_t InitThrowsOwnException() {
     log("InitThrowsOwnException");
     throw OwnException();
@@ -79,7 +73,10 @@ std::int32_t InitThrowsInt() { throwInt("InitThrowsInt"); }
 
 void StopOk() { log("StopOk"); }
 std::int32_t StopReturnsMinus9() { return logged("StopReturnsMinus9", -9); }
-void StopWaits() { waitAtOwnGate("StopWaits"); }
+void StopWaits() {
+    log("StopWaits");
+    waitAtGate(ownPath());
+}
 void StopThrowsInt() { throwInt("StopThrowsInt"); }
 
 void CleanupOk() { log("CleanupOk"); }

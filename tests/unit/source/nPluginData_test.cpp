@@ -125,18 +125,6 @@ TEST_F(nPluginDataPlugins, AreListedFromTheSharedDirectory) {
     EXPECT_THAT(all(), ElementsAre(a));
 }
 
-TEST_F(nPluginDataPlugins, AnEmptyDirectoryIsNotAnError) {
-    folder.makeFolder("ZiptraRemoteService/plugins");
-    places.sharedDirectory = folder.utf8();
-    EXPECT_THAT(all(), IsEmpty());
-}
-
-TEST_F(nPluginDataPlugins, ThrowsWithoutAPluginDirectory) {
-    folder.makeFolder("ZiptraRemoteService");
-    places.sharedDirectory = folder.utf8();
-    EXPECT_EQ(caughtReport(all), directoryMissing);
-}
-
 TEST_F(nPluginDataPlugins, ThrowsWithoutASharedDirectory) {
     const std::string thrown = caughtReport(all);
     EXPECT_TRUE(thrown.starts_with(R"(-52006 {"error_constant":"kestStatusResourceNotFound",)")) << thrown;
@@ -262,15 +250,6 @@ TEST_F(nPluginDataReading, ReadsAFileWithAnyName) {
     folder.makeFolder(u"größe 计划");
     tPluginDescription record;
     nPluginData::readDescription(folder.write(u"größe 计划/with blanks 🚀.ini", "[Service]\nName=A"), record);
-    EXPECT_EQ(record.name, "A");
-}
-
-TEST_F(nPluginDataReading, ReadsAFileWithAVeryLongPath) {
-    std::filesystem::path name;
-    while (folder.utf8(name).size() < 1000) name /= std::string(100, 'x');
-    folder.makeFolder(name);
-    tPluginDescription record;
-    nPluginData::readDescription(folder.write(name / "a.ini", "[Service]\nName=A"), record);
     EXPECT_EQ(record.name, "A");
 }
 

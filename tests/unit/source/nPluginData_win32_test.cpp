@@ -71,28 +71,6 @@ TEST_F(nPluginDataMemory, ThrowsTheParsersCodeIfMemoryRunsOutLater) {
     EXPECT_EQ(record.name, "earlier");
 }
 
-TEST_F(nPluginDataMemory, ReadsOrThrowsWhicheverAllocationFails) {
-    const std::string small = folder.write("b.ini", "[Service]\nName=B\nRequires=6\n");
-    bool struck = true;
-    for (int nth = 1; struck; ++nth) {
-        record = {};
-        bool thrown = false;
-        allocations::startFailing(nth, allocations::tHowLong::once);
-        try {
-            nPluginData::readDescription(small, record);
-        } catch (const std::exception&) {
-            thrown = true;
-        }
-        struck = allocations::stopFailing().refused > 0;
-        // Nothing is thrown if there is no memory for a document.
-        if (!record.name.empty() || !struck) {
-            EXPECT_EQ(record.requiresMask, 6U) << nth;
-        }
-        EXPECT_FALSE(thrown && !record.name.empty()) << nth;
-    }
-    EXPECT_EQ(record.name, "B");
-}
-
 TEST(nPluginData, ReportsAnUnreadableFileWithTheParsersCode) {
     const support::tFolder folder;
     const std::string path = folder.utf8(folder.makeFolder("a.ini").filename());

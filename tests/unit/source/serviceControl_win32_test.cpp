@@ -149,12 +149,6 @@ TEST_F(ServiceControl, ReportsAStopRequestThenSetsTheEvent) {
     EXPECT_THAT(calls, ElementsAre(stopRequested, "set-event"));
 }
 
-TEST_F(ServiceControl, TreatsAShutdownAsAStop) {
-    start();
-    serviceControlHandler(SERVICE_CONTROL_SHUTDOWN);
-    EXPECT_THAT(calls, ElementsAre(stopRequested, "set-event"));
-}
-
 TEST_F(ServiceControl, IgnoresEveryOtherControlWithoutAReport) {
     start();
     for (unsigned long control = 0; control < 256; ++control) {
@@ -190,7 +184,7 @@ TEST_F(ServiceControl, HoldsTheLockWhileItReportsAndSignalsAndReleasesIt) {
     EXPECT_EQ(gStatusLock, 0);
 }
 
-TEST_F(ServiceControl, ReportsASecondRequestThatComesBeforeTheRunHasReturned) {
+TEST_F(ServiceControl, TreatsAShutdownAsAStopAndReportsASecondRequestBeforeTheRunHasReturned) {
     start();
     serviceControlHandler(SERVICE_CONTROL_STOP);
     serviceControlHandler(SERVICE_CONTROL_SHUTDOWN);

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "tests/support/folder.h"
 
 namespace {
@@ -18,17 +15,12 @@ protected:
         std::fclose(file);
     }
 
-    [[nodiscard]] std::string content(const std::filesystem::path& name) const {
-        std::ifstream file(folder.path() / name);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
     support::tFolder folder;
 };
 
 TEST_F(StatusFileCalls, OpeningTruncatesAnExistingFile) {
     write(folder.write("a", "something longer"), "new");
-    EXPECT_EQ(content("a"), "new");
+    EXPECT_EQ(folder.read("a"), "new");
 }
 
 TEST_F(StatusFileCalls, OpeningFailsWithoutTheDirectory) {
@@ -44,14 +36,14 @@ TEST_F(StatusFileCalls, RemovingReturnsWhetherThereWasAFile) {
 
 TEST_F(StatusFileCalls, RenamingMovesTheContent) {
     EXPECT_TRUE(nStatusFile::rename(folder.write("a", "text"), folder.utf8("b")));
-    EXPECT_EQ(content("b"), "text");
+    EXPECT_EQ(folder.read("b"), "text");
     EXPECT_FALSE(exists(folder.path() / "a"));
 }
 
 TEST_F(StatusFileCalls, RenamingNeverReplacesAFile) {
     EXPECT_FALSE(nStatusFile::rename(folder.write("a", "new"), folder.write("b", "old")));
-    EXPECT_EQ(content("a"), "new");
-    EXPECT_EQ(content("b"), "old");
+    EXPECT_EQ(folder.read("a"), "new");
+    EXPECT_EQ(folder.read("b"), "old");
 }
 
 TEST_F(StatusFileCalls, RenamingFailsWithoutAFile) {
@@ -63,7 +55,7 @@ TEST_F(StatusFileCalls, AcceptNamesInAnyScript) {
     const std::filesystem::path to(u"😀.txt");
     write(folder.utf8(from), "text");
     EXPECT_TRUE(nStatusFile::rename(folder.utf8(from), folder.utf8(to)));
-    EXPECT_EQ(content(to), "text");
+    EXPECT_EQ(folder.read(to), "text");
     EXPECT_TRUE(nStatusFile::remove(folder.utf8(to)));
 }
 

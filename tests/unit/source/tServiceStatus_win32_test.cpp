@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "source/tService.h"
@@ -13,11 +11,6 @@
 
 namespace {
 
-std::string bytes(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// Returns the failure of writing the file "s".
 std::string failureOf(const support::tFolder& folder, const std::string& text) {
     return support::caughtReport([&] { WriteStatusFile(folder.utf8(), "s", text); });
@@ -26,7 +19,7 @@ std::string failureOf(const support::tFolder& folder, const std::string& text) {
 TEST(tServiceStatusOnDisk, HasWindowsLineEndsAndNoDoubledCarriageReturns) {
     const support::tFolder folder;
     WriteStatusFile(folder.utf8(), "s", "one\r\ntwo\n\n");
-    EXPECT_EQ(bytes(folder.path() / "s"), "one\r\ntwo\r\n\r\n");
+    EXPECT_EQ(folder.read("s"), "one\r\ntwo\r\n\r\n");
 }
 
 TEST(tServiceStatusOnDisk, IsOpenedAsTextAndSharedThenDeletedThenRenamed) {
@@ -77,7 +70,7 @@ TEST(tServiceStatusOnDisk, KeepsTheOldFileIfTheNewOneIsTruncated) {
     });
     EXPECT_EQ(failureOf(folder, "something new"), support::writeFailed);
     EXPECT_EQ(closed, 1U);
-    EXPECT_EQ(bytes(folder.path() / "s"), "old");
+    EXPECT_EQ(folder.read("s"), "old");
 }
 
 TEST(tServiceStatusOnDisk, WritesTheTextWithOneCall) {
@@ -100,14 +93,14 @@ TEST(tServiceStatusOnDisk, KeepsTheOldFileIfTheDiskIsFullOnClosing) {
         return EOF;
     });
     EXPECT_EQ(failureOf(folder, "new"), support::writeFailed);
-    EXPECT_EQ(bytes(folder.path() / "s"), "old");
+    EXPECT_EQ(folder.read("s"), "old");
 }
 
 TEST(tServiceStatusOnDisk, IsWrittenIfThereIsNothingToDelete) {
     const support::tFolder folder;
     imports::_wremove.replace([](const wchar_t*) { return -1; });
     EXPECT_EQ(failureOf(folder, "new"), "nothing");
-    EXPECT_EQ(bytes(folder.path() / "s"), "new");
+    EXPECT_EQ(folder.read("s"), "new");
 }
 
 TEST(tServiceStatusOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
@@ -116,14 +109,14 @@ TEST(tServiceStatusOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
     imports::_wrename.replace([](auto...) { return -1; });
     EXPECT_EQ(failureOf(folder, "new"), support::renameFailed);
     EXPECT_FALSE(exists(folder.path() / "s"));
-    EXPECT_EQ(bytes(folder.path() / ".s.tmp"), "new");
+    EXPECT_EQ(folder.read(".s.tmp"), "new");
 }
 
 TEST(tServiceStatusOnWindows, SurvivesATimeThatTheRuntimeCannotFormat) {
     const support::tServiceWorld world;
     imports::_ctime64.replace([](const __time64_t*) -> char* { return nullptr; });
     startService();
-    EXPECT_NE(bytes(world.statusFolder / "zuZiptraRemoteService.status").find("Updated: \r\nAllowed: "),
+    EXPECT_NE(support::read(world.statusFolder / "zuZiptraRemoteService.status").find("Updated: \r\nAllowed: "),
               std::string::npos);
 }
 
@@ -136,18 +129,19 @@ TEST(tServiceStatusOnWindows, ShowsTheTimeThatTheRuntimeReturns) {
         return text;
     });
     startService();
-    EXPECT_NE(bytes(world.statusFolder / "zuZiptraRemoteService.status").find("Updated: Mon Nov 16 03:26:40 2026\r\n"),
+    EXPECT_NE(support::read(world.statusFolder / "zuZiptraRemoteService.status")
+                  .find("Updated: Mon Nov 16 03:26:40 2026\r\n"),
               std::string::npos);
 }
 
 TEST(tServiceStatusOnWindows, DoesNotPassOnAFailedWrite) {
     const support::tServiceWorld world;
     startService();
-    const std::string before = bytes(world.statusFolder / "zuZiptraRemoteService.status");
+    const std::string before = support::read(world.statusFolder / "zuZiptraRemoteService.status");
     gService->allowedMask = 0;
     imports::fwrite.replace([](auto...) -> std::size_t { return 0; });
     EXPECT_NO_THROW(WriteStatus(*gService));
-    EXPECT_EQ(bytes(world.statusFolder / "zuZiptraRemoteService.status"), before);
+    EXPECT_EQ(support::read(world.statusFolder / "zuZiptraRemoteService.status"), before);
 }
 
 /// Writes the status file while an exception propagates. Returns how many files were opened for that.

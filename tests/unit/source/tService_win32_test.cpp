@@ -65,14 +65,6 @@ TEST_F(tServiceLife, AFailedStartLeavesAnEarlierServiceUntouched) {
     EXPECT_THAT(calls, ElementsAre("create-event"));
 }
 
-TEST_F(tServiceLife, BuildsTheNewServiceBeforeItDestroysTheOldOne) {
-    startService();
-    calls.clear();
-    startService();
-    EXPECT_THAT(calls, ElementsAre("create-event", "grant", "write-status", "write-status"))
-        << "the old service writes last; only the new one's event is watched";
-}
-
 TEST_F(tServiceLife, SignalsTheEventOfItsOwnAndNothingElse) {
     startService();
     calls.clear();
