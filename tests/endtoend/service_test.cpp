@@ -13,9 +13,9 @@ constexpr tServiceStatus stopping{16, 3, 0, 0, 0, 2, 5000};
 constexpr tServiceStatus stopped{16, 1, 0, 0, 0, 0, 0};
 constexpr tServiceStatus startFailed{16, 1, 0, 1066, 0xFFFFFFFF, 0, 0};
 
-class Service : public EndToEnd {};
+class serviceMode : public tEndToEnd {};
 
-TEST_F(Service, AcceptsNothingWhileItStartsAndStopAndShutdownAfterwards) {
+TEST_F(serviceMode, AcceptsNothingWhileItStartsAndStopAndShutdownAfterwards) {
     scriptSystemCalls();
     const tGate gate = holdStatusWrite(1);
     tInstalledService service(executable());
@@ -27,7 +27,7 @@ TEST_F(Service, AcceptsNothingWhileItStartsAndStopAndShutdownAfterwards) {
     EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);
 }
 
-TEST_F(Service, ReportsEachStepOfAStopToTheManager) {
+TEST_F(serviceMode, ReportsEachStepOfAStopToTheManager) {
     scriptSystemCalls();
     addPlugin("A", {.stop = "StopWaits", .cleanup = "CleanupThrowsRuntimeError"});
     const tGate plugin = holdPlugin("A");
@@ -47,7 +47,7 @@ TEST_F(Service, ReportsEachStepOfAStopToTheManager) {
     EXPECT_EQ(tStatusFile::read().plugin("A").code("CleanupThrowsRuntimeError"), -52003);
 }
 
-TEST_F(Service, StopsByItselfWithoutAPluginDirectory) {
+TEST_F(serviceMode, StopsByItselfWithoutAPluginDirectory) {
     std::filesystem::remove(descriptions());
     tInstalledService service(executable());
     service.startBrief();
@@ -55,7 +55,7 @@ TEST_F(Service, StopsByItselfWithoutAPluginDirectory) {
     EXPECT_EQ(tStatusFile::read().messages, "Failed to open plugins directory.\n");
 }
 
-TEST_F(Service, AFailedStartIsReportedWithItsCode) {
+TEST_F(serviceMode, AFailedStartIsReportedWithItsCode) {
     // No event can be created: the call goes to a function that refuses these arguments.
     rebindImport(executable(), "CreateEventA", "OpenEventA");
     tInstalledService service(executable());

@@ -7,7 +7,7 @@
 namespace endtoend {
 namespace {
 
-class StatusFile : public EndToEnd {};
+class statusFile : public tEndToEnd {};
 
 /// The text with plain line ends, without the lines that differ from run to run.
 std::string steadyText(const tStatusFile& status) {
@@ -21,7 +21,7 @@ std::string steadyText(const tStatusFile& status) {
     return result;
 }
 
-TEST_F(StatusFile, ShowsThePluginsOnceTheyAreStarted) {
+TEST_F(statusFile, ShowsThePluginsOnceTheyAreStarted) {
     addPlugin("A", {.initialize = "InitWarning3"});
     addPlugin("B", {.dependencies = "A, None", .requires_ = "5"});
     const std::string libraryOfA = utf8Path(libraries() / L"A.dll");
@@ -33,7 +33,7 @@ TEST_F(StatusFile, ShowsThePluginsOnceTheyAreStarted) {
                   libraryOfB + "\nRequires: 5\nInitOk Code: -52006\n\n");
 }
 
-TEST_F(StatusFile, ThatIsReadOnlyStaysAndStopsNoPlugin) {
+TEST_F(statusFile, ThatIsReadOnlyStaysAndStopsNoPlugin) {
     addPlugin("A", {.cleanup = "CleanupOk"});
     writeFile(tStatusFile::path(), "earlier");
     std::filesystem::permissions(tStatusFile::path(), std::filesystem::perms::owner_write,

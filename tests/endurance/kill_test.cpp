@@ -112,7 +112,7 @@ struct tLeft {
     bool temporary = false;
 };
 
-class Kill : public endtoend::EndToEnd {
+class Kill : public endtoend::tEndToEnd {
 protected:
     Kill() {
         endtoend::rebindImport(executable(), "ADVAPI32.dll", "killing.dll");

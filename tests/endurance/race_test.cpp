@@ -23,7 +23,7 @@ using endtoend::tInstalledService;
 using endtoend::tServiceStatus;
 using tClock = std::chrono::steady_clock;
 
-class Race : public endtoend::EndToEnd {
+class Race : public endtoend::tEndToEnd {
 protected:
     Race() { addPlugin("A", {.cleanup = "CleanupOk"}); }
 

@@ -61,7 +61,7 @@ std::size_t memoryInUse() {
     return counters.WorkingSetSize / 1024;
 }
 
-class Soak : public endtoend::EndToEnd {
+class Soak : public endtoend::tEndToEnd {
 protected:
     /// Each depends on the one before it.
     void addTenPlugins() const {

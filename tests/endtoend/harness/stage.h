@@ -90,6 +90,6 @@ private:
 };
 
 /// A stage for each test.
-class EndToEnd : public testing::Test, protected tStage {};
+class tEndToEnd : public testing::Test, protected tStage {};
 
 }  // namespace endtoend

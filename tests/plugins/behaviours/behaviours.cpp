@@ -30,18 +30,18 @@ void log(const char* event) {
     std::fclose(file);
 }
 
-struct LoadLog {
-    LoadLog() { log("loads"); }
-    ~LoadLog() { log("unloads"); }
-    LoadLog(const LoadLog&) = delete;
-    LoadLog& operator=(const LoadLog&) = delete;
+struct tLoadLog {
+    tLoadLog() { log("loads"); }
+    ~tLoadLog() { log("unloads"); }
+    tLoadLog(const tLoadLog&) = delete;
+    tLoadLog& operator=(const tLoadLog&) = delete;
 };
-const LoadLog loadLog;
+const tLoadLog loadLog;
 
 /// The code that prints and destroys this exception is in this library, which must still be loaded then.
-class OwnException : public std::exception {
+class tOwnException : public std::exception {
 public:
-    ~OwnException() override { log("destroys its exception"); }
+    ~tOwnException() override { log("destroys its exception"); }
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
 private:
@@ -67,7 +67,7 @@ std::int32_t InitWarning3() { return logged("InitWarning3", 3); }
 std::int32_t InitFails7() { return logged("InitFails7", -7); }
 std::int32_t InitThrowsOwnException() {
     log("InitThrowsOwnException");
-    throw OwnException();
+    throw tOwnException();
 }
 std::int32_t InitThrowsInt() { throwInt("InitThrowsInt"); }
 

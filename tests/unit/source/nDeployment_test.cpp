@@ -20,7 +20,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using tFramework = nDeployment::tHolder<nZusysapi::Framework>;
 using tResource = nDeployment::tHolder<nZusysapi::Resource>;
-using OnFailure = tScriptedFramework::OnFailure;
+using tOnFailure = tScriptedFramework::tOnFailure;
 
 constexpr Result generalFailure = static_cast<Result>(0x80004005);
 
@@ -100,7 +100,7 @@ TEST_F(nDeploymentTest, AFailedAttemptKeepsAnEarlierConnection) {
 }
 
 /// The step that fails, its result, and its effect on the out pointer.
-using tFailure = std::tuple<int, Result, OnFailure>;
+using tFailure = std::tuple<int, Result, tOnFailure>;
 struct nDeploymentStep : nDeploymentTest, testing::WithParamInterface<tFailure> {};
 
 TEST_P(nDeploymentStep, EndsTheAttemptWithEveryReferenceReleasedIfItFails) {
@@ -120,13 +120,13 @@ TEST_P(nDeploymentStep, EndsTheAttemptWithEveryReferenceReleasedIfItFails) {
 
 INSTANTIATE_TEST_SUITE_P(Failing, nDeploymentStep,
                          testing::Combine(testing::Range(1, 6), testing::Values(-1, generalFailure, 1, 0x7FFFFFFF),
-                                          testing::Values(OnFailure::leavesThePointer, OnFailure::writesNull)));
+                                          testing::Values(tOnFailure::leavesThePointer, tOnFailure::writesNull)));
 INSTANTIATE_TEST_SUITE_P(FailingWithAPositiveResultAndAnObject, nDeploymentStep,
                          testing::Combine(testing::Range(1, 6), testing::Values(1),
-                                          testing::Values(OnFailure::returnsAnObject)));
+                                          testing::Values(tOnFailure::returnsAnObject)));
 INSTANTIATE_TEST_SUITE_P(FailingWithANegativeResultAndAWildPointer, nDeploymentStep,
                          testing::Combine(testing::Range(1, 6), testing::Values(-1),
-                                          testing::Values(OnFailure::writesGarbage)));
+                                          testing::Values(tOnFailure::writesGarbage)));
 
 TEST_F(nDeploymentTest, AStepThatSucceedsWithoutAnObjectIsAFailedAttempt) {
     for (const int step : {1, 2, 4, 5}) {

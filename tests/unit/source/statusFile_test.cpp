@@ -6,7 +6,7 @@
 
 namespace {
 
-class StatusFileCalls : public testing::Test {
+class statusFile : public testing::Test {
 protected:
     void write(const std::string& path, const char* text) const {
         std::FILE* const file = nStatusFile::open(path);
@@ -18,39 +18,37 @@ protected:
     support::tFolder folder;
 };
 
-TEST_F(StatusFileCalls, OpeningTruncatesAnExistingFile) {
+TEST_F(statusFile, OpeningTruncatesAnExistingFile) {
     write(folder.write("a", "something longer"), "new");
     EXPECT_EQ(folder.read("a"), "new");
 }
 
-TEST_F(StatusFileCalls, OpeningFailsWithoutTheDirectory) {
+TEST_F(statusFile, OpeningFailsWithoutTheDirectory) {
     EXPECT_EQ(nStatusFile::open(folder.utf8("missing") + "\\a"), nullptr);
 }
 
-TEST_F(StatusFileCalls, RemovingReturnsWhetherThereWasAFile) {
+TEST_F(statusFile, RemovingReturnsWhetherThereWasAFile) {
     const std::string path = folder.write("a");
     EXPECT_TRUE(nStatusFile::remove(path));
     EXPECT_FALSE(exists(folder.path() / "a"));
     EXPECT_FALSE(nStatusFile::remove(path));
 }
 
-TEST_F(StatusFileCalls, RenamingMovesTheContent) {
+TEST_F(statusFile, RenamingMovesTheContent) {
     EXPECT_TRUE(nStatusFile::rename(folder.write("a", "text"), folder.utf8("b")));
     EXPECT_EQ(folder.read("b"), "text");
     EXPECT_FALSE(exists(folder.path() / "a"));
 }
 
-TEST_F(StatusFileCalls, RenamingNeverReplacesAFile) {
+TEST_F(statusFile, RenamingNeverReplacesAFile) {
     EXPECT_FALSE(nStatusFile::rename(folder.write("a", "new"), folder.write("b", "old")));
     EXPECT_EQ(folder.read("a"), "new");
     EXPECT_EQ(folder.read("b"), "old");
 }
 
-TEST_F(StatusFileCalls, RenamingFailsWithoutAFile) {
-    EXPECT_FALSE(nStatusFile::rename(folder.utf8("a"), folder.utf8("b")));
-}
+TEST_F(statusFile, RenamingFailsWithoutAFile) { EXPECT_FALSE(nStatusFile::rename(folder.utf8("a"), folder.utf8("b"))); }
 
-TEST_F(StatusFileCalls, AcceptNamesInAnyScript) {
+TEST_F(statusFile, AcceptNamesInAnyScript) {
     const std::filesystem::path from(u"中文 状态");
     const std::filesystem::path to(u"😀.txt");
     write(folder.utf8(from), "text");
@@ -59,7 +57,7 @@ TEST_F(StatusFileCalls, AcceptNamesInAnyScript) {
     EXPECT_TRUE(nStatusFile::remove(folder.utf8(to)));
 }
 
-TEST_F(StatusFileCalls, TheTimeTextIsOneLineOf24Characters) {
+TEST_F(statusFile, TheTimeTextIsOneLineOf24Characters) {
     const std::string text = nStatusFile::currentTimeText();
     EXPECT_EQ(text.size(), 25U);
     EXPECT_EQ(text.find('\n'), 24U);

@@ -12,10 +12,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class tServiceLife : public support::HostCalls {
+class tServiceLife : public support::tHostCalls {
 protected:
     void SetUp() override {
-        HostCalls::SetUp();
+        tHostCalls::SetUp();
         imports::OpenProcess.replace([this](auto...) -> HANDLE {
             calls.emplace_back("grant");
             return nullptr;

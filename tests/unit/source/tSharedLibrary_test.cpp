@@ -19,7 +19,7 @@ using testing::Return;
 using testing::StrEq;
 
 /// A loader that fails the test on every call that was not expected.
-class MockLoader : public support::tLoader {
+class tMockLoader : public support::tLoader {
 public:
     MOCK_METHOD(nLibrary::tHandle, load, (const char* path, std::uint32_t& osError), (override));
     MOCK_METHOD(bool, unload, (nLibrary::tHandle library, std::uint32_t& osError), (override));
@@ -78,7 +78,7 @@ protected:
     }
 
     int module_ = 0;
-    testing::StrictMock<MockLoader> loader_;
+    testing::StrictMock<tMockLoader> loader_;
     tSharedLibrary library_;
     zuerr::PlatformStatus status_;
 };

@@ -11,13 +11,13 @@ namespace {
 
 /// The stand-in itself, loaded by the product's own binding; it is beside the test program. What the end-to-end tests
 /// show of it anyway is not repeated here.
-class ZusysapiStandIn : public testing::Test {
+class zusysapi : public testing::Test {
 protected:
-    ZusysapiStandIn() {
+    zusysapi() {
         set("ZUSYSAPI_REPORT", folder.utf8("report"));
         imports::Sleep.replace([this](DWORD /*milliseconds*/) { ++pauses; });
     }
-    ~ZusysapiStandIn() override {
+    ~zusysapi() override {
         unload();
         for (const char* name : {"ZUSYSAPI_FAIL_STEP", "ZUSYSAPI_FAIL_ATTEMPTS", "ZUSYSAPI_REPORT"}) {
             SetEnvironmentVariableA(name, nullptr);
@@ -40,7 +40,7 @@ protected:
     int pauses = 0;
 };
 
-TEST_F(ZusysapiStandIn, NamesTheObjectsThatAreStillHeld) {
+TEST_F(zusysapi, NamesTheObjectsThatAreStillHeld) {
     nZusysapi::Framework* framework = nullptr;
     ASSERT_EQ(nDeployment::findFrameworkEntry()(1, 0, &framework), 0);
     framework->addReference();
@@ -49,7 +49,7 @@ TEST_F(ZusysapiStandIn, NamesTheObjectsThatAreStillHeld) {
     EXPECT_EQ(report(), "zusysapi: 3 references held: framework 2, options 1\n");
 }
 
-TEST_F(ZusysapiStandIn, FailsEachStepOnTheFirstAttemptsAndLeavesNothingHeld) {
+TEST_F(zusysapi, FailsEachStepOnTheFirstAttemptsAndLeavesNothingHeld) {
     for (int step = 1; step <= 5; ++step) {
         set("ZUSYSAPI_FAIL_STEP", std::to_string(step));
         set("ZUSYSAPI_FAIL_ATTEMPTS", "3");
