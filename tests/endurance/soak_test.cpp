@@ -61,7 +61,7 @@ std::size_t memoryInUse() {
     return counters.WorkingSetSize / 1024;
 }
 
-class Soak : public endtoend::tEndToEnd {
+class soak : public endtoend::tEndToEnd {
 protected:
     /// Each depends on the one before it.
     void addTenPlugins() const {
@@ -83,7 +83,7 @@ protected:
 };
 
 /// Runs the product's code in this process, so that no end of a process cleans up.
-TEST_F(Soak, TenPluginsLoadedAndUnloadedAgainAndAgainLeaveNothingBehind) {
+TEST_F(soak, TenPluginsLoadedAndUnloadedAgainAndAgainLeaveNothingBehind) {
     addTenPlugins();
     const int wanted = std::max(setting("SOAK_CYCLES", 500), 100);
     const int warmUp = 50;
@@ -111,7 +111,7 @@ TEST_F(Soak, TenPluginsLoadedAndUnloadedAgainAndAgainLeaveNothingBehind) {
     figure("soak, ten plug-ins: KB at the end", memory.back());
 }
 
-TEST_F(Soak, TheServiceStartsAndStopsAgainAndAgain) {
+TEST_F(soak, TheServiceStartsAndStopsAgainAndAgain) {
     addTenPlugins();
     const auto end = tClock::now() + std::chrono::seconds(setting("SOAK_SECONDS", 15));
     endtoend::tInstalledService service(executable());
