@@ -12,7 +12,7 @@ constexpr const char* usage =
     "Miscellaneous options:\r\n\r\n"
     "  -h, --help     display this help and exit\r\n";
 
-class CommandLine : public EndToEnd {
+class commandLine : public tEndToEnd {
 protected:
     struct tAnswer {
         DWORD exitCode;
@@ -22,19 +22,19 @@ protected:
     };
 
     /// The program's answer to a command line, whose first word is the program's name.
-    [[nodiscard]] tAnswer ask(const wchar_t* commandLine) const {
-        const tProcess process(executable(), commandLine);
+    [[nodiscard]] tAnswer ask(const wchar_t* line) const {
+        const tProcess process(executable(), line);
         const DWORD exitCode = process.exitCode();
         return {exitCode, process.output(), process.errors()};
     }
 };
 
-TEST_F(CommandLine, HelpIsPrintedToStandardOutputAndNothingIsStarted) {
+TEST_F(commandLine, HelpIsPrintedToStandardOutputAndNothingIsStarted) {
     EXPECT_EQ(ask(L"host x --help"), (tAnswer{0, usage, ""}));
     EXPECT_FALSE(std::filesystem::exists(tStatusFile::path()));
 }
 
-TEST_F(CommandLine, OtherArgumentsAreRefusedUnderTheNameThatTheProgramWasCalledBy) {
+TEST_F(commandLine, OtherArgumentsAreRefusedUnderTheNameThatTheProgramWasCalledBy) {
     const DWORD minusOne = 0xFFFFFFFF;
     EXPECT_EQ(ask(L"\"C:\\Program Files\\100%s%n.exe\" \"\""),
               (tAnswer{minusOne, "", "Try `C:\\Program Files\\100%s%n.exe --help' for more information.\r\n"}));

@@ -9,9 +9,9 @@ namespace {
 
 // The environment variables tell the stand-in for zusysapi.dll what to do: see standins/zusysapi.
 
-class Deployment : public EndToEnd {
+class deployment : public tEndToEnd {
 protected:
-    Deployment() { addPlugin("A", {.requires_ = "2"}); }
+    deployment() { addPlugin("A", {.requires_ = "2"}); }
 
     /// Returns the status file of a whole life, which must release all references to the framework's objects.
     tStatusFile life() {
@@ -26,7 +26,7 @@ private:
     tPath report_ = root() / L"report";
 };
 
-TEST_F(Deployment, ASettingOfZeroClearsItsBit) {
+TEST_F(deployment, ASettingOfZeroClearsItsBit) {
     const tEnvironmentVariable variable(L"ZUSYSAPI_SETTING", L"0");
     const tStatusFile status = life();
     EXPECT_EQ(status.allowed, "0xfffffffd");
@@ -35,16 +35,16 @@ TEST_F(Deployment, ASettingOfZeroClearsItsBit) {
 }
 
 /// The pauses take no time but are recorded (standin/scripted.cpp).
-class DeploymentRetries : public Deployment {
+class deploymentRetries : public deployment {
 protected:
-    DeploymentRetries() { scriptSystemCalls(); }
+    deploymentRetries() { scriptSystemCalls(); }
 
     void removeFramework() const { std::filesystem::remove(besideExecutable(L"zusysapi.dll")); }
     /// In milliseconds, a line each.
     [[nodiscard]] std::string pauses() const { return readFile(besideExecutable(L"pauses")); }
 };
 
-TEST_F(DeploymentRetries, ContinueEveryTenSecondsUntilTheFrameworkAnswers) {
+TEST_F(deploymentRetries, ContinueEveryTenSecondsUntilTheFrameworkAnswers) {
     const tEnvironmentVariable step(L"ZUSYSAPI_FAIL_STEP", L"1");
     const tEnvironmentVariable attempts(L"ZUSYSAPI_FAIL_ATTEMPTS", L"2");
     const tStatusFile status = life();
@@ -53,20 +53,7 @@ TEST_F(DeploymentRetries, ContinueEveryTenSecondsUntilTheFrameworkAnswers) {
     EXPECT_EQ(status.messages, "");
 }
 
-TEST_F(DeploymentRetries, AnInterruptMeanwhileTakesEffectOnceThePluginsHaveStarted) {
-    removeFramework();
-    const tGate pause = holdPause(1);
-    start();
-    pause.waitUntilHeld();
-    interruptForSure();
-    EXPECT_EQ(calls(), "");
-    pause.open();
-    process().exitCode();
-    EXPECT_EQ(std::ranges::count(pauses(), '\n'), 7);
-    EXPECT_EQ(calls(), "A loads\nA InitOk\nA unloads\n");
-}
-
-TEST_F(DeploymentRetries, AStopControlMeanwhileIsReportedAtOnceAndTakesEffectAfterTheLast) {
+TEST_F(deploymentRetries, AStopControlMeanwhileIsReportedAtOnceAndTakesEffectAfterTheLast) {
     removeFramework();
     const tGate pause = holdPause(1);
     tInstalledService service(executable());

@@ -5,9 +5,9 @@
 namespace endtoend {
 namespace {
 
-class Foreground : public EndToEnd {};
+class foreground : public tEndToEnd {};
 
-TEST_F(Foreground, RunsUntilCtrlC) {
+TEST_F(foreground, RunsUntilCtrlC) {
     addPlugin("A", {.stop = "StopOk", .cleanup = "CleanupOk"});
     EXPECT_EQ(startPlugins().names(), "A");
     EXPECT_TRUE(process().running());
@@ -16,14 +16,14 @@ TEST_F(Foreground, RunsUntilCtrlC) {
     EXPECT_EQ(calls(), "A loads\nA InitOk\nA StopOk\nA CleanupOk\nA unloads\n");
 }
 
-TEST_F(Foreground, PrintsNothing) {
+TEST_F(foreground, PrintsNothing) {
     addPlugin("A");
     describe(L"malformed.ini", "nonsense");
     runThrough();
     EXPECT_EQ(process().output() + process().errors(), "");
 }
 
-TEST_F(Foreground, CtrlBreakStopsItToo) {
+TEST_F(foreground, CtrlBreakStopsItToo) {
     addPlugin("A", {.cleanup = "CleanupOk"});
     startPlugins();
     const DWORD error = process().sendConsoleEvent(CTRL_BREAK_EVENT);
@@ -33,7 +33,7 @@ TEST_F(Foreground, CtrlBreakStopsItToo) {
     EXPECT_THAT(calls(), testing::HasSubstr("A CleanupOk\nA unloads\n"));
 }
 
-TEST_F(Foreground, CtrlCDuringTheConstructionSkipsTheRunButNotTheStop) {
+TEST_F(foreground, CtrlCDuringTheConstructionSkipsTheRunButNotTheStop) {
     scriptSystemCalls();
     addPlugin("A");
     const tGate gate = holdStatusWrite(1);
@@ -48,20 +48,7 @@ TEST_F(Foreground, CtrlCDuringTheConstructionSkipsTheRunButNotTheStop) {
     EXPECT_EQ(calls(), "");
 }
 
-TEST_F(Foreground, CtrlCDuringTheStartOfAPluginWaitsForAllPluginsToStart) {
-    scriptSystemCalls();
-    addPlugin("A", {.initialize = "InitWaits", .stop = "StopOk"});
-    addPlugin("B", {.initialize = "InitOk", .stop = "StopOk"});
-    const tGate gate = holdPlugin("A");
-    start();
-    gate.waitUntilHeld();
-    interruptForSure();
-    gate.open();
-    process().exitCode();
-    EXPECT_EQ(calls(), "A loads\nA InitWaits\nB loads\nB InitOk\nB StopOk\nA StopOk\nB unloads\nA unloads\n");
-}
-
-TEST_F(Foreground, FurtherCtrlCsDuringTheStopChangeNothing) {
+TEST_F(foreground, FurtherCtrlCsDuringTheStopChangeNothing) {
     scriptSystemCalls();
     addPlugin("A", {.stop = "StopWaits", .cleanup = "CleanupOk"});
     addPlugin("B", {.stop = "StopOk", .cleanup = "CleanupOk"});
@@ -77,7 +64,7 @@ TEST_F(Foreground, FurtherCtrlCsDuringTheStopChangeNothing) {
     EXPECT_THAT(calls(), testing::EndsWith("B StopOk\nA StopWaits\nB CleanupOk\nB unloads\nA CleanupOk\nA unloads\n"));
 }
 
-TEST_F(Foreground, ExitsWithTheLastErrorAfterTheStop) {
+TEST_F(foreground, ExitsWithTheLastErrorAfterTheStop) {
     addPlugin("A");
     std::filesystem::remove(makerFolder());
     start();

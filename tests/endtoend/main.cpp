@@ -22,7 +22,7 @@ bool forced() {
 /// Under Wine, every process that calls the dispatcher outside a service waits ten seconds while the most recently
 /// started service process is alive, which may be one of Wine's own. So this starts one that ends: without a shared
 /// directory, the product stops by itself.
-class ServiceStartedLastIsOver : public testing::Environment {
+class tServiceStartedLastIsOver : public testing::Environment {
     void SetUp() override {
         endtoend::registry::removeValue();
         endtoend::tInstalledService service(endtoend::ownExecutable().parent_path() / L"zuZiptraRemoteService.exe");
@@ -51,6 +51,6 @@ int main(int argumentCount, char** arguments) {
     }
     // Processes that are meant to crash inherit this: no message box, no report.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-    testing::AddGlobalTestEnvironment(new ServiceStartedLastIsOver);
+    testing::AddGlobalTestEnvironment(new tServiceStartedLastIsOver);
     return RUN_ALL_TESTS();
 }

@@ -15,9 +15,9 @@ struct tFatal {
     DWORD exitCode;  ///< 0: any code except 0
 };
 
-class FatalException : public EndToEnd, public testing::WithParamInterface<tFatal> {
+class pluginExceptions : public tEndToEnd, public testing::WithParamInterface<tFatal> {
 protected:
-    FatalException() { addPlugin("A", {.initialize = "InitWarning3"}); }
+    pluginExceptions() { addPlugin("A", {.initialize = "InitWarning3"}); }
 
     static void expectDeath(DWORD exitCode) {
         if (GetParam().exitCode == 0) {
@@ -37,22 +37,22 @@ protected:
     }
 };
 
-TEST_P(FatalException, FromInitializeEndsTheProcessAndLeavesTheStatusFileOfThePreparation) {
+TEST_P(pluginExceptions, FromInitializeEndsTheProcessAndLeavesTheStatusFileOfThePreparation) {
     addPlugin("B", {.initialize = GetParam().initialize, .library = GetParam().library});
     expectDeath(start().exitCode());
     EXPECT_EQ(tStatusFile::read().names(), "");
     EXPECT_EQ(tStatusFile::read().allowed, "0xffffffff");
 }
 
-TEST_P(FatalException, FromStopEndsTheProcessAndLeavesTheStatusFile) {
+TEST_P(pluginExceptions, FromStopEndsTheProcessAndLeavesTheStatusFile) {
     expectDeathWhenStopped({.initialize = "", .stop = GetParam().stop, .library = GetParam().library});
 }
 
-TEST_P(FatalException, FromCleanupEndsTheProcessAndLeavesTheStatusFile) {
+TEST_P(pluginExceptions, FromCleanupEndsTheProcessAndLeavesTheStatusFile) {
     expectDeathWhenStopped({.initialize = "", .cleanup = GetParam().cleanup, .library = GetParam().library});
 }
 
-TEST_P(FatalException, EndsAServiceBeforeItsCleanup) {
+TEST_P(pluginExceptions, EndsAServiceBeforeItsCleanup) {
     addPlugin("B", {.initialize = "", .stop = GetParam().stop, .library = GetParam().library});
     tStatusWrites writes;
     tInstalledService service(executable());
@@ -72,7 +72,7 @@ TEST_P(FatalException, EndsAServiceBeforeItsCleanup) {
 constexpr tFatal structured(const char* entry, DWORD code) { return {entry, entry, entry, L"raising.dll", code}; }
 
 INSTANTIATE_TEST_SUITE_P(
-    Kinds, FatalException,
+    Kinds, pluginExceptions,
     testing::Values(tFatal{"InitThrowsInt", "StopThrowsInt", "CleanupThrowsInt", L"behaviours.dll", 0},
                     structured("Faults", EXCEPTION_ACCESS_VIOLATION), structured("RaisesItsOwnCode", 0xE0000001),
                     structured("RaisesAnotherCompilersException", 0xE06D7363)),

@@ -6,9 +6,9 @@ namespace endtoend {
 namespace {
 
 /// Starts a plug-in A. Another plug-in, Z, must start whatever A does.
-class PluginStart : public EndToEnd {
+class pluginStart : public tEndToEnd {
 protected:
-    PluginStart() { addPlugin("Z"); }
+    pluginStart() { addPlugin("Z"); }
 
     /// The code of A's start.
     std::int32_t startCodeOfA(const tPlugin& plugin) {
@@ -28,18 +28,18 @@ private:
     }
 };
 
-TEST_F(PluginStart, ALibraryWhoseOwnLibraryIsMissingFails) {
+TEST_F(pluginStart, ALibraryWhoseOwnLibraryIsMissingFails) {
     EXPECT_EQ(startCodeOfA({.initialize = "InitAnswer", .library = L"dependant.dll"}), -52005);
 }
 
-TEST_F(PluginStart, ARelativePathIsLookedUpBesideTheExecutable) {
+TEST_F(pluginStart, ARelativePathIsLookedUpBesideTheExecutable) {
     addLibrary(besideExecutable(L"besideTheHost.dll"));
     EXPECT_EQ(startCodeOfPath("besideTheHost.dll", "InitWarning3"), 3);
 }
 
 // In a process with the default error mode, Windows shows a message box for such a library and waits, unless the host
 // prevents it. The host would otherwise inherit the mode of the test program.
-TEST_F(PluginStart, ADamagedLibraryFailsWithoutAMessageBox) {
+TEST_F(pluginStart, ADamagedLibraryFailsWithoutAMessageBox) {
     const tPath damaged = addLibrary(libraries() / L"damaged.dll");
     std::filesystem::resize_file(damaged, std::filesystem::file_size(damaged) / 2);
     startWithDefaultErrorMode();

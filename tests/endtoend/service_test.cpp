@@ -13,9 +13,9 @@ constexpr tServiceStatus stopping{16, 3, 0, 0, 0, 2, 5000};
 constexpr tServiceStatus stopped{16, 1, 0, 0, 0, 0, 0};
 constexpr tServiceStatus startFailed{16, 1, 0, 1066, 0xFFFFFFFF, 0, 0};
 
-class Service : public EndToEnd {};
+class serviceMode : public tEndToEnd {};
 
-TEST_F(Service, AcceptsNothingWhileItStartsAndStopAndShutdownAfterwards) {
+TEST_F(serviceMode, AcceptsNothingWhileItStartsAndStopAndShutdownAfterwards) {
     scriptSystemCalls();
     const tGate gate = holdStatusWrite(1);
     tInstalledService service(executable());
@@ -27,9 +27,9 @@ TEST_F(Service, AcceptsNothingWhileItStartsAndStopAndShutdownAfterwards) {
     EXPECT_EQ(service.waitForState(SERVICE_RUNNING), running);
 }
 
-TEST_F(Service, ReportsEachStepOfAStopToTheManager) {
+TEST_F(serviceMode, ReportsEachStepOfAStopToTheManager) {
     scriptSystemCalls();
-    addPlugin("A", {.stop = "StopWaits"});
+    addPlugin("A", {.stop = "StopWaits", .cleanup = "CleanupThrowsRuntimeError"});
     const tGate plugin = holdPlugin("A");
     const tGate end = holdStatusWrite(5);
     tInstalledService service(executable());
@@ -44,28 +44,10 @@ TEST_F(Service, ReportsEachStepOfAStopToTheManager) {
     EXPECT_EQ(service.status(), stopping);
     end.open();
     EXPECT_EQ(service.waitForEnd(), stopped);
+    EXPECT_EQ(tStatusFile::read().plugin("A").code("CleanupThrowsRuntimeError"), -52003);
 }
 
-TEST_F(Service, AStopDuringTheStartOfAPluginWaitsForAllPluginsToStart) {
-    addPlugin("A", {.initialize = "InitWaits"});
-    addPlugin("B", {.initialize = "InitWarning3", .cleanup = "CleanupThrowsRuntimeError"});
-    const tGate plugin = holdPlugin("A");
-    tInstalledService service(executable());
-    service.start();
-    plugin.waitUntilHeld();
-    EXPECT_EQ(service.status(), running);
-
-    EXPECT_EQ(service.control(SERVICE_CONTROL_STOP), 0u);
-    service.waitForState(SERVICE_STOP_PENDING);
-    EXPECT_EQ(service.status(), stopRequested);
-    plugin.open();
-    EXPECT_EQ(service.waitForEnd(), stopped);
-    const tStatusFile status = tStatusFile::read();
-    EXPECT_EQ(status.plugin("B").code("InitWarning3"), 3);
-    EXPECT_EQ(status.plugin("B").code("CleanupThrowsRuntimeError"), -52003);
-}
-
-TEST_F(Service, StopsByItselfWithoutAPluginDirectory) {
+TEST_F(serviceMode, StopsByItselfWithoutAPluginDirectory) {
     std::filesystem::remove(descriptions());
     tInstalledService service(executable());
     service.startBrief();
@@ -73,7 +55,7 @@ TEST_F(Service, StopsByItselfWithoutAPluginDirectory) {
     EXPECT_EQ(tStatusFile::read().messages, "Failed to open plugins directory.\n");
 }
 
-TEST_F(Service, AFailedStartIsReportedWithItsCode) {
+TEST_F(serviceMode, AFailedStartIsReportedWithItsCode) {
     // No event can be created: the call goes to a function that refuses these arguments.
     rebindImport(executable(), "CreateEventA", "OpenEventA");
     tInstalledService service(executable());

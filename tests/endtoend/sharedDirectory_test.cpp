@@ -5,9 +5,9 @@
 namespace endtoend {
 namespace {
 
-class SharedDirectory : public EndToEnd {};
+class sharedDirectory : public tEndToEnd {};
 
-TEST_F(SharedDirectory, MayHaveAPathOfMoreThan256Characters) {
+TEST_F(sharedDirectory, MayHaveAPathOfMoreThan256Characters) {
     // Windows requires this prefix for such paths, unless the machine was told to do without.
     const tPath directory = LR"(\\?\)" + (root() / std::wstring(120, L'd')).native();
     share(directory / std::wstring(120, L'e'));
@@ -19,9 +19,9 @@ TEST_F(SharedDirectory, MayHaveAPathOfMoreThan256Characters) {
 }
 
 /// Names in any script, from the registry to the loaded library.
-class Scripts : public EndToEnd, public testing::WithParamInterface<const char*> {};
+class sharedDirectoryScripts : public tEndToEnd, public testing::WithParamInterface<const char*> {};
 
-TEST_P(Scripts, MayBeUsedForDirectoriesFilesPluginsAndLibraries) {
+TEST_P(sharedDirectoryScripts, MayBeUsedForDirectoriesFilesPluginsAndLibraries) {
     const std::string name = GetParam();
     share(root() / wide(name));
     const tPath folder = root() / (L"lib " + wide(name));
@@ -40,7 +40,7 @@ TEST_P(Scripts, MayBeUsedForDirectoriesFilesPluginsAndLibraries) {
                                    utf8Path(descriptions() / wide("bad " + name + ".ini")) + "\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(Names, Scripts,
+INSTANTIATE_TEST_SUITE_P(Names, sharedDirectoryScripts,
                          testing::Values("with blanks in it", "\xE8\xBF\x9C\xE7\xA8\x8B\xE6\x9C\x8D\xE5\x8A\xA1",
                                          "\xF0\x9F\x98\x80", "\xC3\xA4\xC3\xB6\xC3\xBC\xC3\x9F", "100% & (more)"));
 

@@ -112,9 +112,9 @@ struct tLeft {
     bool temporary = false;
 };
 
-class Kill : public endtoend::EndToEnd {
+class kill : public endtoend::tEndToEnd {
 protected:
-    Kill() {
+    kill() {
         endtoend::rebindImport(executable(), "ADVAPI32.dll", "killing.dll");
         static_cast<void>(addLibrary(executable().parent_path() / L"killing.dll", L"killing.dll"));
         addPlugin("A", {.cleanup = "CleanupOk"});
@@ -160,7 +160,7 @@ protected:
     int repeated_ = 0;
 };
 
-TEST_F(Kill, AtEachStepOfEachReplacementLeavesAWholeFileOrNone) {
+TEST_F(kill, AtEachStepOfEachReplacementLeavesAWholeFileOrNone) {
     int kills = 0;
     int none = 0;
     int temporary = 0;

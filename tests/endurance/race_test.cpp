@@ -23,9 +23,9 @@ using endtoend::tInstalledService;
 using endtoend::tServiceStatus;
 using tClock = std::chrono::steady_clock;
 
-class Race : public endtoend::EndToEnd {
+class race : public endtoend::tEndToEnd {
 protected:
-    Race() { addPlugin("A", {.cleanup = "CleanupOk"}); }
+    race() { addPlugin("A", {.cleanup = "CleanupOk"}); }
 
     /// One life after the other. Every other one gets stop controls without a pause. The others get one at a random
     /// moment, at which Wine's manager must end none of them.
@@ -144,17 +144,17 @@ private:
     int endedByManager_ = 0;
 };
 
-TEST_F(Race, StopControlsFromManySidesEndAServiceThatWaits) {
+TEST_F(race, StopControlsFromManySidesEndAServiceThatWaits) {
     ASSERT_NO_FATAL_FAILURE(hammer("race, a service that waits"));
     EXPECT_GE(accepted(), 4) << "nothing else ends it";
 }
 
-TEST_F(Race, StopControlsFromManySidesMeetAServiceThatStopsByItself) {
+TEST_F(race, StopControlsFromManySidesMeetAServiceThatStopsByItself) {
     letServiceStopByItself();
     ASSERT_NO_FATAL_FAILURE(hammer("race, a service that stops by itself"));
 }
 
-TEST_F(Race, ConsoleEventsFromManySidesEndAForegroundRun) {
+TEST_F(race, ConsoleEventsFromManySidesEndAForegroundRun) {
     int lives = 0;
     std::atomic<int> events = 0;
     for (; tClock::now() < end_ || lives < 3; ++lives) {

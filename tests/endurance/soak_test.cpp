@@ -61,7 +61,7 @@ std::size_t usedMemoryKb() {
     return counters.WorkingSetSize / 1024;
 }
 
-class Soak : public endtoend::EndToEnd {
+class soak : public endtoend::tEndToEnd {
 protected:
     /// Each plug-in depends on the previous one.
     void addTenPlugins() const {
@@ -83,7 +83,7 @@ protected:
 };
 
 /// Runs the product's code in this process, so that the end of a process does not clean up after it.
-TEST_F(Soak, TenPluginsLoadedAndUnloadedRepeatedlyLeakNothing) {
+TEST_F(soak, TenPluginsLoadedAndUnloadedRepeatedlyLeakNothing) {
     addTenPlugins();
     const int cycles = std::max(setting("SOAK_CYCLES", 500), 100);
     const int warmUpCycles = 50;
@@ -111,7 +111,7 @@ TEST_F(Soak, TenPluginsLoadedAndUnloadedRepeatedlyLeakNothing) {
     figure("soak, ten plug-ins: KB at the end", memory.back());
 }
 
-TEST_F(Soak, TheServiceStartsAndStopsRepeatedly) {
+TEST_F(soak, TheServiceStartsAndStopsRepeatedly) {
     addTenPlugins();
     const auto end = tClock::now() + std::chrono::seconds(setting("SOAK_SECONDS", 15));
     endtoend::tInstalledService service(executable());

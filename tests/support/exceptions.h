@@ -28,6 +28,12 @@ void whileUnwinding(Action action) {
     EXPECT_EQ(arrived, "propagating");
 }
 
+/// Expects that the product still detects correctly whether an exception is propagating.
+inline void expectPropagationToBeTold() {
+    EXPECT_FALSE(zuerr::ExceptionIsPropagating());
+    whileUnwinding([] { EXPECT_TRUE(zuerr::ExceptionIsPropagating()); });
+}
+
 /// Returns what CurrentExceptionCode returns in a catch-all handler around the action; 0 if nothing is thrown.
 template <class Action>
 std::int32_t caughtCode(Action action) {

@@ -12,7 +12,7 @@
 
 namespace support {
 
-/// A plug-in library that a test scripts. It exports its entries as "Init", "Stop" and "Cleanup".
+/// A plug-in library that a test scripts. It exports its entries as "Init", "Stop" and "Cleanup", with any prefix.
 struct tFakePlugin {
     std::function<std::int32_t()> initialize = [] { return 0; };
     std::function<void()> stop = [] {};

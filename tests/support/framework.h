@@ -67,8 +67,8 @@ public:
     /// called. May throw.
     std::function<Result(int attempt, int step)> outcome = [](int, int) { return 0; };
     /// The effect of a failing step on its out pointer.
-    enum class OnFailure { leavesThePointer, writesNull, returnsAnObject, writesGarbage };
-    OnFailure onFailure = OnFailure::leavesThePointer;
+    enum class tOnFailure { leavesThePointer, writesNull, returnsAnObject, writesGarbage };
+    tOnFailure onFailure = tOnFailure::leavesThePointer;
     /// The step that succeeds but returns null; 0 for none.
     int nullStep = 0;
     /// Whether every instantiation returns the same framework object.
@@ -212,14 +212,14 @@ nZusysapi::Result tScriptedFramework::returnObject(int step, const char* name, I
     EXPECT_EQ(*out, nullptr) << "the out pointer of step " << step << " starts as null";
     const Result result = outcome(attempts, step);
     if (step == nullStep) return result;
-    if (result == 0 || onFailure == OnFailure::returnsAnObject) {
+    if (result == 0 || onFailure == tOnFailure::returnsAnObject) {
         const std::string number = attempts == 1 ? "" : std::to_string(attempts);
         auto object = std::make_unique<Implementation>(*this, name + number);
         *out = object.get();
         objects_.push_back(std::move(object));
-    } else if (onFailure == OnFailure::writesNull) {
+    } else if (onFailure == tOnFailure::writesNull) {
         *out = nullptr;
-    } else if (onFailure == OnFailure::writesGarbage) {
+    } else if (onFailure == tOnFailure::writesGarbage) {
         static int garbage = 0;
         *out = reinterpret_cast<Interface*>(&garbage);
     }

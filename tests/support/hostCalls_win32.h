@@ -19,7 +19,7 @@ namespace support {
 /// create-event, set-event, close-event the stop event: a start, a stop request, a stop
 /// list the first step of a run
 /// add-early, add-run, remove-early, remove-run console handlers
-class HostCalls : public testing::Test {
+class tHostCalls : public testing::Test {
 protected:
     void SetUp() override {
         watchStopEvent();

@@ -15,12 +15,12 @@ namespace {
 
 ImportBase* replaced = nullptr;
 
-class RestoreAfterEachTest : public testing::EmptyTestEventListener {
+class tRestoreAfterEachTest : public testing::EmptyTestEventListener {
     void OnTestEnd(const testing::TestInfo& /*test*/) override { ImportBase::restoreAll(); }
 };
 
 [[maybe_unused]] const bool listening = [] {
-    testing::UnitTest::GetInstance()->listeners().Append(new RestoreAfterEachTest);
+    testing::UnitTest::GetInstance()->listeners().Append(new tRestoreAfterEachTest);
     return true;
 }();
 

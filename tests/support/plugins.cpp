@@ -14,6 +14,16 @@ std::string pluginPath(const std::string& name) {
     return (std::filesystem::path(testProgramFolder()) / "test-plugins" / (name + libraryExtension)).string();
 }
 
+tPluginDescription pluginDescription(const std::string& library, const std::string& initialize, const std::string& stop,
+                                     const std::string& cleanup) {
+    tPluginDescription description;
+    description.path = pluginPath(library);
+    description.initialize = initialize;
+    description.stop = stop;
+    description.cleanup = cleanup;
+    return description;
+}
+
 tPluginLog::tPluginLog() : path_((std::filesystem::path(testProgramFolder()) / "plugin-calls.log").string()) {
     std::filesystem::remove(path_);
     setEnvironment(logVariable, path_.c_str());

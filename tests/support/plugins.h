@@ -4,11 +4,17 @@
 #include <string>
 #include <vector>
 
+#include "source/nPluginData.h"
+
 /// The libraries that tests/plugins/ builds, for real loading.
 namespace support {
 
 /// Returns the full path (UTF-8) of one of them.
 std::string pluginPath(const std::string& name);
+
+/// Returns a description of one of them with these entries.
+tPluginDescription pluginDescription(const std::string& library, const std::string& initialize,
+                                     const std::string& stop = "", const std::string& cleanup = "");
 
 /// The reports of the test plug-ins while this object exists (see plugins/behaviours/behaviours.cpp).
 class tPluginLog {

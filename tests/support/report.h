@@ -31,14 +31,14 @@ inline testing::AssertionResult wellLaidOut(const char* buffer, std::size_t size
 }
 
 /// A buffer of an exact size on the heap, so that a sanitizer notices an access beyond it.
-class Buffer {
+class tBuffer {
 public:
-    Buffer(std::size_t size, const char* text) : bytes_(size, '#') {
+    tBuffer(std::size_t size, const char* text) : bytes_(size, '#') {
         EXPECT_TRUE(zuerr::CopyText(bytes_.data(), static_cast<std::uint32_t>(size), text));
     }
 
     /// A buffer with space for exactly `room` more bytes.
-    static Buffer withRoom(std::size_t room, const char* text) { return {std::strlen(text) + 2 + room, text}; }
+    static tBuffer withRoom(std::size_t room, const char* text) { return {std::strlen(text) + 2 + room, text}; }
 
     [[nodiscard]] char* text() noexcept { return bytes_.data(); }
     [[nodiscard]] char* end() noexcept { return zuerr::FindEnd(text()); }

@@ -18,9 +18,9 @@ inline testing::AssertionResult wellLaidOut(const zuerr::StatusRecord& record) {
 }  // namespace report
 
 /// Buffer managers for status records, and the capacities that were requested from them in this test.
-class StatusRecordManager : public testing::Test {
+class tStatusRecordTest : public testing::Test {
 protected:
-    StatusRecordManager() { requests.clear(); }
+    tStatusRecordTest() { requests.clear(); }
 
     static bool remember(zuerr::StatusRecord& record, std::uint32_t capacity) noexcept {
         requests.push_back(capacity);

@@ -14,7 +14,7 @@ std::map<std::string, tFigures>& rows() {
 }
 
 /// Prints the lines that test.sh turns into a table.
-class PrintAtTheEnd : public testing::Environment {
+class tPrintAtTheEnd : public testing::Environment {
     void TearDown() override {
         for (const auto& [kind, seen] : rows()) {
             const std::string start = "FIGURE " + kind + ", ";
@@ -26,7 +26,7 @@ class PrintAtTheEnd : public testing::Environment {
     }
 };
 
-[[maybe_unused]] const testing::Environment* const printing = testing::AddGlobalTestEnvironment(new PrintAtTheEnd);
+[[maybe_unused]] const testing::Environment* const printing = testing::AddGlobalTestEnvironment(new tPrintAtTheEnd);
 
 }  // namespace
 

@@ -25,9 +25,9 @@ constexpr sweep::tScenario scenarios[] = {
 };
 
 /// Compares a life with the one that had all its memory.
-class Comparison {
+class tComparison {
 public:
-    Comparison(const sweep::tScenario& scenario, const tOutcome& usual, const tOutcome& seen, tHowLong howLong)
+    tComparison(const sweep::tScenario& scenario, const tOutcome& usual, const tOutcome& seen, tHowLong howLong)
         : scenario_(scenario), usual_(usual), seen_(seen), howLong_(howLong) {}
 
     void check() const {
@@ -115,7 +115,7 @@ TEST_P(LivesWithoutMemory, EndAsUsualWhicheverRequestIsRefused) {
             // A library may keep memory after its first failure, but not after the second.
             if (!seen.leaks.empty()) seen = lives.liveWithoutMemory(nth, howLong);
             EXPECT_GE(seen.injected, 1);
-            const Comparison comparison(GetParam(), usual, seen, howLong);
+            const tComparison comparison(GetParam(), usual, seen, howLong);
             comparison.check();
             count(howLong == tHowLong::once ? "a whole life's allocation, once"
                                             : "a whole life's allocation, from then on",

@@ -30,9 +30,9 @@ tPluginDescription describe(const std::string& path, const std::vector<std::stri
 
 /// Plug-ins of every kind, in their order: B needs A, C refuses to start, D needs C, E does not load, F lacks an entry,
 /// G warns, H is for a feature that the machine does not allow.
-class Machine {
+class tMachine {
 public:
-    Machine() {
+    tMachine() {
         fakes.plugin("C").initialize = [] { return -7; };
         fakes.plugin("E").loads = false;
         fakes.plugin("F").missing = {"Cleanup"};
@@ -69,7 +69,7 @@ void checkInitCodes(const tAttempt& attempt, const std::vector<tPluginEntry>& en
 }
 
 /// An initialised plug-in is started, stays loaded, and is stopped and cleaned up once; no other plug-in is.
-void checkCalls(Machine& machine) {
+void checkCalls(tMachine& machine) {
     std::vector<std::string> started;
     for (const tPluginEntry& entry : machine.manager.entries()) {
         if (entry.initCode >= 0) started.push_back(entry.description.path);
@@ -111,7 +111,7 @@ TEST(MemoryOfPlugins, ALibraryIsOpenedOrMayBeClosed) {
 
 TEST(MemoryOfPlugins, OneThatFindsNoMemoryFailsAloneAndBeforeItIsInitialised) {
     const auto starts = [](tAttempt& attempt) {
-        Machine machine;
+        tMachine machine;
         attempt.operate([&] { machine.start(); });
         if (attempt.code() == 0) {
             checkInitCodes(attempt, machine.manager.entries());
@@ -127,7 +127,7 @@ TEST(MemoryOfPlugins, OneThatFindsNoMemoryFailsAloneAndBeforeItIsInitialised) {
 
 TEST(MemoryOfPlugins, AreStoppedAndCleanedUpWithoutMemory) {
     const auto stops = [](tAttempt& attempt) {
-        Machine machine;
+        tMachine machine;
         machine.start();
         machine.fakes.calls.clear();
         attempt.operate([&] {
@@ -147,7 +147,7 @@ TEST(MemoryOfPlugins, AreStoppedAndCleanedUpWithoutMemory) {
 
 TEST(MemoryOfPlugins, ThatThrowOrStayHaveTheirCodesAllTheSame) {
     const auto stops = [](tAttempt& attempt) {
-        Machine machine;
+        tMachine machine;
         machine.fakes.plugin("A").stop = [] { throw std::bad_alloc(); };
         machine.fakes.plugin("B").refusedUnloads = 1;
         machine.start();
@@ -166,7 +166,7 @@ TEST(MemoryOfPlugins, ThatThrowOrStayHaveTheirCodesAllTheSame) {
 }
 
 TEST(MemoryOfPlugins, TheirStatusTextIsWholeOrThereIsMinus52000) {
-    Machine machine;
+    tMachine machine;
     machine.start();
     const std::string whole = machine.manager.statusText();
     const auto writes = [&](tAttempt& attempt) {

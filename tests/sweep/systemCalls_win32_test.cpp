@@ -42,10 +42,10 @@ constexpr const char* noDirectory = "Failed to open plugins directory.\n";
 constexpr const char* noFramework = "Cannot init system framework\n";
 
 /// Compares a life with the one in which nothing failed.
-class Comparison {
+class tComparison {
 public:
-    Comparison(const sweep::tScenario& scenario, const tOutcome& usual, const tOutcome& seen, const sweep::tCall& call,
-               bool forEver)
+    tComparison(const sweep::tScenario& scenario, const tOutcome& usual, const tOutcome& seen, const sweep::tCall& call,
+                bool forEver)
         : scenario_(scenario), usual_(usual), seen_(seen), call_(call), forEver_(forEver) {}
 
     void check() const {
@@ -208,7 +208,7 @@ TEST_P(SystemCalls, EachMayFailAtEachOccurrenceOnceAndFromThenOn) {
                 SCOPED_TRACE(call.name + " fails at occurrence " + std::to_string(nth) + (forEver ? " and on" : ""));
                 const tOutcome seen = lives.live(i, nth, forEver);
                 EXPECT_GE(seen.injected, 1);
-                Comparison(GetParam(), usual, seen, call, forEver).check();
+                tComparison(GetParam(), usual, seen, call, forEver).check();
                 sweep::count(kindOf(forEver), {.faults = seen.injected});
                 faultsByCall[call.name] += seen.injected;
             }

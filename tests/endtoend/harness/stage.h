@@ -55,7 +55,7 @@ public:
     void addPlugin(const std::string& name, const tPlugin& plugin = {}) const;
 
     // Holding the host at some point of its life.
-    /// In an entry point of a staged plug-in, one whose name ends in "Waits".
+    /// In the entry point StopWaits of a staged plug-in.
     [[nodiscard]] tGate holdPlugin(const std::string& name) const { return tGate(libraries() / wide(name + ".dll")); }
     /// Has standin/scripted.cpp answer some system calls. Call it before the start, and before what needs it below.
     void scriptSystemCalls() const;
@@ -90,6 +90,6 @@ private:
 };
 
 /// A stage for each test.
-class EndToEnd : public testing::Test, protected tStage {};
+class tEndToEnd : public testing::Test, protected tStage {};
 
 }  // namespace endtoend

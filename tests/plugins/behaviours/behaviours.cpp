@@ -2,13 +2,12 @@
 //
 // Each call appends "<library> <what happened>" to the file that the environment variable TEST_PLUGIN_LOG names, where
 // the library is the file name without its extension. This distinguishes copies of the file under other names.
-// Entries that wait do so at the gate (see gate.h) with the library's own path.
+// StopWaits waits at the gate (see gate.h) with the library's own path.
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -31,18 +30,18 @@ void log(const char* event) {
     std::fclose(file);
 }
 
-struct LoadLog {
-    LoadLog() { log("loads"); }
-    ~LoadLog() { log("unloads"); }
-    LoadLog(const LoadLog&) = delete;
-    LoadLog& operator=(const LoadLog&) = delete;
+struct tLoadLog {
+    tLoadLog() { log("loads"); }
+    ~tLoadLog() { log("unloads"); }
+    tLoadLog(const tLoadLog&) = delete;
+    tLoadLog& operator=(const tLoadLog&) = delete;
 };
-const LoadLog loadLog;
+const tLoadLog loadLog;
 
 /// The code that prints and destroys this exception is in this library, which must still be loaded then.
-class OwnException : public std::exception {
+class tOwnException : public std::exception {
 public:
-    ~OwnException() override { log("destroys its exception"); }
+    ~tOwnException() override { log("destroys its exception"); }
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
 private:
@@ -52,26 +51,6 @@ private:
 std::int32_t logged(const char* event, std::int32_t result) {
     log(event);
     return result;
-}
-
-void waitAtOwnGate(const char* event) {
-    log(event);
-    waitAtGate(ownPath());
-}
-
-[[noreturn]] void throwRuntimeError(const char* event) {
-    log(event);
-    throw std::runtime_error("an exception of the standard library");
-}
-
-[[noreturn]] void throwBadAlloc(const char* event) {
-    log(event);
-    throw std::bad_alloc();
-}
-
-[[noreturn]] void throwOwnException(const char* event) {
-    log(event);
-    throw OwnException();
 }
 
 [[noreturn]] void throwInt(const char* event) {
@@ -86,24 +65,25 @@ extern "C" {
 std::int32_t InitOk() { return logged("InitOk", 0); }
 std::int32_t InitWarning3() { return logged("InitWarning3", 3); }
 std::int32_t InitFails7() { return logged("InitFails7", -7); }
-std::int32_t InitWaits() { return waitAtOwnGate("InitWaits"), 0; }
-std::int32_t InitThrowsRuntimeError() { throwRuntimeError("InitThrowsRuntimeError"); }
-std::int32_t InitThrowsBadAlloc() { throwBadAlloc("InitThrowsBadAlloc"); }
-std::int32_t InitThrowsOwnException() { throwOwnException("InitThrowsOwnException"); }
+std::int32_t InitThrowsOwnException() {
+    log("InitThrowsOwnException");
+    throw tOwnException();
+}
 std::int32_t InitThrowsInt() { throwInt("InitThrowsInt"); }
 
 void StopOk() { log("StopOk"); }
 std::int32_t StopReturnsMinus9() { return logged("StopReturnsMinus9", -9); }
-void StopWaits() { waitAtOwnGate("StopWaits"); }
-void StopThrowsRuntimeError() { throwRuntimeError("StopThrowsRuntimeError"); }
-void StopThrowsBadAlloc() { throwBadAlloc("StopThrowsBadAlloc"); }
-void StopThrowsOwnException() { throwOwnException("StopThrowsOwnException"); }
+void StopWaits() {
+    log("StopWaits");
+    waitAtGate(ownPath());
+}
 void StopThrowsInt() { throwInt("StopThrowsInt"); }
 
 void CleanupOk() { log("CleanupOk"); }
 std::int32_t CleanupReturnsMinus9() { return logged("CleanupReturnsMinus9", -9); }
-void CleanupThrowsRuntimeError() { throwRuntimeError("CleanupThrowsRuntimeError"); }
-void CleanupThrowsBadAlloc() { throwBadAlloc("CleanupThrowsBadAlloc"); }
-void CleanupThrowsOwnException() { throwOwnException("CleanupThrowsOwnException"); }
+void CleanupThrowsRuntimeError() {
+    log("CleanupThrowsRuntimeError");
+    throw std::runtime_error("an exception of the standard library");
+}
 void CleanupThrowsInt() { throwInt("CleanupThrowsInt"); }
 }

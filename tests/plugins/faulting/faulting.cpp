@@ -15,19 +15,19 @@ void useNoMemory() {
     *nowhere = 0;
 }
 
-struct Life {
-    Life() {
+struct tLife {
+    tLife() {
         if (isFault("fault while loading")) useNoMemory();
         if (isFault("throw while loading")) throw std::runtime_error("while loading");
         if (isFault("throw something while loading")) throw 7;
     }
-    ~Life() {
+    ~tLife() {
         if (isFault("fault while unloading")) useNoMemory();
     }
-    Life(const Life&) = delete;
-    Life& operator=(const Life&) = delete;
+    tLife(const tLife&) = delete;
+    tLife& operator=(const tLife&) = delete;
 };
-const Life life;
+const tLife life;
 
 }  // namespace
 

@@ -15,50 +15,50 @@
 
 namespace {
 
-struct EmptyText : std::exception {
+struct tEmptyText : std::exception {
     [[nodiscard]] const char* what() const noexcept override { return ""; }
 };
 
-struct NoText : std::exception {
+struct tNoText : std::exception {
     [[nodiscard]] const char* what() const noexcept override { return nullptr; }
 };
 
-struct OwnBadAlloc : std::bad_alloc {};
+struct tOwnBadAlloc : std::bad_alloc {};
 
 /// Out of memory and out of range at once.
-struct BadAllocAndMore : std::bad_alloc, private std::out_of_range {
-    BadAllocAndMore() : std::out_of_range("private") {}
+struct tBadAllocAndMore : std::bad_alloc, private std::out_of_range {
+    tBadAllocAndMore() : std::out_of_range("private") {}
 };
 
-struct Large : std::exception {
+struct tLarge : std::exception {
     std::array<char, 1'000'000> bytes{};
 };
 
 /// An ambiguous std::exception: it has two of them as bases.
-struct TwoExceptions : std::runtime_error, std::logic_error {
-    TwoExceptions() : std::runtime_error("one"), std::logic_error("two") {}
+struct tTwoExceptions : std::runtime_error, std::logic_error {
+    tTwoExceptions() : std::runtime_error("one"), std::logic_error("two") {}
 };
 
-struct NoException {
+struct tNoException {
     std::string text = "a text that is too long for a string's small buffer, so that it is released in its library";
 };
 
 /// Throws and catches while a propagating exception destroys it.
-struct Busy {
-    Busy() = default;
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-    ~Busy() {
+struct tBusy {
+    tBusy() = default;
+    tBusy(const tBusy&) = delete;
+    tBusy& operator=(const tBusy&) = delete;
+    ~tBusy() {
         try {
-            throw NoException();
-        } catch (const NoException&) {
+            throw tNoException();
+        } catch (const tNoException&) {
             // Expected.
         }
     }
 };
 
 void throwFromBelow(int levels) {
-    const Busy busy;
+    const tBusy busy;
     if (levels == 0) throw std::runtime_error("from below");
     throwFromBelow(levels - 1);
 }
@@ -78,19 +78,19 @@ void ThrowException() { throw std::exception(); }
 void ThrowRuntimeError() { throw std::runtime_error("an exception of the standard library"); }
 void ThrowLongText() { throw std::runtime_error(std::string(1'000'000, 'x')); }
 void ThrowOddText() { throw std::logic_error("%s%n\xFF\x01\"\n"); }
-void ThrowEmptyText() { throw EmptyText(); }
-void ThrowNoText() { throw NoText(); }
+void ThrowEmptyText() { throw tEmptyText(); }
+void ThrowNoText() { throw tNoText(); }
 void ThrowSystemError() { throw std::system_error(std::make_error_code(std::errc::io_error)); }
 void ThrowIosFailure() { throw std::ios_base::failure("stream"); }
 void ThrowBadCast() { throw std::bad_cast(); }
 void ThrowBadException() { throw std::bad_exception(); }
-void ThrowLarge() { throw Large(); }
+void ThrowLarge() { throw tLarge(); }
 void ThrowFromBelow() { throwFromBelow(50); }
 
 /// Thrown while another one is being handled, which is nested in it.
 void ThrowNested() {
     try {
-        throw NoException();
+        throw tNoException();
     } catch (...) {
         std::throw_with_nested(std::runtime_error("nested"));
     }
@@ -113,8 +113,8 @@ void ThrowAgain() {
 // Out of memory.
 void ThrowBadAlloc() { throw std::bad_alloc(); }
 void ThrowBadArrayNewLength() { throw std::bad_array_new_length(); }
-void ThrowOwnBadAlloc() { throw OwnBadAlloc(); }
-void ThrowBadAllocAndMore() { throw BadAllocAndMore(); }
+void ThrowOwnBadAlloc() { throw tOwnBadAlloc(); }
+void ThrowBadAllocAndMore() { throw tBadAllocAndMore(); }
 
 // The program's own exceptions.
 void ThrowOsFault() { zuerr::Raise({zuerr::osFault, {"throwing", 7}}); }
@@ -129,8 +129,8 @@ void ThrowText() { throw "text"; }
 void ThrowString() { throw std::string(1000, 'x'); }
 void ThrowNull() { throw nullptr; }
 void ThrowFunction() { throw &ThrowInt; }
-void ThrowObject() { throw NoException(); }
-void ThrowTwoExceptions() { throw TwoExceptions(); }
+void ThrowObject() { throw tNoException(); }
+void ThrowTwoExceptions() { throw tTwoExceptions(); }
 
 /// No exception leaves the library; returns the code that the library itself determines.
 std::int32_t CatchOwnOsFault() {

@@ -20,14 +20,14 @@ constexpr Result noSuchInterface = static_cast<Result>(0x80004002);
 
 std::atomic<unsigned long> attempts{0};
 
-struct Kind {
+struct tKind {
     const char* name;
     std::atomic<int> references{0};
 };
-Kind frameworks{"framework"};
-Kind options{"options"};
-Kind connections{"connection"};
-Kind resources{"resource"};
+tKind frameworks{"framework"};
+tKind options{"options"};
+tKind connections{"connection"};
+tKind resources{"resource"};
 
 unsigned long variable(const char* name, unsigned long otherwise) {
     char text[32];
@@ -47,7 +47,7 @@ Result outcome(Step step, bool rightArguments) {
 template <class Interface>
 class tCounted : public Interface {
 public:
-    explicit tCounted(Kind& kind) : kind_(kind) { ++kind_.references; }
+    explicit tCounted(tKind& kind) : kind_(kind) { ++kind_.references; }
     tCounted(const tCounted&) = delete;
     tCounted& operator=(const tCounted&) = delete;
     virtual ~tCounted() = default;  // behind the slots of the interface, so it moves none of them
@@ -73,7 +73,7 @@ public:
     }
 
 private:
-    Kind& kind_;
+    tKind& kind_;
     std::atomic<std::uint32_t> references_{1};
 };
 
@@ -170,13 +170,13 @@ void append(const char* line) {
 
 /// "zusysapi: 3 references held: framework 2, resource 1" and a line break.
 void reportReferences() {
-    const Kind* const kinds[] = {&frameworks, &options, &connections, &resources};
+    const tKind* const kinds[] = {&frameworks, &options, &connections, &resources};
     int held = 0;
-    for (const Kind* kind : kinds) held += kind->references;
+    for (const tKind* kind : kinds) held += kind->references;
     char line[160];
     int length = std::snprintf(line, sizeof line, "zusysapi: %d references held", held);
     const char* separator = ": ";
-    for (const Kind* kind : kinds) {
+    for (const tKind* kind : kinds) {
         if (kind->references == 0) continue;
         length += std::snprintf(line + length, sizeof line - static_cast<std::size_t>(length), "%s%s %d", separator,
                                 kind->name, kind->references.load());

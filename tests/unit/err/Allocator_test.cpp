@@ -29,7 +29,7 @@ char* newBlock() {
 
 std::u16string content(const WideBuffer& buffer) { return {buffer.begin(), buffer.end()}; }
 
-TEST(Reallocate, AllocatesGrowsAndFreesABlock) {
+TEST(AllocatorReallocate, AllocatesGrowsAndFreesABlock) {
     StatusRecord status;
     char* const block = static_cast<char*>(Reallocate(newBlock(), 100'000, status));
     EXPECT_THAT(block, StrEq("abc"));
@@ -38,7 +38,7 @@ TEST(Reallocate, AllocatesGrowsAndFreesABlock) {
     EXPECT_EQ(status.json, nullptr);
 }
 
-TEST(Reallocate, RaisesMinus52000AndKeepsTheBlockWhenMemoryRunsOut) {
+TEST(AllocatorReallocate, RaisesMinus52000AndKeepsTheBlockWhenMemoryRunsOut) {
     for (const std::int32_t warning : {0, 7}) {
         StatusRecord status;
         status.code = warning;
@@ -53,7 +53,7 @@ TEST(Reallocate, RaisesMinus52000AndKeepsTheBlockWhenMemoryRunsOut) {
     }
 }
 
-TEST(Reallocate, KeepsTheCodeWhenThereIsNoMemoryForTheReportEither) {
+TEST(AllocatorReallocate, KeepsTheCodeWhenThereIsNoMemoryForTheReportEither) {
     StatusRecord status;
     // The second request is the report's.
     EXPECT_EQ(allocations::refused(0, [&] { Reallocate(nullptr, 4, status); }), 2);
@@ -61,7 +61,7 @@ TEST(Reallocate, KeepsTheCodeWhenThereIsNoMemoryForTheReportEither) {
     EXPECT_EQ(status.json, nullptr);
 }
 
-TEST(Reallocate, DoesNothingIfTheRecordContainsAnError) {
+TEST(AllocatorReallocate, DoesNothingIfTheRecordContainsAnError) {
     StatusRecord status;
     status.code = -1;
     char* const block = newBlock();

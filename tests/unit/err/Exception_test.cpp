@@ -90,18 +90,18 @@ TEST(Exception, IsDestroyedCompletelyThroughItsBase) {
 
 // Raise
 
-TEST(Raise, ThrowsTheCodeWithItsReport) {
+TEST(ExceptionRaise, ThrowsTheCodeWithItsReport) {
     EXPECT_EQ(caughtReport([] { Raise(osFault); }),
               R"(-52008 {"error_constant":"zukesterr_osFault","file":".\\source\\tService",)"
               R"("line":217,"component":"zuZiptraRemoteService"})");
     EXPECT_EQ(caughtReport([] { Raise(osFault, -7); }).substr(0, 3), "-7 ");
 }
 
-TEST(Raise, OmitsAConstantOrComponentThatIsNull) {
+TEST(ExceptionRaise, OmitsAConstantOrComponentThatIsNull) {
     EXPECT_EQ(caughtReport([] { Raise(fileAndLine, -7); }), R"(-7 {"file":"a","line":1})");
 }
 
-TEST(Raise, AcceptsEveryLine) {
+TEST(ExceptionRaise, AcceptsEveryLine) {
     for (const std::int32_t line : {std::numeric_limits<std::int32_t>::min(), -1, 0, 9, 10, 2'147'483'647}) {
         EXPECT_EQ(caughtReport([&] {
                       Raise({nullptr, {"a", line}, nullptr}, -7);
@@ -110,7 +110,7 @@ TEST(Raise, AcceptsEveryLine) {
     }
 }
 
-TEST(Raise, AcceptsTextsKnownOnlyAtRunTime) {
+TEST(ExceptionRaise, AcceptsTextsKnownOnlyAtRunTime) {
     const std::string constant = "con\"stant";
     const std::string file = "C:\\Ger\xC3\xA4t\n";
     const std::string component(5, 'c');
@@ -122,7 +122,7 @@ TEST(Raise, AcceptsTextsKnownOnlyAtRunTime) {
               R"(\n","line":1,"component":"ccccc"})");
 }
 
-TEST(Raise, KeepsAPathOf300CharactersInOneBufferOf512Bytes) {
+TEST(ExceptionRaise, KeepsAPathOf300CharactersInOneBufferOf512Bytes) {
     const std::string file(300, 'x');
     try {
         Raise({zuerr::osFault, {file.c_str(), 1}});
@@ -133,7 +133,7 @@ TEST(Raise, KeepsAPathOf300CharactersInOneBufferOf512Bytes) {
     }
 }
 
-TEST(Raise, ThrowsTheCodeWhenThereIsNoMemoryForItsReport) {
+TEST(ExceptionRaise, ThrowsTheCodeWhenThereIsNoMemoryForItsReport) {
     std::string caught;
     // The runtime's memory for the thrown object is smaller than this.
     caught.reserve(100);
@@ -141,7 +141,7 @@ TEST(Raise, ThrowsTheCodeWhenThereIsNoMemoryForItsReport) {
     EXPECT_EQ(caught, "-52008 {}");
 }
 
-TEST(Raise, ThrowsAnExceptionThatOutlivesAPointerToIt) {
+TEST(ExceptionRaise, ThrowsAnExceptionThatOutlivesAPointerToIt) {
     std::exception_ptr kept;
     try {
         Raise(osFault);
@@ -153,7 +153,7 @@ TEST(Raise, ThrowsAnExceptionThatOutlivesAPointerToIt) {
 
 // ThrowIfFailed
 
-TEST(ThrowIfFailed, ThrowsTheRecordsErrorWithItsReportAndClearsTheRecord) {
+TEST(ExceptionThrowIfFailed, ThrowsTheRecordsErrorWithItsReportAndClearsTheRecord) {
     StatusRecord record;
     RaiseInto(record, -52008, fileAndLine);
     const char* const text = record.json;
@@ -168,7 +168,7 @@ TEST(ThrowIfFailed, ThrowsTheRecordsErrorWithItsReportAndClearsTheRecord) {
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingForSuccessAndForAWarning) {
+TEST(ExceptionThrowIfFailed, ClearsTheRecordWithoutThrowingForSuccessAndForAWarning) {
     for (const std::int32_t code : {0, 5}) {
         StatusRecord record;
         RaiseInto(record, code, fileAndLine);
@@ -178,7 +178,7 @@ TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingForSuccessAndForAWarning) {
     }
 }
 
-TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingWhileAnExceptionPropagates) {
+TEST(ExceptionThrowIfFailed, ClearsTheRecordWithoutThrowingWhileAnExceptionPropagates) {
     StatusRecord record;
     RaiseInto(record, -52008, fileAndLine);
     whileUnwinding([&] { ThrowIfFailed(record); });
@@ -186,7 +186,7 @@ TEST(ThrowIfFailed, ClearsTheRecordWithoutThrowingWhileAnExceptionPropagates) {
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST(ThrowIfFailed, ThrowsInAHandler) {
+TEST(ExceptionThrowIfFailed, ThrowsInAHandler) {
     StatusRecord record;
     record.code = -1;
     try {
@@ -196,7 +196,7 @@ TEST(ThrowIfFailed, ThrowsInAHandler) {
     }
 }
 
-TEST(ThrowIfFailed, CopiesTheReportOfARecordWithItsOwnManager) {
+TEST(ExceptionThrowIfFailed, CopiesTheReportOfARecordWithItsOwnManager) {
     StatusRecord record;
     record.reallocJson = ownManager;
     RaiseInto(record, -1, fileAndLine);
@@ -204,7 +204,7 @@ TEST(ThrowIfFailed, CopiesTheReportOfARecordWithItsOwnManager) {
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST(ThrowIfFailed, ThrowsAPlatformStatusConvertedAndClearsIt) {
+TEST(ExceptionThrowIfFailed, ThrowsAPlatformStatusConvertedAndClearsIt) {
     PlatformStatus status;
     RaiseInto(status, -52008, "quarks", {"a", 12});
     EXPECT_EQ(caughtReport([&] { ThrowIfFailed(status); }), R"(-52008 {"file":"a","line":12,"component":"quarks"})");
@@ -212,7 +212,7 @@ TEST(ThrowIfFailed, ThrowsAPlatformStatusConvertedAndClearsIt) {
     EXPECT_THAT(status.file.data(), StrEq(""));
 }
 
-TEST(ThrowIfFailed, ClearsAPlatformStatusWithoutThrowingForSuccessAndForAWarningAndKeepsItsSize) {
+TEST(ExceptionThrowIfFailed, ClearsAPlatformStatusWithoutThrowingForSuccessAndForAWarningAndKeepsItsSize) {
     for (const std::int32_t code : {0, 3}) {
         PlatformStatus status{.size = 8};
         RaiseInto(status, code, "quarks", {"a", 12});

@@ -28,90 +28,90 @@ void expectInvalid(std::initializer_list<const char*> texts) {
     for (const std::string text : texts) EXPECT_EQ(endOf(text), -1) << text;
 }
 
-TEST(FindEnd, IsTheClosingBraceOrBracketOfTheTopLevelContainer) {
+TEST(JsonReportEnd, IsTheClosingBraceOrBracketOfTheTopLevelContainer) {
     expectValid({"{}", "[]", R"({"a":1})", R"({"a":1,"b":2})", "[[],{},[[{}]]]", R"({"a":{"b":{"c":{}}},"d":[]})"});
 }
 
-TEST(FindEnd, IsNullForATextThatDoesNotBeginWithABraceOrBracket) {
+TEST(JsonReportEnd, IsNullForATextThatDoesNotBeginWithABraceOrBracket) {
     expectInvalid({"", "x", " {}", "1", "\"a\"", "true", "}", "]", "]]", "x]", "(]"});
 }
 
-TEST(FindEnd, IsNullForAContainerThatIsClosedByTheOtherKind) {
+TEST(JsonReportEnd, IsNullForAContainerThatIsClosedByTheOtherKind) {
     expectInvalid({"{", "[", "{]", "[}", "[[]", "[1", "{\"a\"", "{\"a\":", "{\"a\":1", "{\"a\":1]", "[1}"});
 }
 
-TEST(FindEnd, AllowsBlanksAroundTokens) {
+TEST(JsonReportEnd, AllowsBlanksAroundTokens) {
     expectValid({"{ \t\r\n}", "[ \t\r\n]", "{ \"a\" : 1 , \"b\" :\t[ 1 ,\r\n2 ] }"});
     expectInvalid({"[\v]", "[1\f]", "{\"a\"\v:1}"});
 }
 
-TEST(FindEnd, RequiresOneCommaBetweenValuesAndNoneElsewhere) {
+TEST(JsonReportEnd, RequiresOneCommaBetweenValuesAndNoneElsewhere) {
     expectInvalid({"{,}", "[,]", "[,1]", "[1,]", "[1,,2]", "[1 2]", R"({"a":1,})", R"({"a":1 "b":2})", R"(["a":1])"});
 }
 
-TEST(FindEnd, RequiresAStringAndAColonBeforeEachValueOfAnObject) {
+TEST(JsonReportEnd, RequiresAStringAndAColonBeforeEachValueOfAnObject) {
     expectInvalid({R"({"a"})", R"({"a" 1})", R"({"a"::1})", R"({"a":})", "{a:1}", "{1:1}", "{[]:1}", "{:1}"});
 }
 
-TEST(FindEnd, AcceptsNoOtherByteAsTheQuoteThatBeginsAKey) {
+TEST(JsonReportEnd, AcceptsNoOtherByteAsTheQuoteThatBeginsAKey) {
     expectInvalid({R"({x":1})", R"({'a":1})", R"({":1})", R"({"a":1,b":2})"});
 }
 
-TEST(FindEnd, AcceptsNoOtherByteAsTheColon) { expectInvalid({R"({"a",1})", R"({"a"=1})", R"({"a" "1"})"}); }
+TEST(JsonReportEnd, AcceptsNoOtherByteAsTheColon) { expectInvalid({R"({"a",1})", R"({"a"=1})", R"({"a" "1"})"}); }
 
-TEST(FindEnd, IgnoresBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])"}); }
+TEST(JsonReportEnd, IgnoresBracesInStrings) { expectValid({R"({"}":"]"})", R"(["\"]"])"}); }
 
-TEST(FindEnd, AcceptsEightEscapesAndFourHexadecimalDigits) {
+TEST(JsonReportEnd, AcceptsEightEscapesAndFourHexadecimalDigits) {
     expectValid({R"(["\"\/\\\b\f\n\r\t"])", R"(["\u00e9\uABCD\u0000\u9f9F"])"});
     expectInvalid({R"(["\x"])", R"(["\v"])", R"(["\u12g4"])", R"(["\u123"])", R"(["\u"])", R"(["\U1234"])"});
 }
 
-TEST(FindEnd, DoesNotEndAStringAtAnUnknownEscape) {
+TEST(JsonReportEnd, DoesNotEndAStringAtAnUnknownEscape) {
     expectInvalid({R"(["\])", R"(["\,1])", R"(["\u12])", R"({"a":"\})", R"({"\:1})"});
 }
 
-TEST(FindEnd, RejectsOnlyControlCharactersInStrings) {
+TEST(JsonReportEnd, RejectsOnlyControlCharactersInStrings) {
     expectInvalid({"[\"\n\"]", "[\"\t\"]", "[\"\x1F\"]", "[\"\x01\"]", "{\"\n\":1}"});
     expectValid({"[\" \x7F\x80\xFF\"]", "[\"Ger\xC3\xA4t\"]"});
 }
 
-TEST(FindEnd, DoesNotEndAStringAtAControlCharacter) { expectInvalid({"[\"\n]", "[\"a\t]", "{\"\n:1}"}); }
+TEST(JsonReportEnd, DoesNotEndAStringAtAControlCharacter) { expectInvalid({"[\"\n]", "[\"a\t]", "{\"\n:1}"}); }
 
-TEST(FindEnd, IsNullForAStringThatDoesNotEnd) {
+TEST(JsonReportEnd, IsNullForAStringThatDoesNotEnd) {
     expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", "[\"a\\\"", "[\"\\u", "[\"\\u12", "['a']"});
 }
 
-TEST(FindEnd, ReadsNothingPastTheTerminatorOfATextThatEndsInAnEscape) {
+TEST(JsonReportEnd, ReadsNothingPastTheTerminatorOfATextThatEndsInAnEscape) {
     using std::string_literals::operator""s;
     EXPECT_EQ(endOf("[\"\\\0\"]"s), -1);
     EXPECT_EQ(endOf("[\"\\u123\0\"]"s), -1);
 }
 
-TEST(FindEnd, AcceptsLeadingZerosALoneMinusSignAndMissingDigitsAfterPointOrExponentSign) {
+TEST(JsonReportEnd, AcceptsLeadingZerosALoneMinusSignAndMissingDigitsAfterPointOrExponentSign) {
     expectValid({"[007]", "[-007]", "[-]", "[1.]", "[-.5]", "[-.]", "[1e+]", "[1E-]"});
 }
 
-TEST(FindEnd, AcceptsNumbersWithFractionAndExponent) {
+TEST(JsonReportEnd, AcceptsNumbersWithFractionAndExponent) {
     expectValid({"[0]", "[-1]", "[1.5]", "[1e5]", "[1E5]", "[1e+5]", "[1.5e-10]", "[99999999999999999999999999]"});
 }
 
-TEST(FindEnd, IsNullForAMalformedNumber) {
+TEST(JsonReportEnd, IsNullForAMalformedNumber) {
     expectInvalid({"[+1]", "[.5]", "[e5]", "[1e]", "[1ee5]", "[1e+-5]", "[--1]", "[1.5.5]", "[0x10]", "[1e5.5]"});
 }
 
-TEST(FindEnd, MatchesTheThreeLiteralsExactly) {
+TEST(JsonReportEnd, MatchesTheThreeLiteralsExactly) {
     expectValid({"[true,false,null]", R"({"a":true})"});
     expectInvalid({"[tru]", "[True]", "[truex]", "[nul", "[fals]", "[nan]", "[t]", "[n", "[f", "[NULL]"});
     expectInvalid({"[trux]", "[falsy]", "[nuLL]"});
 }
 
-TEST(FindEnd, AcceptsNestingOf1024LevelsAndRejectsMore) {
+TEST(JsonReportEnd, AcceptsNestingOf1024LevelsAndRejectsMore) {
     EXPECT_EQ(endOf(std::string(1024, '[') + std::string(1024, ']')), 2047);
     EXPECT_EQ(endOf(std::string(1025, '[') + std::string(1025, ']')), -1);
     EXPECT_EQ(endOf(std::string(1'000'000, '[')), -1);
 }
 
-TEST(FindEnd, RemembersTheKindOfEveryLevel) {
+TEST(JsonReportEnd, RemembersTheKindOfEveryLevel) {
     EXPECT_EQ(endOf(R"([{"a":[{"b":[]}]}])"), 17);
     EXPECT_EQ(endOf(R"([{"a":[{"b":[}]}]])"), -1);
     EXPECT_EQ(endOf(R"([{"a":[1,"b":2]}])"), -1);

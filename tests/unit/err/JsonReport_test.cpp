@@ -12,7 +12,7 @@
 
 namespace {
 
-using report::Buffer;
+using report::tBuffer;
 using testing::StrEq;
 using zuerr::AddInt;
 using zuerr::AddObject;
@@ -26,7 +26,7 @@ using zuerr::JsonChain;
 /// Returns the text after a number has been added at the offset, which counts from the end if negative. An array
 /// element has no key.
 std::string inserted(const std::string& text, int offset) {
-    Buffer buffer(512, text.c_str());
+    tBuffer buffer(512, text.c_str());
     char* const cursor = buffer.text() + offset + (offset < 0 ? static_cast<int>(text.size()) : 0);
     const bool inArray = text.find('"') == std::string::npos && text.find('{') == std::string::npos;
     EXPECT_NE(AddInt(cursor, inArray ? nullptr : "k", 9), nullptr);
@@ -63,12 +63,12 @@ TEST(JsonReport, WritesNoCommaAtTheEndOfTheText) {
 }
 
 TEST(JsonReport, KeepsTheOrderOfWritesAtTheReturnedCursors) {
-    Buffer atEnd(512, "{}");
+    tBuffer atEnd(512, "{}");
     char* cursor = AddString(atEnd.end(), "error_constant", "zukesterr_osFault");
     cursor = AddString(cursor, "file", "a.cpp");
     EXPECT_THAT(atEnd.text(), StrEq(R"({"error_constant":"zukesterr_osFault","file":"a.cpp"})"));
     EXPECT_EQ(cursor, atEnd.end());
-    Buffer atStart(512, R"({"last":0})");
+    tBuffer atStart(512, R"({"last":0})");
     cursor = AddInt(atStart.text(), "a", 1);
     cursor = AddInt(cursor, "b", 2);
     AddInt(cursor, "c", 3);
@@ -76,7 +76,7 @@ TEST(JsonReport, KeepsTheOrderOfWritesAtTheReturnedCursors) {
 }
 
 TEST(JsonReport, WritesArrayElementsWithoutAKey) {
-    Buffer buffer(512, "[]");
+    tBuffer buffer(512, "[]");
     char* cursor = AddString(buffer.end(), nullptr, "a\"b");
     cursor = AddInt(cursor, nullptr, -1);
     cursor = AddUInt(cursor, nullptr, 1);
@@ -85,7 +85,7 @@ TEST(JsonReport, WritesArrayElementsWithoutAKey) {
 }
 
 TEST(JsonReport, FillsANestedObjectWithoutACommaBeforeItsFirstMember) {
-    Buffer buffer(512, R"({"a":1})");
+    tBuffer buffer(512, R"({"a":1})");
     char* const nested = AddObject(buffer.end(), "internal_error");
     EXPECT_EQ(nested, buffer.end());
     char* const cursor = AddString(nested - 1, "api", "win32");
@@ -104,7 +104,7 @@ TEST(JsonReport, ReturnsNullForANullCursor) {
 // Numbers
 
 TEST(JsonReport, WritesTheWholeRangeOfNumbers) {
-    Buffer buffer(512, "[]");
+    tBuffer buffer(512, "[]");
     char* cursor = AddInt(buffer.end(), nullptr, std::numeric_limits<std::int32_t>::min());
     cursor = AddInt(cursor, nullptr, std::numeric_limits<std::int32_t>::max());
     cursor = AddInt(cursor, nullptr, 0);
@@ -115,7 +115,7 @@ TEST(JsonReport, WritesTheWholeRangeOfNumbers) {
 // Escaping
 
 TEST(JsonReport, EscapesExactlySevenCharacters) {
-    Buffer buffer(512, "{}");
+    tBuffer buffer(512, "{}");
     AddString(buffer.end(), "k", "\b\t\n\f\r\"\\/'\x7f");
     EXPECT_THAT(buffer.text(), StrEq("{\"k\":\"\\b\\t\\n\\f\\r\\\"\\\\/'\x7f\"}"));
 }
@@ -125,20 +125,20 @@ TEST(JsonReport, CopiesEveryOtherByteUnchanged) {
     for (int byte = 1; byte < 256; ++byte) {
         if (std::strchr("\b\t\n\f\r\"\\", byte) == nullptr) value += static_cast<char>(byte);
     }
-    Buffer buffer(512, "[]");
+    tBuffer buffer(512, "[]");
     AddString(buffer.end(), nullptr, value.c_str());
     EXPECT_EQ(buffer.text(), "[\"" + value + "\"]");
 }
 
 TEST(JsonReport, EscapesKeysLikeValues) {
-    Buffer buffer(512, "{}");
+    tBuffer buffer(512, "{}");
     AddString(buffer.end(), "a\\\"", "b");
     EXPECT_THAT(buffer.text(), StrEq(R"({"a\\\"":"b"})"));
 }
 
 TEST(JsonReport, WritesTextThatAnotherLibraryCanRead) {
     const std::string value = "C:\\Gerät\\部署\n\"x\"";
-    Buffer buffer(512, "{}");
+    tBuffer buffer(512, "{}");
     AddString(buffer.end(), "file", value.c_str());
     EXPECT_EQ(report::parsed(buffer.text())["file"], value);
 }
@@ -148,20 +148,20 @@ TEST(JsonReport, WritesTextThatAnotherLibraryCanRead) {
 static_assert(std::is_nothrow_invocable_v<JsonChain::Grow, void*, const char*>);
 
 /// Every kind of member, each in a container where it needs a comma and in one where it needs none.
-struct Member {
+struct tMember {
     const char* name;
     char* (*add)(char* cursor);
     const char* text;
 };
 
-class JsonReportSpace : public testing::TestWithParam<Member> {};
+class JsonReportSpace : public testing::TestWithParam<tMember> {};
 
 TEST_P(JsonReportSpace, KeepsTheTextByteForByteIfTheSpaceIsTooSmall) {
     const std::size_t needed = std::strlen(GetParam().text);
     for (const char* before : {"{}", "{\"a\":1}"}) {
         const std::size_t comma = std::strlen(before) > 2 ? 1 : 0;
         for (std::size_t room = 0; room < needed + comma; ++room) {
-            Buffer buffer = Buffer::withRoom(room, before);
+            tBuffer buffer = tBuffer::withRoom(room, before);
             const auto bytes = buffer.bytes();
             EXPECT_EQ(GetParam().add(buffer.end()), nullptr);
             EXPECT_EQ(GetParam().add(buffer.text()), nullptr);
@@ -174,7 +174,7 @@ TEST_P(JsonReportSpace, FitsExactlyIntoTheSpaceThatItNeeds) {
     const std::string member = GetParam().text;
     const auto expectWritten = [&](const std::string& before, bool atEnd, std::size_t comma, const std::string& after,
                                    std::size_t cursor) {
-        Buffer buffer = Buffer::withRoom(member.size() + comma, before.c_str());
+        tBuffer buffer = tBuffer::withRoom(member.size() + comma, before.c_str());
         const char* const next = GetParam().add(atEnd ? buffer.end() : buffer.text());
         EXPECT_EQ(buffer.text(), after);
         EXPECT_EQ(next, buffer.text() + cursor);
@@ -188,22 +188,22 @@ TEST_P(JsonReportSpace, FitsExactlyIntoTheSpaceThatItNeeds) {
 INSTANTIATE_TEST_SUITE_P(
     All, JsonReportSpace,
     testing::Values(
-        Member{"String", [](char* cursor) { return AddString(cursor, "k", "a\n\"\\"); }, R"("k":"a\n\"\\")"},
-        Member{"EmptyString", [](char* cursor) { return AddString(cursor, "", ""); }, R"("":"")"},
-        Member{"Int", [](char* cursor) { return AddInt(cursor, "k", -12); }, R"("k":-12)"},
-        Member{"UInt", [](char* cursor) { return AddUInt(cursor, "k", 4'000'000'000); }, R"("k":4000000000)"},
-        Member{"Object", [](char* cursor) { return AddObject(cursor, "k"); }, R"("k":{})"}),
+        tMember{"String", [](char* cursor) { return AddString(cursor, "k", "a\n\"\\"); }, R"("k":"a\n\"\\")"},
+        tMember{"EmptyString", [](char* cursor) { return AddString(cursor, "", ""); }, R"("":"")"},
+        tMember{"Int", [](char* cursor) { return AddInt(cursor, "k", -12); }, R"("k":-12)"},
+        tMember{"UInt", [](char* cursor) { return AddUInt(cursor, "k", 4'000'000'000); }, R"("k":4000000000)"},
+        tMember{"Object", [](char* cursor) { return AddObject(cursor, "k"); }, R"("k":{})"}),
     [](const auto& member) { return member.param.name; });
 
 TEST(JsonReport, RejectsInABufferOf512BytesWhatFitsAfterDoubling) {
     // {"a":"..."} with one byte less than the next member and its comma need.
     const std::string member = R"("b":"0123456789")";
     const std::string filler(512 - 2 - std::strlen(R"({"a":""})") - member.size(), 'x');
-    Buffer buffer(512, ("{\"a\":\"" + filler + "\"}").c_str());
+    tBuffer buffer(512, ("{\"a\":\"" + filler + "\"}").c_str());
     const auto before = buffer.bytes();
     EXPECT_EQ(AddString(buffer.end(), "b", "0123456789"), nullptr);
     EXPECT_EQ(buffer.bytes(), before);
-    Buffer doubled(1024, buffer.text());
+    tBuffer doubled(1024, buffer.text());
     EXPECT_NE(AddString(doubled.end(), "b", "0123456789"), nullptr);
     EXPECT_TRUE(doubled.wellLaidOut());
     EXPECT_EQ(report::parsed(doubled.text())["b"], "0123456789");
@@ -211,14 +211,14 @@ TEST(JsonReport, RejectsInABufferOf512BytesWhatFitsAfterDoubling) {
 
 // CopyText
 
-TEST(CopyText, ReplacesTheTextAndWritesFillAndSentinel) {
-    Buffer buffer(16, R"({"a":12345})");
+TEST(JsonReportCopyText, ReplacesTheTextAndWritesFillAndSentinel) {
+    tBuffer buffer(16, R"({"a":12345})");
     EXPECT_TRUE(CopyText(buffer.text(), 16, "{}"));
     EXPECT_THAT(buffer.text(), StrEq("{}"));
     EXPECT_TRUE(buffer.wellLaidOut());
 }
 
-TEST(CopyText, NeedsTheTextItsTerminatorAndTheSentinel) {
+TEST(JsonReportCopyText, NeedsTheTextItsTerminatorAndTheSentinel) {
     std::vector<char> bytes(8, '#');
     EXPECT_FALSE(CopyText(bytes.data(), 3, "{}"));
     EXPECT_EQ(bytes, std::vector<char>(8, '#'));
@@ -226,14 +226,14 @@ TEST(CopyText, NeedsTheTextItsTerminatorAndTheSentinel) {
     EXPECT_EQ(bytes, (std::vector<char>{'{', '}', 0, 'J', '#', '#', '#', '#'}));
 }
 
-TEST(CopyText, KeepsTheCurrentTextIfGivenNull) {
+TEST(JsonReportCopyText, KeepsTheCurrentTextIfGivenNull) {
     std::vector<char> bytes{'[', ']', 0, 'x', 'y', 'z'};
     EXPECT_TRUE(CopyText(bytes.data(), 6, nullptr));
     EXPECT_EQ(bytes, (std::vector<char>{'[', ']', 0, 0, 0, 'J'}));
     EXPECT_FALSE(CopyText(bytes.data(), 3, nullptr));
 }
 
-TEST(CopyText, StoresAnEmptyTextInTwoBytes) {
+TEST(JsonReportCopyText, StoresAnEmptyTextInTwoBytes) {
     std::vector<char> bytes(2, '#');
     EXPECT_FALSE(CopyText(bytes.data(), 1, ""));
     EXPECT_TRUE(CopyText(bytes.data(), 2, ""));
@@ -243,7 +243,7 @@ TEST(CopyText, StoresAnEmptyTextInTwoBytes) {
 // JsonChain
 
 TEST(JsonChain, WritesMembersInOrderAndReturnsItsCursor) {
-    Buffer buffer(512, "{}");
+    tBuffer buffer(512, "{}");
     JsonChain chain(buffer.end(), nullptr, nullptr);
     chain.AddString("s", "text").AddInt("i", -1).AddUInt("u", 1).EnterObject("o");
     EXPECT_THAT(buffer.text(), StrEq(R"({"s":"text","i":-1,"u":1,"o":{}})"));
@@ -253,7 +253,7 @@ TEST(JsonChain, WritesMembersInOrderAndReturnsItsCursor) {
 }
 
 TEST(JsonChain, SkipsTheMemberThatDoesNotFitAndEveryLaterOneIfItCannotGrow) {
-    Buffer buffer = Buffer::withRoom(10, "{}");
+    tBuffer buffer = tBuffer::withRoom(10, "{}");
     JsonChain chain(buffer.end(), nullptr, nullptr);
     chain.AddInt("a", 1).AddString("b", "too long for ten").AddInt("c", 3).EnterObject("d").LeaveObject();
     EXPECT_THAT(buffer.text(), StrEq(R"({"a":1})"));
@@ -261,25 +261,25 @@ TEST(JsonChain, SkipsTheMemberThatDoesNotFitAndEveryLaterOneIfItCannotGrow) {
 }
 
 /// Moves the text into ever larger buffers, a few bytes at a time, at most `steps` times.
-struct Growth {
-    Buffer buffer;
+struct tGrowth {
+    tBuffer buffer;
     std::size_t step;
     int steps;
     int calls = 0;
 
     static char* grow(void* argument, const char* cursor) noexcept {
-        Growth& self = *static_cast<Growth*>(argument);
+        tGrowth& self = *static_cast<tGrowth*>(argument);
         if (self.calls == self.steps) return nullptr;
         ++self.calls;
         const auto offset = cursor - self.buffer.text();
-        self.buffer = Buffer(self.buffer.bytes().size() + self.step, self.buffer.text());
+        self.buffer = tBuffer(self.buffer.bytes().size() + self.step, self.buffer.text());
         return self.buffer.text() + offset;
     }
 };
 
 TEST(JsonChain, GrowsAsOftenAsAMemberNeedsAndContinuesAtTheSamePosition) {
-    Growth growth{Buffer::withRoom(0, "{}"), 5, 100};
-    JsonChain chain(growth.buffer.end(), Growth::grow, &growth);
+    tGrowth growth{tBuffer::withRoom(0, "{}"), 5, 100};
+    JsonChain chain(growth.buffer.end(), tGrowth::grow, &growth);
     chain.AddString("long", "0123456789012345678901234567890").EnterObject("o").AddInt("x", 1);
     EXPECT_THAT(growth.buffer.text(), StrEq(R"({"long":"0123456789012345678901234567890","o":{"x":1}})"));
     EXPECT_EQ(growth.calls, 11);
@@ -287,8 +287,8 @@ TEST(JsonChain, GrowsAsOftenAsAMemberNeedsAndContinuesAtTheSamePosition) {
 }
 
 TEST(JsonChain, StopsPermanentlyIfGrowingFails) {
-    Growth growth{Buffer::withRoom(0, "{}"), 4, 2};
-    JsonChain chain(growth.buffer.end(), Growth::grow, &growth);
+    tGrowth growth{tBuffer::withRoom(0, "{}"), 4, 2};
+    JsonChain chain(growth.buffer.end(), tGrowth::grow, &growth);
     chain.AddInt("a", 1).AddInt("b", 2).EnterObject("o").AddInt("c", 3);
     EXPECT_THAT(growth.buffer.text(), StrEq(R"({"a":1})"));
     EXPECT_EQ(chain.cursor(), nullptr);
@@ -296,8 +296,8 @@ TEST(JsonChain, StopsPermanentlyIfGrowingFails) {
 }
 
 TEST(JsonChain, WritesNothingAndDoesNotGrowFromANullCursor) {
-    Growth growth{Buffer::withRoom(9, "{}"), 4, 2};
-    JsonChain chain(nullptr, Growth::grow, &growth);
+    tGrowth growth{tBuffer::withRoom(9, "{}"), 4, 2};
+    JsonChain chain(nullptr, tGrowth::grow, &growth);
     chain.AddString("a", "b").AddInt("c", 1).AddUInt("d", 1).EnterObject("e");
     EXPECT_EQ(growth.calls, 0);
     EXPECT_EQ(chain.cursor(), nullptr);

@@ -102,21 +102,21 @@ TEST(PlatformStatus, StoresOnlyTheCodeIfItsDeclaredSizeIsBelow208) {
 
 // Conversion
 
-TEST(ConvertPlatformStatus, WritesFileLineAndComponentForAnErrorAndForAWarning) {
+TEST(PlatformStatusConversion, WritesFileLineAndComponentForAnErrorAndForAWarning) {
     for (const std::int32_t code : {-52008, 1, 3}) {
         EXPECT_EQ(converted(raised(code, "zuZiptraRemoteService", site)),
                   std::to_string(code) + R"( {"file":".\\quarks\\library","line":12,"component":"zuZiptraR"})");
     }
 }
 
-TEST(ConvertPlatformStatus, OmitsFileAndLineWithoutAFileAndOmitsAnEmptyComponent) {
+TEST(PlatformStatusConversion, OmitsFileAndLineWithoutAFileAndOmitsAnEmptyComponent) {
     EXPECT_EQ(converted(raised(-1, "component", {"", 12})), R"(-1 {"component":"component"})");
     EXPECT_EQ(converted(raised(-1, "", {"a", 12})), R"(-1 {"file":"a","line":12})");
 }
 
-TEST(ConvertPlatformStatus, DoesNothingForSuccess) { EXPECT_EQ(converted(raised(0, "component", site)), "0 none"); }
+TEST(PlatformStatusConversion, DoesNothingForSuccess) { EXPECT_EQ(converted(raised(0, "component", site)), "0 none"); }
 
-TEST(ConvertPlatformStatus, DoesNothingIfTheRecordDoesNotStoreTheCode) {
+TEST(PlatformStatusConversion, DoesNothingIfTheRecordDoesNotStoreTheCode) {
     StatusRecord record;
     record.code = -1;
     ConvertPlatformStatus(raised(-52008, "component", site), record);
@@ -124,13 +124,13 @@ TEST(ConvertPlatformStatus, DoesNothingIfTheRecordDoesNotStoreTheCode) {
     EXPECT_EQ(record.json, nullptr);
 }
 
-TEST(ConvertPlatformStatus, ConvertsOnlyTheCodeIfTheDeclaredSizeIsBelow208) {
+TEST(PlatformStatusConversion, ConvertsOnlyTheCodeIfTheDeclaredSizeIsBelow208) {
     PlatformStatus platform = raised(-1, "component", site);
     platform.size = 207;
     EXPECT_EQ(converted(platform), "-1 none");
 }
 
-TEST(ConvertPlatformStatus, FitsTheLongestMembersIntoABufferOf512Bytes) {
+TEST(PlatformStatusConversion, FitsTheLongestMembersIntoABufferOf512Bytes) {
     const std::string file(100, '\\');
     const auto line = std::numeric_limits<std::int32_t>::min();
     StatusRecord record;
@@ -169,14 +169,14 @@ struct tManager {
     }
 };
 
-TEST(ConvertPlatformStatus, Reserves258BytesBeforeEachMember) {
+TEST(PlatformStatusConversion, Reserves258BytesBeforeEachMember) {
     EXPECT_EQ(tManager::convertedWithRefusal(0), R"({"file":"a","line":12,"component":"component"})");
     ASSERT_EQ(tManager::requests.size(), 3U);
     // Text, terminator, reserved bytes, sentinel.
     for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(tManager::requests[i], tManager::lengths[i] + 1 + 258 + 1);
 }
 
-TEST(ConvertPlatformStatus, WritesNoMemberAfterGrowthHasFailed) {
+TEST(PlatformStatusConversion, WritesNoMemberAfterGrowthHasFailed) {
     EXPECT_EQ(tManager::convertedWithRefusal(1), "none");
     EXPECT_EQ(tManager::requests.size(), 1U);
     EXPECT_EQ(tManager::convertedWithRefusal(2), R"({"file":"a"})");
@@ -184,7 +184,7 @@ TEST(ConvertPlatformStatus, WritesNoMemberAfterGrowthHasFailed) {
     EXPECT_EQ(tManager::convertedWithRefusal(3), R"({"file":"a","line":12})");
 }
 
-TEST(ConvertPlatformStatus, KeepsTheCodeWhenMemoryRunsOut) {
+TEST(PlatformStatusConversion, KeepsTheCodeWhenMemoryRunsOut) {
     const PlatformStatus platform = raised(-52008, "component", site);
     StatusRecord record;
     allocations::refused(0, [&] { ConvertPlatformStatus(platform, record); });

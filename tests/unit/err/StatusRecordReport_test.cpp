@@ -24,7 +24,7 @@ constexpr const char* osFaultText = R"({"error_constant":"zukesterr_osFault","fi
                                     R"("line":217,"component":"zuZiptraRemoteService"})";
 constexpr RaiseReport fileAndLine{nullptr, {"a", -7}, nullptr};
 
-class StatusRecordReport : public StatusRecordManager {};
+class StatusRecordReport : public tStatusRecordTest {};
 
 // RaiseInto
 

@@ -30,7 +30,7 @@ static_assert(std::is_nothrow_invocable_v<StatusRecord::ReallocJson, StatusRecor
 
 constexpr zuerr::RaiseReport anyReport{"constant", {".\\source\\tService", 217}, nullptr};
 
-class StatusRecordTest : public StatusRecordManager {
+class StatusRecordTest : public tStatusRecordTest {
 protected:
     /// Returns a buffer of this size, too small for an empty report.
     static void giveBuffer(StatusRecord& record, std::uint32_t capacity) {

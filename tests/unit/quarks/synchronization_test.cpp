@@ -7,21 +7,10 @@
 
 namespace {
 
-TEST(tEvent, SetBeforeTheWaitMakesTheWaitReturnAtOnce) {
-    tEvent event;
-    event.set();
-    event.wait();
-}
-
-TEST(tEvent, OnceSetBlocksNoLaterWait) {
+TEST(tEvent, OnceSetBlocksNoLaterWaitHoweverOftenItIsSet) {
     tEvent event;
     event.set();
     for (int i = 0; i < 3; ++i) event.wait();
-}
-
-TEST(tEvent, MayBeSetRepeatedly) {
-    tEvent event;
-    event.set();
     event.set();
     event.wait();
 }

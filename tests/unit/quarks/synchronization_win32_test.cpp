@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <stdexcept>
 
-#include "err/Exception.h"
 #include "quarks/synchronization.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/imports_win32.h"
 
 namespace {
@@ -60,15 +59,9 @@ TEST(tEventCalls, SetWaitWithoutATimeOutAndCloseOnceTheCreatedEvent) {
 
 TEST(tEventCalls, ThrowAnOsFaultWithItsSiteIfTheEventCannotBeCreated) {
     refuseEvents();
-    try {
-        const tEvent event;
-        FAIL() << "nothing thrown";
-    } catch (const zuerr::Exception& exception) {
-        EXPECT_EQ(exception.record.code, -52008);
-        // The fixed-size record contains nine characters of the component, and no error constant.
-        EXPECT_STREQ(exception.what(),
-                     R"({"file":"zukest/quarks/synchronization","line":1598,"component":"zuZiptraR"})");
-    }
+    // The fixed-size record contains nine characters of the component, and no error constant.
+    EXPECT_EQ(support::caughtReport([] { const tEvent event; }),
+              R"(-52008 {"file":"zukest/quarks/synchronization","line":1598,"component":"zuZiptraR"})");
 }
 
 TEST(tEventCalls, CloseNothingIfTheEventCouldNotBeCreated) {
@@ -80,21 +73,10 @@ TEST(tEventCalls, CloseNothingIfTheEventCouldNotBeCreated) {
     EXPECT_THROW(tEvent(), zuerr::Exception);
 }
 
-/// Creates an event while an exception leaves the scope.
-struct EventWhileUnwinding {
-    std::optional<tEvent>& event;
-    ~EventWhileUnwinding() { event.emplace(); }
-};
-
 TEST(tEventCalls, ThrowNothingWhileAnExceptionIsPropagatingAndTheEventThenNeitherBlocksNorFails) {
     refuseEvents();
     std::optional<tEvent> event;
-    try {
-        const EventWhileUnwinding last{event};
-        throw std::runtime_error("the first failure");
-    } catch (const std::runtime_error& exception) {
-        EXPECT_STREQ(exception.what(), "the first failure");
-    }
+    support::whileUnwinding([&event] { event.emplace(); });
     ASSERT_TRUE(event);
     event->set();
     event->wait();

@@ -19,10 +19,10 @@ constexpr const char* usage =
     "a service.\nOtherwise, such as when run from the command line, it runs in the foreground.\n\nMiscellaneous "
     "options:\n\n  -h, --help     display this help and exit\n";
 
-class Main : public support::HostCalls {
+class mainTest : public support::tHostCalls {
 protected:
     void SetUp() override {
-        HostCalls::SetUp();
+        tHostCalls::SetUp();
         failDispatcher(ERROR_FAILED_SERVICE_CONTROLLER_CONNECT);
     }
 
@@ -61,7 +61,7 @@ protected:
 
 // Service mode.
 
-TEST_F(Main, PassesTheDispatcherOneNamedServiceAndATerminator) {
+TEST_F(mainTest, PassesTheDispatcherOneNamedServiceAndATerminator) {
     imports::StartServiceCtrlDispatcherA.replace([](const SERVICE_TABLE_ENTRYA* table) {
         EXPECT_STREQ(table[0].lpServiceName, "zuZiptraRemoteService");
         EXPECT_EQ(table[0].lpServiceProc, &serviceMain);
@@ -72,7 +72,7 @@ TEST_F(Main, PassesTheDispatcherOneNamedServiceAndATerminator) {
     EXPECT_EQ(run({"host.exe"}), 0);
 }
 
-TEST_F(Main, ReturnsZeroAfterTheServiceHasStoppedAndIgnoresTheArguments) {
+TEST_F(mainTest, ReturnsZeroAfterTheServiceHasStoppedAndIgnoresTheArguments) {
     imports::StartServiceCtrlDispatcherA.replace([](auto...) { return TRUE; });
     EXPECT_EQ(run({"host.exe", "--nonsense"}), 0);
     EXPECT_EQ(run({"host.exe", "--help"}), 0);
@@ -80,7 +80,7 @@ TEST_F(Main, ReturnsZeroAfterTheServiceHasStoppedAndIgnoresTheArguments) {
     EXPECT_THAT(calls, IsEmpty());
 }
 
-TEST_F(Main, ReturnsAnyOtherDispatcherErrorBeforeExaminingTheArguments) {
+TEST_F(mainTest, ReturnsAnyOtherDispatcherErrorBeforeExaminingTheArguments) {
     for (const DWORD error :
          {DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_SERVICE_ALREADY_RUNNING}, DWORD{1064}, DWORD{0}, DWORD{0xC0000005}}) {
         failDispatcher(error);
@@ -94,7 +94,7 @@ TEST_F(Main, ReturnsAnyOtherDispatcherErrorBeforeExaminingTheArguments) {
 
 // Arguments.
 
-TEST_F(Main, PrintsTheUsageForEitherHelpArgument) {
+TEST_F(mainTest, PrintsTheUsageForEitherHelpArgument) {
     for (const char* help : {"-h", "--help"}) {
         EXPECT_EQ(run({"host.exe", help}), 0);
         EXPECT_EQ(output, usage);
@@ -102,7 +102,7 @@ TEST_F(Main, PrintsTheUsageForEitherHelpArgument) {
     }
 }
 
-TEST_F(Main, RecognisesAHelpArgumentInAnyPosition) {
+TEST_F(mainTest, RecognisesAHelpArgumentInAnyPosition) {
     EXPECT_EQ(run({"host.exe", "x", "--help"}), 0);
     EXPECT_EQ(output, usage);
     EXPECT_EQ(run({"host.exe", "-h", "x"}), 0);
@@ -111,7 +111,7 @@ TEST_F(Main, RecognisesAHelpArgumentInAnyPosition) {
     EXPECT_EQ(output, usage);
 }
 
-TEST_F(Main, RejectsArgumentsThatOnlyResembleHelp) {
+TEST_F(mainTest, RejectsArgumentsThatOnlyResembleHelp) {
     for (const char* argument : {"-help", "-H", "--HELP", "--hel", "--helpx", "-hx", "-?", "/h", "h", " -h", "-", ""}) {
         EXPECT_EQ(run({"host.exe", argument}), -1) << argument;
         EXPECT_EQ(output, "");
@@ -119,18 +119,18 @@ TEST_F(Main, RejectsArgumentsThatOnlyResembleHelp) {
     }
 }
 
-TEST_F(Main, DoesNotTreatTheProgramNameAsAnArgument) {
+TEST_F(mainTest, DoesNotTreatTheProgramNameAsAnArgument) {
     EXPECT_EQ(run({"--help", "x"}), -1);
     EXPECT_EQ(output, "");
     EXPECT_EQ(errors, "Try `--help --help' for more information.\n");
 }
 
-TEST_F(Main, PrintsPercentSignsInTheProgramNameUnchanged) {
+TEST_F(mainTest, PrintsPercentSignsInTheProgramNameUnchanged) {
     EXPECT_EQ(run({"C:\\100%s%n %d\\host.exe", "x"}), -1);
     EXPECT_EQ(errors, "Try `C:\\100%s%n %d\\host.exe --help' for more information.\n");
 }
 
-TEST_F(Main, DoesNotStartTheServiceIfThereAreArguments) {
+TEST_F(mainTest, DoesNotStartTheServiceIfThereAreArguments) {
     run({"host.exe", "--help"});
     run({"host.exe", "x"});
     EXPECT_THAT(calls, ElementsAre("dispatch", "dispatch"));
@@ -138,20 +138,20 @@ TEST_F(Main, DoesNotStartTheServiceIfThereAreArguments) {
 
 // The foreground.
 
-TEST_F(Main, RunsInTheForegroundBetweenItsConsoleHandlers) {
+TEST_F(mainTest, RunsInTheForegroundBetweenItsConsoleHandlers) {
     runInForeground();
     EXPECT_THAT(calls, ElementsAre("dispatch", "add-early", "create-event", "add-run", "list", "remove-run",
                                    "close-event", "remove-early"));
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(Main, RunsInTheForegroundEvenWithoutAProgramName) {
+TEST_F(mainTest, RunsInTheForegroundEvenWithoutAProgramName) {
     char* arguments[] = {nullptr};
     hostMain(0, arguments);
     EXPECT_THAT(calls, testing::Contains("list"));
 }
 
-TEST_F(Main, ReturnsTheLastErrorThatIsSetAfterTheStop) {
+TEST_F(mainTest, ReturnsTheLastErrorThatIsSetAfterTheStop) {
     imports::SetConsoleCtrlHandler.replace([](PHANDLER_ROUTINE handler, BOOL add) {
         SetLastError(handler == earlyConsoleHandler && add == FALSE ? 4711 : 13);
         return TRUE;
@@ -159,7 +159,7 @@ TEST_F(Main, ReturnsTheLastErrorThatIsSetAfterTheStop) {
     EXPECT_EQ(runInForeground(), 4711);
 }
 
-TEST_F(Main, ReturnsALargeLastErrorWithTheSame32Bits) {
+TEST_F(mainTest, ReturnsALargeLastErrorWithTheSame32Bits) {
     imports::SetConsoleCtrlHandler.replace([](auto...) {
         SetLastError(0xE0000123);
         return TRUE;
@@ -167,7 +167,7 @@ TEST_F(Main, ReturnsALargeLastErrorWithTheSame32Bits) {
     EXPECT_EQ(static_cast<DWORD>(runInForeground()), 0xE0000123);
 }
 
-TEST_F(Main, ReturnsTheLastErrorAtOnceWhenTheFirstHandlerIsRefused) {
+TEST_F(mainTest, ReturnsTheLastErrorAtOnceWhenTheFirstHandlerIsRefused) {
     imports::SetConsoleCtrlHandler.replace([this](PHANDLER_ROUTINE handler, BOOL add) {
         calls.emplace_back(std::string(add == TRUE ? "add-" : "remove-") + nameOf(handler));
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
@@ -177,13 +177,13 @@ TEST_F(Main, ReturnsTheLastErrorAtOnceWhenTheFirstHandlerIsRefused) {
     EXPECT_THAT(calls, ElementsAre("dispatch", "add-early"));
 }
 
-TEST_F(Main, ReturnsMinusOneWhenTheStartFails) {
+TEST_F(mainTest, ReturnsMinusOneWhenTheStartFails) {
     refuseEvents();
     EXPECT_EQ(runInForeground(), -1);
     EXPECT_THAT(calls, ElementsAre("dispatch", "add-early", "create-event", "remove-early"));
 }
 
-TEST_F(Main, SetsTheStartResultAsTheLastErrorThenRemovesTheHandlerThenReadsTheErrorBack) {
+TEST_F(mainTest, SetsTheStartResultAsTheLastErrorThenRemovesTheHandlerThenReadsTheErrorBack) {
     refuseEvents();
     imports::SetConsoleCtrlHandler.replace([](PHANDLER_ROUTINE, BOOL add) {
         if (add == FALSE) {
@@ -195,7 +195,7 @@ TEST_F(Main, SetsTheStartResultAsTheLastErrorThenRemovesTheHandlerThenReadsTheEr
     EXPECT_EQ(runInForeground(), 99);
 }
 
-TEST_F(Main, SkipsTheRunButStopsIfTheSecondHandlerIsRefused) {
+TEST_F(mainTest, SkipsTheRunButStopsIfTheSecondHandlerIsRefused) {
     imports::SetConsoleCtrlHandler.replace([this](PHANDLER_ROUTINE handler, BOOL add) {
         calls.emplace_back(std::string(add == TRUE ? "add-" : "remove-") + nameOf(handler));
         return handler == runConsoleHandler ? FALSE : TRUE;
@@ -205,7 +205,7 @@ TEST_F(Main, SkipsTheRunButStopsIfTheSecondHandlerIsRefused) {
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(Main, SkipsTheRunButStopsAfterAConsoleEventDuringTheStart) {
+TEST_F(mainTest, SkipsTheRunButStopsAfterAConsoleEventDuringTheStart) {
     imports::OpenProcess.replace([](auto...) -> HANDLE {  // during the start
         EXPECT_EQ(earlyConsoleHandler(CTRL_C_EVENT), TRUE);
         return nullptr;
@@ -216,7 +216,7 @@ TEST_F(Main, SkipsTheRunButStopsAfterAConsoleEventDuringTheStart) {
     EXPECT_EQ(gService, nullptr);
 }
 
-TEST_F(Main, EndsTheRunOnAConsoleEvent) {
+TEST_F(mainTest, EndsTheRunOnAConsoleEvent) {
     imports::RegOpenKeyExW.replace([this](auto...) {  // during the run
         calls.emplace_back("list");
         EXPECT_EQ(runConsoleHandler(CTRL_C_EVENT), TRUE);

@@ -31,7 +31,7 @@ private:
 
 using tAnyHolder = nDeployment::tHolder<nZusysapi::Object>;
 
-TEST(DeploymentHolder, ReferencesAnAssignedObjectAndReleasesItOnDestruction) {
+TEST(nDeploymentHolder, ReferencesAnAssignedObjectAndReleasesItOnDestruction) {
     tFacet object;
     {
         tAnyHolder holder;
@@ -43,7 +43,7 @@ TEST(DeploymentHolder, ReferencesAnAssignedObjectAndReleasesItOnDestruction) {
     EXPECT_EQ(object.references, 0U);
 }
 
-TEST(DeploymentHolder, ReleasesTheEarlierObjectWhenAnotherIsAssigned) {
+TEST(nDeploymentHolder, ReleasesTheEarlierObjectWhenAnotherIsAssigned) {
     tFacet earlier;
     tFacet later;
     tAnyHolder holder;
@@ -54,7 +54,7 @@ TEST(DeploymentHolder, ReleasesTheEarlierObjectWhenAnotherIsAssigned) {
     EXPECT_EQ(later.references, 1U);
 }
 
-TEST(DeploymentHolder, KeepsItsReferenceWhenAssignedAnotherOneToTheSameObject) {
+TEST(nDeploymentHolder, KeepsItsReferenceWhenAssignedAnotherOneToTheSameObject) {
     tFacet object;
     tFacet otherReference(&object);
     tAnyHolder holder;
@@ -64,7 +64,7 @@ TEST(DeploymentHolder, KeepsItsReferenceWhenAssignedAnotherOneToTheSameObject) {
     EXPECT_EQ(object.references, 1U);
 }
 
-TEST(DeploymentHolder, DistinguishesObjectsByTheirReferencesWhenOneHidesItsIdentity) {
+TEST(nDeploymentHolder, DistinguishesObjectsByTheirReferencesWhenOneHidesItsIdentity) {
     for (const Result result : {0, -1, 1}) {
         tFacet hiding;
         tFacet other;
@@ -77,7 +77,7 @@ TEST(DeploymentHolder, DistinguishesObjectsByTheirReferencesWhenOneHidesItsIdent
     }
 }
 
-TEST(DeploymentHolder, KeepsItsObjectWhenACallFails) {
+TEST(nDeploymentHolder, KeepsItsObjectWhenACallFails) {
     tFacet held;
     tAnyHolder holder;
     holder.assign(held);

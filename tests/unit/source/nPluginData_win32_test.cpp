@@ -9,6 +9,7 @@
 #include "source/nPluginData.h"
 #include "stdpath/path.h"
 #include "tests/support/allocations.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/folder.h"
 #include "tests/support/imports_win32.h"
 
@@ -62,55 +63,20 @@ TEST_F(nPluginDataMemory, LeavesTheRecordUnchangedIfThereIsNoMemoryForADocument)
 }
 
 TEST_F(nPluginDataMemory, ThrowsTheParsersCodeIfMemoryRunsOutLater) {
-    std::int32_t code = 0;
-    std::string report;
-    EXPECT_GT(allocations::refused(10000,
-                                   [&] {
-                                       try {
-                                           nPluginData::readDescription(path, record);
-                                       } catch (const zuerr::Exception& exception) {
-                                           code = exception.record.code;
-                                           report = exception.what();
-                                       }
-                                   }),
-              0);
-    EXPECT_EQ(code, -12);
-    EXPECT_EQ(report, R"({"error_constant":"result","file":".\\source\\nPluginData","line":261,)"
+    std::string thrown;
+    const auto read = [this] { nPluginData::readDescription(path, record); };
+    EXPECT_GT(allocations::refused(10000, [&] { thrown = support::caughtReport(read); }), 0);
+    EXPECT_EQ(thrown, R"(-12 {"error_constant":"result","file":".\\source\\nPluginData","line":261,)"
                       R"("component":"zuZiptraRemoteService"})");
     EXPECT_EQ(record.name, "earlier");
 }
 
-TEST_F(nPluginDataMemory, ReadsOrThrowsWhicheverAllocationFails) {
-    const std::string small = folder.write("b.ini", "[Service]\nName=B\nRequires=6\n");
-    bool struck = true;
-    for (int nth = 1; struck; ++nth) {
-        record = {};
-        bool thrown = false;
-        allocations::startFailing(nth, allocations::tHowLong::once);
-        try {
-            nPluginData::readDescription(small, record);
-        } catch (const std::exception&) {
-            thrown = true;
-        }
-        struck = allocations::stopFailing().refused > 0;
-        // Nothing is thrown if there is no memory for a document.
-        if (!record.name.empty() || !struck) {
-            EXPECT_EQ(record.requiresMask, 6U) << nth;
-        }
-        EXPECT_FALSE(thrown && !record.name.empty()) << nth;
-    }
-    EXPECT_EQ(record.name, "B");
-}
-
 TEST(nPluginData, ReportsAnUnreadableFileWithTheParsersCode) {
     const support::tFolder folder;
+    const std::string path = folder.utf8(folder.makeFolder("a.ini").filename());
     tPluginDescription record;
-    try {
-        nPluginData::readDescription(folder.utf8(folder.makeFolder("a.ini").filename()), record);
-        FAIL() << "nothing thrown";
-    } catch (const zuerr::Exception& exception) {
-        EXPECT_EQ(exception.record.code, -5001);
-    }
+    EXPECT_THAT(support::caughtReport([&] { nPluginData::readDescription(path, record); }),
+                testing::StartsWith("-5001 "));
 }
 
 }  // namespace

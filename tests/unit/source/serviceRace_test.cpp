@@ -14,10 +14,10 @@
 
 namespace {
 
-class ServiceControlRace : public testing::Test {
+class serviceControlRace : public testing::Test {
 protected:
-    ServiceControlRace() { world.deployment.entry = support::tScriptedFramework::instantiate; }
-    ~ServiceControlRace() override {
+    serviceControlRace() { world.deployment.entry = support::tScriptedFramework::instantiate; }
+    ~serviceControlRace() override {
         EXPECT_EQ(manager.failedSignals, 0) << "the event was closed before its last use";
     }
 
@@ -37,12 +37,12 @@ protected:
     support::tServiceManager manager;
 };
 
-TEST_F(ServiceControlRace, NoRequestIsReportedOnceTheServiceMainReportsTheStop) {
+TEST_F(serviceControlRace, NoRequestIsReportedOnceTheServiceMainReportsTheStop) {
     for (unsigned round = 0; round < rounds(); ++round) ASSERT_EQ(manager.hammeredService(), "24rp1");
     printFigures("a service that waits");
 }
 
-TEST_F(ServiceControlRace, AServiceThatStopsByItselfReportsARequestBeforeItsStopOrNotAtAll) {
+TEST_F(serviceControlRace, AServiceThatStopsByItselfReportsARequestBeforeItsStopOrNotAtAll) {
     std::filesystem::remove_all(world.plugins);
     for (unsigned round = 0; round < rounds(); ++round) {
         const std::string life = manager.hammeredService();
@@ -51,14 +51,14 @@ TEST_F(ServiceControlRace, AServiceThatStopsByItselfReportsARequestBeforeItsStop
     printFigures("a service that stops by itself");
 }
 
-TEST_F(ServiceControlRace, ASingleRequestIsNeverLost) {
+TEST_F(serviceControlRace, ASingleRequestIsNeverLost) {
     for (unsigned round = 0; round < rounds(); ++round) {
         ASSERT_EQ(manager.serviceStoppedOnce(round % 20 * 20'000), "24rp1") << round;
     }
     printFigures("a single request");
 }
 
-TEST_F(ServiceControlRace, ConsoleEventsAlwaysEndAForegroundRun) {
+TEST_F(serviceControlRace, ConsoleEventsAlwaysEndAForegroundRun) {
     for (unsigned round = 0; round < rounds(); ++round) {
         manager.hammeredForeground(round * 7 % 20 * 50'000);
         ASSERT_EQ(gService, nullptr);

@@ -8,9 +8,9 @@
 namespace {
 
 /// Makes all file calls of the runtime fail and counts them.
-class StatusFileInvalidPath : public testing::Test {
+class statusFileInvalidPath : public testing::Test {
 protected:
-    StatusFileInvalidPath() {
+    statusFileInvalidPath() {
         imports::_wfsopen.replace([this](auto...) -> FILE* { return ++calls, nullptr; });
         imports::_wremove.replace([this](auto...) { return ++calls, -1; });
         imports::_wrename.replace([this](auto...) { return ++calls, -1; });
@@ -19,7 +19,7 @@ protected:
     int calls = 0;
 };
 
-TEST_F(StatusFileInvalidPath, MakesNoCallForTextThatIsNotUtf8) {
+TEST_F(statusFileInvalidPath, MakesNoCallForTextThatIsNotUtf8) {
     EXPECT_EQ(nStatusFile::open("C:\\\xC0\x80"), nullptr);
     EXPECT_FALSE(nStatusFile::remove("C:\\\xFF"));
     EXPECT_FALSE(nStatusFile::rename("C:\\\xE4\xB8", "C:\\b"));
@@ -27,26 +27,26 @@ TEST_F(StatusFileInvalidPath, MakesNoCallForTextThatIsNotUtf8) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(StatusFileInvalidPath, MakesNoCallForAnEmptyPath) {
+TEST_F(statusFileInvalidPath, MakesNoCallForAnEmptyPath) {
     EXPECT_EQ(nStatusFile::open(""), nullptr);
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(StatusFileInvalidPath, MakesNoCallWhenTheSecondConversionFails) {
+TEST_F(statusFileInvalidPath, MakesNoCallWhenTheSecondConversionFails) {
     imports::MultiByteToWideChar.replace(
         [](UINT, DWORD, LPCCH, int, LPWSTR wide, int) { return wide == nullptr ? 1 : 0; });
     EXPECT_EQ(nStatusFile::open("a"), nullptr);
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(StatusFileInvalidPath, DoesNotPreventCallsForAValidPath) {
+TEST_F(statusFileInvalidPath, DoesNotPreventCallsForAValidPath) {
     EXPECT_EQ(nStatusFile::open("C:\\missing\\a"), nullptr);
     EXPECT_FALSE(nStatusFile::remove("C:\\missing\\a"));
     EXPECT_FALSE(nStatusFile::rename("C:\\missing\\a", "C:\\missing\\b"));
     EXPECT_EQ(calls, 3);
 }
 
-TEST(StatusFilePath, IsConvertedCompletelyFromUtf8AndRejectedIfInvalid) {
+TEST(statusFilePath, IsConvertedCompletelyFromUtf8AndRejectedIfInvalid) {
     std::string calls;
     const std::string path = "C:\\missing\\\xE4\xB8\xAD";
     imports::MultiByteToWideChar.replace([&](UINT page, DWORD flags, LPCCH text, int size, LPWSTR wide, int room) {

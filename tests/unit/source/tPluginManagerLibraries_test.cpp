@@ -10,17 +10,8 @@
 // The manager with real libraries. On Windows each of them carries a C++ runtime of its own.
 namespace {
 
+using support::pluginDescription;
 using testing::ElementsAre;
-
-tPluginDescription behaviours(const std::string& initialize, const std::string& stop = "StopOk",
-                              const std::string& cleanup = "CleanupOk") {
-    tPluginDescription description;
-    description.path = support::pluginPath("behaviours");
-    description.initialize = initialize;
-    description.stop = stop;
-    description.cleanup = cleanup;
-    return description;
-}
 
 /// The whole life of one plug-in.
 tPluginEntry live(const tPluginDescription& description) {
@@ -37,7 +28,7 @@ protected:
 };
 
 TEST_F(tPluginManagerLibraries, AWellBehavedPluginLivesItsLife) {
-    const tPluginEntry entry = live(behaviours("InitOk"));
+    const tPluginEntry entry = live(pluginDescription("behaviours", "InitOk", "StopOk", "CleanupOk"));
     EXPECT_EQ(entry.initCode, 0);
     EXPECT_EQ(entry.stopCode, 0);
     EXPECT_EQ(entry.cleanupCode, 0);
@@ -46,13 +37,14 @@ TEST_F(tPluginManagerLibraries, AWellBehavedPluginLivesItsLife) {
 }
 
 TEST_F(tPluginManagerLibraries, WhatStopAndCleanupReturnIsIgnored) {
-    const tPluginEntry entry = live(behaviours("InitOk", "StopReturnsMinus9", "CleanupReturnsMinus9"));
+    const tPluginEntry entry =
+        live(pluginDescription("behaviours", "InitOk", "StopReturnsMinus9", "CleanupReturnsMinus9"));
     EXPECT_EQ(entry.stopCode, 0);
     EXPECT_EQ(entry.cleanupCode, 0);
 }
 
 TEST_F(tPluginManagerLibraries, AnExceptionIsDestroyedByItsLibraryBeforeThatIsUnloaded) {
-    live(behaviours("InitThrowsOwnException"));
+    live(pluginDescription("behaviours", "InitThrowsOwnException"));
     EXPECT_THAT(log_.lines(), ElementsAre("behaviours loads", "behaviours InitThrowsOwnException",
                                           "behaviours destroys its exception", "behaviours unloads"));
 }
@@ -63,7 +55,7 @@ TEST_F(tPluginManagerLibraries, APathMayHoldAnyName) {
     fs::create_directories(folder);
     const fs::path copy = folder / u8"名前 ö.library";
     fs::copy_file(support::pluginPath("behaviours"), copy, fs::copy_options::overwrite_existing);
-    tPluginDescription description = behaviours("InitOk");
+    tPluginDescription description = pluginDescription("behaviours", "InitOk");
     const std::u8string path = copy.u8string();
     description.path = std::string(path.begin(), path.end());
     EXPECT_EQ(live(description).initCode, 0);

@@ -9,8 +9,8 @@
 
 #include "err/Exception.h"
 #include "source/tPluginManager.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/plugins.h"
-#include "tests/support/propagation.h"
 
 namespace {
 
@@ -49,14 +49,8 @@ constexpr tThrow known[] = {
 constexpr const char* unknown[] = {"ThrowInt",      "ThrowText",   "ThrowString",       "ThrowNull",
                                    "ThrowFunction", "ThrowObject", "ThrowTwoExceptions"};
 
-tPluginDescription plugin(const std::string& initialize, const std::string& stop = "",
-                          const std::string& cleanup = "") {
-    tPluginDescription description;
-    description.path = support::pluginPath("throwing");
-    description.initialize = initialize;
-    description.stop = stop;
-    description.cleanup = cleanup;
-    return description;
+tPluginDescription plugin(const char* initialize, const char* stop = "", const char* cleanup = "") {
+    return support::pluginDescription("throwing", initialize, stop, cleanup);
 }
 
 class tPluginManagerThrowing : public testing::Test {
@@ -79,11 +73,17 @@ void expectPropagationStillKnown() {
     support::expectPropagationToBeTold();
 }
 
-TEST_F(tPluginManagerThrowing, FromInitializeFailWithTheCodeOfTheExceptionAndAreUnloaded) {
+TEST_F(tPluginManagerThrowing, FromInitializeFailWithTheCodeOfTheExceptionAreUnloadedAndFailTheirDependants) {
     for (const tThrow& each : known) {
-        manager.startAll({plugin(each.entry, "ThrowInt", "ThrowInt")}, 1);
-        EXPECT_EQ(last().initCode, each.code) << each.entry;
-        EXPECT_EQ(last().library.loaded, 0) << each.entry;
+        tPluginDescription first = plugin(each.entry, "ThrowInt", "ThrowInt");
+        first.name = "first";
+        tPluginDescription second = plugin("");
+        second.dependencies = {"first"};
+        manager.startAll({first, second}, 1);
+        const tPluginEntry& thrower = manager.entries().end()[-2];
+        EXPECT_EQ(thrower.initCode, each.code) << each.entry;
+        EXPECT_EQ(thrower.library.loaded, 0) << each.entry;
+        EXPECT_EQ(last().initCode, -52006) << each.entry << ", whatever the code";
     }
     manager.stopAll();
     manager.cleanupAll();
@@ -94,40 +94,20 @@ TEST_F(tPluginManagerThrowing, FromInitializeFailWithTheCodeOfTheExceptionAndAre
     expectPropagationStillKnown();
 }
 
-TEST_F(tPluginManagerThrowing, FromInitializeFailTheirDependantsWhateverTheCode) {
+TEST_F(tPluginManagerThrowing, FromStopOrCleanupHaveTheCodeOfTheExceptionAndOnlyTheLatterStayLoaded) {
+    for (const tThrow& each : known) manager.startAll({plugin("", each.entry), plugin("", "", each.entry)}, 1);
+    manager.stopAll();
+    manager.cleanupAll();
+    auto entry = manager.entries().begin();
     for (const tThrow& each : known) {
-        tPluginDescription first = plugin(each.entry);
-        first.name = "first";
-        tPluginDescription second = plugin("");
-        second.dependencies = {"first"};
-        manager.startAll({first, second}, 1);
-        EXPECT_EQ(last().initCode, -52006) << each.entry;
-    }
-}
-
-TEST_F(tPluginManagerThrowing, FromStopHaveTheCodeOfTheExceptionAndAreStillCleanedUp) {
-    for (const tThrow& each : known) manager.startAll({plugin("", each.entry)}, 1);
-    manager.stopAll();
-    manager.cleanupAll();
-    for (std::size_t i = 0; i < std::size(known); ++i) {
-        const tPluginEntry& entry = manager.entries()[i];
-        EXPECT_EQ(entry.initCode, 0) << known[i].entry;
-        EXPECT_EQ(entry.stopCode, known[i].code) << known[i].entry;
-        EXPECT_EQ(entry.cleanupCode, 0) << known[i].entry;
-        EXPECT_EQ(entry.library.loaded, 0) << known[i].entry;
-    }
-    expectPropagationStillKnown();
-}
-
-TEST_F(tPluginManagerThrowing, FromCleanupHaveTheCodeOfTheExceptionAndStayLoaded) {
-    for (const tThrow& each : known) manager.startAll({plugin("", "", each.entry)}, 1);
-    manager.stopAll();
-    manager.cleanupAll();
-    for (std::size_t i = 0; i < std::size(known); ++i) {
-        const tPluginEntry& entry = manager.entries()[i];
-        EXPECT_EQ(entry.stopCode, 0) << known[i].entry;
-        EXPECT_EQ(entry.cleanupCode, known[i].code) << known[i].entry;
-        EXPECT_EQ(entry.library.loaded, 1) << known[i].entry;
+        EXPECT_EQ(entry->stopCode, each.code) << each.entry;
+        EXPECT_EQ(entry->cleanupCode, 0) << each.entry;
+        EXPECT_EQ(entry->library.loaded, 0) << each.entry;
+        ++entry;
+        EXPECT_EQ(entry->stopCode, 0) << each.entry;
+        EXPECT_EQ(entry->cleanupCode, each.code) << each.entry;
+        EXPECT_EQ(entry->library.loaded, 1) << each.entry;
+        ++entry;
     }
     expectPropagationStillKnown();
 }

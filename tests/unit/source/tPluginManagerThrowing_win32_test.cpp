@@ -16,12 +16,8 @@ protected:
     /// Starts, stops and cleans up a faulting plug-in between two others, whose codes must be 0.
     const tPluginEntry& live(const char* fault) {
         support::setEnvironment("TEST_FAULT", fault);
-        tPluginDescription other;
-        other.path = support::pluginPath("behaviours");
-        tPluginDescription faulting;
-        faulting.path = support::pluginPath("faulting");
-        faulting.initialize = "InitOk";
-        manager.startAll({other, faulting, other}, 1);
+        const tPluginDescription other = support::pluginDescription("behaviours", "");
+        manager.startAll({other, support::pluginDescription("faulting", "InitOk"), other}, 1);
         manager.stopAll();
         manager.cleanupAll();
         for (const tPluginEntry& entry : {manager.entries().front(), manager.entries().back()}) {

@@ -5,9 +5,9 @@
 
 #include "quarks/library.h"
 #include "source/tService.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/framework.h"
 #include "tests/support/plugins.h"
-#include "tests/support/propagation.h"
 #include "tests/support/serviceWorld.h"
 
 namespace {

@@ -10,68 +10,42 @@
 
 #include "tests/support/descriptionReads.h"
 #include "tests/support/plugins.h"
-#include "tests/support/serviceWorld.h"
+#include "tests/support/runTest.h"
 
 namespace {
 
+using support::noFramework;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAreArray;
 
-constexpr const char* noFramework = "Cannot init system framework\n";
+using tServiceRunHostile = support::tRunTest;
 
-class ServiceRunHostile : public testing::Test {
-protected:
-    ServiceRunHostile() { startService(); }
-
-    /// A whole run, from the listing to the clean-up.
-    static void run() {
-        signalServiceStop();
-        runService();
-    }
-
-    /// "name code" of each plug-in in start order.
-    static std::vector<std::string> outcome() {
-        std::vector<std::string> outcome;
-        for (const tPluginEntry& entry : gService->pluginManager.entries()) {
-            outcome.push_back(entry.description.name + " " + std::to_string(entry.initCode));
-        }
-        return outcome;
-    }
-
-    static std::vector<std::string> messageLines() {
-        std::vector<std::string> lines;
-        std::istringstream text(gService->messages);
-        for (std::string line; std::getline(text, line);) lines.push_back(line);
-        return lines;
-    }
-
-    static std::string rejection(const std::string& path) {
-        return "Failed to parse service description file: " + path + "\n";
-    }
-
-    support::tServiceWorld world;
-};
+std::vector<std::string> messageLines() {
+    std::vector<std::string> lines;
+    std::istringstream text(gService->messages);
+    for (std::string line; std::getline(text, line);) lines.push_back(line + "\n");
+    return lines;
+}
 
 std::string numbered(std::size_t number) { return std::to_string(100'000 + number).substr(1); }
 
-TEST_F(ServiceRunHostile, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIsNamed) {
+TEST_F(tServiceRunHostile, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIsNamed) {
     std::vector<std::string> started;
-    std::vector<std::string> messages{"Cannot init system framework"};
+    std::vector<std::string> messages{noFramework};
     std::string before;
     for (std::size_t i = 0; i < support::manyFiles; ++i) {
         const std::string name = numbered(i);
         const std::string keys = before.empty() ? "" : "Dependencies=" + before + "\n";
         if (i % 10 == 7) {
-            const std::string path = world.describe(name + ".ini", world.calling(name) + "nonsense");
-            messages.push_back("Failed to parse service description file: " + path);
+            messages.push_back(rejection(world.describe(name + ".ini", world.calling(name) + "nonsense")));
         } else {
             world.describe(name + ".ini", world.calling(name, keys));
             started.push_back(name + " 3");
             before = name;
         }
     }
-    run();
+    runWithoutWaiting();
     EXPECT_EQ(outcome(), started);
     EXPECT_THAT(messageLines(), UnorderedElementsAreArray(messages));
     const std::string status = world.status();
@@ -80,17 +54,17 @@ TEST_F(ServiceRunHostile, OfManyDescriptionFilesEachGoodOneStartsAndEachBadOneIs
     EXPECT_EQ(std::count(status.begin(), status.end(), '('), static_cast<std::ptrdiff_t>(started.size()));
 }
 
-TEST_F(ServiceRunHostile, AHundredThousandMissingDependenciesFailTheirPluginAlone) {
+TEST_F(tServiceRunHostile, AHundredThousandMissingDependenciesFailTheirPluginAlone) {
     std::string names;
     for (std::size_t i = 0; i < 100'000; ++i) names += (i == 0 ? "" : ", ") + numbered(i);
     world.describe("a.ini", world.calling("A", "Dependencies=" + names + "\n"));
     world.describe("b.ini", world.calling("B"));
-    run();
+    runWithoutWaiting();
     EXPECT_THAT(outcome(), ElementsAre("A -52006", "B 3"));
     EXPECT_NE(world.status().find("\nA (depends on " + names + ")\n"), std::string::npos);
 }
 
-TEST_F(ServiceRunHostile, ACycleOfAThousandFailsItsMembersAndTheirDependantsAlone) {
+TEST_F(tServiceRunHostile, ACycleOfAThousandFailsItsMembersAndTheirDependantsAlone) {
     constexpr std::size_t count = 1000;
     for (std::size_t i = 0; i < count; ++i) {
         const std::string name = numbered(i);
@@ -99,13 +73,13 @@ TEST_F(ServiceRunHostile, ACycleOfAThousandFailsItsMembersAndTheirDependantsAlon
     world.describe("free.ini", world.calling("Free"));
     world.describe("itself.ini", world.calling("Itself", "Dependencies=Itself\n"));
     world.describe("on.ini", world.calling("OnTheCycle", "Dependencies=" + numbered(500) + "\n"));
-    run();
+    runWithoutWaiting();
     std::vector<std::string> expected{"Free 3", "Itself -52006", "OnTheCycle -52006"};
     for (std::size_t i = 0; i < count; ++i) expected.push_back(numbered(i) + " -52006");
     EXPECT_THAT(outcome(), UnorderedElementsAreArray(expected));
 }
 
-TEST_F(ServiceRunHostile, ASharedDirectoryOf5000CharactersCannotBeOpened) {
+TEST_F(tServiceRunHostile, ASharedDirectoryOf5000CharactersCannotBeOpened) {
     for (const char* const part : {"/folder", "/.", "/..", "\\folder", "/x/../y"}) {
         std::string path = *world.places.sharedDirectory;
         while (path.size() < 5000) path += part;
@@ -116,20 +90,20 @@ TEST_F(ServiceRunHostile, ASharedDirectoryOf5000CharactersCannotBeOpened) {
     }
 }
 
-TEST_F(ServiceRunHostile, ASharedDirectoryWithAZeroInItIsNotCutAtTheZero) {
+TEST_F(tServiceRunHostile, ASharedDirectoryWithAZeroInItIsNotCutAtTheZero) {
     // A registry value of several texts contains such zeros.
     const std::string shared = *world.places.sharedDirectory;
     std::ofstream(shared + "/astray.ini") << world.calling("Astray");
     for (const std::string& rest : {std::string("D:\\Other"), std::string("x")}) {
         world.places.sharedDirectory = shared + '\0' + rest + std::string(2, '\0');
         gService->messages.clear();
-        run();
+        runWithoutWaiting();
         EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n");
         EXPECT_THAT(outcome(), testing::IsEmpty());
     }
 }
 
-TEST_F(ServiceRunHostile, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
+TEST_F(tServiceRunHostile, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
     const std::vector<std::string> names{
         std::string("\x01\x02\x07\b\x1A\x1B[31m\x7F"),  // control characters
         "\"",
@@ -155,7 +129,7 @@ TEST_F(ServiceRunHostile, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
         world.describe(numbered(i) + "on.ini", world.calling(dependant, "Dependencies=" + names[i] + "\n"));
         expected.insert(expected.end(), {names[i] + " 3", dependant + " 3"});
     }
-    run();
+    runWithoutWaiting();
     EXPECT_EQ(gService->messages, noFramework);
     EXPECT_THAT(outcome(), UnorderedElementsAreArray(expected));
     const std::string status = world.status();
@@ -165,7 +139,7 @@ TEST_F(ServiceRunHostile, NamesOfAnyBytesAreNamesAndShownAsTheyAre) {
     }
 }
 
-TEST_F(ServiceRunHostile, PathsAndEntriesOfAnyBytesOrLengthFailTheirPluginAlone) {
+TEST_F(tServiceRunHostile, PathsAndEntriesOfAnyBytesOrLengthFailTheirPluginAlone) {
     int files = 0;
     const std::string odds[] = {
         "\x01", "\"", "\xFF", "%s%n", "|", "*", "?", "\\\\", "//", "..", ".", "a:b:c", std::string(5000, 'x')};
@@ -174,28 +148,28 @@ TEST_F(ServiceRunHostile, PathsAndEntriesOfAnyBytesOrLengthFailTheirPluginAlone)
         world.describe("entry" + std::to_string(files) + ".ini", world.calling(odd, "Initialize=" + odd + "\n"));
     }
     world.describe("free.ini", world.calling("Free"));
-    run();
+    runWithoutWaiting();
     for (const tPluginEntry& entry : gService->pluginManager.entries()) {
         EXPECT_EQ(entry.initCode, entry.description.name == "Free" ? 3 : -52005) << entry.description.name;
     }
     EXPECT_EQ(outcome().size(), 27U);
 }
 
-TEST_F(ServiceRunHostile, APluginDirectoryThatIsRemovedBeforeItsFilesAreReadCostsItsPluginsAlone) {
+TEST_F(tServiceRunHostile, APluginDirectoryThatIsRemovedBeforeItsFilesAreReadCostsItsPluginsAlone) {
     std::string expected;
     for (const char* const name : {"a", "b", "c"}) world.describe(std::string(name) + ".ini", world.calling(name));
     const support::tDescriptionReads reads([&](const std::string& path) {
         std::filesystem::remove_all(world.plugins);
         expected += rejection(path);
     });
-    run();
+    runWithoutWaiting();
     EXPECT_EQ(std::count(expected.begin(), expected.end(), '\n'), 3);
     EXPECT_EQ(gService->messages, expected + noFramework);
     EXPECT_THAT(outcome(), testing::IsEmpty());
     EXPECT_THAT(world.status(), HasSubstr(expected + noFramework)) << "the run went on";
 }
 
-TEST_F(ServiceRunHostile, FilesThatChangeAfterTheListingAreReadAsTheyAreThen) {
+TEST_F(tServiceRunHostile, FilesThatChangeAfterTheListingAreReadAsTheyAreThen) {
     const std::string gone = world.describe("gone.ini", world.calling("Gone"));
     const std::string folder = world.describe("folder.ini", world.calling("Folder"));
     const std::string other = world.describe("other.ini", world.calling("Other"));
@@ -206,11 +180,9 @@ TEST_F(ServiceRunHostile, FilesThatChangeAfterTheListingAreReadAsTheyAreThen) {
         if (path == other) world.describe("other.ini", world.calling("Changed"));
         if (path == empty) world.describe("empty.ini", "");
     });
-    run();
+    runWithoutWaiting();
     EXPECT_THAT(outcome(), ElementsAre(" -52005", "Changed 3"));
-    EXPECT_THAT(messageLines(), testing::UnorderedElementsAre("Cannot init system framework",
-                                                              "Failed to parse service description file: " + gone,
-                                                              "Failed to parse service description file: " + folder));
+    EXPECT_THAT(messageLines(), testing::UnorderedElementsAre(noFramework, rejection(gone), rejection(folder)));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <future>
 #include <vector>
@@ -11,16 +10,14 @@
 #include "tests/support/callingPlugin.h"
 #include "tests/support/framework.h"
 #include "tests/support/plugins.h"
-#include "tests/support/serviceWorld.h"
+#include "tests/support/runTest.h"
 #include "time/clock.h"
 
 namespace {
 
+using support::noFramework;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
-
-constexpr const char* noFramework = "Cannot init system framework\n";
 
 /// The status file's paragraph about a plug-in of callingPlugin.
 std::string paragraph(const std::string& name, const std::string& dependencies, const std::string& calls) {
@@ -39,31 +36,7 @@ void waitForNextTick() {
     }
 }
 
-class tServiceRun : public testing::Test {
-protected:
-    tServiceRun() { startService(); }
-
-    /// Runs with the stop event set beforehand, so that stop and clean-up follow the start at once.
-    static void runWithoutWaiting() {
-        signalServiceStop();
-        runService();
-    }
-
-    /// Returns the names of the manager's entries in order.
-    static std::vector<std::string> names() {
-        std::vector<std::string> names;
-        for (const tPluginEntry& entry : gService->pluginManager.entries()) names.push_back(entry.description.name);
-        return names;
-    }
-
-    static std::vector<std::int32_t> initCodes() {
-        std::vector<std::int32_t> codes;
-        for (const tPluginEntry& entry : gService->pluginManager.entries()) codes.push_back(entry.initCode);
-        return codes;
-    }
-
-    support::tServiceWorld world;
-};
+class tServiceRun : public support::tRunTest {};
 
 // The listing.
 
@@ -81,8 +54,10 @@ TEST_F(tServiceRun, ReturnsAtOnceWithAMessageIfThereIsNoPluginDirectory) {
 
 TEST_F(tServiceRun, ReturnsAtOnceWithAMessageIfTheSharedDirectoryIsUnknown) {
     world.places.sharedDirectory.reset();
+    world.removeStatus();
     runService();
     EXPECT_EQ(gService->messages, "Failed to open plugins directory.\n");
+    EXPECT_EQ(world.status(), "no status file");
 }
 
 TEST_F(tServiceRun, RunningOutOfMemoryDuringTheListingEndsTheRunWithoutAMessage) {
@@ -97,7 +72,7 @@ TEST_F(tServiceRun, RunningOutOfMemoryDuringTheListingEndsTheRunWithoutAMessage)
 
 TEST_F(tServiceRun, RunsWithoutPlugins) {
     runWithoutWaiting();
-    EXPECT_THAT(names(), IsEmpty());
+    EXPECT_THAT(outcome(), IsEmpty());
     EXPECT_THAT(world.status(), testing::StartsWith("Allowed: 0xffffffff\n"));
     EXPECT_EQ(gService->messages, noFramework);
 }
@@ -116,32 +91,8 @@ TEST_F(tServiceRun, SkipsABadFileWithAMessageThatNamesItAndReadsAllOthers) {
     const std::string bad = world.describe("b.ini", "[Service]\nthis line has no equals sign\n");
     world.describe("c.ini", world.calling("C"));
     runWithoutWaiting();
-    EXPECT_THAT(names(), ElementsAre("A", "C"));
-    EXPECT_EQ(gService->messages, "Failed to parse service description file: " + bad + "\n" + noFramework);
-}
-
-TEST_F(tServiceRun, NamesEveryBadFileInItsOwnLine) {
-    const std::string first = world.describe("a.ini", "[Service]\nbad\n");
-    const std::string second = world.describe("b.ini", "[Service]\nbad\n");
-    runWithoutWaiting();
-    EXPECT_THAT(names(), IsEmpty());
-    EXPECT_THAT(gService->messages, HasSubstr("Failed to parse service description file: " + first + "\n"));
-    EXPECT_THAT(gService->messages, HasSubstr("Failed to parse service description file: " + second + "\n"));
-    EXPECT_EQ(std::count(gService->messages.begin(), gService->messages.end(), '\n'), 3);
-}
-
-TEST_F(tServiceRun, TreatsAnEmptyFileAsAPluginWithoutAName) {
-    world.describe("a.ini", "");
-    runWithoutWaiting();
-    EXPECT_THAT(names(), ElementsAre(""));
-}
-
-TEST_F(tServiceRun, KeepsBothOfTwoFilesThatNameTheSamePlugin) {
-    world.describe("1.ini", world.calling("Twice"));
-    world.describe("2.ini", world.calling("Between"));
-    world.describe("3.ini", world.calling("Twice"));
-    runWithoutWaiting();
-    EXPECT_THAT(names(), ElementsAre("Between", "Twice", "Twice"));
+    EXPECT_THAT(outcome(), ElementsAre("A 3", "C 3"));
+    EXPECT_EQ(gService->messages, rejection(bad) + noFramework);
 }
 
 /// Returns how many of its allocations make reading the file fail if they fail.
@@ -164,7 +115,7 @@ int placesToFailIn(const std::string& file) {
 
 TEST_F(tServiceRun, RunningOutOfMemoryWhileReadingAFileSkipsOnlyThatFile) {
     const std::string file = world.describe("a.ini", world.calling("A"));
-    const std::string messages = "Failed to parse service description file: " + file + "\n" + noFramework;
+    const std::string messages = rejection(file) + noFramework;
     bool failed = true;
     int filesLost = 0;
     for (int nth = 1; failed; ++nth) {
@@ -174,7 +125,7 @@ TEST_F(tServiceRun, RunningOutOfMemoryWhileReadingAFileSkipsOnlyThatFile) {
         runService();
         failed = allocations::stopFailingNew();
         if (gService->messages != messages) continue;
-        EXPECT_THAT(names(), IsEmpty());
+        EXPECT_THAT(outcome(), IsEmpty());
         ++filesLost;
     }
     EXPECT_GE(filesLost, placesToFailIn(file)) << "some of them ended the run";
@@ -187,61 +138,21 @@ TEST_F(tServiceRun, StartsADependencyBeforeItsDependantWhateverTheirNames) {
     world.describe("a.ini", world.calling("A", "Dependencies=B\n"));
     world.describe("b.ini", world.calling("B"));
     runWithoutWaiting();
-    EXPECT_THAT(names(), ElementsAre("B", "A"));
-    EXPECT_THAT(initCodes(), ElementsAre(3, 3));
-}
-
-TEST_F(tServiceRun, StartsIndependentPluginsInByteOrderOfTheirNames) {
-    int files = 0;
-    for (const char* name : {"b", "B", "a", "\xC3\xA4", "C"}) {
-        world.describe(std::to_string(++files) + ".ini", world.calling(name));
-    }
-    runWithoutWaiting();
-    EXPECT_THAT(names(), ElementsAre("B", "C", "a", "b", "\xC3\xA4"));
+    EXPECT_THAT(outcome(), ElementsAre("B 3", "A 3"));
 }
 
 // The deployment setting.
-
-std::string needsDeployment() { return support::tServiceWorld::calling("Deployment", "Requires=2\n"); }
 
 TEST_F(tServiceRun, ClearsTheDeploymentBitBeforeThePluginsStartWhenDeploymentIsNotAllowed) {
     support::tScriptedFramework framework;
     framework.setting = 0;
     world.deployment.entry = support::tScriptedFramework::instantiate;
-    world.describe("deployment.ini", needsDeployment());
+    world.describe("deployment.ini", world.calling("Deployment", "Requires=2\n"));
     runWithoutWaiting();
     EXPECT_EQ(gService->allowedMask, 0xFFFFFFFDU);
-    EXPECT_THAT(initCodes(), ElementsAre(-52002));
+    EXPECT_THAT(outcome(), ElementsAre("Deployment -52002"));
     EXPECT_EQ(gService->messages, "");
     EXPECT_THAT(world.status(), testing::StartsWith("Allowed: 0xfffffffd\n"));
-}
-
-TEST_F(tServiceRun, LeavesTheMaskUnchangedIfDeploymentIsAllowed) {
-    support::tScriptedFramework framework;
-    framework.setting = 7;
-    world.deployment.entry = support::tScriptedFramework::instantiate;
-    world.describe("deployment.ini", needsDeployment());
-    runWithoutWaiting();
-    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
-    EXPECT_THAT(initCodes(), ElementsAre(3));
-    EXPECT_EQ(gService->messages, "");
-}
-
-TEST_F(tServiceRun, LeavesDeploymentAllowedWithOneMessageIfTheFrameworkIsUnavailable) {
-    world.describe("deployment.ini", needsDeployment());
-    runWithoutWaiting();
-    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
-    EXPECT_THAT(initCodes(), ElementsAre(3));
-    EXPECT_EQ(gService->messages, "Cannot init system framework\n");
-}
-
-TEST_F(tServiceRun, LeavesDeploymentAllowedWithOneMessageIfTheSettingCannotBeRead) {
-    support::tScriptedFramework framework;
-    framework.outcome = [](int, int step) { return step == 6 ? 1 : 0; };
-    world.deployment.entry = support::tScriptedFramework::instantiate;
-    runWithoutWaiting();
-    EXPECT_EQ(gService->allowedMask, 0xFFFFFFFFU);
-    EXPECT_EQ(gService->messages, "Deployment setting not found\n");
 }
 
 // The status file after each write, and the order of the steps in between.
@@ -261,8 +172,7 @@ TEST_F(tServiceRun, WritesTheStatusFileBeforeThePluginsStartAfterTheyStartedAndA
     runWithoutWaiting();
 
     const std::string fresh = "Allowed: 0xffffffff\n\n";
-    const std::string head = "Allowed: 0xffffffff\nInit Time T ms\n\nFailed to parse service description file: " + bad +
-                             "\nCannot init system framework\n";
+    const std::string head = "Allowed: 0xffffffff\nInit Time T ms\n\n" + rejection(bad) + noFramework;
     const std::string started = head + paragraph("B", "", begun) + paragraph("A", "B", begun);
     EXPECT_THAT(seen, ElementsAre("query\n" + fresh,                       // as written by the constructor
                                   "Begin\n" + head, "Begin\n" + head,      // before the first plug-in

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "tests/support/callingPlugin.h"
+#include "tests/support/fakeClock.h"
 #include "tests/support/imports_win32.h"
 #include "tests/support/plugins.h"
 #include "tests/support/serviceWorld.h"
-#include "time/clock.h"
 
 namespace {
 
@@ -22,41 +22,15 @@ protected:
     support::tServiceWorld world;
 };
 
-/// A clock that the test advances, with ticks of one millisecond.
-class tHandWoundClock {
-public:
-    tHandWoundClock() {
-        imports::GetSystemTimeAdjustment.replace([](DWORD* adjustment, DWORD* increment, BOOL* disabled) {
-            *adjustment = *increment = 10'000;
-            *disabled = FALSE;
-            return TRUE;
-        });
-        imports::GetTickCount64.replace([this] { return nowMs; });
-        nTime::gClockSettings.initialised = false;
-    }
-    ~tHandWoundClock() { nTime::gClockSettings.initialised = false; }
-    tHandWoundClock(const tHandWoundClock&) = delete;
-    tHandWoundClock& operator=(const tHandWoundClock&) = delete;
-
-    ULONGLONG nowMs = 1'000'000;
-};
-
 TEST_F(tServiceRunCalls, TheInitTimeCoversListingAndQueryButNoPlugin) {
     startService();
-    tHandWoundClock clock;
-    imports::RegOpenKeyExW.replace([&clock](HKEY, LPCWSTR, DWORD, REGSAM, HKEY* key) {
-        clock.nowMs += 3;
-        *key = HKEY_CURRENT_USER;
-        return LSTATUS{ERROR_SUCCESS};
+    support::tFakeClock clock;
+    imports::RegOpenKeyExW.replace([&clock, inner = imports::RegOpenKeyExW.current()](auto... arguments) {
+        clock.advance(3);
+        return inner(arguments...);
     });
-    imports::RegQueryValueExW.replace([this](HKEY, LPCWSTR, DWORD*, DWORD*, BYTE* data, DWORD* size) {
-        const std::wstring text(world.places.sharedDirectory->begin(), world.places.sharedDirectory->end());
-        *size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-        std::copy(text.begin(), text.end(), reinterpret_cast<wchar_t*>(data));
-        return LSTATUS{ERROR_SUCCESS};
-    });
-    world.deployment.onPause = [&clock] { clock.nowMs += 100; };
-    const support::tCallingPlugin plugin([&clock](const std::string&) { clock.nowMs += 10'000; });
+    world.deployment.onPause = [&clock] { clock.advance(100); };
+    const support::tCallingPlugin plugin([&clock](const std::string&) { clock.advance(10'000); });
     world.describe("a.ini", world.calling("A"));
     signalServiceStop();
     runService();
@@ -104,18 +78,6 @@ TEST_F(tServiceRunCalls, TheStatusFileIsWrittenFiveTimesFromStartToStop) {
     stopService();
     imports::ImportBase::restoreAll();
     EXPECT_THAT(moments, ElementsAre("write", "write", "Begin", "write", "wait", "Halt", "End", "write", "write"));
-}
-
-TEST_F(tServiceRunCalls, WritesNoStatusFileIfTheSharedDirectoryIsUnknown) {
-    startService();
-    world.places.sharedDirectory.reset();
-    int writes = 0;
-    imports::_wrename.replace([&writes](auto...) {
-        ++writes;
-        return 0;
-    });
-    runService();
-    EXPECT_EQ(writes, 0);
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <iterator>
 #include <string>
 
 #include "source/tService.h"
-#include "tests/support/failure.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/folder.h"
+#include "tests/support/statusFailures.h"
 
 namespace {
 
@@ -20,29 +20,17 @@ protected:
         std::filesystem::create_symlink("/dev/full", folder.path() / ".s.tmp");
     }
 
-    [[nodiscard]] std::string failureOf(std::size_t size) const {
-        return support::failureOf([&] { WriteStatusFile(folder.utf8(), "s", std::string(size, 'x')); });
-    }
-    [[nodiscard]] std::string status() const {
-        std::ifstream file(folder.path() / "s");
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
     support::tFolder folder;
 };
 
-TEST_F(tServiceStatusFullDisk, IsDetectedWhileALongTextIsWrittenAndKeepsTheOldFile) {
-    const std::ptrdiff_t before = openFiles();
-    EXPECT_EQ(failureOf(1'000'000), support::writeFailed);
-    EXPECT_EQ(openFiles(), before);
-    EXPECT_EQ(status(), "old");
-}
-
-TEST_F(tServiceStatusFullDisk, IsDetectedWhenAShortTextIsClosedAndKeepsTheOldFile) {
-    const std::ptrdiff_t before = openFiles();
-    EXPECT_EQ(failureOf(10), support::writeFailed);
-    EXPECT_EQ(openFiles(), before);
-    EXPECT_EQ(status(), "old");
+TEST_F(tServiceStatusFullDisk, IsDetectedWhenALongTextIsWrittenOrAShortOneIsClosedAndKeepsTheOldFile) {
+    for (const std::size_t size : {1'000'000, 10}) {
+        const std::ptrdiff_t before = openFiles();
+        EXPECT_EQ(support::caughtReport([&] { WriteStatusFile(folder.utf8(), "s", std::string(size, 'x')); }),
+                  support::writeFailed);
+        EXPECT_EQ(openFiles(), before);
+        EXPECT_EQ(folder.read("s"), "old");
+    }
 }
 
 }  // namespace

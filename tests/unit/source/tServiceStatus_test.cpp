@@ -5,15 +5,16 @@
 #include <cctype>
 #include <fstream>
 #include <iterator>
-#include <locale>
 #include <string>
 #include <thread>
 
 #include "source/tService.h"
 #include "tests/support/caughtReports.h"
-#include "tests/support/failure.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/folder.h"
+#include "tests/support/groupingLocale.h"
 #include "tests/support/serviceWorld.h"
+#include "tests/support/statusFailures.h"
 
 namespace {
 
@@ -61,57 +62,25 @@ TEST_F(tServiceStatusText, BeginsWithTheBannerAndTheTimeOfWriting) {
     EXPECT_EQ(shape(text.substr(banner.size())), "Aaaaaaa: Aaa Aaa 99 99:99:99 9999\nAaaaaaa: 9aaaaaaaaa\n\n");
 }
 
-TEST_F(tServiceStatusText, LeavesTheInitTimeOutWhileItIsZeroAndKeepsTheEmptyLine) {
-    gService->initTimeMs = 0;
-    EXPECT_NE(written().find("Allowed: 0xffffffff\n\n"), std::string::npos);
-    EXPECT_EQ(written().find("Init Time"), std::string::npos);
+TEST_F(tServiceStatusText, ShowsTheMaskInHexadecimalAndTheInitTimeInDecimalUnlessItIsZero) {
+    struct {
+        std::uint32_t mask;
+        std::uint64_t initTimeMs;
+        const char* text;
+    } const rows[] = {{0xFFFFFFFF, 0, "\nAllowed: 0xffffffff\n\n"},
+                      {0xFFFFFFFD, 1250, "\nAllowed: 0xfffffffd\nInit Time 1250 ms\n\n"},
+                      // The low 32 bits are shown, but all 64 are tested for zero.
+                      {3, std::uint64_t{1} << 32U, "\nAllowed: 0x3\nInit Time 0 ms\n\n"},
+                      {0, 255, "\nAllowed: 0x0\nInit Time 255 ms\n\n"}};
+    for (const auto& row : rows) {
+        gService->allowedMask = row.mask;
+        gService->initTimeMs = row.initTimeMs;
+        EXPECT_THAT(written(), HasSubstr(row.text));
+    }
 }
-
-TEST_F(tServiceStatusText, ShowsTheInitTimeInMilliseconds) {
-    gService->initTimeMs = 1250;
-    EXPECT_NE(written().find("Allowed: 0xffffffff\nInit Time 1250 ms\n\n"), std::string::npos);
-}
-
-TEST_F(tServiceStatusText, TestsAll64BitsOfTheInitTimeForZeroAndShowsTheLow32) {
-    gService->initTimeMs = std::uint64_t{1} << 32U;
-    EXPECT_NE(written().find("\nInit Time 0 ms\n"), std::string::npos);
-}
-
-TEST_F(tServiceStatusText, ShowsAMaskOfZeroAs0x0) {
-    gService->allowedMask = 0;
-    EXPECT_NE(written().find("\nAllowed: 0x0\n"), std::string::npos);
-}
-
-TEST_F(tServiceStatusText, ShowsTheMaskInLowerCaseWithoutLeadingZeros) {
-    gService->allowedMask = 0xFFFFFFFD;
-    EXPECT_NE(written().find("\nAllowed: 0xfffffffd\n"), std::string::npos);
-    gService->allowedMask = 3;
-    EXPECT_NE(written().find("\nAllowed: 0x3\n"), std::string::npos);
-}
-
-TEST_F(tServiceStatusText, ShowsTheTimeInDecimalAfterTheHexadecimalMask) {
-    gService->initTimeMs = 255;
-    EXPECT_NE(written().find("Init Time 255 ms"), std::string::npos);
-}
-
-/// While it exists, digits are grouped, as in some locales.
-class tGroupingLocale {
-public:
-    tGroupingLocale() : before_(std::locale::global(std::locale(std::locale::classic(), new tPunctuation))) {}
-    ~tGroupingLocale() { std::locale::global(before_); }
-    tGroupingLocale(const tGroupingLocale&) = delete;
-    tGroupingLocale& operator=(const tGroupingLocale&) = delete;
-
-private:
-    struct tPunctuation : std::numpunct<char> {
-        [[nodiscard]] char do_thousands_sep() const override { return '.'; }
-        [[nodiscard]] std::string do_grouping() const override { return "\3"; }
-    };
-    std::locale before_;
-};
 
 TEST_F(tServiceStatusText, ShowsPlainDigitsInAnyLocale) {
-    const tGroupingLocale locale;
+    const support::tGroupingLocale locale;
     gService->initTimeMs = 1234567;
     EXPECT_NE(written().find("\nAllowed: 0xffffffff\nInit Time 1234567 ms\n"), std::string::npos);
 }
@@ -188,26 +157,26 @@ TEST_F(tServiceStatusReplacement, OverwritesAStaleTemporaryFile) {
 
 TEST_F(tServiceStatusReplacement, FailsAtLine207WithoutAFileWhenTheDirectoryDoesNotExist) {
     const auto call = [this] { WriteStatusFile(folder.utf8("missing"), fileName, "text"); };
-    EXPECT_EQ(support::failureOf(call), support::openFailed);
+    EXPECT_EQ(support::caughtReport(call), support::openFailed);
     EXPECT_EQ(files(), 0U);
 }
 
 TEST_F(tServiceStatusReplacement, FailsAtLine207AndKeepsTheOldFileWhenTheTemporaryFileCannotBeOpened) {
     write("old\n");
     folder.makeFolder(".s.status.tmp");
-    EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::openFailed);
+    EXPECT_EQ(support::caughtReport([this] { write("new\n"); }), support::openFailed);
     EXPECT_EQ(status(), "old\n");
 }
 
 TEST_F(tServiceStatusReplacement, FailsAtLine225AndLeavesTheCompleteTemporaryFileWhenTheNameIsTaken) {
     folder.makeFolder("s.status/occupied");
-    EXPECT_EQ(support::failureOf([this] { write("new\n"); }), support::renameFailed);
+    EXPECT_EQ(support::caughtReport([this] { write("new\n"); }), support::renameFailed);
     EXPECT_EQ(content(folder.path() / ".s.status.tmp"), "new\n");
 }
 
 TEST_F(tServiceStatusReplacement, RecoversOnceTheNameIsFreeAgain) {
     folder.makeFolder("s.status/occupied");
-    EXPECT_NE(support::failureOf([this] { write("first\n"); }), "none");
+    EXPECT_NE(support::caughtReport([this] { write("first\n"); }), "nothing");
     remove_all(folder.path() / "s.status");
     write("second\n");
     EXPECT_EQ(status(), "second\n");
@@ -239,7 +208,7 @@ TEST_F(tServiceStatusReplacement, ShowsAConcurrentReaderAWholeFileOrNone) {
     });
     // On Windows a reader may keep the name in use: the write then fails, and the old file stays.
     for (int i = 0; i < 2000 && (i < 50 || whole < 20); ++i) {
-        support::failureOf([&] { write(std::string(size, static_cast<char>('a' + i % 26))); });
+        support::caughtReport([&] { write(std::string(size, static_cast<char>('a' + i % 26))); });
     }
     done = true;
     reader.join();
@@ -249,7 +218,7 @@ TEST_F(tServiceStatusReplacement, ShowsAConcurrentReaderAWholeFileOrNone) {
 
 TEST_F(tServiceStatusReplacement, FailsForADirectoryThatIsNotUtf8) {
     const auto call = [this] { WriteStatusFile(folder.utf8() + "\\\xFF", fileName, "text"); };
-    EXPECT_EQ(support::failureOf(call), support::openFailed);
+    EXPECT_EQ(support::caughtReport(call), support::openFailed);
 }
 
 }  // namespace

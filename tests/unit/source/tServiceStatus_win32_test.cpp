@@ -1,31 +1,25 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "source/tService.h"
-#include "tests/support/failure.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/folder.h"
 #include "tests/support/imports_win32.h"
 #include "tests/support/serviceWorld.h"
+#include "tests/support/statusFailures.h"
 
 namespace {
 
-std::string bytes(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// Returns the failure of writing the file "s".
 std::string failureOf(const support::tFolder& folder, const std::string& text) {
-    return support::failureOf([&] { WriteStatusFile(folder.utf8(), "s", text); });
+    return support::caughtReport([&] { WriteStatusFile(folder.utf8(), "s", text); });
 }
 
 TEST(tServiceStatusOnDisk, HasWindowsLineEndsAndNoDoubledCarriageReturns) {
     const support::tFolder folder;
     WriteStatusFile(folder.utf8(), "s", "one\r\ntwo\n\n");
-    EXPECT_EQ(bytes(folder.path() / "s"), "one\r\ntwo\r\n\r\n");
+    EXPECT_EQ(folder.read("s"), "one\r\ntwo\r\n\r\n");
 }
 
 TEST(tServiceStatusOnDisk, IsOpenedAsTextAndSharedThenDeletedThenRenamed) {
@@ -76,7 +70,7 @@ TEST(tServiceStatusOnDisk, KeepsTheOldFileIfTheNewOneIsTruncated) {
     });
     EXPECT_EQ(failureOf(folder, "something new"), support::writeFailed);
     EXPECT_EQ(closed, 1U);
-    EXPECT_EQ(bytes(folder.path() / "s"), "old");
+    EXPECT_EQ(folder.read("s"), "old");
 }
 
 TEST(tServiceStatusOnDisk, WritesTheTextWithOneCall) {
@@ -87,7 +81,7 @@ TEST(tServiceStatusOnDisk, WritesTheTextWithOneCall) {
         EXPECT_EQ(size * count, 100'000U);
         return imports::fwrite.real(data, size, count, file);
     });
-    EXPECT_EQ(failureOf(folder, std::string(100'000, 'x')), "none");
+    EXPECT_EQ(failureOf(folder, std::string(100'000, 'x')), "nothing");
     EXPECT_EQ(calls, 1);
 }
 
@@ -99,14 +93,14 @@ TEST(tServiceStatusOnDisk, KeepsTheOldFileIfTheDiskIsFullOnClosing) {
         return EOF;
     });
     EXPECT_EQ(failureOf(folder, "new"), support::writeFailed);
-    EXPECT_EQ(bytes(folder.path() / "s"), "old");
+    EXPECT_EQ(folder.read("s"), "old");
 }
 
 TEST(tServiceStatusOnDisk, IsWrittenIfThereIsNothingToDelete) {
     const support::tFolder folder;
     imports::_wremove.replace([](const wchar_t*) { return -1; });
-    EXPECT_EQ(failureOf(folder, "new"), "none");
-    EXPECT_EQ(bytes(folder.path() / "s"), "new");
+    EXPECT_EQ(failureOf(folder, "new"), "nothing");
+    EXPECT_EQ(folder.read("s"), "new");
 }
 
 TEST(tServiceStatusOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
@@ -115,14 +109,14 @@ TEST(tServiceStatusOnDisk, IsLeftAsACompleteTemporaryFileWhenTheRenameFails) {
     imports::_wrename.replace([](auto...) { return -1; });
     EXPECT_EQ(failureOf(folder, "new"), support::renameFailed);
     EXPECT_FALSE(exists(folder.path() / "s"));
-    EXPECT_EQ(bytes(folder.path() / ".s.tmp"), "new");
+    EXPECT_EQ(folder.read(".s.tmp"), "new");
 }
 
 TEST(tServiceStatusOnWindows, SurvivesATimeThatTheRuntimeCannotFormat) {
     const support::tServiceWorld world;
     imports::_ctime64.replace([](const __time64_t*) -> char* { return nullptr; });
     startService();
-    EXPECT_NE(bytes(world.statusFolder / "zuZiptraRemoteService.status").find("Updated: \r\nAllowed: "),
+    EXPECT_NE(support::read(world.statusFolder / "zuZiptraRemoteService.status").find("Updated: \r\nAllowed: "),
               std::string::npos);
 }
 
@@ -135,18 +129,19 @@ TEST(tServiceStatusOnWindows, ShowsTheTimeThatTheRuntimeReturns) {
         return text;
     });
     startService();
-    EXPECT_NE(bytes(world.statusFolder / "zuZiptraRemoteService.status").find("Updated: Mon Nov 16 03:26:40 2026\r\n"),
+    EXPECT_NE(support::read(world.statusFolder / "zuZiptraRemoteService.status")
+                  .find("Updated: Mon Nov 16 03:26:40 2026\r\n"),
               std::string::npos);
 }
 
 TEST(tServiceStatusOnWindows, DoesNotPassOnAFailedWrite) {
     const support::tServiceWorld world;
     startService();
-    const std::string before = bytes(world.statusFolder / "zuZiptraRemoteService.status");
+    const std::string before = support::read(world.statusFolder / "zuZiptraRemoteService.status");
     gService->allowedMask = 0;
     imports::fwrite.replace([](auto...) -> std::size_t { return 0; });
     EXPECT_NO_THROW(WriteStatus(*gService));
-    EXPECT_EQ(bytes(world.statusFolder / "zuZiptraRemoteService.status"), before);
+    EXPECT_EQ(support::read(world.statusFolder / "zuZiptraRemoteService.status"), before);
 }
 
 /// Writes the status file while an exception propagates. Returns how many files were opened for that.
@@ -157,15 +152,8 @@ int opensWhileAnExceptionPropagates() {
         ++opens;
         return imports::_wfsopen.real(arguments...);
     });
-    struct tWriter {
-        ~tWriter() { WriteStatus(*gService); }
-    };
-    try {
-        const tWriter writer{};
-        throw 42;
-    } catch (int) {
-        return opens;
-    }
+    support::whileUnwinding([] { WriteStatus(*gService); });
+    return opens;
 }
 
 TEST(tServiceStatusOnWindows, IsWrittenEvenWhileAnExceptionPropagates) {

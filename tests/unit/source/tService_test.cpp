@@ -44,12 +44,6 @@ TEST_F(tServiceTest, WritesACompleteStatusFileOnDestruction) {
               "Alpha (depends on )\nLoaded From: alpha.dll\nRequires: 1\nInit Time: T ms\nInit Code: -52002\n\n");
 }
 
-TEST_F(tServiceTest, IsDestroyedWhenItIsStopped) {
-    startService();
-    stopService();
-    EXPECT_EQ(gService, nullptr);
-}
-
 TEST_F(tServiceTest, StoppingDoesNothingWithoutAService) {
     stopService();
     stopService();
@@ -81,13 +75,6 @@ TEST_F(tServiceTest, StartsAndStopsWithoutAFolderForTheStatusFile) {
     stopService();
     EXPECT_EQ(gService, nullptr);
     EXPECT_FALSE(std::filesystem::exists(world.statusFolder));
-}
-
-TEST_F(tServiceTest, AStopRequestBeforeTheRunEndsTheRunAtOnce) {
-    startService();
-    signalServiceStop();
-    runService();
-    EXPECT_NE(gService, nullptr);
 }
 
 TEST_F(tServiceTest, AStopRequestAppliesToEveryLaterRun) {

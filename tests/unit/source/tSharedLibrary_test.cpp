@@ -4,21 +4,22 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 
-#include "err/Exception.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/loader.h"
 
 namespace {
 
+using support::caughtReport;
+using support::whileUnwinding;
 using testing::_;
 using testing::InSequence;
 using testing::Return;
 using testing::StrEq;
 
 /// A loader that fails the test on every call that was not expected.
-class MockLoader : public support::tLoader {
+class tMockLoader : public support::tLoader {
 public:
     MOCK_METHOD(nLibrary::tHandle, load, (const char* path, std::uint32_t& osError), (override));
     MOCK_METHOD(bool, unload, (nLibrary::tHandle library, std::uint32_t& osError), (override));
@@ -77,7 +78,7 @@ protected:
     }
 
     int module_ = 0;
-    testing::StrictMock<MockLoader> loader_;
+    testing::StrictMock<tMockLoader> loader_;
     tSharedLibrary library_;
     zuerr::PlatformStatus status_;
 };
@@ -178,21 +179,10 @@ TEST_F(tSharedLibraryTest, OpenStartsFromTheBuiltInsWhateverTheEntriesWereBefore
     EXPECT_EQ(calls, 0);
 }
 
-/// Returns the report of the exception that open throws.
-std::string openReport(tSharedLibrary& library, const tPluginDescription& description) {
-    try {
-        library.open(description);
-    } catch (const zuerr::Exception& exception) {
-        EXPECT_EQ(exception.record.code, -52005);
-        return exception.what();
-    }
-    return "nothing thrown";
-}
-
 TEST_F(tSharedLibraryTest, OpenThrowsTheReportOfAFailedLoad) {
     EXPECT_CALL(loader_, load).WillOnce(Return(nullptr));
-    EXPECT_EQ(openReport(library_, description("I", "S", "C")),
-              R"({"file":"zukest/quarks/library","line":134,"component":"zuZiptraR"})");
+    EXPECT_EQ(caughtReport([this] { library_.open(description("I", "S", "C")); }),
+              R"(-52005 {"file":"zukest/quarks/library","line":134,"component":"zuZiptraR"})");
     EXPECT_EQ(library_.loaded, 0);
     expectBuiltInEntries();
 }
@@ -201,8 +191,8 @@ TEST_F(tSharedLibraryTest, OpenThrowsLine299ForAMissingEntryAndLeavesTheLibraryL
     expectLoad();
     expectSymbol("I", addressOf(initializeFive));
     expectSymbol("S", nullptr);
-    EXPECT_EQ(openReport(library_, description("I", "S", "C")),
-              R"({"file":"zukest/quarks/library","line":299,"component":"zuZiptraR"})");
+    EXPECT_EQ(caughtReport([this] { library_.open(description("I", "S", "C")); }),
+              R"(-52005 {"file":"zukest/quarks/library","line":299,"component":"zuZiptraR"})");
     EXPECT_EQ(library_.loaded, 1);
     expectBuiltInEntries();
 }
@@ -236,34 +226,15 @@ TEST_F(tSharedLibraryTest, CloseThrowsLine225AndChangesNothingWhenTheSystemRefus
     makeLoaded();
     library_.initialize = initializeFive;
     EXPECT_CALL(loader_, unload).WillOnce(Return(false));
-    try {
-        library_.close();
-        FAIL();
-    } catch (const zuerr::Exception& exception) {
-        EXPECT_STREQ(exception.what(), R"({"file":"zukest/quarks/library","line":225,"component":"zuZiptraR"})");
-    }
+    EXPECT_EQ(caughtReport([this] { library_.close(); }),
+              R"(-52005 {"file":"zukest/quarks/library","line":225,"component":"zuZiptraR"})");
     EXPECT_EQ(library_.loaded, 1);
     EXPECT_EQ(library_.initialize, &initializeFive);
 }
 
-/// Runs a function while an exception is propagating.
-template <class Function>
-void whileAnExceptionPropagates(Function function) {
-    struct Runner {
-        Function& function;
-        ~Runner() { function(); }
-    };
-    EXPECT_THROW(
-        {
-            const Runner runner{function};
-            throw std::runtime_error("propagating");
-        },
-        std::runtime_error);
-}
-
 TEST_F(tSharedLibraryTest, OpenIgnoresAFailedLoadWhileAnotherExceptionPropagates) {
     EXPECT_CALL(loader_, load).WillOnce(Return(nullptr));
-    whileAnExceptionPropagates([&] { library_.open(description("I", "S", "C")); });
+    whileUnwinding([&] { library_.open(description("I", "S", "C")); });
     EXPECT_EQ(library_.loaded, 0);
     expectBuiltInEntries();
 }
@@ -273,7 +244,7 @@ TEST_F(tSharedLibraryTest, OpenUsesTheBuiltInForAMissingEntryWhileAnotherExcepti
     expectSymbol("I", addressOf(initializeFive));
     expectSymbol("S", nullptr);
     expectSymbol("C", addressOf(countCall));
-    whileAnExceptionPropagates([&] { library_.open(description("I", "S", "C")); });
+    whileUnwinding([&] { library_.open(description("I", "S", "C")); });
     EXPECT_EQ(library_.loaded, 1);
     EXPECT_EQ(library_.initialize, &initializeFive);
     EXPECT_EQ(library_.cleanup, &countCall);
@@ -285,7 +256,7 @@ TEST_F(tSharedLibraryTest, OpenUsesTheBuiltInForAMissingEntryWhileAnotherExcepti
 TEST_F(tSharedLibraryTest, CloseIgnoresItsFailureWhileAnotherExceptionPropagates) {
     makeLoaded();
     EXPECT_CALL(loader_, unload).WillOnce(Return(false));
-    whileAnExceptionPropagates([&] { library_.close(); });
+    whileUnwinding([&] { library_.close(); });
     EXPECT_EQ(library_.loaded, 1);
     expectBuiltInEntries();
 }

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "err/Exception.h"
 #include "stdpath/path.h"
 #include "stdpath/systemError.h"
 #include "tests/support/allocations.h"
+#include "tests/support/exceptions.h"
 #include "tests/support/stdpath.h"
 
 namespace {
@@ -68,27 +68,18 @@ protected:
     std::string result = "as it was";
 };
 
-TEST_F(nStdPathSharedDirectory, IsTheRegistryValueWithoutItsTerminatingZero) {
-    places.sharedDirectory = std::string("D:\\Shared\0", 10);
-    EXPECT_EQ(read(), "D:\\Shared");
+TEST_F(nStdPathSharedDirectory, IsTheTrimmedRegistryValueWithoutATerminatingZero) {
+    const std::pair<std::string, std::string> rows[] = {{{"D:\\Shared\0", 10}, "D:\\Shared"},
+                                                        {"no zero", "no zero"},
+                                                        {{"  C:\\Data\\\\ \0", 12}, "C:\\Data"},
+                                                        {"", ""},
+                                                        {text(u8"D:\\größe\\计划 🚀\\"), text(u8"D:\\größe\\计划 🚀")}};
+    for (const auto& [value, directory] : rows) {
+        places.sharedDirectory = value;
+        EXPECT_EQ(read(), directory);
+    }
     EXPECT_EQ(status.code, 0);
     EXPECT_EQ(status.json, nullptr);
-}
-
-TEST_F(nStdPathSharedDirectory, IsTrimmed) {
-    places.sharedDirectory = std::string("  C:\\Data\\\\ \0", 12);
-    EXPECT_EQ(read(), "C:\\Data");
-}
-
-TEST_F(nStdPathSharedDirectory, NeedsNoTerminatingZero) {
-    places.sharedDirectory = "D:\\Shared";
-    EXPECT_EQ(read(), "D:\\Shared");
-}
-
-TEST_F(nStdPathSharedDirectory, MayBeEmpty) {
-    places.sharedDirectory = "";
-    EXPECT_EQ(read(), "");
-    EXPECT_EQ(status.code, 0);
 }
 
 TEST_F(nStdPathSharedDirectory, HasCapacityForAppendedNames) {
@@ -97,11 +88,6 @@ TEST_F(nStdPathSharedDirectory, HasCapacityForAppendedNames) {
     result.shrink_to_fit();
     read();
     EXPECT_GE(result.capacity(), 256U);
-}
-
-TEST_F(nStdPathSharedDirectory, MayBeInAnyScript) {
-    places.sharedDirectory = text(u8"D:\\größe\\计划 🚀\\");
-    EXPECT_EQ(read(), text(u8"D:\\größe\\计划 🚀"));
 }
 
 TEST_F(nStdPathSharedDirectory, IsUnchangedAfterAFailure) {
@@ -134,25 +120,18 @@ protected:
     }
 };
 
-TEST_F(nStdPathAppDataDirectory, IsTheVendorsFolderInTheMachinesFolder) {
-    places.appDataFolder = "C:\\ProgramData";
-    EXPECT_EQ(read(), "C:\\ProgramData\\Corvell");
+TEST_F(nStdPathAppDataDirectory, IsTheVendorsFolderInTheMachinesFolderAfterOneBackslash) {
+    const std::string largest = "C:\\" + std::string(256, 'x');  // it fills the system's buffer
+    const std::pair<std::string, std::string> rows[] = {
+        {"C:\\ProgramData", "C:\\ProgramData\\Corvell"},
+        {"C:\\", "C:\\Corvell"},
+        {largest, largest + "\\Corvell"},
+        {text(u8"D:\\größe\\计划 🚀"), text(u8"D:\\größe\\计划 🚀\\Corvell")}};
+    for (const auto& [folder, directory] : rows) {
+        places.appDataFolder = folder;
+        EXPECT_EQ(read(), directory);
+    }
     EXPECT_EQ(status.code, 0);
-}
-
-TEST_F(nStdPathAppDataDirectory, HasOneBackslashBeforeTheVendorsFolder) {
-    places.appDataFolder = "C:\\";
-    EXPECT_EQ(read(), "C:\\Corvell");
-}
-
-TEST_F(nStdPathAppDataDirectory, IsCompleteIfItFillsTheSystemsBuffer) {
-    places.appDataFolder = "C:\\" + std::string(256, 'x');
-    EXPECT_EQ(read(), *places.appDataFolder + "\\Corvell");
-}
-
-TEST_F(nStdPathAppDataDirectory, MayBeInAnyScript) {
-    places.appDataFolder = text(u8"D:\\größe\\计划 🚀");
-    EXPECT_EQ(read(), text(u8"D:\\größe\\计划 🚀\\Corvell"));
 }
 
 TEST_F(nStdPathAppDataDirectory, IsReplacedEvenAfterAFailureWhichOnlyTheRecordShows) {
@@ -208,26 +187,14 @@ TEST_F(nStdPathPluginDirectory, AcceptsASharedDirectoryInAnyScript) {
 }
 
 TEST_F(nStdPathPluginDirectory, ThrowsTheFailureToFindTheSharedDirectory) {
-    try {
-        static_cast<void>(nStdPath::getPluginDirectory());
-        FAIL() << "nothing thrown";
-    } catch (const zuerr::Exception& exception) {
-        EXPECT_EQ(exception.record.code, -52006);
-        EXPECT_NE(std::string(exception.what()).find(R"("line":256,)"), std::string::npos) << exception.what();
-    }
+    const std::string thrown = support::caughtReport(compose);
+    EXPECT_TRUE(thrown.starts_with("-52006 ")) << thrown;
+    EXPECT_NE(thrown.find(R"("line":256,)"), std::string::npos) << thrown;
 }
 
 TEST_F(nStdPathPluginDirectory, ThrowsNothingWhileAnExceptionIsPropagating) {
-    struct tComposeAtExit {
-        std::string& composed;
-        ~tComposeAtExit() { composed = compose(); }
-    };
-    try {
-        const tComposeAtExit atExit{result};
-        throw 1;
-    } catch (int) {
-        EXPECT_EQ(result, "ZiptraRemoteService" + separator + "plugins");
-    }
+    support::whileUnwinding([this] { result = compose(); });
+    EXPECT_EQ(result, "ZiptraRemoteService" + separator + "plugins");
 }
 
 TEST(nStdPathSystemErrorReport, ShowsAWin32ErrorUnsignedWithTheSystemsText) {

@@ -21,24 +21,24 @@ constexpr std::u16string_view utf16Sample =
 constexpr std::u8string_view utf8Sample =
     u8"C:\\Daten \x7F\u0080\u07FF\u0800计划\uD7FF\uE000\uFFFF\U00010000🚀\U0010FFFF";
 
-TEST(UtfWideToUtf8, EncodesATextLikeTheCompiler) { EXPECT_EQ(toUtf8(utf16Sample), text(utf8Sample)); }
+TEST(utfWideToUtf8, EncodesATextLikeTheCompiler) { EXPECT_EQ(toUtf8(utf16Sample), text(utf8Sample)); }
 
-TEST(UtfWideToUtf8, AppendsToTheExistingText) {
+TEST(utfWideToUtf8, AppendsToTheExistingText) {
     std::string result = "before ";
     const std::u16string_view wide = u"after";
     nStdPath::wideToUtf8(wide.begin(), wide.end(), result);
     EXPECT_EQ(result, "before after");
 }
 
-TEST(UtfWideToUtf8, AppendsNothingForAnEmptyRange) {
+TEST(utfWideToUtf8, AppendsNothingForAnEmptyRange) {
     std::string result = "as it was";
     nStdPath::wideToUtf8(nullptr, nullptr, result);
     EXPECT_EQ(result, "as it was");
 }
 
-TEST(UtfWideToUtf8, KeepsZeros) { EXPECT_EQ(toUtf8({u"a\0b\0", 4}), std::string("a\0b\0", 4)); }
+TEST(utfWideToUtf8, KeepsZeros) { EXPECT_EQ(toUtf8({u"a\0b\0", 4}), std::string("a\0b\0", 4)); }
 
-TEST(UtfWideToUtf8, ChangesTheLengthAtTheLimitsOfTheRanges) {
+TEST(utfWideToUtf8, ChangesTheLengthAtTheLimitsOfTheRanges) {
     EXPECT_EQ(toUtf8(u"\x007F"), "\x7F");
     EXPECT_EQ(toUtf8(u"\x0080"), "\xC2\x80");
     EXPECT_EQ(toUtf8(u"\x07FF"), "\xDF\xBF");
@@ -48,7 +48,7 @@ TEST(UtfWideToUtf8, ChangesTheLengthAtTheLimitsOfTheRanges) {
     EXPECT_EQ(toUtf8(u"\xDBFF\xDFFF"), "\xF4\x8F\xBF\xBF");
 }
 
-TEST(UtfWideToUtf8, PairsAHighSurrogateWithAnyFollowingUnit) {
+TEST(utfWideToUtf8, PairsAHighSurrogateWithAnyFollowingUnit) {
     EXPECT_EQ(toUtf8(std::u16string{0xD800, 'A'}), "\xE2\x91\x81");         // U+2441
     EXPECT_EQ(toUtf8(std::u16string{0xD800, 0}), "\xE2\x90\x80");           // U+2400
     EXPECT_EQ(toUtf8(std::u16string{0xD800, 0xD800}), "\xEF\xB0\x80");      // U+FC00
@@ -58,35 +58,35 @@ TEST(UtfWideToUtf8, PairsAHighSurrogateWithAnyFollowingUnit) {
               "B");  // but only with one unit
 }
 
-TEST(UtfWideToUtf8, WritesThreeBytesForALoneLowSurrogate) {
+TEST(utfWideToUtf8, WritesThreeBytesForALoneLowSurrogate) {
     EXPECT_EQ(toUtf8(std::u16string{0xDC00}), "\xED\xB0\x80");
     EXPECT_EQ(toUtf8(std::u16string{0xDFFF, 'x'}), "\xED\xBF\xBFx");
     EXPECT_EQ(toUtf8(std::u16string{0xDC00, 0xD83D, 0xDE80}), "\xED\xB0\x80\xF0\x9F\x9A\x80");
 }
 
-TEST(UtfWideToUtf8, WritesThreeBytesForAHighSurrogateAtTheEnd) {
+TEST(utfWideToUtf8, WritesThreeBytesForAHighSurrogateAtTheEnd) {
     EXPECT_EQ(toUtf8(std::u16string{'x', 0xD800}), "x\xED\xA0\x80");
     EXPECT_EQ(toUtf8(std::u16string{0xDBFF}), "\xED\xAF\xBF");
 }
 
-TEST(UtfFileNames, AreConvertedLikeTheCompilersTexts) {
+TEST(utfFileNames, AreConvertedLikeTheCompilersTexts) {
     EXPECT_EQ(nStdPath::fileNameToUtf8(utf16Sample), text(utf8Sample));
     EXPECT_EQ(nStdPath::fileNameFromUtf8(text(utf8Sample)), utf16Sample);
 }
 
-TEST(UtfFileNames, MayBeEmpty) {
+TEST(utfFileNames, MayBeEmpty) {
     EXPECT_EQ(nStdPath::fileNameToUtf8(u""), "");
     EXPECT_EQ(nStdPath::fileNameFromUtf8(""), u"");
 }
 
-TEST(UtfFileNames, SurviveTheRoundTripWithAnyUnits) {
+TEST(utfFileNames, SurviveTheRoundTripWithAnyUnits) {
     for (char32_t unit = 0; unit <= 0xFFFF; ++unit) {
         const std::u16string name{static_cast<char16_t>(unit)};
         ASSERT_EQ(nStdPath::fileNameFromUtf8(nStdPath::fileNameToUtf8(name)), name) << std::hex << +unit;
     }
 }
 
-TEST(UtfFileNames, SurviveTheRoundTripWithAnyCombinationOfUnits) {
+TEST(utfFileNames, SurviveTheRoundTripWithAnyCombinationOfUnits) {
     constexpr std::array<char16_t, 13> units{0,      'A',    0x7F,   0x80,   0x7FF,  0x800, 0xD7FF,
                                              0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFF};
     std::set<std::string> texts;
@@ -102,13 +102,13 @@ TEST(UtfFileNames, SurviveTheRoundTripWithAnyCombinationOfUnits) {
     }
 }
 
-TEST(UtfFileNames, DoNotPairASurrogateWithAnOrdinaryCharacter) {
+TEST(utfFileNames, DoNotPairASurrogateWithAnOrdinaryCharacter) {
     EXPECT_EQ(nStdPath::fileNameToUtf8(std::u16string{0xD800, 'A'}),
               "\xED\xA0\x80"
               "A");
 }
 
-TEST(UtfFileNames, HaveAReplacementCharacterForEachByteThatBeginsNoCharacter) {
+TEST(utfFileNames, HaveAReplacementCharacterForEachByteThatBeginsNoCharacter) {
     const auto name = [](std::string_view bytes) { return nStdPath::fileNameFromUtf8(bytes); };
     EXPECT_EQ(name("a\x80z"), u"a\uFFFDz");  // a continuation byte without a lead byte
     EXPECT_EQ(name("\xBF"), u"\uFFFD");

@@ -98,14 +98,4 @@ TEST(nTimeClock, AbortsTheProcessForACounterFrequencyOfZero) {
     EXPECT_EXIT(initialise(), testing::ExitedWithCode(42), "");
 }
 
-TEST(nTimeClock, NeverGoesBack) {
-    gClockSettings = {};
-    std::uint64_t last = NowTicks();
-    for (int i = 0; i < 1000; ++i) {
-        const std::uint64_t now = NowTicks();
-        EXPECT_GE(now, last);
-        last = now;
-    }
-}
-
 }  // namespace

@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(SystemClock, CountsMillisecondsThatNeverGoBack) {
+TEST(systemClock, CountsMillisecondsThatNeverGoBack) {
     std::uint64_t last = nTime::uptimeMs();
     for (int i = 0; i < 1000; ++i) {
         const std::uint64_t now = nTime::uptimeMs();
@@ -13,7 +13,7 @@ TEST(SystemClock, CountsMillisecondsThatNeverGoBack) {
     }
 }
 
-TEST(SystemClock, ReportsItsTickLengthAndTheCountersFrequency) {
+TEST(systemClock, ReportsItsTickLengthAndTheCountersFrequency) {
     EXPECT_GT(nTime::timeIncrement100ns(), 0U);
     EXPECT_GT(nTime::counterFrequencyHz(), 0U);
 }

@@ -10,9 +10,9 @@
 namespace {
 
 /// Immediately at the end of a test: the test framework's own stopwatch queries the counter frequency.
-class SystemClockCalls : public testing::Test {
+class systemClockCalls : public testing::Test {
 protected:
-    ~SystemClockCalls() override {
+    ~systemClockCalls() override {
         imports::ImportBase::restoreAll();
         nTime::gClockSettings = {};
     }
@@ -41,19 +41,19 @@ protected:
     }
 };
 
-TEST_F(SystemClockCalls, ReturnTheReportedIncrementOrZeroOnFailure) {
+TEST_F(systemClockCalls, ReturnTheReportedIncrementOrZeroOnFailure) {
     scriptIncrement();
     EXPECT_EQ(nTime::timeIncrement100ns(), 156'250U);
     succeeds_ = FALSE;
     EXPECT_EQ(nTime::timeIncrement100ns(), 0U);
 }
 
-TEST_F(SystemClockCalls, ReturnTheTickCountIn64Bits) {
+TEST_F(systemClockCalls, ReturnTheTickCountIn64Bits) {
     imports::GetTickCount64.replace([] { return ULONGLONG{0xFEDCBA9876543210}; });
     EXPECT_EQ(nTime::uptimeMs(), 0xFEDCBA9876543210);
 }
 
-TEST_F(SystemClockCalls, ReadTheIncrementFirstAndThenTheFrequencyOnInitialisation) {
+TEST_F(systemClockCalls, ReadTheIncrementFirstAndThenTheFrequencyOnInitialisation) {
     scriptIncrement();
     scriptFrequency(10'000'000);
     nTime::InitialiseClock();
@@ -62,7 +62,7 @@ TEST_F(SystemClockCalls, ReadTheIncrementFirstAndThenTheFrequencyOnInitialisatio
     EXPECT_EQ(nTime::gClockSettings.counterPeriod, 100'000U);
 }
 
-TEST_F(SystemClockCalls, ReadTheTickCountFirstAndThenTheIncrementForEachReading) {
+TEST_F(systemClockCalls, ReadTheTickCountFirstAndThenTheIncrementForEachReading) {
     scriptIncrement();
     imports::GetTickCount64.replace([this] {
         calls_ += "count ";

@@ -11,12 +11,12 @@ using nTime::tUnit;
 
 constexpr std::uint64_t largest = std::numeric_limits<std::uint64_t>::max();
 
-TEST(Convert, ReturnsTheValueUnchangedForEqualUnits) {
+TEST(units, ReturnsTheValueUnchangedForEqualUnits) {
     EXPECT_EQ(Convert(5, tUnit::milliseconds, tUnit::milliseconds), 5U);
     for (int unit = 0; unit <= 6; ++unit) EXPECT_EQ(Convert(largest, tUnit{unit}, tUnit{unit}), largest);
 }
 
-TEST(Convert, NumbersTheUnitsFromPicosecondsToHours) {
+TEST(units, NumbersTheUnitsFromPicosecondsToHours) {
     EXPECT_EQ(tUnit{0}, tUnit::picoseconds);
     EXPECT_EQ(tUnit{1}, tUnit::nanoseconds);
     EXPECT_EQ(tUnit{2}, tUnit::microseconds);
@@ -26,7 +26,7 @@ TEST(Convert, NumbersTheUnitsFromPicosecondsToHours) {
     EXPECT_EQ(tUnit{6}, tUnit::hours);
 }
 
-TEST(Convert, UsesAFactorOf1000UpToSecondsAnd60Above) {
+TEST(units, UsesAFactorOf1000UpToSecondsAnd60Above) {
     const std::uint64_t factors[] = {1000, 1000, 1000, 1000, 60, 60};
     for (int unit = 0; unit < 6; ++unit) {
         EXPECT_EQ(Convert(7, tUnit{unit + 1}, tUnit{unit}), 7 * factors[unit]);
@@ -34,7 +34,7 @@ TEST(Convert, UsesAFactorOf1000UpToSecondsAnd60Above) {
     }
 }
 
-TEST(Convert, ConvertsAcrossSeveralUnitsAndTruncatesDivisions) {
+TEST(units, ConvertsAcrossSeveralUnitsAndTruncatesDivisions) {
     struct {
         std::uint64_t value;
         tUnit from;
@@ -52,7 +52,7 @@ TEST(Convert, ConvertsAcrossSeveralUnitsAndTruncatesDivisions) {
     for (const auto& row : rows) EXPECT_EQ(Convert(row.value, row.from, row.to), row.result);
 }
 
-TEST(Convert, WrapsMultiplicationsIn64Bits) {
+TEST(units, WrapsMultiplicationsIn64Bits) {
     EXPECT_EQ(Convert(largest, tUnit::seconds, tUnit::milliseconds), largest - 999);
     EXPECT_EQ(Convert(std::uint64_t{1} << 63, tUnit::minutes, tUnit::seconds), 0U);
 }

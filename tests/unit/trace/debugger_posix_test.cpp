@@ -7,14 +7,14 @@
 
 namespace {
 
-TEST(NativeDebugger, IsStandardError) {
+TEST(debuggerPosix, IsStandardError) {
     testing::internal::CaptureStderr();
     nTrace::writeToDebugger("one\n");
     nTrace::writeToDebugger("%s");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\n%s");
 }
 
-TEST(NativeDebugger, NumbersThreadsDifferently) {
+TEST(debuggerPosix, NumbersThreadsDifferently) {
     const std::uint32_t own = nTrace::currentThreadId();
     std::uint32_t other = own;
     std::thread([&other] { other = nTrace::currentThreadId(); }).join();

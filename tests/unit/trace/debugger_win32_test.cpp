@@ -12,7 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(DebuggerCalls, PassOnALineUnchanged) {
+TEST(debuggerCalls, PassOnALineUnchanged) {
     std::vector<std::string> lines;
     imports::OutputDebugStringA.replace([&](LPCSTR line) { lines.emplace_back(line); });
     nTrace::writeToDebugger("one\n");
@@ -20,7 +20,7 @@ TEST(DebuggerCalls, PassOnALineUnchanged) {
     EXPECT_THAT(lines, ElementsAre("one\n", "%s"));
 }
 
-TEST(DebuggerCalls, ReadTheThreadOncePerLineAndWriteTheLineWithOneCall) {
+TEST(debuggerCalls, ReadTheThreadOncePerLineAndWriteTheLineWithOneCall) {
     std::string calls;
     imports::GetCurrentThreadId.replace([&] {
         calls += "thread ";
@@ -32,7 +32,7 @@ TEST(DebuggerCalls, ReadTheThreadOncePerLineAndWriteTheLineWithOneCall) {
     EXPECT_EQ(calls, "thread output ");
 }
 
-TEST(DebuggerCalls, ReturnTheSystemsThreadNumber) {
+TEST(debuggerCalls, ReturnTheSystemsThreadNumber) {
     imports::GetCurrentThreadId.replace([] { return DWORD{0xFEDCBA98}; });
     const std::uint32_t id = nTrace::currentThreadId();
     imports::ImportBase::restoreAll();

@@ -17,7 +17,7 @@ using testing::IsEmpty;
 static_assert(nTrace::libraries == 4096);
 
 /// Makes every call fail, each with another error number.
-class FailingLoader : public support::tLoader {
+class tFailingLoader : public support::tLoader {
     nLibrary::tHandle load(const char* /*path*/, std::uint32_t& osError) override {
         osError = 126;
         return nullptr;
@@ -43,7 +43,7 @@ protected:
         });
     }
 
-    FailingLoader loader_;
+    tFailingLoader loader_;
     tSharedLibrary library_;
     zuerr::PlatformStatus status_;
 };
