@@ -28,10 +28,10 @@ tSharedPlaces::~tSharedPlaces() { current = nullptr; }
 
 namespace nStdPath {
 
-void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std::uint32_t /*flags*/,
+void readRegistryString(const char16_t* keyPath, const char16_t* valueName, std::uint32_t flags,
                         tWideBuffer& wideBuffer, zuerr::StatusRecord& status) {
     if (status.failed()) return;
-    const bool known = current != nullptr && std::u16string_view(valueName) == u"ZUSHAREDDIR64" &&
+    const bool known = current != nullptr && flags == 0 && std::u16string_view(valueName) == u"ZUSHAREDDIR64" &&
                        std::u16string_view(keyPath) == u"SOFTWARE\\Corvell\\Common\\Installer";
     if (!known || !current->sharedDirectory) {
         const std::uint32_t error = known ? current->sharedDirectoryError : 2;

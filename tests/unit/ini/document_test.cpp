@@ -14,7 +14,7 @@ void addSections(tDocument& document, std::initializer_list<const char*> names) 
     for (const char* const name : names) document.sections.push_back({name, {}, -1, {}});
 }
 
-TEST(IniDocument, StartsWithTheDefaults) {
+TEST(iniDocument, StartsWithTheDefaults) {
     const nIni::tDocumentPointer document(nIni::create());
     ASSERT_NE(document, nullptr);
     EXPECT_TRUE(document->sections.empty());
@@ -30,9 +30,9 @@ TEST(IniDocument, StartsWithTheDefaults) {
     EXPECT_EQ(document->fileTime, 0U);
 }
 
-TEST(IniDocument, DestroyTakesNothingForAnAnswer) { nIni::destroy(nullptr); }
+TEST(iniDocument, DestroyTakesNothingForAnAnswer) { nIni::destroy(nullptr); }
 
-TEST(IniDocument, SectionsAreFoundWithoutRegardToCase) {
+TEST(iniDocument, SectionsAreFoundWithoutRegardToCase) {
     tDocument document;
     addSections(document, {"Other", "Service"});
     EXPECT_EQ(findSection(document, "SERVICE"), &document.sections[1]);
@@ -41,7 +41,7 @@ TEST(IniDocument, SectionsAreFoundWithoutRegardToCase) {
     EXPECT_EQ(findSection(document, ""), nullptr);
 }
 
-TEST(IniDocument, CaseCountsForSectionsWhenTheDocumentSaysSo) {
+TEST(iniDocument, CaseCountsForSectionsWhenTheDocumentSaysSo) {
     tDocument document;
     document.caseSensitive = 1;
     addSections(document, {"service", "Service"});
@@ -50,20 +50,20 @@ TEST(IniDocument, CaseCountsForSectionsWhenTheDocumentSaysSo) {
     EXPECT_EQ(findSection(document, "SERVICE"), nullptr);
 }
 
-TEST(IniDocument, TheFirstOfEqualSectionsIsFound) {
+TEST(iniDocument, TheFirstOfEqualSectionsIsFound) {
     tDocument document;
     addSections(document, {"service", "Service"});
     EXPECT_EQ(findSection(document, "Service"), &document.sections[0]);
 }
 
-TEST(IniDocument, TheSectionFoundLastIsTriedFirst) {
+TEST(iniDocument, TheSectionFoundLastIsTriedFirst) {
     tDocument document;
     addSections(document, {"service", "Service"});
     document.currentSection = &document.sections[1];
     EXPECT_EQ(findSection(document, "service"), &document.sections[1]);
 }
 
-TEST(IniDocument, ASectionThatIsFoundBecomesTheCurrentOne) {
+TEST(iniDocument, ASectionThatIsFoundBecomesTheCurrentOne) {
     tDocument document;
     addSections(document, {"a", "b"});
     EXPECT_EQ(findSection(document, "b"), &document.sections[1]);
@@ -72,7 +72,7 @@ TEST(IniDocument, ASectionThatIsFoundBecomesTheCurrentOne) {
     EXPECT_EQ(document.currentSection, &document.sections[1]) << "a search in vain changes nothing";
 }
 
-TEST(IniDocument, KeysAreFoundByTheCallersCaseRule) {
+TEST(iniDocument, KeysAreFoundByTheCallersCaseRule) {
     tSection section;
     section.keys = {tKey{"name", "1"}, tKey{"Name", "2"}};
     EXPECT_EQ(findKey(section, false, "NAME"), &section.keys[0]);
@@ -82,7 +82,7 @@ TEST(IniDocument, KeysAreFoundByTheCallersCaseRule) {
     EXPECT_EQ(findKey(section, false, "Nam"), nullptr);
 }
 
-TEST(IniDocument, AnEmptySectionHasNoKeys) {
+TEST(iniDocument, AnEmptySectionHasNoKeys) {
     tSection section;
     EXPECT_EQ(findKey(section, false, "Name"), nullptr);
     EXPECT_EQ(findKey(section, false, ""), nullptr);

@@ -18,12 +18,12 @@ int parse(const std::filesystem::path& path) {
     return nIni::parseFile(document, path.wstring().c_str());
 }
 
-TEST(IniFilePosix, ADirectoryOpensButCannotBeRead) {
+TEST(iniFilePosix, ADirectoryOpensButCannotBeRead) {
     const tIniFile file("");
     EXPECT_EQ(parse(file.path().parent_path()), -5002);
 }
 
-TEST(IniFilePosix, AFailedFirstReadLeavesTheDocument) {
+TEST(iniFilePosix, AFailedFirstReadLeavesTheDocument) {
     const tIniFile file("[s]");
     nIni::tDocument document;
     ASSERT_EQ(file.parseInto(document), 0);
@@ -31,7 +31,7 @@ TEST(IniFilePosix, AFailedFirstReadLeavesTheDocument) {
     EXPECT_EQ(describe(document), "[s]@1\n");
 }
 
-TEST(IniFilePosix, AFileThatExistsButDoesNotOpenGivesMinus5001) {
+TEST(iniFilePosix, AFileThatExistsButDoesNotOpenGivesMinus5001) {
     const tIniFile file("[s]");
     rlimit limit{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -45,7 +45,7 @@ TEST(IniFilePosix, AFileThatExistsButDoesNotOpenGivesMinus5001) {
     EXPECT_EQ(missing, -22);
 }
 
-TEST(IniFilePosix, ALinkIsAFileWhereverItLeads) {
+TEST(iniFilePosix, ALinkIsAFileWhereverItLeads) {
     const tIniFile file("[s]");
     const std::filesystem::path directory = file.path().parent_path();
     create_symlink(file.path(), directory / "good");
@@ -54,7 +54,7 @@ TEST(IniFilePosix, ALinkIsAFileWhereverItLeads) {
     EXPECT_EQ(parse(directory / "bad"), -5001);
 }
 
-TEST(IniFilePosix, APathWithoutANarrowFormNamesNoFile) {
+TEST(iniFilePosix, APathWithoutANarrowFormNamesNoFile) {
     nIni::tDocument document;
     const wchar_t path[] = {L'a', static_cast<wchar_t>(0x110000), 0};
     EXPECT_EQ(nIni::parseFile(document, path), -22);
@@ -76,7 +76,7 @@ ssize_t readAndFail(void* cookie, char* buffer, size_t size) {
     return static_cast<ssize_t>(count);
 }
 
-TEST(IniFilePosix, ALineThatAFailedReadCutShortIsNotUsed) {
+TEST(iniFilePosix, ALineThatAFailedReadCutShortIsNotUsed) {
     tFailingSource source{"[s]\nk=v\nl=w"};
     const nIni::tFile file(fopencookie(&source, "rb", {readAndFail, nullptr, nullptr, nullptr}));
     ASSERT_NE(file, nullptr);
@@ -94,7 +94,7 @@ ssize_t readUpToEnd(void* cookie, char* buffer, size_t size) {
     return static_cast<ssize_t>(count);
 }
 
-TEST(IniFilePosix, TextAppendedAfterTheEndWasSeenIsNotRead) {
+TEST(iniFilePosix, TextAppendedAfterTheEndWasSeenIsNotRead) {
     using std::string_view_literals::operator""sv;
     // The end is seen within the first four bytes, which may be a byte-order mark, or later.
     for (const std::string_view start : {""sv, ";"sv, "[s]\nk=v"sv}) {

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 const HANDLE searchHandle = reinterpret_cast<HANDLE>(std::intptr_t{0x1234});
 
 /// Notes the calls that the parser makes for a file, and passes them on.
-class IniFileWin32 : public testing::Test {
+class iniFileWin32 : public testing::Test {
 protected:
     int parse(std::string_view content) {
         imports::ImportBase::restoreAll();
@@ -66,7 +66,7 @@ private:
     }
 };
 
-TEST_F(IniFileWin32, ReadsFourBytesAndThenChunksAndAsksForTheTimeBeforeClosing) {
+TEST_F(iniFileWin32, ReadsFourBytesAndThenChunksAndAsksForTheTimeBeforeClosing) {
     EXPECT_EQ(parse("[s]\nk=v\n"), 0);
     EXPECT_EQ(describe(document_), "[s]@1\nk=v@2\n");
     EXPECT_THAT(calls_, ElementsAre("open", "read 4", "read 2084", "find", "end find", "close"));
@@ -74,7 +74,7 @@ TEST_F(IniFileWin32, ReadsFourBytesAndThenChunksAndAsksForTheTimeBeforeClosing) 
     EXPECT_EQ(document_.fileTime, 0x0123456789ABCDEFU);
 }
 
-TEST_F(IniFileWin32, TheContentAloneIsReadWithoutAskingForTheTime) {
+TEST_F(iniFileWin32, TheContentAloneIsReadWithoutAskingForTheTime) {
     parse("[s]\nk=v\n");
     calls_.clear();
     document_.fileTime = 1;
@@ -86,18 +86,18 @@ TEST_F(IniFileWin32, TheContentAloneIsReadWithoutAskingForTheTime) {
     EXPECT_EQ(document_.filePath[0], L'x');
 }
 
-TEST_F(IniFileWin32, ReadsOnUntilAChunkIsNotFull) {
+TEST_F(iniFileWin32, ReadsOnUntilAChunkIsNotFull) {
     EXPECT_EQ(parse("[s]\n" + std::string(2 * 2084, ';')), 0);
     EXPECT_THAT(calls_,
                 ElementsAre("open", "read 4", "read 2084", "read 2084", "read 2084", "find", "end find", "close"));
 }
 
-TEST_F(IniFileWin32, AFileOfLessThanFourBytesIsReadOnce) {
+TEST_F(iniFileWin32, AFileOfLessThanFourBytesIsReadOnce) {
     EXPECT_EQ(parse(";;;"), 0);
     EXPECT_THAT(calls_, ElementsAre("open", "read 4", "find", "end find", "close"));
 }
 
-TEST_F(IniFileWin32, AFileThatIsGoneAfterTheParseHasNoTime) {
+TEST_F(iniFileWin32, AFileThatIsGoneAfterTheParseHasNoTime) {
     document_.fileTime = 1;
     found_ = false;
     EXPECT_EQ(parse("[s]\nk=v\n"), 0);
@@ -106,20 +106,20 @@ TEST_F(IniFileWin32, AFileThatIsGoneAfterTheParseHasNoTime) {
     EXPECT_EQ(document_.filePath.data(), file_.widePath());
 }
 
-TEST_F(IniFileWin32, AFileThatCannotBeOpenedButIsFoundGivesMinus5001) {
+TEST_F(iniFileWin32, AFileThatCannotBeOpenedButIsFoundGivesMinus5001) {
     opens_ = false;
     EXPECT_EQ(parse("[s]\nk=v\n"), -5001);
     EXPECT_THAT(calls_, ElementsAre("open", "find", "end find"));
 }
 
-TEST_F(IniFileWin32, AFileThatCannotBeOpenedNorFoundGivesMinus22) {
+TEST_F(iniFileWin32, AFileThatCannotBeOpenedNorFoundGivesMinus22) {
     opens_ = false;
     found_ = false;
     EXPECT_EQ(parse("[s]\nk=v\n"), -22);
     EXPECT_THAT(calls_, ElementsAre("open", "find"));
 }
 
-TEST_F(IniFileWin32, AFailedFirstReadGivesMinus5002AndLeavesTheDocument) {
+TEST_F(iniFileWin32, AFailedFirstReadGivesMinus5002AndLeavesTheDocument) {
     ASSERT_EQ(parse("[s]\nk=v\n"), 0);
     const std::uint64_t time = document_.fileTime;
     failingRead_ = 1;
@@ -130,7 +130,7 @@ TEST_F(IniFileWin32, AFailedFirstReadGivesMinus5002AndLeavesTheDocument) {
     EXPECT_EQ(document_.fileTime, time);
 }
 
-TEST_F(IniFileWin32, AFailedLaterReadGivesMinus5002AndKeepsWhatWasRead) {
+TEST_F(iniFileWin32, AFailedLaterReadGivesMinus5002AndKeepsWhatWasRead) {
     failingRead_ = 3;
     EXPECT_EQ(parse("[s]\nk=v\na Line1=b\n;" + std::string(3000, 'x') + "\nl=w\n"), -5002);
     EXPECT_THAT(calls_, ElementsAre("open", "read 4", "read 2084", "read 2084", "close"));
@@ -139,12 +139,12 @@ TEST_F(IniFileWin32, AFailedLaterReadGivesMinus5002AndKeepsWhatWasRead) {
     EXPECT_EQ(document_.fileTime, 0U);
 }
 
-TEST_F(IniFileWin32, TheFileIsClosedWhenWideTextIsRefused) {
+TEST_F(iniFileWin32, TheFileIsClosedWhenWideTextIsRefused) {
     EXPECT_EQ(parse("\xFF\xFE"), -3);
     EXPECT_THAT(calls_, ElementsAre("open", "read 4", "close"));
 }
 
-TEST_F(IniFileWin32, TheFileIsClosedWhenMemoryRunsOut) {
+TEST_F(iniFileWin32, TheFileIsClosedWhenMemoryRunsOut) {
     file_.write("[a section with a long name]\na key with a long name=a value of some length\n");
     const std::wstring path = file_.widePath();
     int result = -12;
@@ -172,12 +172,12 @@ int parse(const std::filesystem::path& path) {
     return parseFile(document, path.wstring().c_str());
 }
 
-TEST(IniFileSystem, ADirectoryExistsButDoesNotOpen) {
+TEST(iniFileSystem, ADirectoryExistsButDoesNotOpen) {
     const tIniFile file("");
     EXPECT_EQ(parse(file.path().parent_path()), -5001);
 }
 
-TEST(IniFileSystem, AFileThatSomebodyHoldsForHimselfExistsButDoesNotOpen) {
+TEST(iniFileSystem, AFileThatSomebodyHoldsForHimselfExistsButDoesNotOpen) {
     const tIniFile file("[s]");
     const HANDLE held = CreateFileW(file.widePath().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(held, INVALID_HANDLE_VALUE);
@@ -186,19 +186,19 @@ TEST(IniFileSystem, AFileThatSomebodyHoldsForHimselfExistsButDoesNotOpen) {
     EXPECT_EQ(parse(file.path()), 0);
 }
 
-TEST(IniFileSystem, AMissingDirectoryOrDriveIsAMissingFile) {
+TEST(iniFileSystem, AMissingDirectoryOrDriveIsAMissingFile) {
     const tIniFile file("");
     EXPECT_EQ(parse(file.path().parent_path() / "missing" / "x.ini"), -22);
     EXPECT_EQ(parse(L"q:\\x.ini"), -22);
 }
 
-TEST(IniFileSystem, APatternIsFoundButDoesNotOpen) {
+TEST(iniFileSystem, APatternIsFoundButDoesNotOpen) {
     const tIniFile file("[s]");
     EXPECT_EQ(parse(file.path().parent_path() / L"*.ini"), -5001);
     EXPECT_EQ(parse(file.path().parent_path() / L"*.txt"), -22);
 }
 
-TEST(IniFileSystem, TheCharacterThatEndsATextFileIsTextToo) {
+TEST(iniFileSystem, TheCharacterThatEndsATextFileIsTextToo) {
     EXPECT_EQ(parsed("[s]\na=1\x1A\nb=2\n"), "[s]@1\na=1\x1A@2\nb=2@3\n");
 }
 

@@ -42,31 +42,31 @@ void expectLines(const std::vector<tCase>& cases) {
     for (const auto& [text, lines] : cases) EXPECT_EQ(linesOf(text), lines) << testing::PrintToString(text);
 }
 
-TEST(LineReader, LinesEndWithAnyOfThreeTerminators) {
+TEST(tLineReader, LinesEndWithAnyOfThreeTerminators) {
     expectLines({{"a\nb\nc\n", {"a", "b", "c"}}, {"a\rb\rc\r", {"a", "b", "c"}}, {"a\0b\0c\0"sv, {"a", "b", "c"}}});
 }
 
-TEST(LineReader, TheLastLineNeedsNoTerminator) { expectLines({{"a", {"a"}}, {"a\nb", {"a", "b"}}}); }
+TEST(tLineReader, TheLastLineNeedsNoTerminator) { expectLines({{"a", {"a"}}, {"a\nb", {"a", "b"}}}); }
 
-TEST(LineReader, TwoDifferentTerminatorsEndOneLine) {
+TEST(tLineReader, TwoDifferentTerminatorsEndOneLine) {
     expectLines({{"a\r\nb\r\nc\r\n", {"a", "b", "c"}},
                  {"a\n\rb\n\rc\n\r", {"a", "b", "c"}},
                  {"a\n\0b\0\nc"sv, {"a", "b", "c"}},
                  {"a\r\0b\0\rc"sv, {"a", "b", "c"}}});
 }
 
-TEST(LineReader, TheSameTerminatorTwiceMakesAnEmptyLine) {
+TEST(tLineReader, TheSameTerminatorTwiceMakesAnEmptyLine) {
     expectLines({{"a\n\nb", {"a", "", "b"}},
                  {"a\r\rb", {"a", "", "b"}},
                  {"a\0\0b"sv, {"a", "", "b"}},
                  {"a\r\n\r\nb", {"a", "", "b"}}});
 }
 
-TEST(LineReader, OnlyOneCharacterIsSkipped) {
+TEST(tLineReader, OnlyOneCharacterIsSkipped) {
     expectLines({{"a\r\n\nb", {"a", "", "b"}}, {"a\r\r\nb", {"a", "", "b"}}, {"a\r\n\0b"sv, {"a", "", "b"}}});
 }
 
-TEST(LineReader, ATextMayEndWithOrWithoutTerminators) {
+TEST(tLineReader, ATextMayEndWithOrWithoutTerminators) {
     expectLines({{"", {}},
                  {"a\n", {"a"}},
                  {"a\n\n", {"a", ""}},
@@ -76,7 +76,7 @@ TEST(LineReader, ATextMayEndWithOrWithoutTerminators) {
                  {"a\n\n\n", {"a", "", ""}}});
 }
 
-TEST(LineReader, ATerminatorBeforeTheFirstLineIsSkippedUnlessItIsAZero) {
+TEST(tLineReader, ATerminatorBeforeTheFirstLineIsSkippedUnlessItIsAZero) {
     expectLines({{"\n", {}},
                  {"\r", {}},
                  {"\0"sv, {""}},
@@ -88,7 +88,7 @@ TEST(LineReader, ATerminatorBeforeTheFirstLineIsSkippedUnlessItIsAZero) {
                  {"\0\na"sv, {"", "a"}}});
 }
 
-TEST(LineReader, ABlockMayEndAnywhere) {
+TEST(tLineReader, ABlockMayEndAnywhere) {
     constexpr std::string_view alphabet = "a\n\r\0"sv;
     for (std::size_t code = 0; code < 4 * 4 * 4 * 4; ++code) {
         std::string text = "b";
@@ -99,7 +99,7 @@ TEST(LineReader, ABlockMayEndAnywhere) {
     }
 }
 
-TEST(LineReader, ABlockMayContainNoWholeLine) {
+TEST(tLineReader, ABlockMayContainNoWholeLine) {
     tLineReader reader;
     reader.setBlock("ab", false);
     EXPECT_EQ(reader.next(), std::nullopt);
@@ -110,7 +110,7 @@ TEST(LineReader, ABlockMayContainNoWholeLine) {
     EXPECT_EQ(reader.rest(), "d");
 }
 
-TEST(LineReader, EachTerminatorIsSeenAtEveryPlaceAndNoOtherCharacterIs) {
+TEST(tLineReader, EachTerminatorIsSeenAtEveryPlaceAndNoOtherCharacterIs) {
     std::string others;
     for (int byte = 1; byte < 256; ++byte) {
         if (byte != '\n' && byte != '\r') others += static_cast<char>(byte);
@@ -124,7 +124,7 @@ TEST(LineReader, EachTerminatorIsSeenAtEveryPlaceAndNoOtherCharacterIs) {
     }
 }
 
-TEST(LineReader, TheLineNumberStaysAtTheLargestOne) {
+TEST(tLineReader, TheLineNumberStaysAtTheLargestOne) {
     tLineReader reader(std::numeric_limits<std::int32_t>::max() - 1);
     reader.setBlock("a\nb\nc", true);
     for (const char* const line : {"a", "b", "c"}) {

@@ -22,7 +22,7 @@ struct tRecord {
     int merged = 0;
 };
 
-TEST(NameIndex, FoldsCaseAsTheCLocaleDoesByteForByte) {
+TEST(nameIndex, FoldsCaseAsTheCLocaleDoesByteForByte) {
     for (int left = 0; left < 256; ++left) {
         // Nine bytes, so that both a whole word and a rest contain every byte.
         const std::string a(9, static_cast<char>(left));
@@ -38,7 +38,7 @@ TEST(NameIndex, FoldsCaseAsTheCLocaleDoesByteForByte) {
 }
 
 // The values come from another implementation: Python's hash of these bytes with PYTHONHASHSEED=0.
-TEST(NameIndex, HashesAsSipHash13DoesWithAKeyOfZeros) {
+TEST(nameIndex, HashesAsSipHash13DoesWithAKeyOfZeros) {
     EXPECT_EQ(hashName("a", true, 0), 0x407448D2B89B1813U);
     EXPECT_EQ(hashName("1234567", true, 0), 0xA33D651594FDAE81U);
     EXPECT_EQ(hashName("12345678", true, 0), 0x3489982430560A87U);
@@ -48,13 +48,13 @@ TEST(NameIndex, HashesAsSipHash13DoesWithAKeyOfZeros) {
     EXPECT_EQ(hashName(longName, true, 0), 0xC6CA83093413BF3CU);
 }
 
-TEST(NameIndex, HashesDifferentlyWithEveryKey) {
+TEST(nameIndex, HashesDifferentlyWithEveryKey) {
     std::set<std::uint64_t> hashes;
     for (std::uint64_t key = 0; key < 100; ++key) hashes.insert(hashName("Service", false, key));
     EXPECT_EQ(hashes.size(), 100U);
 }
 
-TEST(NameIndex, NamesOfDifferentLengthDiffer) {
+TEST(nameIndex, NamesOfDifferentLengthDiffer) {
     for (std::size_t size = 0; size <= 40; ++size) {
         for (const bool caseSensitive : {false, true}) {
             EXPECT_FALSE(sameName(std::string(size, '\0'), std::string(size + 1, '\0'), caseSensitive)) << size;
@@ -62,7 +62,7 @@ TEST(NameIndex, NamesOfDifferentLengthDiffer) {
     }
 }
 
-TEST(NameIndex, EveryCharacterOfANameCounts) {
+TEST(nameIndex, EveryCharacterOfANameCounts) {
     for (std::size_t size = 1; size <= 24; ++size) {
         const std::string name(size, 'a');
         for (std::size_t position = 0; position < size; ++position) {
@@ -81,7 +81,7 @@ std::vector<tRecord> numbered(std::size_t count) {
     return records;
 }
 
-TEST(NameIndex, FindsEveryRecordOfAListWhileItGrows) {
+TEST(nameIndex, FindsEveryRecordOfAListWhileItGrows) {
     tNameIndex index;
     std::vector<tRecord> records;
     for (std::size_t size = 0; size < 300; ++size) {
@@ -91,7 +91,7 @@ TEST(NameIndex, FindsEveryRecordOfAListWhileItGrows) {
     }
 }
 
-TEST(NameIndex, FindsTheFirstOfEqualNamesInShortAndLongLists) {
+TEST(nameIndex, FindsTheFirstOfEqualNamesInShortAndLongLists) {
     for (const std::size_t size : {3, 8, 9, 100}) {
         tNameIndex index;
         std::vector<tRecord> records = numbered(size);
@@ -105,7 +105,7 @@ TEST(NameIndex, FindsTheFirstOfEqualNamesInShortAndLongLists) {
     }
 }
 
-TEST(NameIndex, AListThatWasChangedInsideIsIndexedAnewAfterAReset) {
+TEST(nameIndex, AListThatWasChangedInsideIsIndexedAnewAfterAReset) {
     tNameIndex index;
     std::vector<tRecord> records = numbered(100);
     EXPECT_EQ(index.find(records, "50", false), 50U);
@@ -130,7 +130,7 @@ bool findsAllWhileGrowing(const std::vector<tRecord>& records) {
     return right;
 }
 
-TEST(NameIndex, FindsTheSameWhicheverAllocationFails) {
+TEST(nameIndex, FindsTheSameWhicheverAllocationFails) {
     const std::vector<tRecord> records = numbered(300);
     for (const auto howLong : {allocations::tHowLong::once, allocations::tHowLong::forEver}) {
         int failures = 0;
@@ -159,13 +159,13 @@ std::vector<std::string> withoutRepeated(const std::vector<std::string>& names, 
     return left;
 }
 
-TEST(RemoveRepeated, TheFirstOfEachNameIsKept) {
+TEST(nameIndexRepeated, TheFirstOfEachNameIsKept) {
     EXPECT_EQ(withoutRepeated({}, false), (std::vector<std::string>{}));
     EXPECT_EQ(withoutRepeated({"a", "b", "A", "a", "c"}, false), (std::vector<std::string>{"a 2", "b 0", "c 0"}));
     EXPECT_EQ(withoutRepeated({"a", "b", "A", "a", "c"}, true), (std::vector<std::string>{"a 1", "b 0", "A 0", "c 0"}));
 }
 
-TEST(RemoveRepeated, TheFirstOfEachNameIsKeptInLongLists) {
+TEST(nameIndexRepeated, TheFirstOfEachNameIsKeptInLongLists) {
     for (const int count : {10, 1000, 5000}) {
         std::vector<std::string> names;
         std::vector<std::string> expected;
@@ -183,7 +183,7 @@ TEST(RemoveRepeated, TheFirstOfEachNameIsKeptInLongLists) {
     }
 }
 
-TEST(RemoveRepeated, RecordsOfOneNameAreMergedInTheirOrder) {
+TEST(nameIndexRepeated, RecordsOfOneNameAreMergedInTheirOrder) {
     for (const int count : {3 * 2, 30'000}) {  // a short list and a long one
         const int names = std::min(count / 3, 100);
         std::vector<tRecord> records;
@@ -197,7 +197,7 @@ TEST(RemoveRepeated, RecordsOfOneNameAreMergedInTheirOrder) {
     }
 }
 
-TEST(RemoveRepeated, WithoutMemoryNothingIsChanged) {
+TEST(nameIndexRepeated, WithoutMemoryNothingIsChanged) {
     std::vector<tRecord> records;
     for (int i = 0; i < 1000; ++i) records.push_back({std::to_string(i % 100)});
     int failures = 0;
@@ -264,7 +264,7 @@ std::vector<tCountingRecord> namesAlikeToMultiplication(std::size_t count) {
     return records;
 }
 
-TEST(HostileNames, AreLookedAtAFewTimesEachToBeFound) {
+TEST(nameIndexHostile, AreLookedAtAFewTimesEachToBeFound) {
     const std::vector<tCountingRecord> records = namesAlikeToMultiplication(300);
     const std::size_t size = std::string_view(records.back().name).size();
     tCountingName::bytes = 0;
@@ -273,7 +273,7 @@ TEST(HostileNames, AreLookedAtAFewTimesEachToBeFound) {
     EXPECT_LE(tCountingName::bytes, 2 * 300 * size);
 }
 
-TEST(HostileNames, AreLookedAtAFewTimesEachToFindRepeatedOnes) {
+TEST(nameIndexHostile, AreLookedAtAFewTimesEachToFindRepeatedOnes) {
     std::vector<tCountingRecord> records = namesAlikeToMultiplication(300);
     const std::size_t size = std::string_view(records.back().name).size();
     tCountingName::bytes = 0;

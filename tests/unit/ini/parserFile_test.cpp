@@ -16,13 +16,13 @@ namespace {
 
 using std::string_view_literals::operator""sv;
 
-TEST(IniFile, AUtf8MarkIsNoPartOfTheText) {
+TEST(iniParserFile, AUtf8MarkIsNoPartOfTheText) {
     EXPECT_EQ(parsed("\xEF\xBB\xBF[s]\nk=v"), "[s]@1\nk=v@2\n");
     EXPECT_EQ(parsed("\xEF\xBB\xBF"), "");
     EXPECT_EQ(parsed("[s]\n\xEF\xBB\xBFk=v"), "[s]@1\n\xEF\xBB\xBFk=v@2\n");
 }
 
-TEST(IniFile, WideTextIsRefused) {
+TEST(iniParserFile, WideTextIsRefused) {
     EXPECT_EQ(parsed("\xFF\xFE[\0s\0]\0"sv), "-3");
     EXPECT_EQ(parsed("\xFE\xFF\0[\0s\0]"sv), "-3");
     EXPECT_EQ(parsed("\xFF\xFE\0\0[\0\0\0"sv), "-3");
@@ -32,7 +32,7 @@ TEST(IniFile, WideTextIsRefused) {
     EXPECT_EQ(parsed("\xFF\xFE\0"sv), "-3");
 }
 
-TEST(IniFile, AnIncompleteByteOrderMarkIsText) {
+TEST(iniParserFile, AnIncompleteByteOrderMarkIsText) {
     for (const std::string_view start : {"\xEF"sv, "\xEF\xBB"sv, "\xEF\xBB\xBE"sv, "\xFF"sv, "\xFE"sv, "\xFE\xFE"sv}) {
         const std::string name(start);
         EXPECT_EQ(parsed(name), "error@1\n") << testing::PrintToString(start) << " is a malformed line";
@@ -43,28 +43,30 @@ TEST(IniFile, AnIncompleteByteOrderMarkIsText) {
     EXPECT_EQ(parsed("\0\0\xFE\xFE=v"sv, nIni::colonSeparates), "[(null)]@-1\n\xFE\xFE=v@3\nerror@1\n");
 }
 
-TEST(IniFile, TextWithCarriageReturnsIsNumberedByLines) {
+TEST(iniParserFile, TextWithCarriageReturnsIsNumberedByLines) {
     EXPECT_EQ(parsed("[s]\r\na=1\r\n\r\nb=2\r\n"), "[s]@1\na=1@2\nb=2@4\nerror@3\n");
 }
 
-TEST(IniFile, ALineFeedBeforeTheFirstLineIsSkippedAndNotCounted) { EXPECT_EQ(parsed("\n[s]\nk=v"), "[s]@1\nk=v@2\n"); }
+TEST(iniParserFile, ALineFeedBeforeTheFirstLineIsSkippedAndNotCounted) {
+    EXPECT_EQ(parsed("\n[s]\nk=v"), "[s]@1\nk=v@2\n");
+}
 
-TEST(IniFile, TwoLineFeedsAtTheEndMakeAMalformedLine) {
+TEST(iniParserFile, TwoLineFeedsAtTheEndMakeAMalformedLine) {
     EXPECT_EQ(parsed("[s]\nk=v\n\n"), "[s]@1\nk=v@2\nerror@3\n");
     EXPECT_EQ(parsed("[s]\r\nk=v\r\n\r\n"), "[s]@1\nk=v@2\nerror@3\n");
 }
 
-TEST(IniFile, BytesAreTakenAsTheyAre) {
+TEST(iniParserFile, BytesAreTakenAsTheyAre) {
     EXPECT_EQ(parsed("[\xC3\xA4]\n\x01\xFF=\xC0\x80\n"), "[\xC3\xA4]@1\n\x01\xFF=\xC0\x80@2\n");
 }
 
-TEST(IniFile, AMissingFileGivesMinus22) {
+TEST(iniParserFile, AMissingFileGivesMinus22) {
     nIni::tDocument document;
     EXPECT_EQ(parseFile(document, L"no such file.ini"), -22);
     EXPECT_EQ(parseFile(document, L""), -22);
 }
 
-TEST(IniFile, APathThatCanNameNoFileGivesMinus22) {
+TEST(iniParserFile, APathThatCanNameNoFileGivesMinus22) {
     const std::wstring folder = tIniFile("").widePath();
     nIni::tDocument document;
     for (const std::wstring& name : {std::wstring(5000, L'x'), std::wstring(100'000, L'/'), std::wstring(L"a\x1/b"),
@@ -73,7 +75,7 @@ TEST(IniFile, APathThatCanNameNoFileGivesMinus22) {
     }
 }
 
-TEST(IniFile, PathAndTimeAreKeptOnSuccess) {
+TEST(iniParserFile, PathAndTimeAreKeptOnSuccess) {
     const tIniFile file("[s]\nbad");
     using std::chrono::sys_days, std::chrono::year, std::chrono::hours, std::chrono::seconds;
     const auto time = sys_days(year(2020) / 1 / 2) + hours(3) + seconds(4);
@@ -85,7 +87,7 @@ TEST(IniFile, PathAndTimeAreKeptOnSuccess) {
     EXPECT_EQ(document.fileTime, secondsSince1601 * 10'000'000);
 }
 
-TEST(IniFile, AFailureLeavesPathAndTimeOfTheLastSuccess) {
+TEST(iniParserFile, AFailureLeavesPathAndTimeOfTheLastSuccess) {
     const tIniFile file("[s]");
     nIni::tDocument document;
     ASSERT_EQ(file.parseInto(document), 0);
@@ -97,7 +99,7 @@ TEST(IniFile, AFailureLeavesPathAndTimeOfTheLastSuccess) {
     EXPECT_EQ(document.fileTime, time);
 }
 
-TEST(IniFile, ADocumentMayBeReadAgainByItsOwnPath) {
+TEST(iniParserFile, ADocumentMayBeReadAgainByItsOwnPath) {
     const tIniFile file("[s]\nk=1");
     nIni::tDocument document;
     ASSERT_EQ(file.parseInto(document), 0);
@@ -107,7 +109,7 @@ TEST(IniFile, ADocumentMayBeReadAgainByItsOwnPath) {
     EXPECT_EQ(document.filePath.data(), file.widePath());
 }
 
-TEST(IniFile, APathThatDoesNotFitLeavesItsFieldEmpty) {
+TEST(iniParserFile, APathThatDoesNotFitLeavesItsFieldEmpty) {
     const std::size_t directorySize = tIniFile("", "").path().wstring().size();
     for (const std::size_t size : {255, 256}) {
         // The random part of the directory's name varies in length.
@@ -127,7 +129,7 @@ TEST(IniFile, APathThatDoesNotFitLeavesItsFieldEmpty) {
     }
 }
 
-TEST(IniFile, APathMayHoldAnyCharacters) {
+TEST(iniParserFile, APathMayHoldAnyCharacters) {
     const tIniFile file("[s]", std::filesystem::path(u"\x63D2\x4EF6 \xE4") / u"\x914D\x7F6E.ini");
     nIni::tDocument document;
     ASSERT_EQ(file.parseInto(document), 0);
@@ -135,7 +137,7 @@ TEST(IniFile, APathMayHoldAnyCharacters) {
     EXPECT_EQ(document.filePath.data(), file.widePath());
 }
 
-TEST(IniFile, ADocumentMayBeUsedForOneFileAfterTheOther) {
+TEST(iniParserFile, ADocumentMayBeUsedForOneFileAfterTheOther) {
     nIni::tDocument document;
     ASSERT_EQ(tIniFile("[a]\nk=1\nbad\n[b]\n").parseInto(document), 0);
     ASSERT_NE(findSection(document, "b"), nullptr);
@@ -144,7 +146,7 @@ TEST(IniFile, ADocumentMayBeUsedForOneFileAfterTheOther) {
     EXPECT_EQ(findSection(document, "b"), nullptr);
 }
 
-TEST(IniFile, LookUpsAfterASecondFileKnowNothingOfTheFirst) {
+TEST(iniParserFile, LookUpsAfterASecondFileKnowNothingOfTheFirst) {
     std::string text;
     for (char name = 'a'; name <= 'z'; ++name) text.append("[").append(1, name).append("]\nk=v\n");
     nIni::tDocument document;
@@ -157,14 +159,14 @@ TEST(IniFile, LookUpsAfterASecondFileKnowNothingOfTheFirst) {
     EXPECT_EQ(findSection(document, "a"), nullptr);
 }
 
-TEST(IniFile, AFileThatIsRefusedLeavesTheDocument) {
+TEST(iniParserFile, AFileThatIsRefusedLeavesTheDocument) {
     nIni::tDocument document;
     ASSERT_EQ(tIniFile("[a]\nbad\n").parseInto(document), 0);
     EXPECT_EQ(tIniFile("\xFF\xFE").parseInto(document), -3);
     EXPECT_EQ(describe(document), "[a]@1\nerror@2\n");
 }
 
-TEST(IniFile, TheOptionsAreNotTouched) {
+TEST(iniParserFile, TheOptionsAreNotTouched) {
     nIni::tDocument document;
     document.flags = 15;
     document.mergeDuplicates = 0;
@@ -220,7 +222,7 @@ void expectFirstLines(const nIni::tDocument& document) {
     EXPECT_TRUE(document.firstErrorLine == -1 || document.firstErrorLine == count + 2) << document.firstErrorLine;
 }
 
-TEST(IniFile, AFileThatGrowsWhileItIsReadIsReadUpToWhereItWasSeenToEnd) {
+TEST(iniParserFile, AFileThatGrowsWhileItIsReadIsReadUpToWhereItWasSeenToEnd) {
     constexpr int lines = 20'000;
     const tIniFile file("[s]\n");
     const tGrowth growth(file.path(), lines);

@@ -53,11 +53,15 @@ void expectRightResultOrOutOfMemory(tHowLong howLong) {
     EXPECT_GE(failures, 90);
 }
 
-TEST(IniMemory, OneAllocationThatFailsGivesMinus12OrDoesNotMatter) { expectRightResultOrOutOfMemory(tHowLong::once); }
+TEST(iniParserMemory, OneAllocationThatFailsGivesMinus12OrDoesNotMatter) {
+    expectRightResultOrOutOfMemory(tHowLong::once);
+}
 
-TEST(IniMemory, AllocationsThatFailFromOneMomentOnGiveMinus12) { expectRightResultOrOutOfMemory(tHowLong::forEver); }
+TEST(iniParserMemory, AllocationsThatFailFromOneMomentOnGiveMinus12) {
+    expectRightResultOrOutOfMemory(tHowLong::forEver);
+}
 
-TEST(IniMemory, KeysThatCannotBeJoinedGiveMinus12) {
+TEST(iniParserMemory, KeysThatCannotBeJoinedGiveMinus12) {
     const std::string second(1000, 'x');
     const tIniFile file("[s]\nT Line1=short\nT Line2=" + second);
     const std::wstring path = file.widePath();
@@ -76,7 +80,7 @@ TEST(IniMemory, KeysThatCannotBeJoinedGiveMinus12) {
     EXPECT_TRUE(metAllKeysBeforeTheJoin) << "the allocation for the joined value was never the one to fail";
 }
 
-TEST(IniMemory, NoDocumentIsMadeWithoutMemory) {
+TEST(iniParserMemory, NoDocumentIsMadeWithoutMemory) {
     allocations::startFailingNew(1, tHowLong::once);
     const nIni::tDocumentPointer document(nIni::create());
     EXPECT_TRUE(allocations::stopFailingNew());

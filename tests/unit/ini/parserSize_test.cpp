@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t twoMegabytes = 2'000'000;
 
 /// The document of a text, which must be one that can be read.
-class IniSize : public testing::Test {
+class iniParserSize : public testing::Test {
 protected:
     void parse(const std::string& text) {
         const tIniFile file(text);
@@ -24,7 +24,7 @@ protected:
     nIni::tDocument document;
 };
 
-TEST_F(IniSize, LinesOfTwoMegabytesAreOneLineEach) {
+TEST_F(iniParserSize, LinesOfTwoMegabytesAreOneLineEach) {
     const std::string many(twoMegabytes, 'x');
     parse("[s]\nk=" + many + "\n;" + many + "\n[" + many + "\n" + many + "=v\n");
     nIni::tSection& section = document.sections.at(0);
@@ -37,7 +37,7 @@ TEST_F(IniSize, LinesOfTwoMegabytesAreOneLineEach) {
     EXPECT_EQ(findKey(section, true, std::string(twoMegabytes, 'X')), nullptr);
 }
 
-TEST_F(IniSize, LinesAroundTheSizesOfChunksAndBlocksAreWhole) {
+TEST_F(iniParserSize, LinesAroundTheSizesOfChunksAndBlocksAreWhole) {
     std::string text = "[s]\n";
     std::vector<std::string> values;
     for (const std::size_t size : {1, 2080, 2083, 2084, 2085, 5000, 65535, 65536, 65537, 131'072, 300'000, 3}) {
@@ -52,18 +52,18 @@ TEST_F(IniSize, LinesAroundTheSizesOfChunksAndBlocksAreWhole) {
     EXPECT_EQ(document.firstErrorLine, -1);
 }
 
-TEST_F(IniSize, TwoMegabytesOfBlanksAroundTextAreDropped) {
+TEST_F(iniParserSize, TwoMegabytesOfBlanksAroundTextAreDropped) {
     const std::string blanks(twoMegabytes / 4, ' ');
     parse(blanks + "[" + blanks + "s" + blanks + "]\n" + blanks + "k\t=" + blanks + "v" + blanks);
     EXPECT_EQ(describe(document), "[s]@1\nk=v@2\n");
 }
 
-TEST_F(IniSize, TwoMegabytesOfEmptyLinesAreAllCounted) {
+TEST_F(iniParserSize, TwoMegabytesOfEmptyLinesAreAllCounted) {
     parse("[s]\n" + std::string(twoMegabytes, '\n') + "k=v");
     EXPECT_EQ(describe(document), "[s]@1\nk=v@" + std::to_string(twoMegabytes + 2) + "\nerror@2\n");
 }
 
-TEST_F(IniSize, ManyKeysOfOneSectionAreAllFound) {
+TEST_F(iniParserSize, ManyKeysOfOneSectionAreAllFound) {
     constexpr std::int32_t count = 20'000;
     std::string text = "[s]\n";
     for (std::int32_t i = 0; i < count; ++i) text += "key" + std::to_string(i) + "=" + std::to_string(i) + "\n";
@@ -79,7 +79,7 @@ TEST_F(IniSize, ManyKeysOfOneSectionAreAllFound) {
     EXPECT_EQ(findKey(section, false, "key" + std::to_string(count)), nullptr);
 }
 
-TEST_F(IniSize, TheLastOfManyRepeatedKeysWinsForEachOfThem) {
+TEST_F(iniParserSize, TheLastOfManyRepeatedKeysWinsForEachOfThem) {
     constexpr std::int32_t count = 10'000;
     std::string text = "[s]\n";
     for (int round = 0; round < 3; ++round) {
@@ -99,7 +99,7 @@ TEST_F(IniSize, TheLastOfManyRepeatedKeysWinsForEachOfThem) {
     }
 }
 
-TEST_F(IniSize, OneKeyRepeatedManyTimesIsOneKeyAndNeedsTheMemoryOfFew) {
+TEST_F(iniParserSize, OneKeyRepeatedManyTimesIsOneKeyAndNeedsTheMemoryOfFew) {
     std::string text = "[s]\n";
     for (int i = 0; i < 50'000; ++i) text += i % 2 == 0 ? "key=even\n" : "KEY=odd\n";
     parse(text);
@@ -107,7 +107,7 @@ TEST_F(IniSize, OneKeyRepeatedManyTimesIsOneKeyAndNeedsTheMemoryOfFew) {
     EXPECT_LE(document.sections[0].keys.capacity(), 10'000U);
 }
 
-TEST_F(IniSize, WithoutMergingTheFirstOfManyEqualKeysIsFound) {
+TEST_F(iniParserSize, WithoutMergingTheFirstOfManyEqualKeysIsFound) {
     document.mergeDuplicates = 0;
     std::string text = "[s]\n";
     for (int i = 0; i < 10'000; ++i) text += "a=1\nb=2\n";
@@ -117,7 +117,7 @@ TEST_F(IniSize, WithoutMergingTheFirstOfManyEqualKeysIsFound) {
     EXPECT_EQ(findKey(section, false, "B"), &section.keys[1]);
 }
 
-TEST_F(IniSize, ManySectionsAreAllFoundAndReopened) {
+TEST_F(iniParserSize, ManySectionsAreAllFoundAndReopened) {
     constexpr std::size_t count = 10'000;
     std::string text;
     for (const char* const key : {"a", "b"}) {
@@ -138,7 +138,7 @@ TEST_F(IniSize, ManySectionsAreAllFoundAndReopened) {
     EXPECT_EQ(findSection(document, "section" + std::to_string(count)), nullptr);
 }
 
-TEST_F(IniSize, AsManyContinuationKeysAsTheFileHolds) {
+TEST_F(iniParserSize, AsManyContinuationKeysAsTheFileHolds) {
     constexpr std::size_t count = 10'000;
     std::string text = "[s]\n";
     std::string expected;
