@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 
 /// What all benchmarks share. A row of the table compares our code with a peer's. The two take turns: what disturbs the
 /// machine for a while disturbs both sides of a pair, and their ratio remains.
@@ -33,7 +34,7 @@ void addRow(const tRow& row);
 [[nodiscard]] bool quick();
 
 /// Throws std::runtime_error with the text if the condition is false; the table shows the text.
-void demand(bool condition, const std::string& text);
+void demand(bool condition, std::string_view text);
 
 /// Returns a function that does the work that many times, for work too short to be timed alone.
 [[nodiscard]] std::function<void()> repeat(int times, const std::function<void()>& work);

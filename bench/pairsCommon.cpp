@@ -7,8 +7,8 @@ namespace nBench {
 
 bool quick() { return std::getenv("BENCH_QUICK") != nullptr; }
 
-void demand(bool condition, const std::string& text) {
-    if (!condition) throw std::runtime_error(text);
+void demand(bool condition, std::string_view text) {
+    if (!condition) throw std::runtime_error(std::string(text));
 }
 
 std::function<void()> repeat(int times, const std::function<void()>& work) {

@@ -84,14 +84,6 @@ std::uint64_t wordAt(std::string_view name, std::size_t position, bool caseSensi
 
 }  // namespace
 
-bool sameCharacters(std::string_view a, std::string_view b, bool caseSensitive) noexcept {
-    std::size_t position = 0;
-    while (position < a.size() && wordAt(a, position, caseSensitive) == wordAt(b, position, caseSensitive)) {
-        position += wordSize;
-    }
-    return position >= a.size();
-}
-
 std::uint64_t hashName(std::string_view name, bool caseSensitive, std::uint64_t key) noexcept {
     tSipHash hash(key);
     std::size_t position = 0;

@@ -14,12 +14,14 @@ namespace nIni {
 /// Up to this many records are searched one by one, which needs no memory.
 inline constexpr std::size_t linearSearchLimit = 8;
 
-/// The same for two names of one size, which most pairs have not.
-[[nodiscard]] bool sameCharacters(std::string_view a, std::string_view b, bool caseSensitive) noexcept;
+/// Returns the letters A to Z in lower case, any other character unchanged, as tolower does in the C locale.
+[[nodiscard]] constexpr char toLower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
 
 /// Returns true iff the names are equal. Unless case counts, the letters A to Z equal a to z.
 [[nodiscard]] inline bool sameName(std::string_view a, std::string_view b, bool caseSensitive) noexcept {
-    return a.size() == b.size() && sameCharacters(a, b, caseSensitive);
+    if (a.size() != b.size()) return false;
+    const auto sameCharacter = [=](char x, char y) { return x == y || (!caseSensitive && toLower(x) == toLower(y)); };
+    return std::equal(a.begin(), a.end(), b.begin(), sameCharacter);
 }
 
 /// Returns a hash (SipHash-1-3) that is equal for equal names. Nobody can construct other names with equal hashes
