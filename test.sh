@@ -6,7 +6,7 @@ source scripts/dependencies.sh
 source scripts/search.sh
 
 default_layers=(lint unit replay sweep endtoend endurance)
-all_layers=("${default_layers[@]}" race coverage fuzz bench)
+all_layers=("${default_layers[@]}" tidy race coverage fuzz bench)
 results=build/test
 search_options=(20)
 usage() {
@@ -17,13 +17,14 @@ Runs the layers named, or: ${default_layers[*]}.
 The last line is the sum: N passed, N failed, N skipped. What each program printed is in $results/*.xml (JUnit);
 \`ctest --preset PRESET -R NAME\` runs one of them again.
 
-  lint       format, static analysis, project rules, imports and reproducibility of the executable
+  lint       format, project rules, imports and reproducibility of the executable
   unit       natively under the sanitizers, and on Windows (here: under Wine)
   replay     every fuzzer's code over the inputs that are known
   sweep      every system call and every allocation fails in turn (SWEEP_ALL=1: at every occurrence)
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
   endurance  plug-ins and service started over and over, killed at every step of a write, raced by stop requests
              (SOAK_CYCLES, SOAK_SECONDS, KILLS, RACE_SECONDS make it longer)
+  tidy       static analysis by clang-tidy
   race       stop requests from many threads under the thread sanitizer (RACE_ROUNDS)
   coverage   lines and branches of the product that the unit tests reach, with floors
   bench      small benchmarks: their results are checked, not their times
@@ -95,7 +96,7 @@ while (($#)); do
             ;;
         default) layers+=("${default_layers[@]}") ;;
         all) layers+=("${all_layers[@]}") ;;
-        lint | unit | replay | sweep | endtoend | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
+        lint | tidy | unit | replay | sweep | endtoend | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
         --long)
             [[ ${2-} =~ ^[1-9][0-9]{0,6}$ ]] || misused
             search_options=("$2" --keep)
@@ -113,8 +114,9 @@ touch "$results/steps"
 need_python
 
 ! wanted lint || need_linters
-mapfile -t native < <(chosen lint unit replay sweep)
-mapfile -t windows < <(chosen lint unit replay sweep endtoend endurance)
+! wanted tidy || need_clang_tidy
+mapfile -t native < <(chosen lint tidy unit replay sweep)
+mapfile -t windows < <(chosen lint tidy unit replay sweep endtoend endurance)
 if ((${#native[@]})); then
     record builds native-asan ./build.sh native-asan && run 2 native-asan "${native[@]}"
 fi

@@ -1,4 +1,4 @@
-# Checks of the sources and of the built files, as tests labelled "lint". The native build checks the sources and the
+# Checks of the sources and of the built files, as tests labelled "lint", or "tidy" for static analysis. The native build checks the sources and the
 # portable files, the Windows build the Windows files and the executable.
 
 # zuziptra_check(NAME COMMAND...)
@@ -14,7 +14,7 @@ if(WIN32)
     zuziptra_check(executable-imports-system-libraries-only scripts/lint-executable imports ${executable})
     zuziptra_check(executable-can-be-relocated-and-protected scripts/lint-executable flags ${executable})
     zuziptra_check(executable-has-the-same-bytes-from-another-folder scripts/lint-reproducible ${executable})
-    set_tests_properties(clang-tidy-windows PROPERTIES PROCESSORS 2)
+    set_tests_properties(clang-tidy-windows PROPERTIES LABELS tidy PROCESSORS 2)
     return()
 endif()
 
@@ -23,7 +23,7 @@ zuziptra_check(shellcheck scripts/lint-shell)
 zuziptra_check(pyflakes scripts/lint-python)
 zuziptra_check(clang-tidy-portable scripts/lint-tidy ${CMAKE_BINARY_DIR}
     "host/.*(?<!_win32)\\.cpp")
-set_tests_properties(clang-tidy-portable PROPERTIES PROCESSORS 2)
+set_tests_properties(clang-tidy-portable PROPERTIES LABELS tidy PROCESSORS 2)
 execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/lint-rules rules OUTPUT_VARIABLE rules
     OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 string(REPLACE "\n" ";" rules "${rules}")
