@@ -20,7 +20,8 @@ public:
 
     /// Lists, reads, orders, loads and starts the plug-ins, waits for stopEvent, then stops and cleans them up.
     /// Returns immediately, with the reason in messages, if there is no plug-in directory. Throws zuerr::Exception if a
-    /// plug-in cannot be unloaded, and std::bad_alloc; both end the run.
+    /// plug-in cannot be unloaded, Boost's filesystem_error if the directory cannot be read completely, and
+    /// std::bad_alloc; each ends the run.
     void run();
 
     tEvent stopEvent;  ///< set once to end the run
