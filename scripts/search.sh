@@ -1,11 +1,6 @@
 # Sourced by test.sh: every fuzzer for a while, two at a time. Each is one test.
 # shellcheck shell=bash
 
-# Shows a fuzzer's output. Succeeds if it found nothing.
-verdict_of_fuzzer() {
-    tail -n 40 "build/native-fuzz/logs/$1" && grep -qx 'exit code 0' "build/native-fuzz/logs/$1"
-}
-
 # Prints each fuzzer's own counts: executions, edges of the product's code, and the finer "features".
 table_of_fuzzers() {
     awk '
@@ -29,7 +24,7 @@ table_of_fuzzers() {
 
 # search SECONDS [--keep]
 search() {
-    local names name
+    local names name outcome
     names=(tests/fuzz/*_fuzz.cpp)
     names=("${names[@]##*/}")
     names=("${names[@]%_fuzz.cpp}")
@@ -37,7 +32,13 @@ search() {
     rm -rf build/native-fuzz/logs
     printf '%s\n' "${names[@]}" | xargs -I '{}' -P 2 scripts/fuzz '{}' "$@"
     for name in "${names[@]}"; do
-        record fuzz "fuzz $name" verdict_of_fuzzer "$name" || true
+        outcome=passed
+        grep -qx 'exit code 0' "build/native-fuzz/logs/$name" || {
+            outcome=failed
+            say "$name found a fault:"
+            tail -n 40 "build/native-fuzz/logs/$name"
+        }
+        printf 'fuzz\tfuzz %s\t%s\t%d\n' "$name" "$outcome" "$1" >>"${results:?}/steps"
     done
     table_of_fuzzers "${names[@]}"
 }
