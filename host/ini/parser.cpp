@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "ini/file.h"
+#include "ini/line.h"
 #include "ini/lineReader.h"
 
 namespace nIni {
@@ -33,46 +34,6 @@ bool readBlock(std::FILE* file, std::string& block) {
         if (!read(file, chunkSize, block)) return false;
     }
     return true;
-}
-
-/// Returns whether the text begins with a byte-order mark of UTF-16 or UTF-32; FF FE 00 00 begins with one of UTF-16.
-bool isWide(std::string_view start) {
-    using std::string_view_literals::operator""sv;
-    return start.starts_with("\xFF\xFE"sv) || start.starts_with("\xFE\xFF"sv) || start == "\0\0\xFE\xFF"sv;
-}
-
-std::string_view withoutByteOrderMark(std::string_view start) {
-    return start.starts_with("\xEF\xBB\xBF") ? start.substr(3) : start;
-}
-
-/// Like isspace in the C locale, where no byte above 127 is a space.
-constexpr bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-std::string_view trimStart(std::string_view text) {
-    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
-    return text;
-}
-
-std::string_view trimEnd(std::string_view text) {
-    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
-    return text;
-}
-
-std::string_view trim(std::string_view text) { return trimEnd(trimStart(text)); }
-
-/// A name like "Text Line12".
-struct tContinuation {
-    std::string_view stem;  ///< "Text"
-    bool startsRun;         ///< the number is 1
-};
-
-std::optional<tContinuation> toContinuation(std::string_view name) {
-    constexpr std::string_view word = " Line";
-    const std::size_t wordEnd = name.find_last_not_of("0123456789") + 1;  // 0 if there are only digits
-    if (wordEnd == name.size() || !name.substr(0, wordEnd).ends_with(word)) return std::nullopt;
-    const std::string_view number = name.substr(wordEnd);
-    const bool isOne = number.ends_with('1') && number.find_first_not_of('0') == number.size() - 1;
-    return tContinuation{name.substr(0, wordEnd - word.size()), isOne};
 }
 
 /// The last value of a repeated key replaces the first one.
@@ -116,18 +77,7 @@ void openSection(tDocument& document, std::string_view name, std::int32_t line) 
     document.currentSection = &document.sections.back();
 }
 
-/// Removes the quotes that the flags name from the value. Returns the quote character, or 0.
-char stripQuotes(std::string_view& value, std::uint32_t flags) {
-    if (value.size() < 2 || value.front() != value.back()) return 0;
-    const char quote = value.front();
-    if (!(quote == '"' && (flags & stripDoubleQuotes) != 0) && !(quote == '\'' && (flags & stripSingleQuotes) != 0)) {
-        return 0;
-    }
-    value = value.substr(1, value.size() - 2);
-    return quote;
-}
-
-void addKey(tDocument& document, std::string_view name, std::string_view value, std::int32_t line) {
+void addKey(tDocument& document, const tLine& line, std::int32_t lineNumber) {
     if (document.currentSection == nullptr) {
         if ((document.flags & colonSeparates) == 0) return;
         openSection(document, "(null)", -1);
@@ -137,42 +87,17 @@ void addKey(tDocument& document, std::string_view name, std::string_view value, 
         removeRepeatedKeys(section, document.caseSensitive != 0);
         section.mergeThreshold = std::max(section.mergeThreshold, 16 * section.keys.size());
     }
-    const char quote = stripQuotes(value, document.flags);
     if (section.keys.empty()) section.keys.reserve(linearSearchLimit);
-    section.keys.push_back({name, value, quote, line});
-    if (name.ends_with('1') && toContinuation(name)) section.hasContinuations = true;
-}
-
-/// Requires: the line begins with "[". Returns false if it is malformed.
-bool parseHeader(tDocument& document, std::string_view line, std::int32_t lineNumber) {
-    const std::size_t bracket = line.find(']');
-    if (bracket == std::string_view::npos) return false;
-    const std::string_view name = trim(line.substr(1, bracket - 1));
-    if (name.empty()) return false;
-    openSection(document, name, lineNumber);
-    return true;
-}
-
-/// Returns false if the line is malformed. Quotes with nothing between them are not an empty value.
-bool parseKey(tDocument& document, std::string_view line, std::int32_t lineNumber) {
-    const bool colon = (document.flags & colonSeparates) != 0;
-    const std::size_t separator = colon ? line.find_first_of("=:") : line.find('=');
-    if (separator == std::string_view::npos) return false;
-    const std::string_view name = trimEnd(line.substr(0, separator));
-    const std::string_view rest = line.substr(separator);
-    const std::string_view value = trim(rest.substr(rest.starts_with(":=") ? 2 : 1));
-    if (name.empty()) return false;
-    if (value.empty() && (document.flags & acceptEmptyValues) == 0) return false;
-    addKey(document, name, value, lineNumber);
-    return true;
+    section.keys.push_back({line.name, line.value, line.quote, lineNumber});
+    if (line.name.ends_with('1') && toContinuation(line.name)) section.hasContinuations = true;
 }
 
 /// Returns false if the line is malformed.
-bool parseLine(tDocument& document, std::string_view line, std::int32_t lineNumber) {
-    line = trimStart(line);
-    if (line.starts_with(';')) return true;
-    if (line.starts_with('[')) return parseHeader(document, line, lineNumber);
-    return parseKey(document, line, lineNumber);
+bool parseLine(tDocument& document, std::string_view text, std::int32_t lineNumber) {
+    const tLine line = readLine(text, document.flags);
+    if (line.kind == tLineKind::header) openSection(document, line.name, lineNumber);
+    if (line.kind == tLineKind::key) addKey(document, line, lineNumber);
+    return !isMalformed(line.kind);
 }
 
 void parseBlock(tDocument& document, tLineReader& lines) {

@@ -25,6 +25,12 @@ bool askIdentity(nZusysapi::Object& object, tHolder<nZusysapi::Object>& identity
     });
 }
 
+bool readSetting(nZusysapi::Resource& resource) {
+    std::uint32_t value = 0;
+    if (resource.readSetting(deploymentSetting, &value) != 0) throw zuZiptraRemoteService::DeploymentSettingNotFound();
+    return value != 0;
+}
+
 }  // namespace
 
 bool isSameObject(nZusysapi::Object& left, nZusysapi::Object& right) {
@@ -70,9 +76,14 @@ bool IsDeploymentAllowed() {
     tHolder<nZusysapi::Framework> framework;
     tHolder<nZusysapi::Resource> resource;
     ConnectWithRetry(framework, resource);
-    std::uint32_t value = 0;
-    if (resource->readSetting(deploymentSetting, &value) != 0) throw zuZiptraRemoteService::DeploymentSettingNotFound();
-    return value != 0;
+    return readSetting(*resource.get());
+}
+
+bool isAllowedAtOnce() {
+    tHolder<nZusysapi::Framework> framework;
+    tHolder<nZusysapi::Resource> resource;
+    if (!ConnectFramework(framework, resource)) throw zuZiptraRemoteService::CannotInitSystemFramework();
+    return readSetting(*resource.get());
 }
 
 }  // namespace nDeployment

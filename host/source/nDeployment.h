@@ -4,16 +4,17 @@
 #include <stdexcept>
 #include <utility>
 
+#include "source/runMessages.h"
 #include "source/zusysapi.h"
 
 namespace zuZiptraRemoteService {
 
 struct CannotInitSystemFramework : std::runtime_error {
-    CannotInitSystemFramework() : std::runtime_error("Cannot init system framework") {}
+    CannotInitSystemFramework() : std::runtime_error(nRunMessages::frameworkNotReached) {}
 };
 
 struct DeploymentSettingNotFound : std::runtime_error {
-    DeploymentSettingNotFound() : std::runtime_error("Deployment setting not found") {}
+    DeploymentSettingNotFound() : std::runtime_error(nRunMessages::settingNotFound) {}
 };
 
 }  // namespace zuZiptraRemoteService
@@ -21,6 +22,9 @@ struct DeploymentSettingNotFound : std::runtime_error {
 /// Queries the machine's system-configuration framework for whether remote deployment is allowed. Every object of the
 /// framework is released before a query returns. Thread: one at a time.
 namespace nDeployment {
+
+/// The bit for deployment among the features that a machine allows.
+inline constexpr std::uint32_t feature = 2;
 
 /// Returns whether two references denote the same object: whether both return the same identity pointer. If either
 /// refuses to return one, the references themselves are compared.
@@ -75,5 +79,8 @@ void ConnectWithRetry(tHolder<nZusysapi::Framework>& framework, tHolder<nZusysap
 
 /// Returns whether the setting is not 0. Throws CannotInitSystemFramework or DeploymentSettingNotFound.
 [[nodiscard]] bool IsDeploymentAllowed();
+
+/// The same with a single attempt and no pause, for someone who waits for the answer.
+[[nodiscard]] bool isAllowedAtOnce();
 
 }  // namespace nDeployment

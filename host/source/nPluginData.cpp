@@ -11,6 +11,7 @@
 
 #include "err/Exception.h"
 #include "ini/parser.h"
+#include "source/descriptionFormat.h"
 #include "stdpath/path.h"
 #include "stdpath/stdpath.h"
 #include "trace/trace.h"
@@ -30,8 +31,8 @@ static_assert(sizeof(tPluginDescription::requiresMask) == 4);
 constexpr const char* sourceFile = ".\\source\\nPluginData";
 
 /// Returns an empty string if the section or the key is missing.
-std::string lookUp(nIni::tDocument& document, const char* name) {
-    nIni::tSection* const section = nIni::findSection(document, "Service");
+std::string lookUp(nIni::tDocument& document, std::string_view name) {
+    nIni::tSection* const section = nIni::findSection(document, nDescriptionFormat::section);
     if (section == nullptr) return {};
     const nIni::tKey* const key = nIni::findKey(*section, document.caseSensitive != 0, name);
     if (key == nullptr) return {};
@@ -48,7 +49,7 @@ std::uint32_t toRequiresMask(const std::string& value) {
 }
 
 void parse(nIni::tDocument& document, const std::string& filePath) {
-    document.flags = nIni::acceptEmptyValues | nIni::stripDoubleQuotes;
+    document.flags = nDescriptionFormat::documentFlags;
     const int result = nIni::parseContent(document, nStdPath::widePathFromUtf8(filePath).c_str());
     if (result < 0) zuerr::Raise({"result", {sourceFile, 261}}, result);
     if (document.firstErrorLine == -1) return;
@@ -56,23 +57,10 @@ void parse(nIni::tDocument& document, const std::string& filePath) {
     zuerr::Raise({zuerr::invalidParameter, {sourceFile, 268}});
 }
 
-tPluginDescription describe(nIni::tDocument& document) {
-    tPluginDescription description;
-    description.name = lookUp(document, "Name");
-    splitDependencies(lookUp(document, "Dependencies"), description.dependencies);
-    std::sort(description.dependencies.begin(), description.dependencies.end());
-    description.path = lookUp(document, "Path");
-    description.requiresMask = toRequiresMask(lookUp(document, "Requires"));
-    description.initialize = lookUp(document, "Initialize");
-    description.stop = lookUp(document, "Stop");
-    description.cleanup = lookUp(document, "Cleanup");
-    return description;
-}
-
 }  // namespace
 
 void listPlugins(std::vector<std::string>& files) {
-    listDescriptionFiles(nStdPath::getPluginDirectory(), ".ini", files);
+    listDescriptionFiles(nStdPath::getPluginDirectory(), nDescriptionFormat::extension, files);
 }
 
 void listDescriptionFiles(const boost::filesystem::path& directory, const boost::filesystem::path& extension,
@@ -97,6 +85,20 @@ void readDescription(const std::string& filePath, tPluginDescription& record) {
     if (document == nullptr) return;
     parse(*document, filePath);
     record = describe(*document);
+}
+
+tPluginDescription describe(nIni::tDocument& document) {
+    namespace nKeys = nDescriptionFormat::nKeys;
+    tPluginDescription description;
+    description.name = lookUp(document, nKeys::name);
+    splitDependencies(lookUp(document, nKeys::dependencies), description.dependencies);
+    std::sort(description.dependencies.begin(), description.dependencies.end());
+    description.path = lookUp(document, nKeys::path);
+    description.requiresMask = toRequiresMask(lookUp(document, nKeys::requiresMask));
+    description.initialize = lookUp(document, nKeys::initialize);
+    description.stop = lookUp(document, nKeys::stop);
+    description.cleanup = lookUp(document, nKeys::cleanup);
+    return description;
 }
 
 void splitDependencies(std::string_view text, std::vector<std::string>& list) {

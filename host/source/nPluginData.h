@@ -6,6 +6,10 @@
 #include <string_view>
 #include <vector>
 
+namespace nIni {
+struct tDocument;
+}
+
 /// The contents of one description file. Texts are UTF-8.
 struct tPluginDescription {
     std::string name;
@@ -36,6 +40,10 @@ void listDescriptionFiles(const boost::filesystem::path& directory, const boost:
 /// missing key leaves its field's default. "Requires" is parsed like scanf's %u: "-1" is 4294967295, "2x" is 2, "x" is
 /// 0. On Windows, a number above 32 bits is 4294967295; other C libraries may use its low 32 bits.
 void readDescription(const std::string& filePath, tPluginDescription& record);
+
+/// Returns what the document, parsed with nDescriptionFormat::documentFlags, describes; malformed lines don't matter
+/// here.
+[[nodiscard]] tPluginDescription describe(nIni::tDocument& document);
 
 /// Replaces the list with the trimmed, non-empty pieces between the commas, in order.
 void splitDependencies(std::string_view text, std::vector<std::string>& list);

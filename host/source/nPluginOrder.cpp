@@ -27,15 +27,15 @@ bool precedes(const tPluginDescription& a, const tPluginDescription& b) noexcept
     return byName != reversed;
 }
 
-void sort(std::vector<tPluginDescription>& descriptions) {
+std::vector<std::size_t> positionsInOrder(const std::vector<tPluginDescription>& descriptions) {
     // Cheaper to move than descriptions. Most plug-ins depend on earlier names only, so that their own decide.
     struct tItem {
-        tPluginDescription* description;
+        const tPluginDescription* description;
         bool mayFollowLaterName;
     };
     std::vector<tItem> items;
     items.reserve(descriptions.size());
-    for (tPluginDescription& description : descriptions) {
+    for (const tPluginDescription& description : descriptions) {
         const std::vector<std::string>& sorted = description.dependencies;
         items.push_back({&description, !sorted.empty() && sorted.back() >= description.name});
     }
@@ -45,9 +45,19 @@ void sort(std::vector<tPluginDescription>& descriptions) {
         return first.mayFollowLaterName ? precedes(*a.description, *b.description) : byName;
     });
 
+    std::vector<std::size_t> positions;
+    positions.reserve(items.size());
+    for (const tItem& item : items) {
+        positions.push_back(static_cast<std::size_t>(item.description - descriptions.data()));
+    }
+    return positions;
+}
+
+void sort(std::vector<tPluginDescription>& descriptions) {
+    const std::vector<std::size_t> positions = positionsInOrder(descriptions);
     std::vector<tPluginDescription> ordered;
     ordered.reserve(descriptions.size());
-    for (const tItem& item : items) ordered.push_back(std::move(*item.description));
+    for (const std::size_t position : positions) ordered.push_back(std::move(descriptions[position]));
     descriptions.swap(ordered);
 }
 

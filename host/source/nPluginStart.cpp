@@ -4,6 +4,13 @@
 #include <functional>
 
 namespace nPluginStart {
+namespace {
+
+constexpr const char* sourceFile = ".\\source\\tPluginManager";
+constexpr zuerr::RaiseReport featureMissing{zuerr::featureUnsupported, {sourceFile, 41}};
+constexpr zuerr::RaiseReport dependencyMissing{zuerr::resourceNotFound, {sourceFile, 48}};
+
+}  // namespace
 
 tStarted noneStarted(const std::vector<tPluginDescription>& descriptions) {
     tStarted started(4 * descriptions.size());  // with many buckets, most look-ups meet one name only
@@ -22,6 +29,13 @@ bool dependenciesStarted(const std::vector<std::string>& dependencies, const tSt
                const auto found = started.find(name);
                return found != started.end() && found->second;
            });
+}
+
+const zuerr::RaiseReport* refusal(const tPluginDescription& description, std::uint32_t allowedMask,
+                                  const tStarted& started) noexcept {
+    if (!featureAllowed(description.requiresMask, allowedMask)) return &featureMissing;
+    if (!dependenciesStarted(description.dependencies, started)) return &dependencyMissing;
+    return nullptr;
 }
 
 }  // namespace nPluginStart

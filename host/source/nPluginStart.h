@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "err/ErrorConstants.h"
 #include "source/nPluginData.h"
 
 /// The rules by which a plug-in may be started. They are pure, so that they can be asked without starting anything.
@@ -23,5 +24,10 @@ using tStarted = std::unordered_map<std::string, bool>;
 /// Returns whether all dependencies have started. Each started name counts for one mention, so a list that names a
 /// plug-in twice never passes; nor does a list that is not sorted.
 [[nodiscard]] bool dependenciesStarted(const std::vector<std::string>& dependencies, const tStarted& started) noexcept;
+
+/// Returns the error with which the host refuses the plug-in before it loads the library: -52002 if no feature that it
+/// requires is allowed, otherwise -52006 if a dependency has not started. Returns null if the library is to be loaded.
+[[nodiscard]] const zuerr::RaiseReport* refusal(const tPluginDescription& description, std::uint32_t allowedMask,
+                                                const tStarted& started) noexcept;
 
 }  // namespace nPluginStart

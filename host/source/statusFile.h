@@ -7,6 +7,8 @@
 /// characters unless long paths are enabled); every call fails if a path is not valid UTF-8.
 namespace nStatusFile {
 
+inline constexpr const char* fileName = "zuZiptraRemoteService.status";  ///< in the vendor's application-data folder
+
 /// Opens the file for writing as text and truncates it if it exists; others may open it meanwhile. The caller closes
 /// it. Returns null on failure.
 [[nodiscard]] std::FILE* open(const std::string& path);

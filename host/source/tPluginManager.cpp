@@ -19,8 +19,6 @@ static_assert(offsetof(tPluginEntry, initTimeMs) == codes + 16 && offsetof(tPlug
 static_assert(offsetof(tPluginEntry, cleanupTimeMs) == codes + 32 && sizeof(tPluginEntry) == codes + 40);
 
 constexpr const char* sourceFile = ".\\source\\tPluginManager";
-constexpr zuerr::RaiseReport featureMissing{zuerr::featureUnsupported, {sourceFile, 41}};
-constexpr zuerr::RaiseReport dependencyMissing{zuerr::resourceNotFound, {sourceFile, 48}};
 constexpr zuerr::RaiseReport initializeFailed{"pluginStatus", {sourceFile, 55}};
 
 /// Starts the plug-in and records that in `started`. Throws if it cannot be started; its library may then be loaded.
@@ -28,8 +26,8 @@ constexpr zuerr::RaiseReport initializeFailed{"pluginStatus", {sourceFile, 55}};
 void start(tPluginEntry& entry, const tPluginDescription& description, std::uint32_t allowedMask,
            nPluginStart::tStarted& started) {
     entry.description = description;
-    if (!nPluginStart::featureAllowed(description.requiresMask, allowedMask)) zuerr::Raise(featureMissing);
-    if (!nPluginStart::dependenciesStarted(description.dependencies, started)) zuerr::Raise(dependencyMissing);
+    const zuerr::RaiseReport* const refusal = nPluginStart::refusal(description, allowedMask, started);
+    if (refusal != nullptr) zuerr::Raise(*refusal);
     entry.library.open(description);
     entry.initCode = entry.library.initialize();
     if (entry.initCode < 0) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,9 @@ struct tPluginEntry {
     std::uint64_t stopTimeMs = 0;
     std::uint64_t cleanupTimeMs = 0;
 };
+
+/// Returns a paragraph per entry, in their order, for people to read.
+[[nodiscard]] std::string statusText(std::span<const tPluginEntry> entries);
 
 /// Starts, stops and cleans up the plug-ins on the caller's thread, one after another. A plug-in's failure is stored as
 /// a code in its entry and affects only the plug-ins that depend on it. An exception from a plug-in is such a failure
@@ -42,7 +46,7 @@ public:
     /// Returns the entries in start order.
     [[nodiscard]] const std::vector<tPluginEntry>& entries() const noexcept { return entries_; }
 
-    /// Returns a paragraph per plug-in, in start order, for people to read.
+    /// Returns the status text of the entries.
     [[nodiscard]] std::string statusText() const;
 
 private:

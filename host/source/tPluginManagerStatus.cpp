@@ -35,8 +35,10 @@ void writeEntry(std::string& text, const tPluginEntry& entry) {
 
 }  // namespace
 
-std::string tPluginManager::statusText() const {
+std::string statusText(std::span<const tPluginEntry> entries) {
     std::string text;
-    for (const tPluginEntry& entry : entries_) writeEntry(text, entry);
+    for (const tPluginEntry& entry : entries) writeEntry(text, entry);
     return text;
 }
+
+std::string tPluginManager::statusText() const { return ::statusText(entries_); }

@@ -1,6 +1,7 @@
 #include "err/Exception.h"
 #include "source/nPluginData.h"
 #include "source/nPluginOrder.h"
+#include "source/runMessages.h"
 #include "source/tService.h"
 #include "time/stopwatch.h"
 
@@ -10,7 +11,7 @@ void tService::run() {
     try {
         nPluginData::listPlugins(descriptionPaths);
     } catch (const zuerr::ExceptionBase&) {
-        messages += "Failed to open plugins directory.\n";
+        messages += std::string(nRunMessages::directoryNotOpened) + "\n";  // the whole line or nothing
         return;
     }
     std::vector<tPluginDescription> descriptions = readDescriptions(descriptionPaths);
@@ -39,7 +40,7 @@ std::vector<tPluginDescription> tService::readDescriptions(const std::vector<std
             nPluginData::readDescription(path, description);
             descriptions.push_back(description);
         } catch (const std::exception&) {
-            messages += "Failed to parse service description file: " + path + "\n";
+            messages += nRunMessages::descriptionNotParsed + path + "\n";
         }
     }
     return descriptions;

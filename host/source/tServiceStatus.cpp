@@ -1,11 +1,10 @@
-#include <array>
-#include <charconv>
 #include <cstdio>
 #include <memory>
 
 #include "err/Exception.h"
 #include "quarks/closer.h"
 #include "source/statusFile.h"
+#include "source/statusText.h"
 #include "source/tService.h"
 #include "stdpath/stdpath.h"
 
@@ -16,19 +15,10 @@ constexpr zuerr::RaiseReport openFailed{zuerr::insufficientPermissions, {sourceF
 constexpr zuerr::RaiseReport writeFailed{zuerr::osFault, {sourceFile, 217}};
 constexpr zuerr::RaiseReport renameFailed{zuerr::insufficientPermissions, {sourceFile, 225}};
 
-std::string hexadecimal(std::uint32_t value) {
-    std::array<char, 2 * sizeof value> digits{};
-    return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr};
-}
-
-std::string statusText(const tService& service) {
-    std::string text = "ZU-Ziptra Remote Configuration and Deployment status\n";
-    text.append("Updated: ").append(nStatusFile::currentTimeText());  // ends with a line break
-    text.append("Allowed: 0x").append(hexadecimal(service.allowedMask)).append("\n");
-    // 32 bits, as in the plug-ins' lines: the number wraps around after 49.7 days.
-    const std::string initTime = std::to_string(static_cast<std::uint32_t>(service.initTimeMs));
-    if (service.initTimeMs != 0) text.append("Init Time ").append(initTime).append(" ms\n");
-    return text.append("\n").append(service.messages).append(service.pluginManager.statusText());
+std::string statusTextOf(const tService& service) {
+    const std::string updated = nStatusFile::currentTimeText();
+    return statusText(
+        {updated, service.allowedMask, service.initTimeMs, service.messages, service.pluginManager.entries()});
 }
 
 using tFile = std::unique_ptr<std::FILE, tCloser<std::fclose>>;
@@ -48,13 +38,13 @@ void writeTextFile(const std::string& path, std::string text) {
 
 void WriteStatus(const tService& service) {
     try {
-        const std::string text = statusText(service);
+        const std::string text = statusTextOf(service);
         std::string directory;
         zuerr::StatusRecord status;
         nStdPath::getCommonAppDataDirectory(directory, status);
         const bool known = !status.failed();
         zuerr::ThrowIfFailed(status);
-        if (known) WriteStatusFile(directory, "zuZiptraRemoteService.status", text);
+        if (known) WriteStatusFile(directory, nStatusFile::fileName, text);
     } catch (const std::exception&) {
         static_cast<void>(zuerr::CurrentExceptionCode());
     }

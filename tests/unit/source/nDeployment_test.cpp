@@ -226,6 +226,29 @@ TEST_F(nDeploymentTest, EveryReferenceIsReleasedIfTheFrameworkThrows) {
     }
 }
 
+// isAllowedAtOnce
+
+TEST_F(nDeploymentTest, AskedAtOnceItReadsTheSetting) {
+    EXPECT_TRUE(nDeployment::isAllowedAtOnce());
+    framework.setting = 0;
+    EXPECT_FALSE(nDeployment::isAllowedAtOnce());
+    EXPECT_EQ(framework.held(), 0U);
+}
+
+TEST_F(nDeploymentTest, AskedAtOnceItFailsAtTheFirstFailedAttemptWithoutAPause) {
+    for (int step = 1; step <= 5; ++step) {
+        framework.attempts = 0;
+        fail(step, 1);
+        EXPECT_THROW(static_cast<void>(nDeployment::isAllowedAtOnce()),
+                     zuZiptraRemoteService::CannotInitSystemFramework);
+        EXPECT_EQ(framework.attempts, 1);
+    }
+    fail(6, 1000);
+    EXPECT_THROW(static_cast<void>(nDeployment::isAllowedAtOnce()), zuZiptraRemoteService::DeploymentSettingNotFound);
+    EXPECT_THAT(platform.pauses, IsEmpty());
+    EXPECT_EQ(framework.held(), 0U);
+}
+
 TEST(nDeploymentExceptions, CarryTheirFixedTexts) {
     EXPECT_STREQ(zuZiptraRemoteService::CannotInitSystemFramework().what(), "Cannot init system framework");
     EXPECT_STREQ(zuZiptraRemoteService::DeploymentSettingNotFound().what(), "Deployment setting not found");

@@ -162,6 +162,21 @@ TEST(nPluginOrder, KeepsItsOrderOfManyInconsistentOnesFromVersionToVersion) {
     EXPECT_EQ(digest, 2623699182U);
 }
 
+TEST(nPluginOrder, ReturnsThePositionsInTheOrderInWhichItSorts) {
+    EXPECT_THAT(nPluginOrder::positionsInOrder({}), testing::IsEmpty());
+    EXPECT_THAT(nPluginOrder::positionsInOrder({plugin("c"), plugin("a", {"b"}), plugin("B"), plugin("b")}),
+                ElementsAre(2, 3, 1, 0));
+    std::mt19937 random(4);
+    for (std::size_t count = 0; count < 200; ++count) {
+        const std::vector<tPluginDescription> plugins = randomPlugins(random, count);
+        std::vector<std::string> paths;
+        for (const std::size_t position : nPluginOrder::positionsInOrder(plugins)) {
+            paths.push_back(plugins.at(position).path);
+        }
+        ASSERT_EQ(paths, orderedPaths(plugins)) << count;
+    }
+}
+
 TEST(nPluginOrder, MovesWholeDescriptionsWithoutCopyingTheirTexts) {
     tPluginDescription last = plugin("b", {"a", "c"});
     last.requiresMask = 6;

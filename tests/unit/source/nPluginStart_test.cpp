@@ -63,4 +63,26 @@ TEST(nPluginStart, DemandsThatEachDependencyHasStartedAndIsNamedOnceAndInOrder) 
     }
 }
 
+TEST(nPluginStart, RefusesForAMissingFeatureAndOtherwiseForAMissingDependency) {
+    tPluginDescription description;
+    description.requiresMask = 4;
+    description.dependencies = {"a"};
+    const nPluginStart::tStarted aStarted = startedFrom({"a"});
+    const nPluginStart::tStarted noneStarted = startedFrom({"-", "a"});
+
+    EXPECT_EQ(nPluginStart::refusal(description, 4, aStarted), nullptr);
+    const zuerr::RaiseReport* const dependencyMissing = nPluginStart::refusal(description, 4, noneStarted);
+    ASSERT_NE(dependencyMissing, nullptr);
+    EXPECT_EQ(dependencyMissing->code, -52006);
+    EXPECT_STREQ(dependencyMissing->site.file, ".\\source\\tPluginManager");
+    EXPECT_EQ(dependencyMissing->site.line, 48);
+    for (const nPluginStart::tStarted& started : {aStarted, noneStarted}) {
+        const zuerr::RaiseReport* const featureMissing = nPluginStart::refusal(description, 3, started);
+        ASSERT_NE(featureMissing, nullptr);
+        EXPECT_EQ(featureMissing->code, -52002);
+        EXPECT_STREQ(featureMissing->site.file, ".\\source\\tPluginManager");
+        EXPECT_EQ(featureMissing->site.line, 41);
+    }
+}
+
 }  // namespace
