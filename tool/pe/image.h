@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tool/pe/library.h"
+
+namespace nPe {
+
+/// Where one of an image's tables is; rva is 0 if it has none. The size is the file's claim, checked by nobody.
+struct tDirectory {
+    std::uint32_t rva = 0;  ///< relative virtual address: the distance from the image's beginning in memory
+    std::uint32_t size = 0;
+};
+
+/// The numbers of the directories.
+enum class tTable : std::size_t { exports = 0, imports = 1, delayedImports = 13 };
+
+/// A library's bytes at the addresses to which the loader maps them. It refers to the bytes without owning them. All
+/// that is read from it is limited by the size of the file, so overlapping tables cannot make the caller's work
+/// quadratic.
+class tImage {
+public:
+    /// Reads the headers. Throws tUnreadable if the loader refuses them.
+    explicit tImage(std::span<const std::byte> bytes);
+
+    [[nodiscard]] std::uint16_t machine() const noexcept { return machine_; }
+    [[nodiscard]] bool pe32Plus() const noexcept { return pe32Plus_; }
+    [[nodiscard]] bool isDll() const noexcept { return isDll_; }
+    [[nodiscard]] bool hasEntryPoint() const noexcept { return hasEntryPoint_; }
+    [[nodiscard]] bool hasCode() const noexcept { return hasCode_; }
+    /// Returns the address at which the linker expected the image to be loaded.
+    [[nodiscard]] std::uint64_t base() const noexcept { return base_; }
+    [[nodiscard]] tDirectory directory(tTable table) const noexcept;
+
+    /// These return what is in memory at the address, where the end of a section without bytes in the file is zero.
+    /// Throw tUnreadable if the address is outside the image, and if the tables overlap.
+    [[nodiscard]] std::uint16_t read16(std::uint64_t rva);
+    [[nodiscard]] std::uint32_t read32(std::uint64_t rva);
+    [[nodiscard]] std::uint64_t read64(std::uint64_t rva);
+    /// Returns the bytes up to a zero.
+    [[nodiscard]] std::string readText(std::uint64_t rva);
+
+private:
+    /// A part of the image: bytes of the file, followed by zeros.
+    struct tRegion {
+        std::uint64_t rva = 0;
+        std::uint64_t size = 0;
+        std::span<const std::byte> bytes;  ///< at most `size` of them
+
+        /// Returns the bytes from an address inside the region.
+        [[nodiscard]] std::span<const std::byte> from(std::uint64_t address) const;
+    };
+
+    void readOptionalHeader(std::uint64_t at, std::uint64_t size);
+    void readDirectories(std::uint64_t at, std::uint64_t end);
+    void mapSections(std::uint64_t table, std::uint16_t count);
+    void mapSection(std::uint64_t header);
+    /// Returns the region of the address. Throws tUnreadable if it does not contain `size` bytes from there.
+    [[nodiscard]] const tRegion& regionAt(std::uint64_t rva, std::uint64_t size) const;
+    void spend(std::uint64_t bytes);
+    template <class Number>
+    [[nodiscard]] Number read(std::uint64_t rva);
+
+    std::span<const std::byte> file_;
+    std::uint64_t unspent_;
+    std::uint16_t machine_ = 0;
+    bool pe32Plus_ = false;
+    bool isDll_ = false;
+    bool hasEntryPoint_ = false;
+    bool hasCode_ = false;
+    std::uint64_t base_ = 0;
+    std::uint32_t sectionAlignment_ = 0;
+    std::uint64_t imageSize_ = 0;
+    std::uint64_t headersSize_ = 0;
+    std::vector<tDirectory> directories_;
+    std::vector<tRegion> regions_;  ///< in ascending order, without overlaps
+};
+
+}  // namespace nPe

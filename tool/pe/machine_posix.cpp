@@ -1,0 +1,115 @@
+// The service never ships with this: the libraries of a Windows machine, seen from another system.
+#include <algorithm>
+#include <boost/filesystem/operations.hpp>
+#include <memory>
+#include <ranges>
+#include <string_view>
+#include <unordered_map>
+
+#include "stdpath/path.h"
+#include "tool/pe/machine.h"
+#include "tool/pe/systemLibraries.h"
+#include "tool/pe/windowsPath.h"
+
+namespace nPe {
+namespace {
+
+/// The names in folders, each of which is listed once.
+class tFolders {
+public:
+    /// Returns the path of the entry of this name, whatever the case of its letters. An exact match comes first.
+    std::optional<std::string> find(const std::string& folder, const std::string& name) {
+        const tNames& names = list(folder);
+        auto found = names.find(name);
+        if (found == names.end()) found = names.find(toLowerAscii(name));
+        if (found == names.end()) return std::nullopt;
+        return joined(folder, found->second);
+    }
+
+private:
+    /// The actual names, by themselves and in lower case.
+    using tNames = std::unordered_map<std::string, std::string>;
+
+    const tNames& list(const std::string& folder) {
+        const auto [entry, isNew] = folders_.try_emplace(folder);
+        if (!isNew) return entry->second;
+        boost::system::error_code error;
+        boost::filesystem::directory_iterator file(nStdPath::pathFromUtf8(folder.empty() ? "." : folder), error);
+        for (; !error && file != boost::filesystem::directory_iterator(); file.increment(error)) {
+            const std::string name = nStdPath::pathToUtf8(file->path().filename());
+            entry->second.insert_or_assign(name, name);
+            entry->second.try_emplace(toLowerAscii(name), name);
+        }
+        return entry->second;
+    }
+
+    std::unordered_map<std::string, tNames> folders_;
+};
+
+/// Returns the parts of a Windows path, without "." and "..", and as Windows does without dots and blanks at their
+/// ends.
+std::vector<std::string> partsOf(std::string_view path) {
+    if (path.starts_with(R"(\\?\)")) path.remove_prefix(4);
+    std::vector<std::string> parts;
+    while (!path.empty()) {
+        const std::size_t end = std::min(path.find_first_of("\\/"), path.size());
+        const std::string_view part = path.substr(0, end);
+        path.remove_prefix(std::min(end + 1, path.size()));
+        if (part == "..") {
+            if (parts.size() > 1) parts.pop_back();
+            continue;
+        }
+        const std::size_t length = part.find_last_not_of(". ") + 1;
+        if (length > 0) parts.emplace_back(part.substr(0, length));
+    }
+    return parts;
+}
+
+bool startsWith(const std::vector<std::string>& parts, const std::vector<std::string>& start) {
+    return parts.size() >= start.size() &&
+           std::ranges::equal(start, parts | std::views::take(start.size()), {}, toLowerAscii, toLowerAscii);
+}
+
+/// A mapped folder.
+struct tMapping {
+    std::vector<std::string> parts;
+    std::string folder;
+};
+
+std::optional<std::string> findPath(const std::vector<tMapping>& map, const std::string& path, tFolders& folders) {
+    const std::vector<std::string> parts = partsOf(path);
+    const tMapping* best = nullptr;
+    for (const tMapping& mapping : map) {
+        const bool isLonger = best == nullptr || mapping.parts.size() > best->parts.size();
+        if (isLonger && startsWith(parts, mapping.parts)) best = &mapping;
+    }
+    if (best == nullptr) return std::nullopt;
+    std::optional<std::string> found = best->folder;
+    for (std::size_t i = best->parts.size(); found && i < parts.size(); ++i) found = folders.find(*found, parts[i]);
+    return found;
+}
+
+}  // namespace
+
+tMachine thisMachine(const tFolderMap& folderMap, const tHostFolders& host) {
+    std::vector<tMapping> map;
+    tMachine machine;
+    for (const auto& [source, target] : folderMap) {
+        map.push_back({partsOf(source), target});
+        machine.searchFolders.push_back(target);
+    }
+    const auto folders = std::make_shared<tFolders>();
+    machine.findFile = [folders](const std::string& folder, const std::string& name) {
+        return folders->find(folder, name);
+    };
+    machine.findPath = [folders, map](const std::string& path) { return findPath(map, path, *folders); };
+    machine.readLibrary = cachedLibraries();
+    machine.isSystemLibrary = [](const std::string& name) { return isApiSet(name) || isInEveryWindows(name); };
+    machine.mayBeSystemLibrary = looksLikeWindows;
+    machine.systemFolder = machine.findPath(R"(C:\Windows\System32)").value_or(std::string());
+    machine.applicationFolder = host.application;
+    machine.currentFolder = host.current.empty() ? R"(C:\Windows\System32)" : host.current;
+    return machine;
+}
+
+}  // namespace nPe

@@ -1,0 +1,66 @@
+#include "tool/pe/windowsPath.h"
+
+#include <algorithm>
+
+namespace nPe {
+namespace {
+
+constexpr std::string_view separators = "\\/";
+
+char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool isSeparator(char c) { return separators.find(c) != std::string_view::npos; }
+
+bool hasDrive(std::string_view path) { return path.size() >= 2 && path[1] == ':'; }
+
+/// Returns the position after the last separator.
+std::size_t nameStart(std::string_view path) { return path.find_last_of(separators) + 1; }
+
+}  // namespace
+
+std::string toLowerAscii(std::string_view text) {
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(), toLower);
+    return lower;
+}
+
+std::string folderOf(std::string_view path) {
+    const std::size_t start = nameStart(path);
+    const bool isRoot = start == 1 || (start == 3 && hasDrive(path));
+    return std::string(path.substr(0, isRoot || start == 0 ? start : start - 1));
+}
+
+std::string fileNameOf(std::string_view path) { return std::string(path.substr(nameStart(path))); }
+
+std::string joined(std::string_view folder, std::string_view name) {
+    std::string path(folder);
+    const bool isWindows = hasDrive(folder) || folder.find('\\') != std::string_view::npos;
+    if (!folder.empty() && !isSeparator(folder.back())) path += isWindows ? '\\' : '/';
+    return path.append(name);
+}
+
+std::string withExtension(std::string_view path) {
+    std::string file(path.substr(0, path.find_last_not_of(' ') + 1));
+    if (file.find('.', nameStart(file)) == std::string::npos) file += ".dll";
+    return file;
+}
+
+bool isSearched(std::string_view path) noexcept {
+    return !path.empty() && !isSeparator(path.front()) && !hasDrive(path);
+}
+
+std::string absolutePath(std::string_view path, std::string_view currentFolder) {
+    const std::string_view drive = currentFolder.substr(0, 2);
+    if (isSearched(path)) return joined(currentFolder, path);
+    if (hasDrive(path)) {
+        if (path.size() > 2 && isSeparator(path[2])) return std::string(path);
+        const std::string_view relative = path.substr(2);
+        const bool isCurrent = toLower(path[0]) == toLower(drive[0]);
+        return isCurrent ? joined(currentFolder, relative)
+                         : std::string(path.substr(0, 2)) + '\\' + std::string(relative);
+    }
+    const bool hasServer = path.size() > 1 && isSeparator(path[1]);
+    return hasServer ? std::string(path) : std::string(drive) + std::string(path);
+}
+
+}  // namespace nPe
