@@ -1,0 +1,13 @@
+#pragma once
+
+#include <vector>
+
+#include "tool/check/catalogue.h"
+#include "tool/check/predictedStarts.h"
+
+namespace nCheck {
+
+/// Finds dependencies because of which a plug-in does not start. `outcomes` is by position. Throws std::bad_alloc.
+void findInDependencies(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes);
+
+}  // namespace nCheck

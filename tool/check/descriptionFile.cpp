@@ -1,0 +1,98 @@
+#include "tool/check/descriptionFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <new>
+#include <utility>
+
+#include "ini/file.h"
+#include "ini/parser.h"
+#include "stdpath/path.h"
+#include "tool/check/descriptionLines.h"
+#include "tool/check/descriptionValues.h"
+
+namespace nCheck {
+namespace {
+
+namespace nKeys = nDescriptionFormat::nKeys;
+
+/// Returns an index of nKeys::all.
+std::size_t indexOf(std::string_view key) noexcept {
+    return static_cast<std::size_t>(std::find(nKeys::all.begin(), nKeys::all.end(), key) - nKeys::all.begin());
+}
+
+std::string readAll(std::FILE* file) {
+    std::rewind(file);
+    std::string text;
+    std::array<char, 4096> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): fread fills it
+    for (std::size_t count = chunk.size(); count == chunk.size();) {
+        count = std::fread(chunk.data(), 1, chunk.size(), file);
+        text.append(chunk.data(), count);
+    }
+    return text;
+}
+
+tKeyLines findLines(nIni::tDocument& document) {
+    tKeyLines lines;
+    nIni::tSection* const service = nIni::findSection(document, nDescriptionFormat::section);
+    if (service == nullptr) return lines;
+    for (const std::string_view name : nKeys::all) {
+        const nIni::tKey* const key = nIni::findKey(*service, document.caseSensitive != 0, name);
+        if (key != nullptr) lines.set(name, key->line);
+    }
+    return lines;
+}
+
+/// Describes a file that the host cannot read at all.
+void addUnreadable(tFileFindings& findings, int code) {
+    if (code == nIni::wideText) {
+        findings.add("utf-16", std::nullopt, "UTF-16 or UTF-32 text: the host rejects the whole file");
+        return;
+    }
+    const char* const reason = code == nIni::fileNotFound    ? "there is no such file"
+                               : code == nIni::fileNotOpened ? "it cannot be opened"
+                               : code == nIni::outOfMemory   ? "it does not fit in memory"
+                                                             : "reading it fails";
+    findings.add("unreadable-file", std::nullopt, std::string("the host cannot read the file: ") + reason);
+}
+
+/// Returns the parser's result, as the host's own reading would. Reads the file once: opening one takes longer than
+/// anything else that is done with a small file.
+int read(const std::string& path, tDescriptionFile& result) try {
+    const std::wstring widePath = nStdPath::widePathFromUtf8(path);
+    const nIni::tFile file = nIni::openFile(widePath.c_str());
+    if (!file) return nIni::lastWriteTime(widePath.c_str()) ? nIni::fileNotOpened : nIni::fileNotFound;
+    nIni::tDocument document;
+    document.flags = nDescriptionFormat::documentFlags;
+    const int code = nIni::parseStream(document, file.get());
+    if (code < 0) return code;
+    const bool rejected = document.firstErrorLine != -1;
+    tPluginDescription description = nPluginData::describe(document);
+    if (rejected) {
+        result.rejectedName = std::move(description.name);
+    } else {
+        result.description = std::move(description);
+    }
+    result.lines = findLines(document);
+    findInLines(readAll(file.get()), rejected, result.lines, result.findings);
+    if (result.description) findInValues(document, *result.description, result.findings);
+    return code;
+} catch (const std::bad_alloc&) {
+    return nIni::outOfMemory;
+}
+
+}  // namespace
+
+std::optional<int> tKeyLines::of(std::string_view key) const noexcept { return lines_[indexOf(key)]; }
+
+void tKeyLines::set(std::string_view key, int line) noexcept { lines_[indexOf(key)] = line; }
+
+tDescriptionFile readFile(const std::string& path) {
+    tDescriptionFile result(path);
+    const int code = read(path, result);
+    if (code < 0) addUnreadable(result.findings, code);
+    return result;
+}
+
+}  // namespace nCheck

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "source/descriptionFormat.h"
+#include "source/nPluginData.h"
+#include "tool/check/fileFindings.h"
+
+namespace nCheck {
+
+/// The lines of the keys that count, in the order of nDescriptionFormat::nKeys::all.
+class tKeyLines {
+public:
+    /// Returns nullopt if the file has no such key. Requires: the name is one of nKeys.
+    [[nodiscard]] std::optional<int> of(std::string_view key) const noexcept;
+    void set(std::string_view key, int line) noexcept;
+
+private:
+    std::array<std::optional<int>, nDescriptionFormat::nKeys::all.size()> lines_;
+};
+
+/// A description file as the host reads it.
+struct tDescriptionFile {
+    explicit tDescriptionFile(std::string path) : findings(std::move(path)) {}
+
+    tFileFindings findings;                         ///< knows the file's path
+    std::optional<tPluginDescription> description;  ///< none if the host rejects the file
+    std::string rejectedName;                       ///< of the plug-in, if the host rejects the file but it has one
+    tKeyLines lines;
+};
+
+/// Reads the file, and finds what is wrong with its lines and values. Throws std::bad_alloc.
+[[nodiscard]] tDescriptionFile readFile(const std::string& path);
+
+}  // namespace nCheck

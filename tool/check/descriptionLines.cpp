@@ -1,0 +1,183 @@
+#include "tool/check/descriptionLines.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ini/line.h"
+#include "ini/lineReader.h"
+#include "ini/nameIndex.h"
+#include "tool/check/similarNames.h"
+#include "tool/check/wording.h"
+
+namespace nCheck {
+namespace {
+
+namespace nKeys = nDescriptionFormat::nKeys;
+using nWording::quoted;
+
+constexpr const char* rejects = ": the host rejects the whole file";
+
+/// Returns the host's spelling of the key, or nullopt if the host knows no such key.
+std::optional<std::string_view> knownKey(std::string_view name) {
+    const auto found = std::find_if(nKeys::all.begin(), nKeys::all.end(),
+                                    [name](std::string_view key) { return nIni::sameName(key, name, false); });
+    return found == nKeys::all.end() ? std::nullopt : std::optional(*found);
+}
+
+bool isService(std::string_view section) { return nIni::sameName(section, nDescriptionFormat::section, false); }
+
+struct tExplanation {
+    const char* what;
+    const char* remedy;  ///< empty if the rule's says enough
+};
+
+/// Requires: the line is malformed, and not blank.
+tExplanation explain(nIni::tLineKind kind, std::string_view text) {
+    if (kind == nIni::tLineKind::headerNotClosed) return {"the section's name has no \"]\"", "Add the bracket."};
+    if (kind == nIni::tLineKind::headerWithoutName) return {"the section has no name", "Write [Service]."};
+    if (kind == nIni::tLineKind::keyWithoutName) return {"nothing precedes the \"=\"", "Write the key's name."};
+    const std::string_view start = text.substr(text.find_first_not_of(" \t\v\f\r\n"));
+    if (start.starts_with('#') || start.starts_with("//")) return {"not a comment", "Begin comments with a semicolon."};
+    const bool colon = start.find(':') != std::string_view::npos;
+    return {"no \"=\"", colon ? "Separate the key from the value by \"=\"." : ""};
+}
+
+/// Reads the lines one after another and remembers what the later ones depend on.
+class tLines {
+public:
+    explicit tLines(tFileFindings& findings) : findings_(findings) {}
+
+    void read(std::string_view text, int number);
+    void finish(bool rejected, const tKeyLines& counting);
+
+private:
+    void reportMalformed(nIni::tLineKind kind, std::string_view text, int number);
+    void readHeader(std::string_view name, int number);
+    void readKey(std::string_view name, int number);
+    void readServiceKey(std::string_view name, int number);
+    void reportUnknownKey(std::string_view name, int number);
+
+    tFileFindings& findings_;
+    bool hasSection_ = false;
+    bool hasService_ = false;
+    bool inService_ = false;
+    bool inContinuation_ = false;  ///< whether the previous key of the section was part of a run of continuation keys
+    std::vector<std::pair<std::string_view, int>> keys_;  ///< the keys that the host knows, and their lines
+};
+
+void tLines::read(std::string_view text, int number) {
+    const nIni::tLine line = nIni::readLine(text, nDescriptionFormat::documentFlags);
+    if (nIni::isMalformed(line.kind)) reportMalformed(line.kind, text, number);
+    if (line.kind == nIni::tLineKind::header) readHeader(line.name, number);
+    if (line.kind == nIni::tLineKind::key) readKey(line.name, number);
+}
+
+void tLines::reportMalformed(nIni::tLineKind kind, std::string_view text, int number) {
+    if (kind == nIni::tLineKind::blank) {
+        findings_.add("blank-line", number, std::string("blank line") + rejects);
+        return;
+    }
+    const auto [what, remedy] = explain(kind, text);
+    findings_.add("malformed-line", number, std::string(what) + rejects, remedy);
+}
+
+void tLines::readHeader(std::string_view name, int number) {
+    hasSection_ = true;
+    inContinuation_ = false;
+    inService_ = isService(name);
+    hasService_ = hasService_ || inService_;
+    if (inService_) return;
+    const bool similar = nSimilarNames::areSimilar(name, nDescriptionFormat::section);
+    findings_.add(similar ? "misspelt-section" : "unknown-section", number,
+                  "the host ignores section " + quoted(name) + (similar ? "; it reads \"Service\"" : ""));
+}
+
+void tLines::readKey(std::string_view name, int number) {
+    if (!hasSection_) {
+        findings_.add("key-before-section", number, "the host ignores " + quoted(name) + ", which is in no section");
+    } else if (inService_) {
+        readServiceKey(name, number);
+    }
+}
+
+void tLines::readServiceKey(std::string_view name, int number) {
+    const std::optional<nIni::tContinuation> continuation = nIni::toContinuation(name);
+    const bool continues = continuation && !continuation->startsRun && inContinuation_;
+    inContinuation_ = continuation && (continuation->startsRun || inContinuation_);
+    if (continues) return;
+    const std::optional<std::string_view> key = knownKey(inContinuation_ ? continuation->stem : name);
+    if (key) {
+        keys_.emplace_back(*key, number);
+    } else {
+        reportUnknownKey(name, number);
+    }
+}
+
+void tLines::reportUnknownKey(std::string_view name, int number) {
+    if (const auto continuation = nIni::toContinuation(name); continuation && knownKey(continuation->stem)) {
+        findings_.add("misspelt-key", number, quoted(name) + " continues nothing",
+                      "Begin with " + std::string(continuation->stem) + " Line1, and continue in the next line.");
+        return;
+    }
+    const std::optional<std::string_view> meant = nSimilarNames::closest(name, nKeys::all);
+    const std::string message = "the host does not know " + quoted(name);
+    if (meant) {
+        findings_.add("misspelt-key", number, message + "; it reads " + quoted(*meant),
+                      "Write " + std::string(*meant) + "=, or remove the line.");
+    } else {
+        findings_.add("unknown-key", number, message);
+    }
+}
+
+void tLines::finish(bool rejected, const tKeyLines& counting) {
+    if (!hasService_ && !rejected) {
+        findings_.add("no-service-section", std::nullopt, "there is no section [Service], so the description is empty");
+    }
+    for (const auto& [key, line] : keys_) {
+        const std::optional<int> counts = counting.of(key);
+        if (!counts || *counts == line) continue;
+        findings_.add("repeated-key", line,
+                      quoted(key) + " does not count here but in line " + std::to_string(*counts));
+    }
+}
+
+/// Returns whether the text is UTF-16 without a byte-order mark: every second byte at its beginning is zero.
+bool looksWide(std::string_view text) {
+    if (text.size() < 4) return false;
+    const auto isZero = [text](std::size_t i) { return text[i] == 0; };
+    return isZero(0) != isZero(1) && isZero(0) == isZero(2) && isZero(1) == isZero(3);
+}
+
+/// Reports bytes that are no text.
+void checkBytes(std::string_view line, bool endsWithZero, int number, bool& isUtf8, tFileFindings& findings) {
+    if (endsWithZero) findings.add("zero-byte", number, "a zero byte ends the line");
+    if (!isUtf8 || nWording::isUtf8(line)) return;
+    isUtf8 = false;
+    findings.add("not-utf-8", number, "the text is not valid UTF-8 from here on");
+}
+
+}  // namespace
+
+void findInLines(std::string_view text, bool rejected, const tKeyLines& counting, tFileFindings& findings) {
+    if (rejected && looksWide(text)) {
+        findings.add("utf-16", std::nullopt, std::string("UTF-16 text") + rejects);
+        return;
+    }
+    const std::string_view content = nIni::withoutByteOrderMark(text);
+    if (content.size() < text.size()) findings.add("byte-order-mark", 1, "a byte-order mark, which the host skips");
+    const char* const end = content.data() + content.size();
+    nIni::tLineReader reader;
+    reader.setBlock(content, true);
+    tLines lines(findings);
+    bool isUtf8 = true;
+    while (const std::optional<std::string_view> line = reader.next()) {
+        const char* const lineEnd = line->data() + line->size();
+        checkBytes(*line, lineEnd < end && *lineEnd == 0, reader.lineNumber(), isUtf8, findings);
+        lines.read(*line, reader.lineNumber());
+    }
+    lines.finish(rejected, counting);
+}
+
+}  // namespace nCheck

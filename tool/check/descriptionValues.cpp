@@ -1,0 +1,75 @@
+#include "tool/check/descriptionValues.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "source/descriptionFormat.h"
+#include "tool/check/requiresValue.h"
+#include "tool/check/wording.h"
+
+namespace nCheck {
+namespace {
+
+namespace nKeys = nDescriptionFormat::nKeys;
+using nWording::quoted;
+
+constexpr std::string_view blanks = " \t\v\f";
+
+/// Characters that look like a blank, or like nothing, but are none for the host: no-break, en to hair, zero-width,
+/// narrow and ideographic spaces, and the byte-order mark.
+constexpr std::array<std::string_view, 17> strangeBlanks{"\u00A0", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
+                                                         "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A",
+                                                         "\u200B", "\u202F", "\u205F", "\u3000", "\uFEFF"};
+
+bool hasOuterBlank(std::string_view value) {
+    if (value.empty()) return false;
+    if (blanks.find(value.front()) != std::string_view::npos) return true;
+    if (blanks.find(value.back()) != std::string_view::npos) return true;
+    return std::any_of(strangeBlanks.begin(), strangeBlanks.end(),
+                       [value](std::string_view blank) { return value.starts_with(blank) || value.ends_with(blank); });
+}
+
+bool hasOuterStrangeBlank(const std::vector<std::string>& names) {
+    return std::any_of(names.begin(), names.end(), hasOuterBlank);
+}
+
+bool hasQuotes(std::string_view value) {
+    const bool single = value.size() > 1 && value.starts_with('\'') && value.ends_with('\'');
+    return single || value.find('"') != std::string_view::npos;
+}
+
+bool hasComment(std::string_view value) {
+    const std::size_t semicolon = value.find(';');
+    return semicolon == 0 || (semicolon != std::string_view::npos && blanks.find(value[semicolon - 1]) != blanks.npos);
+}
+
+void checkValue(const nIni::tKey& key, std::string_view name, const tPluginDescription& description,
+                tFileFindings& findings) {
+    // Surrounding blanks of a name are a finding of their own, and the host removes those of dependencies.
+    const bool outerBlank = name == nKeys::dependencies ? hasOuterStrangeBlank(description.dependencies)
+                                                        : name != nKeys::name && hasOuterBlank(key.value);
+    const std::string what = std::string(name) + " is " + quoted(key.value);
+    if (outerBlank) findings.add("blanks-in-value", key.line, what + ", with a blank at an end");
+    if (hasQuotes(key.value)) findings.add("quote-in-value", key.line, what + ", quotes included");
+    if (hasComment(key.value)) findings.add("comment-in-value", key.line, what + ", comment included");
+}
+
+}  // namespace
+
+void findInValues(nIni::tDocument& document, tPluginDescription& description, tFileFindings& findings) {
+    nIni::tSection* const service = nIni::findSection(document, nDescriptionFormat::section);
+    if (service == nullptr) return;
+    for (const std::string_view name : nKeys::all) {
+        const nIni::tKey* const key = nIni::findKey(*service, document.caseSensitive != 0, name);
+        if (key == nullptr) continue;
+        if (name == nKeys::requiresMask) {
+            findInRequires(key->value, key->line, description.requiresMask, findings);
+        } else {
+            checkValue(*key, name, description, findings);
+        }
+    }
+}
+
+}  // namespace nCheck

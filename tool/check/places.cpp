@@ -1,0 +1,133 @@
+#include "tool/check/places.h"
+
+#include <algorithm>
+#include <boost/filesystem/directory.hpp>
+#include <boost/filesystem/operations.hpp>
+#include <unordered_set>
+
+#include "err/Exception.h"
+#include "ini/nameIndex.h"
+#include "source/descriptionFormat.h"
+#include "source/nPluginData.h"
+#include "source/runMessages.h"
+#include "stdpath/path.h"
+#include "stdpath/stdpath.h"
+#include "tool/check/fileNameOrder.h"
+#include "tool/check/prediction.h"
+#include "tool/check/thisMachine.h"
+#include "tool/check/wording.h"
+#include "tool/rules.h"
+
+namespace nCheck {
+namespace {
+
+namespace nFiles = boost::filesystem;
+using nWording::quoted;
+
+bool isDescription(const nFiles::path& path) { return path.extension() == nDescriptionFormat::extension; }
+
+/// Returns whether somebody may take the file for a description: "x.INI", or "x.ini.txt", which Explorer shows as
+/// "x.ini".
+bool looksLikeDescription(const nFiles::path& path) {
+    const auto hasExtension = [](const nFiles::path& name, std::string_view extension) {
+        return nIni::sameName(nStdPath::pathToUtf8(name.extension()), extension, false);
+    };
+    return hasExtension(path, nDescriptionFormat::extension) ||
+           (hasExtension(path, ".txt") && hasExtension(path.stem(), nDescriptionFormat::extension));
+}
+
+void addUnseen(const nFiles::path& path, const nFiles::file_status& status, tListing& listing) {
+    const std::string file = nStdPath::pathToUtf8(path);
+    if (nFiles::is_directory(status)) {
+        listing.findings.push_back(nRules::finding("unseen-folder", file, std::nullopt, std::nullopt,
+                                                   "a folder named like a description, which the host ignores"));
+    } else {
+        const bool regular = nFiles::is_regular_file(status);
+        listing.findings.push_back(
+            nRules::finding("unseen-file", file, std::nullopt, std::nullopt,
+                            regular ? "the host does not see the file: its extension is not \".ini\" in lower case"
+                                    : "the host does not see the file: it is not a regular file"));
+    }
+}
+
+/// Finds what the host passes over although somebody may take it for a description.
+void findUnseen(const nFiles::path& directory, tListing& listing) {
+    const std::unordered_set<std::string> seen(listing.files.begin(), listing.files.end());
+    for (const nFiles::directory_entry& entry : nFiles::directory_iterator(directory)) {
+        if (!looksLikeDescription(entry.path()) || seen.contains(nStdPath::pathToUtf8(entry.path()))) continue;
+        boost::system::error_code error;
+        addUnseen(entry.path(), entry.status(error), listing);
+    }
+    std::sort(listing.findings.begin(), listing.findings.end(),
+              [](const tFinding& a, const tFinding& b) { return a.file < b.file; });
+}
+
+void listDirectory(const nFiles::path& directory, tListing& listing) try {
+    nPluginData::listDescriptionFiles(directory, nDescriptionFormat::extension, listing.files);
+    findUnseen(directory, listing);
+} catch (const std::exception&) {
+    throw tCannotLook("The directory " + quoted(nStdPath::pathToUtf8(directory)) + " cannot be read");
+}
+
+void listPlace(const std::string& place, tListing& listing) {
+    const nFiles::path path = nStdPath::pathFromUtf8(place);
+    boost::system::error_code error;
+    const nFiles::file_status status = nFiles::status(path, error);
+    if (nFiles::is_directory(status)) {
+        listDirectory(path, listing);
+    } else if (!nFiles::exists(status)) {
+        throw tCannotLook("There is no file or directory " + quoted(place));
+    } else if (isDescription(path) && nFiles::is_regular_file(status)) {
+        listing.files.push_back(place);
+    } else {
+        addUnseen(path, status, listing);
+    }
+}
+
+void listThisMachine(tListing& listing) {
+    if (!nThisMachine::runsHost()) {
+        throw tCannotLook("The host does not run on this machine: name a directory or files to check");
+    }
+    try {
+        const nFiles::path directory = nStdPath::getPluginDirectory();
+        listing.directory = nStdPath::pathToUtf8(directory);
+        nPluginData::listPlugins(listing.files);
+        findUnseen(directory, listing);
+    } catch (const zuerr::ExceptionBase&) {
+        listing.messages.emplace_back(nRunMessages::directoryNotOpened);
+        listing.findings.push_back(nRules::finding("plugins-directory", listing.directory, std::nullopt, std::nullopt,
+                                                   "the host cannot open its plug-in directory and stops"));
+    } catch (const nFiles::filesystem_error&) {
+        throw tCannotLook("The directory " + quoted(listing.directory) + " cannot be read");
+    }
+}
+
+/// Removes files that are listed twice. Requires: those of one name are neighbours.
+void removeRepeated(std::vector<std::string>& files) {
+    const auto isSame = [](const std::string& a, const std::string& b) {
+        const nFiles::path first = nStdPath::pathFromUtf8(a);
+        const nFiles::path second = nStdPath::pathFromUtf8(b);
+        boost::system::error_code error;
+        return first.filename() == second.filename() && nFiles::equivalent(first, second, error);
+    };
+    files.erase(std::unique(files.begin(), files.end(), isSame), files.end());
+}
+
+}  // namespace
+
+tListing listPlaces(const std::vector<std::string>& places) {
+    tListing listing;
+    if (places.empty()) {
+        listThisMachine(listing);
+        return listing;
+    }
+    listing.directory = places.front();
+    for (const std::string& place : places) listPlace(place, listing);
+    // Windows lists a folder in the order of the names.
+    const bool inOrder = places.size() == 1 && nThisMachine::runsHost();
+    if (!inOrder) nFileNameOrder::sort(listing.files);
+    if (places.size() > 1) removeRepeated(listing.files);
+    return listing;
+}
+
+}  // namespace nCheck

@@ -1,0 +1,77 @@
+#include <algorithm>
+
+#include "tool/check/render.h"
+#include "tool/check/wording.h"
+#include "tool/format.h"
+
+namespace nCheck {
+namespace {
+
+using nWording::printable;
+
+constexpr std::size_t widestName = 40;
+
+std::string codeText(const tPredictedPlugin& plugin) { return plugin.code ? fmt::format("{}", *plugin.code) : "-"; }
+
+void appendFindings(std::string& text, const tPrediction& prediction, bool colour) {
+    for (tFinding finding : prediction.findings) {
+        finding.file = printable(finding.file);
+        finding.message = printable(finding.message);
+        text += fmt::format("{}\n    {}\n", nFinding::toText(finding, colour), printable(finding.remedy));
+    }
+    if (!prediction.findings.empty()) text += '\n';
+}
+
+void appendMessages(std::string& text, const tPrediction& prediction) {
+    if (prediction.messages.empty()) return;
+    text += "Messages in the status file:\n";
+    for (const std::string& message : prediction.messages) text += fmt::format("  {}\n", printable(message));
+    text += '\n';
+}
+
+void appendOrder(std::string& text, const tPrediction& prediction, bool colour) {
+    if (prediction.plugins.empty()) return;
+    std::size_t width = 0;
+    for (const tPredictedPlugin& plugin : prediction.plugins) width = std::max(width, plugin.description.name.size());
+    width = std::min(width, widestName);
+    text += "Start order, and the code of each start (-: the plug-in's own code decides, or it is unknown):\n";
+    std::size_t number = 0;
+    for (const tPredictedPlugin& plugin : prediction.plugins) {
+        const bool failed = plugin.code && *plugin.code < 0;
+        const std::string code = fmt::format("{:>7}", codeText(plugin));
+        text += fmt::format("{:>5}  {:<{}}  {}  {}\n", ++number, printable(plugin.description.name), width,
+                            failed && colour ? fmt::format("\x1B[1;31m{}\x1B[0m", code) : code, printable(plugin.file));
+    }
+    text += '\n';
+}
+
+/// Returns "1 error", "2 errors".
+std::string counted(std::size_t count, std::string_view what) {
+    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+std::string summary(const tPrediction& prediction) {
+    const auto count = [&prediction](tSeverity severity) {
+        return static_cast<std::size_t>(
+            std::count_if(prediction.findings.begin(), prediction.findings.end(),
+                          [severity](const tFinding& finding) { return finding.severity == severity; }));
+    };
+    const auto failing = static_cast<std::size_t>(
+        std::count_if(prediction.plugins.begin(), prediction.plugins.end(),
+                      [](const tPredictedPlugin& plugin) { return plugin.code && *plugin.code < 0; }));
+    return fmt::format("{}, of which {} will not start; {}, {}, {}\n", counted(prediction.plugins.size(), "plug-in"),
+                       failing, counted(count(tSeverity::error), "error"),
+                       counted(count(tSeverity::warning), "warning"), counted(count(tSeverity::note), "note"));
+}
+
+}  // namespace
+
+std::string toText(const tPrediction& prediction, bool colour) {
+    std::string text;
+    appendFindings(text, prediction, colour);
+    appendMessages(text, prediction);
+    appendOrder(text, prediction, colour);
+    return text + summary(prediction);
+}
+
+}  // namespace nCheck
