@@ -9,10 +9,13 @@ usage() {
 Usage: ./build.sh [preset [target...]]
 
 Builds all of build/<preset>, or the CMake targets named. The default is
-windows-release, which produces build/windows-release/bin/zuZiptraRemoteService.exe.
+windows-release, which produces zuZiptraRemoteService.exe and its companion
+ziptra.exe in build/windows-release/bin; native-release produces ziptra for this
+machine in build/native-release/bin.
 
 Presets: windows-release windows-debug windows-trace windows-coverage windows-bench
-         native-asan native-tsan native-coverage native-fuzz native-bench
+         native-release native-asan native-tsan native-coverage native-fuzz
+         native-bench
 TXT
 }
 
@@ -23,7 +26,7 @@ case $preset in
         exit 0
         ;;
     windows-release | windows-debug | windows-trace | windows-coverage | windows-bench) ;;
-    native-asan | native-tsan | native-coverage | native-fuzz | native-bench) ;;
+    native-release | native-asan | native-tsan | native-coverage | native-fuzz | native-bench) ;;
     *)
         usage >&2
         exit 2

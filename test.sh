@@ -6,7 +6,7 @@ source scripts/dependencies.sh
 source scripts/search.sh
 
 default_layers=(lint unit replay sweep endtoend endurance)
-all_layers=("${default_layers[@]}" tidy race coverage fuzz bench)
+all_layers=("${default_layers[@]}" catalogues tidy race coverage fuzz bench)
 results=build/test
 search_options=(20)
 usage() {
@@ -22,6 +22,8 @@ The last line is the sum: N passed, N failed, N skipped. What each program print
   replay     every fuzzer's code over the inputs that are known
   sweep      every system call and every allocation fails in turn (SWEEP_ALL=1: at every occurrence)
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
+  catalogues what \`ziptra check\` predicts of random plug-in directories is what the host does with them
+             (CATALOGUES directories: 150, or 2,000 in \`all\`; from the seed CATALOGUE_SEED)
   endurance  plug-ins and service started over and over, killed at every step of a write, raced by stop requests
              (SOAK_CYCLES, SOAK_SECONDS, KILLS, RACE_SECONDS make it longer)
   tidy       static analysis by clang-tidy
@@ -95,8 +97,11 @@ while (($#)); do
             exit 0
             ;;
         default) layers+=("${default_layers[@]}") ;;
-        all) layers+=("${all_layers[@]}") ;;
-        lint | tidy | unit | replay | sweep | endtoend | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
+        all)
+            layers+=("${all_layers[@]}")
+            export CATALOGUES=${CATALOGUES:-2000}
+            ;;
+        lint | tidy | unit | replay | sweep | endtoend | catalogues | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
         --long)
             [[ ${2-} =~ ^[1-9][0-9]{0,6}$ ]] || misused
             search_options=("$2" --keep)
@@ -116,7 +121,7 @@ need_python
 ! wanted lint || need_linters
 ! wanted tidy || need_clang_tidy
 mapfile -t native < <(chosen lint tidy unit replay sweep)
-mapfile -t windows < <(chosen lint tidy unit replay sweep endtoend endurance)
+mapfile -t windows < <(chosen lint tidy unit replay sweep endtoend catalogues endurance)
 if ((${#native[@]})); then
     record builds native-asan ./build.sh native-asan && run 2 native-asan "${native[@]}"
 fi

@@ -20,3 +20,16 @@ function(zuziptra_compile target)
     target_compile_options(${target} PRIVATE ${ZUZIPTRA_SANITIZE})
     target_link_options(${target} PRIVATE ${ZUZIPTRA_SANITIZE})
 endfunction()
+
+# The link options of the executables that are shipped.
+function(zuziptra_link_product target)
+    if(MINGW)
+        # Page-aligned sections can be mapped from the file; others may have to be read completely.
+        target_link_options(${target} PRIVATE
+            -static -Wl,--dynamicbase,--nxcompat,--tsaware,--high-entropy-va,--no-insert-timestamp,--gc-sections,--file-alignment,4096
+            $<$<CONFIG:Release>:-s>)
+    elseif(MSVC)
+        # The manifest is among the resources; the linker's own would be a second one with the same name.
+        target_link_options(${target} PRIVATE /MANIFEST:NO)
+    endif()
+endfunction()

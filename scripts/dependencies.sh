@@ -69,16 +69,20 @@ build_boost_for_windows() {
     printf '%s' "$kind" >"$prefix/complete"
 }
 
+# They serve both platforms.
+header_libraries=(libcli11-dev libfmt-dev nlohmann-json3-dev)
+
 need_windows_compiler() {
     need cmake ninja x86_64-w64-mingw32-g++-posix tar xz -- \
-        cmake ninja-build g++-mingw-w64-x86-64-posix googletest nlohmann-json3-dev libclang-rt-14-dev dpkg-dev tar xz-utils
+        cmake ninja-build g++-mingw-w64-x86-64-posix googletest libclang-rt-14-dev dpkg-dev tar xz-utils \
+        "${header_libraries[@]}"
     build_boost_for_windows
 }
 
 need_native_compiler() {
     need cmake ninja g++ -- \
-        cmake ninja-build g++ googletest libboost-filesystem1.81-dev libboost1.81-dev nlohmann-json3-dev \
-        libclang-rt-14-dev
+        cmake ninja-build g++ googletest libboost-filesystem1.81-dev libboost1.81-dev \
+        libclang-rt-14-dev "${header_libraries[@]}"
 }
 
 need_clang() { need clang clang++ -- clang libclang-rt-14-dev; }

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -38,9 +39,16 @@ void WINAPI sleep(DWORD milliseconds) {
 
 }  // namespace
 
+/// The file "environment" contains variables as lines of NAME=VALUE. A service inherits none from the test program.
+void setEnvironment() {
+    std::ifstream lines(besideTheExecutable(L"environment"));
+    for (std::string line; std::getline(lines, line);) _putenv(line.c_str());
+}
+
 /// A console handler has finished when the thread that the system made for it ends.
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*self*/, DWORD reason, LPVOID /*reserved*/) {
     if (reason == DLL_PROCESS_ATTACH) {
+        setEnvironment();
         return redirectImport("_wfsopen", openShared) && redirectImport("Sleep", sleep);
     }
     if (reason == DLL_THREAD_DETACH) appendTo(L"threads.ended").put('x');

@@ -1,0 +1,44 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "tests/unit/tool/checkHelpers.h"
+#include "tool/check/places.h"
+
+namespace {
+
+using nCheck::listPlaces;
+using nCheck::tCannotLook;
+using support::idsOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(placesHere, MustBeNamedBecauseTheHostDoesNotRunHere) {
+    try {
+        static_cast<void>(listPlaces({}));
+        FAIL();
+    } catch (const tCannotLook& failure) {
+        EXPECT_THAT(failure.what(), HasSubstr("name a directory or files"));
+    }
+}
+
+TEST(placesHere, MayContainLinksToFilesButNotToNothing) {
+    const support::tFolder folder;
+    folder.write("target", "[Service]\n");
+    create_symlink(folder.path() / "target", folder.path() / "a.ini");
+    create_symlink(folder.path() / "none", folder.path() / "b.ini");
+    mkfifo((folder.path() / "c.ini").c_str(), 0600);
+    const nCheck::tListing listing = listPlaces({folder.utf8()});
+    EXPECT_THAT(listing.files, ElementsAre(folder.utf8("a.ini")));
+    EXPECT_THAT(idsOf(listing.findings), ElementsAre("unseen-file", "unseen-file"));
+    EXPECT_THAT(listing.findings[0].message, HasSubstr("not a regular file"));
+}
+
+TEST(placesHere, MayBePipesWhichAreNotWaitedFor) {
+    const support::tFolder folder;
+    mkfifo((folder.path() / "a.ini").c_str(), 0600);
+    const nCheck::tListing listing = listPlaces({folder.utf8("a.ini")});
+    EXPECT_THAT(idsOf(listing.findings), ElementsAre("unseen-file"));
+}
+
+}  // namespace

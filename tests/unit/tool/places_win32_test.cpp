@@ -1,0 +1,70 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "tests/unit/tool/checkHelpers.h"
+#include "tool/check/places.h"
+
+namespace {
+
+using nCheck::listPlaces;
+using support::idsOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// The registry value that names the shared directory, restored on destruction.
+class tSharedDirectory {
+public:
+    explicit tSharedDirectory(const std::wstring* value) {
+        RegCreateKeyExW(HKEY_LOCAL_MACHINE, key, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &opened_, nullptr);
+        if (value == nullptr) {
+            RegDeleteValueW(opened_, name);
+        } else {
+            const auto size = static_cast<DWORD>((value->size() + 1) * sizeof(wchar_t));
+            RegSetValueExW(opened_, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value->c_str()), size);
+        }
+    }
+    ~tSharedDirectory() {
+        RegDeleteValueW(opened_, name);
+        RegCloseKey(opened_);
+    }
+    tSharedDirectory(const tSharedDirectory&) = delete;
+    tSharedDirectory& operator=(const tSharedDirectory&) = delete;
+
+private:
+    static constexpr const wchar_t* key = L"SOFTWARE\\Corvell\\Common\\Installer";
+    static constexpr const wchar_t* name = L"ZUSHAREDDIR64";
+    HKEY opened_ = nullptr;
+};
+
+TEST(placesOnWindows, AreThePluginDirectoryOfTheMachineIfNoneIsNamed) {
+    const support::tFolder folder;
+    const std::string file = folder.write("ZiptraRemoteService/plugins/a.ini");
+    folder.write("ZiptraRemoteService/plugins/b.INI");
+    const std::wstring value = folder.path().wstring();
+    const tSharedDirectory shared(&value);
+    const nCheck::tListing listing = listPlaces({});
+    EXPECT_EQ(listing.directory, folder.utf8("ZiptraRemoteService/plugins"));
+    EXPECT_THAT(listing.files, ElementsAre(file));
+    EXPECT_THAT(idsOf(listing.findings), ElementsAre("unseen-file"));
+    EXPECT_THAT(listing.messages, IsEmpty());
+}
+
+TEST(placesOnWindows, AreMissingAsTheHostSaysIfTheDirectoryIsMissing) {
+    const support::tFolder folder;
+    const std::wstring value = folder.path().wstring();
+    const tSharedDirectory shared(&value);
+    const nCheck::tListing listing = listPlaces({});
+    EXPECT_THAT(listing.messages, ElementsAre("Failed to open plugins directory."));
+    ASSERT_THAT(idsOf(listing.findings), ElementsAre("plugins-directory"));
+    EXPECT_EQ(listing.findings[0].file, folder.utf8("ZiptraRemoteService/plugins"));
+}
+
+TEST(placesOnWindows, AreMissingAsTheHostSaysIfTheSharedDirectoryIsUnknown) {
+    const tSharedDirectory shared(nullptr);
+    const nCheck::tListing listing = listPlaces({});
+    EXPECT_THAT(listing.messages, ElementsAre("Failed to open plugins directory."));
+    EXPECT_EQ(listing.directory, "");
+}
+
+}  // namespace

@@ -1,0 +1,80 @@
+#include "tool/status/plainText.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+const std::string replacement = "\xEF\xBF\xBD";
+
+TEST(nPlainText, LeavesValidTextsAlone) {
+    for (const std::string text : {"", "plain ~", "Bl\xC3\xBCte", "\xE6\x8F\x92\xE4\xBB\xB6", "\xF0\x9F\x99\x82",
+                                   "\xED\x9F\xBF", "\xEE\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+        EXPECT_EQ(nPlainText::valid(text), text);
+        EXPECT_EQ(nPlainText::printable(text), text);
+    }
+    EXPECT_EQ(nPlainText::valid("\x1B[2J\n\x7F"), "\x1B[2J\n\x7F");
+}
+
+TEST(nPlainText, ReplacesEachByteThatBeginsNoCharacter) {
+    struct {
+        std::string text;
+        std::string valid;
+    } const rows[] = {{"\x80", replacement},
+                      {"a\xFFz", "a" + replacement + "z"},
+                      {"\xC3", replacement},                                                        // cut short
+                      {"\xC3z", replacement + "z"},                                                 // no continuation
+                      {"\xC1\x81", replacement + replacement},                                      // overlong
+                      {"\xE0\x9F\xBF", replacement + replacement + replacement},                    // overlong
+                      {"\xED\xA0\x80", replacement + replacement + replacement},                    // a surrogate
+                      {"\xED\xBF\xBF", replacement + replacement + replacement},                    // a surrogate
+                      {"\xF4\x90\x80\x80", replacement + replacement + replacement + replacement},  // above U+10FFFF
+                      {"\xF8\x88\x80\x80\x80", replacement + replacement + replacement + replacement + replacement}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(nPlainText::valid(row.text), row.valid);
+        EXPECT_EQ(nPlainText::printable(row.text), row.valid);
+    }
+}
+
+TEST(nPlainText, ReplacesWhatControlsTheTerminal) {
+    for (const std::string control :
+         {"\x1B", "\n", "\t", "\x1F", "\x7F", "\xC2\x80", "\xC2\x9B", "\xC2\x9F", "\xD8\x9C", "\xE2\x80\x8E",
+          "\xE2\x80\x8F", "\xE2\x80\xA8", "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA9"}) {
+        EXPECT_EQ(nPlainText::printable("a" + control), "a" + replacement) << control;
+    }
+    EXPECT_EQ(nPlainText::printable(std::string(1, '\0')), replacement);
+}
+
+TEST(nPlainText, LeavesTheNeighboursOfControlsAlone) {
+    for (const std::string text : {" ", "~", "\xC2\xA0", "\xE2\x80\x8D", "\xE2\x80\x90", "\xE2\x80\xA7", "\xE2\x80\xAF",
+                                   "\xE2\x81\xA5", "\xE2\x81\xAA", "\xD8\x9B", "\xD8\x9D"}) {
+        EXPECT_EQ(nPlainText::printable(text), text);
+    }
+}
+
+TEST(nPlainText, CountsColumns) {
+    EXPECT_EQ(nPlainText::columns(""), 0U);
+    EXPECT_EQ(nPlainText::columns("abc"), 3U);
+    EXPECT_EQ(nPlainText::columns("Bl\xC3\xBCte"), 5U);
+    EXPECT_EQ(nPlainText::columns("\xE6\x8F\x92\xE4\xBB\xB6"), 4U);  // Chinese
+    EXPECT_EQ(nPlainText::columns("e\xCC\x81"), 1U);                 // a combining accent
+    EXPECT_EQ(nPlainText::columns("\xF0\x9F\x99\x82"), 2U);          // a smiley
+    EXPECT_EQ(nPlainText::columns("\xEA\xB0\x80\xED\x9E\xA3"), 4U);  // the first and the last Hangul syllable
+}
+
+TEST(nPlainText, ShortensATextToItsBeginningAndAnEllipsis) {
+    EXPECT_EQ(nPlainText::shortened("abcdef", 6), "abcdef");
+    EXPECT_EQ(nPlainText::shortened("abcdef", 5), "abcd\xE2\x80\xA6");
+    EXPECT_EQ(nPlainText::shortened("abcdef", 1), "\xE2\x80\xA6");
+    EXPECT_EQ(nPlainText::shortened("", 0), "");
+}
+
+TEST(nPlainText, CutsNoWideCharacterInTwo) {
+    const std::string wide = "\xE6\x8F\x92";
+    EXPECT_EQ(nPlainText::shortened(wide + wide + wide, 6), wide + wide + wide);
+    EXPECT_EQ(nPlainText::shortened(wide + wide + wide, 5), wide + wide + "\xE2\x80\xA6");
+    EXPECT_EQ(nPlainText::shortened(wide + wide + wide, 4), wide + "\xE2\x80\xA6");
+}
+
+}  // namespace

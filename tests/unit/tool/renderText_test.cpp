@@ -1,0 +1,64 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/unit/tool/checkHelpers.h"
+#include "tool/check/render.h"
+
+namespace {
+
+using nCheck::tPrediction;
+using testing::HasSubstr;
+using testing::Not;
+
+tPrediction somePrediction() {
+    tPrediction prediction;
+    prediction.directory = "plugins";
+    prediction.messages = {"Failed to parse service description file: plugins/b.ini"};
+    prediction.plugins = {{"plugins/a.ini", support::described("Settings"), 0},
+                          {"plugins/c.ini", support::described("A"), -52006},
+                          {"plugins/d.ini", support::described("B"), std::nullopt}};
+    prediction.findings = {nRules::finding("blank-line", "plugins/b.ini", 3, {}, "blank line"),
+                           nRules::finding("unknown-key", "plugins/c.ini", 4, "A", "unknown")};
+    return prediction;
+}
+
+TEST(checkText, ShowsFindingsMessagesOrderAndASummary) {
+    EXPECT_EQ(toText(somePrediction(), false),
+              "plugins/b.ini:3: error: blank line [blank-line]\n"
+              "    Remove the line.\n"
+              "plugins/c.ini:4: warning: unknown [unknown-key]\n"
+              "    Remove the line if nothing else reads it.\n"
+              "\n"
+              "Messages in the status file:\n"
+              "  Failed to parse service description file: plugins/b.ini\n"
+              "\n"
+              "Start order, and the code of each start (-: the plug-in's own code decides, or it is unknown):\n"
+              "    1  Settings        0  plugins/a.ini\n"
+              "    2  A          -52006  plugins/c.ini\n"
+              "    3  B               -  plugins/d.ini\n"
+              "\n"
+              "3 plug-ins, of which 1 will not start; 1 error, 1 warning, 0 notes\n");
+}
+
+TEST(checkText, OfNothingIsTheSummary) {
+    EXPECT_EQ(nCheck::toText({}, false), "0 plug-ins, of which 0 will not start; 0 errors, 0 warnings, 0 notes\n");
+}
+
+TEST(checkText, HasColoursIfTheyAreWanted) {
+    EXPECT_THAT(toText(somePrediction(), true), HasSubstr("\x1B[1;31m -52006\x1B[0m"));
+    EXPECT_THAT(toText(somePrediction(), false), Not(HasSubstr("\x1B")));
+}
+
+TEST(checkText, ShowsNoControlCharactersOfTheDescriptions) {
+    tPrediction prediction;
+    prediction.plugins = {{"a\n.ini", support::described("A\x1B[31mB\x7F"), 0}};
+    prediction.messages = {"m\x1B"};
+    prediction.findings = {nRules::finding("unknown-key", "f\x1B", 4, "A", "message\r\x1B")};
+    const std::string text = toText(prediction, false);
+    EXPECT_THAT(text, HasSubstr("A?[31mB?"));
+    EXPECT_THAT(text, HasSubstr("a?.ini"));
+    EXPECT_THAT(text, HasSubstr("message??"));
+    EXPECT_THAT(text, Not(HasSubstr("\x1B")));
+}
+
+}  // namespace

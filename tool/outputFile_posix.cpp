@@ -1,0 +1,100 @@
+// The service never ships with this: the replacement of files on systems other than Windows.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <system_error>
+
+#include "tool/outputFilePlatform.h"
+
+namespace nOutputFile {
+namespace {
+
+std::string lastReason() { return std::generic_category().message(errno); }
+
+/// While it exists, signals that would end the process wait, so that no temporary file is left behind.
+class tSignalsWait {
+public:
+    tSignalsWait() noexcept {
+        sigset_t signals;
+        sigemptyset(&signals);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) sigaddset(&signals, signal);
+        pthread_sigmask(SIG_BLOCK, &signals, &before_);
+    }
+    ~tSignalsWait() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    tSignalsWait(const tSignalsWait&) = delete;
+    tSignalsWait& operator=(const tSignalsWait&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
+bool writeAll(int file, std::string_view content) noexcept {
+    while (!content.empty()) {
+        const ssize_t written = write(file, content.data(), content.size());
+        if (written < 0) return false;
+        content.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+/// Writes to what is there already and is no file.
+std::string writeDirectly(const std::string& path, std::string_view content) {
+    const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    if (file < 0) return lastReason();
+    const bool written = writeAll(file, content);
+    std::string reason = written ? std::string() : lastReason();
+    close(file);
+    return reason;
+}
+
+/// Returns the rights of a new file, as the process's mask leaves them.
+mode_t usualRights() noexcept {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666U & ~mask;
+}
+
+/// Writes the whole content, so that it is on the disk when the name is changed.
+bool fill(int file, mode_t rights, std::string_view content) noexcept {
+    const bool filled = writeAll(file, content) && fchmod(file, rights) == 0 && fsync(file) == 0;
+    const int error = errno;
+    const bool closed = close(file) == 0;
+    if (!filled) errno = error;
+    return filled && closed;
+}
+
+std::string replaceFile(const std::string& path, mode_t rights, std::string_view content) {
+    const tSignalsWait signalsWait;
+    std::string temporary = path + ".XXXXXX";
+    const int file = mkstemp(temporary.data());
+    if (file < 0) return lastReason();
+    if (fill(file, rights, content) && rename(temporary.c_str(), path.c_str()) == 0) return {};
+    std::string reason = lastReason();
+    unlink(temporary.c_str());
+    return reason;
+}
+
+/// Returns the path of the file to which a link leads, or the path itself.
+std::string targetOf(const std::string& path) {
+    char* const resolved = realpath(path.c_str(), nullptr);
+    if (resolved == nullptr) return path;
+    std::string target = resolved;
+    std::free(resolved);
+    return target;
+}
+
+}  // namespace
+
+std::string tryToReplace(const std::string& path, std::string_view content) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return replaceFile(path, usualRights(), content);
+    if (!S_ISREG(status.st_mode)) return writeDirectly(path, content);
+    return replaceFile(targetOf(path), status.st_mode & 07777U, content);
+}
+
+}  // namespace nOutputFile

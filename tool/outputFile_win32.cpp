@@ -1,0 +1,85 @@
+#include <windows.h>
+
+#include <memory>
+#include <type_traits>
+
+#include "quarks/closer.h"
+#include "stdpath/path.h"
+#include "stdpath/utf.h"
+#include "tool/outputFilePlatform.h"
+
+namespace nOutputFile {
+namespace {
+
+using tHandle = std::unique_ptr<std::remove_pointer_t<HANDLE>, tCloser<CloseHandle>>;
+
+/// Returns the system's text for the last error, without its line break and final stop.
+std::string lastReason() {
+    const DWORD error = GetLastError();
+    wchar_t text[512];
+    DWORD size = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
+                                MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), text, 512, nullptr);
+    while (size > 0 && (text[size - 1] == '\n' || text[size - 1] == '\r' || text[size - 1] == '.')) --size;
+    return size > 0 ? nStdPath::fileNameToUtf8(std::u16string(text, text + size)) : "error " + std::to_string(error);
+}
+
+tHandle open(const std::wstring& path, DWORD access, DWORD disposition) {
+    const HANDLE file = CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return tHandle(file == INVALID_HANDLE_VALUE ? nullptr : file);
+}
+
+bool writeAll(HANDLE file, std::string_view content) {
+    while (!content.empty()) {
+        DWORD written = 0;
+        const auto size = static_cast<DWORD>(content.size() < 0x10000000 ? content.size() : 0x10000000);
+        if (WriteFile(file, content.data(), size, &written, nullptr) == FALSE) return false;
+        content.remove_prefix(written);
+    }
+    return true;
+}
+
+/// Makes the system delete the file when its last handle is closed, whatever closes it, or lets the file stay.
+bool deleteOnClose(HANDLE file, bool wanted) {
+    FILE_DISPOSITION_INFO disposition{};
+    disposition.DeleteFile = wanted ? TRUE : FALSE;
+    return SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition) != FALSE;
+}
+
+/// Returns whether the path leads to something that is there and is no file on a disk, such as NUL.
+bool isDevice(const std::wstring& path) {
+    const tHandle existing = open(path, 0, OPEN_EXISTING);
+    return existing != nullptr && GetFileType(existing.get()) != FILE_TYPE_DISK;
+}
+
+std::string writeDirectly(const std::wstring& path, std::string_view content) {
+    const tHandle device = open(path, GENERIC_WRITE, OPEN_EXISTING);
+    return device != nullptr && writeAll(device.get(), content) ? std::string() : lastReason();
+}
+
+/// Until the content is complete, the end of the process deletes the temporary file, too. Returns the reason for a
+/// failure, or an empty text.
+std::string fill(const std::wstring& temporary, std::string_view content) {
+    const tHandle file = open(temporary, GENERIC_WRITE | DELETE, CREATE_NEW);
+    const bool filled = file != nullptr && deleteOnClose(file.get(), true) && writeAll(file.get(), content) &&
+                        FlushFileBuffers(file.get()) != FALSE && deleteOnClose(file.get(), false);
+    return filled ? std::string() : lastReason();
+}
+
+}  // namespace
+
+std::string tryToReplace(const std::string& path, std::string_view content) {
+    const std::wstring wide = nStdPath::widePathFromUtf8(path);
+    if (isDevice(wide)) return writeDirectly(wide, content);
+    const std::wstring temporary = wide + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+    std::string reason = fill(temporary, content);
+    if (!reason.empty()) return reason;
+    if (MoveFileExW(temporary.c_str(), wide.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE) {
+        return {};
+    }
+    reason = lastReason();
+    DeleteFileW(temporary.c_str());
+    return reason;
+}
+
+}  // namespace nOutputFile
