@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include "quarks/processAccess.h"
 #include "source/nDeployment.h"
@@ -72,8 +73,8 @@ tLoaded start(const std::string& path) {
 
 }  // namespace
 
-tBareHost::tBareHost(const tDescriptions& descriptions, const std::string& lastStatus)
-    : directory_(descriptions.directory()), libraries_(descriptions.libraries()), longStatus_(lastStatus) {
+tBareHost::tBareHost(const tDescriptions& descriptions, std::string lastStatus)
+    : directory_(descriptions.directory()), libraries_(descriptions.libraries()), longStatus_(std::move(lastStatus)) {
     std::erase(longStatus_, '\r');
     shortStatus_ = longStatus_.substr(0, 120);
 }
@@ -125,7 +126,7 @@ std::vector<std::wstring> listBarely(const std::wstring& directory) {
 }
 
 void readBarely(const wchar_t* path) {
-    std::array<char, 4096> bytes;
+    static std::array<char, 4096> bytes;  // filled with zeros once, not for each file
     std::FILE* const file = _wfopen(path, L"rb");
     while (std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size()) {
     }

@@ -11,7 +11,7 @@
 class tBareHost {
 public:
     /// `lastStatus` is the text of the status file that the host leaves. A file of the same size is written here.
-    tBareHost(const tDescriptions& descriptions, const std::string& lastStatus);
+    tBareHost(const tDescriptions& descriptions, std::string lastStatus);
 
     /// One whole life: start, run with the stop already requested, stop.
     void live() const;

@@ -56,9 +56,9 @@ tDescriptions::tDescriptions(int count) {
     for (int i = 0; i < count; ++i) {
         const std::string name = "Plugin" + std::to_string(10'000 + i);
         const std::string library = (root / "libraries" / (name + ".dll")).string();
-        writeFile(directory_ / (name + ".ini"), "[Service]\r\nName=" + name + "\r\nPath=" + library +
-                                                    "\r\nRequires=1\r\nInitialize=TinyInitialize\r\n"
-                                                    "Stop=TinyStop\r\nCleanup=TinyCleanup\r\n");
+        std::string text = "[Service]\r\nName=" + name + "\r\n";
+        text += "Path=" + library + "\r\nRequires=1\r\nInitialize=TinyInitialize\r\n";
+        writeFile(directory_ / (name + ".ini"), text + "Stop=TinyStop\r\nCleanup=TinyCleanup\r\n");
         libraries_.push_back(library);
     }
 }

@@ -5,7 +5,9 @@
 
 namespace nBench {
 
-bool quick() { return std::getenv("BENCH_QUICK") != nullptr; }
+bool quick() {
+    return std::getenv("BENCH_QUICK") != nullptr;  // NOLINT(concurrency-mt-unsafe): nothing changes the environment
+}
 
 void demand(bool condition, std::string_view text) {
     if (!condition) throw std::runtime_error(std::string(text));

@@ -7,7 +7,6 @@
 #include <x86intrin.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <string_view>
 
@@ -17,8 +16,6 @@ namespace nSystemTime {
 namespace {
 
 unsigned long long ticksInside = 0;
-unsigned long long ticksAtStart = 0;
-std::chrono::steady_clock::time_point start;
 
 /// Adds its lifetime to the ticks spent in system calls.
 class tCallTimer {
@@ -33,17 +30,17 @@ private:
 };
 
 /// Returns the import table's slot for the function of that name. Throws if the program does not import it.
-ULONG_PTR* importSlot(std::string_view name) {
+void** importSlot(std::string_view name) {
     auto* const base = reinterpret_cast<char*>(GetModuleHandleA(nullptr));
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
     const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
     const DWORD table = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     for (const auto* import = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + table); import->Name != 0;
          ++import) {
-        const auto* names = reinterpret_cast<const IMAGE_THUNK_DATA64*>(base + import->OriginalFirstThunk);
-        auto* slots = reinterpret_cast<ULONG_PTR*>(base + import->FirstThunk);
-        for (; names->u1.AddressOfData != 0; ++names, ++slots) {
-            const auto* const entry = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
+        const auto* names = reinterpret_cast<const ULONGLONG*>(base + import->OriginalFirstThunk);
+        auto* slots = reinterpret_cast<void**>(base + import->FirstThunk);
+        for (; *names != 0; ++names, ++slots) {
+            const auto* const entry = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + *names);
             if (name == reinterpret_cast<const char*>(entry->Name)) return slots;
         }
     }
@@ -51,7 +48,7 @@ ULONG_PTR* importSlot(std::string_view name) {
     return nullptr;
 }
 
-void store(ULONG_PTR* slot, ULONG_PTR value) {
+void store(void** slot, void* value) {
     DWORD before = 0;
     VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before);
     *slot = value;
@@ -61,7 +58,7 @@ void store(ULONG_PTR* slot, ULONG_PTR value) {
 /// A function's name as a template argument.
 struct tName {
     template <std::size_t size>
-    consteval tName(const char (&name)[size]) {  // NOLINT(google-explicit-constructor,hicpp-explicit-conversions)
+    consteval tName(const char (&name)[size]) {
         std::copy_n(name, size, text);
     }
     char text[32]{};
@@ -80,9 +77,9 @@ struct tCall<name, tResult(tArguments...)> {
     }
 
     static void setTimed(bool on) {
-        ULONG_PTR* const slot = importSlot(name.text);
+        void** const slot = importSlot(name.text);
         if (on) real = reinterpret_cast<tResult (*)(tArguments...)>(*slot);
-        store(slot, reinterpret_cast<ULONG_PTR>(on ? &timed : real));
+        store(slot, reinterpret_cast<void*>(on ? &timed : real));
     }
 };
 
@@ -125,15 +122,15 @@ void setTimed(bool on) {
 tWatch::tWatch() {
     setTimed(true);
     ticksInside = 0;
-    ticksAtStart = __rdtsc();
-    start = std::chrono::steady_clock::now();
+    startTicks_ = __rdtsc();
+    start_ = std::chrono::steady_clock::now();
 }
 
 tWatch::~tWatch() { setTimed(false); }
 
 double tWatch::seconds() const {
-    const auto ticks = static_cast<double>(__rdtsc() - ticksAtStart);
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    const auto ticks = static_cast<double>(__rdtsc() - startTicks_);
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
     return elapsed.count() * static_cast<double>(ticksInside) / ticks;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 namespace nSystemTime {
 
 /// Measures, during its lifetime, the time that this thread spends in the program's system calls. It replaces their
@@ -14,6 +16,10 @@ public:
 
     /// Returns the time spent in system calls so far.
     [[nodiscard]] double seconds() const;
+
+private:
+    unsigned long long startTicks_ = 0;
+    std::chrono::steady_clock::time_point start_;
 };
 
 }  // namespace nSystemTime

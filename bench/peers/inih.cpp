@@ -7,9 +7,9 @@
 
 namespace {
 
-int ignoreKey(void*, const char*, const char*, const char*) { return 1; }
+int ignoreKey(void* /*keys*/, const char* /*section*/, const char* /*name*/, const char* /*value*/) { return 1; }
 
-int keepKey(void* keys, const char*, const char* name, const char* value) {
+int keepKey(void* keys, const char* /*section*/, const char* name, const char* value) {
     static_cast<nBench::tKeyValues*>(keys)->emplace_back(name, value);
     return 1;
 }

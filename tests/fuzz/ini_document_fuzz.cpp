@@ -97,10 +97,10 @@ void compareLookUps(nIni::tDocument& document, tNaiveIni& expected) {
 
 /// Composes a text from one byte per part, so that small changes of the input produce other well-formed files.
 std::string textFromParts(std::string_view bytes) {
-    constexpr std::array parts{"\n"sv,     "\r"sv,      "\r\n"sv,   "\n\r"sv,        "\0"sv, "["sv,      "]"sv,
-                               "="sv,      ":"sv,       ":="sv,     ";"sv,           "\""sv, "'"sv,      " "sv,
-                               "\t"sv,     "\v\f"sv,    "a"sv,      "A"sv,           "b"sv,  " Line1"sv, "@"sv,
-                               " Line2"sv, " Line01"sv, " line1"sv, "`"sv,           "0"sv,  "\xC4"sv,   "(null)]"sv,
+    constexpr std::array parts{"\n"sv,     "\r"sv,      "\r\n"sv,   "\n\r"sv,        "\0"sv,   "["sv,      "]"sv,
+                               "="sv,      ":"sv,       ":="sv,     ";"sv,           R"(")"sv, "'"sv,      " "sv,
+                               "\t"sv,     "\v\f"sv,    "a"sv,      "A"sv,           "b"sv,    " Line1"sv, "@"sv,
+                               " Line2"sv, " Line01"sv, " line1"sv, "`"sv,           "0"sv,    "\xC4"sv,   "(null)]"sv,
                                "\xE4"sv,   "service"sv, "{"sv,      "\xEF\xBB\xBF"sv};
     std::string text;
     for (const char byte : bytes) {
@@ -121,9 +121,10 @@ std::string textFromParts(std::string_view bytes) {
 }
 
 /// A comment that moves the following text to the end of a reader's buffer. One input in eight gets one.
-std::string padding(unsigned code) {
-    constexpr std::array<std::size_t, 8> sizes{4 + 2084, 2084, 4 + 2 * 2084,  31 * 2084,
-                                               4096,     8192, 4 + 31 * 2084, 65536};
+std::string padding(std::size_t code) {
+    constexpr std::size_t line = 2084;
+    constexpr std::array<std::size_t, 8> sizes{4 + line, line, 4 + 2 * line,  31 * line,
+                                               4096,     8192, 4 + 31 * line, 65536};
     return code < 224 ? "" : std::string(sizes[code % 8] - 1 - code / 8 % 4 * 3, ';') + '\n';
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -24,10 +25,7 @@ inline std::string quoted(const std::string& text) {
 
 /// The writer copies other control characters, which no JSON reader accepts.
 inline bool containsControlCharacter(const std::string& text) {
-    for (const char character : text) {
-        if (character >= 0 && character < ' ') return true;
-    }
-    return false;
+    return std::ranges::any_of(text, [](char character) { return character >= 0 && character < ' '; });
 }
 
 /// Printable ASCII, which every reader accepts.

@@ -58,7 +58,7 @@ struct tModelEntry {
 /// Predicts the codes and the calls.
 class tModel {
 public:
-    explicit tModel(const tCharacters& characters) : characters_(characters) {}
+    explicit tModel(tCharacters characters) : characters_(std::move(characters)) {}
 
     /// Returns false if the start ends early.
     bool startAll(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask) {

@@ -23,7 +23,11 @@ std::string lastFourDigits(std::uint32_t line) {
     return digits.substr(digits.size() - 4);
 }
 
-std::string takeText(FuzzedDataProvider& data) { return data.ConsumeRandomLengthString(50).c_str(); }
+/// Up to a zero.
+std::string takeText(FuzzedDataProvider& data) {
+    const std::string text = data.ConsumeRandomLengthString(50);
+    return text.substr(0, text.find('\0'));
+}
 
 /// Any larger depth also fills the largest buffer.
 constexpr std::uint32_t deepest = 100;
@@ -31,7 +35,7 @@ constexpr std::uint32_t deepest = 100;
 struct Line {
     std::string component;
     std::string file;
-    std::uint32_t number;
+    std::uint32_t number = 0;
     std::uint32_t depth = 0;
 
     [[nodiscard]] std::string text() const {

@@ -27,6 +27,11 @@ std::vector<std::uint32_t> codePoints(const std::u16string& text, bool withLowOn
     return result;
 }
 
+/// The number of bytes after the first one in the shortest form.
+int tailSize(std::uint32_t codePoint) {
+    return codePoint < 0x80 ? 0 : codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3;
+}
+
 /// Reads well-formed UTF-8, including surrogates and code points above U+10FFFF.
 std::vector<std::uint32_t> decoded(std::string_view utf8) {
     std::vector<std::uint32_t> result;
@@ -39,7 +44,7 @@ std::vector<std::uint32_t> decoded(std::string_view utf8) {
             check(i < utf8.size() && (static_cast<std::uint8_t>(utf8[i]) & 0xC0) == 0x80, "next byte");
             codePoint = codePoint << 6 | (static_cast<std::uint8_t>(utf8[i++]) & 0x3F);
         }
-        check(tail == (codePoint < 0x80 ? 0 : codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3), "shortest form");
+        check(tail == tailSize(codePoint), "shortest form");
         result.push_back(codePoint);
     }
     return result;

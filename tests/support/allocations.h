@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <memory>
 
 /// Makes memory run out in a test. The linker redirects every malloc, calloc, realloc and free of the test program to
 /// this module, and with them every `new`; on Windows also those of the runtime libraries. Thread: one at a time. Put
@@ -16,10 +17,7 @@ int stopRefusing() noexcept;
 /// Runs the action while requests for at least `bytes` are refused. Returns how many were refused.
 template <class Action>
 int refused(std::size_t bytes, Action action) {
-    struct Stop {
-        ~Stop() { stopRefusing(); }
-    };
-    const Stop stop;
+    const std::unique_ptr<Action, void (*)(Action*)> stop(&action, [](Action*) { stopRefusing(); });
     startRefusing(bytes);
     action();
     return stopRefusing();

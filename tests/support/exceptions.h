@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -14,13 +15,9 @@ namespace support {
 /// Runs the action while an exception unwinds the stack, and expects that this exception arrives.
 template <class Action>
 void whileUnwinding(Action action) {
-    struct Guard {
-        Action action;
-        ~Guard() { action(); }
-    };
     std::string arrived;
     try {
-        const Guard guard{action};
+        const std::unique_ptr<Action, void (*)(Action*)> guard(&action, [](Action* call) { (*call)(); });
         throw std::runtime_error("propagating");
     } catch (const std::runtime_error& error) {
         arrived = error.what();

@@ -34,6 +34,8 @@ public:
 
     tFakePlugins();
     ~tFakePlugins() override;
+    tFakePlugins(const tFakePlugins&) = delete;
+    tFakePlugins& operator=(const tFakePlugins&) = delete;
 
     /// Returns the plug-in with this path, such as plugin("A").
     tFakePlugin& plugin(const std::string& path) { return plugins_[indexOf(path)]; }

@@ -5,9 +5,9 @@
 #include <aclapi.h>
 #include <io.h>
 #include <shlobj.h>
-#include <stdio.h>
-#include <time.h>
 
+#include <cstdio>
+#include <ctime>
 #include <functional>
 #include <utility>
 

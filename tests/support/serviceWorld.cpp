@@ -44,7 +44,7 @@ tServiceWorld::~tServiceWorld() {
 }
 
 std::string tServiceWorld::describe(const std::string& fileName, const std::string& text) const {
-    const std::string path = (plugins / fileName).string();
+    std::string path = (plugins / fileName).string();
     std::ofstream(path, std::ios::binary) << text;
     return path;
 }

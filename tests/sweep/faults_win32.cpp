@@ -19,7 +19,7 @@ template <class Import, class Result>
 void tFaults::refuses(Import& door, const char* name, unsigned mayCost, unsigned long error, Result result) {
     row(door, name, mayCost, [error, result](const auto& inner, auto... arguments) -> decltype(inner(arguments...)) {
         imports::SetLastError.real(error);
-        return result;
+        return static_cast<decltype(inner(arguments...))>(result);
     });
 }
 
@@ -29,7 +29,7 @@ void tFaults::complains(Import& door, const char* name, unsigned mayCost, unsign
     row(door, name, mayCost, [error, result](const auto& inner, auto... arguments) -> decltype(inner(arguments...)) {
         inner(arguments...);
         imports::SetLastError.real(error);
-        return result;
+        return static_cast<decltype(inner(arguments...))>(result);
     });
 }
 

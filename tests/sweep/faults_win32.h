@@ -34,6 +34,7 @@ struct tCall {
 class tFaults {
 public:
     explicit tFaults(tLedger& ledger);
+    ~tFaults() = default;
     tFaults(const tFaults&) = delete;
     tFaults& operator=(const tFaults&) = delete;
 

@@ -86,9 +86,9 @@ void keepModules(tLedger& ledger) {
 
 }  // namespace
 
-void tLedger::opened(std::string_view kind, const void* handle) { ++counts_[{std::string(kind), handle}].open; }
+void tLedger::opened(std::string_view kind, void* handle) { ++counts_[{std::string(kind), handle}].open; }
 
-void tLedger::closed(std::string_view kind, const void* handle) {
+void tLedger::closed(std::string_view kind, void* handle) {
     tCount& count = counts_[{std::string(kind), handle}];
     if (count.open == 0) {
         ++wrongClosings;
@@ -98,7 +98,7 @@ void tLedger::closed(std::string_view kind, const void* handle) {
     if (count.refused > count.open) count.refused = count.open;
 }
 
-void tLedger::refusedToClose(std::string_view kind, const void* handle) {
+void tLedger::refusedToClose(std::string_view kind, void* handle) {
     tCount& count = counts_[{std::string(kind), handle}];
     if (count.open == 0) ++wrongClosings;
     if (count.refused < count.open) ++count.refused;
@@ -112,13 +112,13 @@ std::vector<std::string> tLedger::leaks() const {
     return leaks;
 }
 
-bool tLedger::isOpen(std::string_view kind, const void* handle) const {
+bool tLedger::isOpen(std::string_view kind, void* handle) const {
     const auto found = counts_.find({std::string(kind), handle});
     return found != counts_.end() && found->second.open > 0;
 }
 
-std::vector<const void*> tLedger::open(std::string_view kind) const {
-    std::vector<const void*> handles;
+std::vector<void*> tLedger::open(std::string_view kind) const {
+    std::vector<void*> handles;
     for (const auto& [what, count] : counts_) {
         if (what.first == kind) handles.insert(handles.end(), static_cast<std::size_t>(count.open), what.second);
     }

@@ -29,7 +29,7 @@ std::string description(const std::string& name, const std::string& library, con
 std::string contentOf(const std::filesystem::path& path) {
     const HANDLE file = imports::CreateFileW.real(path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) return {};
-    std::string content(64 * 1024, '\0');
+    std::string content(65'536, '\0');
     DWORD size = 0;
     ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &size, nullptr);
     imports::CloseHandle.real(file);
@@ -252,9 +252,7 @@ void tLives::plantStatus() const {
 
 /// Unloads what the product was prevented from unloading, or leaves to the end of its process.
 void tLives::releaseModules() {
-    for (const void* module : ledger_.open("module")) {
-        imports::FreeLibrary.real(static_cast<HMODULE>(const_cast<void*>(module)));
-    }
+    for (void* module : ledger_.open("module")) imports::FreeLibrary.real(static_cast<HMODULE>(module));
 }
 
 tOutcome tLives::live(std::size_t call, int nth, bool forEver) {

@@ -170,7 +170,7 @@ int sweepDirectory(const char* name, void (*operation)(std::string& result, zuer
     return eachAllocationFails(name, [&](tAttempt& attempt) {
         support::tSharedPlaces places;
         places.sharedDirectory = "  D:\\Shared by all the software of the maker on this machine\\\\";
-        places.appDataFolder = "D:\\Data of all users";
+        places.appDataFolder = R"(D:\Data of all users)";
         std::string result = "earlier";
         zuerr::StatusRecord status;
         attempt.operate([&] { operation(result, status); });

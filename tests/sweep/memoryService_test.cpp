@@ -142,7 +142,7 @@ protected:
     }
 
     /// Start, run, stop.
-    tRun live(tAttempt& attempt) const {
+    static tRun live(tAttempt& attempt) {
         tRun run;
         attempt.operate([&] {
             run.started = startService();

@@ -18,8 +18,9 @@ PROCESS_INFORMATION create(const tPath& executable, std::wstring commandLine, DW
     startup.cb = sizeof startup;
     PROCESS_INFORMATION information{};
     requireStart("CreateProcessW", [&] {
-        return CreateProcessW(executable.c_str(), commandLine.data(), nullptr, nullptr, startup.hStdOutput != nullptr,
-                              flags, nullptr, nullptr, &startup, &information);
+        return CreateProcessW(executable.c_str(), commandLine.data(), nullptr, nullptr,
+                              startup.hStdOutput != nullptr ? TRUE : FALSE, flags, nullptr, nullptr, &startup,
+                              &information);
     });
     CloseHandle(information.hThread);
     return information;
@@ -60,7 +61,7 @@ DWORD tProcess::exitCode(std::chrono::milliseconds timeout) const {
     waitFor(
         "the end of the process", [&] { return !running(); }, timeout);
     DWORD code = 0;
-    require(GetExitCodeProcess(handle(), &code), "GetExitCodeProcess");
+    require(GetExitCodeProcess(handle(), &code) != FALSE, "GetExitCodeProcess");
     return code;
 }
 
@@ -73,7 +74,7 @@ DWORD tProcess::sendConsoleEvent(DWORD event) const {
     const tHandle helper(information.hProcess);
     WaitForSingleObject(helper.get(), INFINITE);
     DWORD code = 0;
-    require(GetExitCodeProcess(helper.get(), &code), "GetExitCodeProcess");
+    require(GetExitCodeProcess(helper.get(), &code) != FALSE, "GetExitCodeProcess");
     if (code == noConsole) throw std::runtime_error("the console of the process cannot be reached");
     return code;
 }
@@ -84,11 +85,11 @@ void tProcess::interrupt() const {
 
 int generateConsoleEvent(DWORD processId, DWORD event) {
     FreeConsole();
-    if (!AttachConsole(processId)) return noConsole;
+    if (AttachConsole(processId) == FALSE) return noConsole;
     // The event reaches every process of the console, this one included. It must not end before that.
     static const tHandle reached(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     SetConsoleCtrlHandler([](DWORD) -> BOOL { return SetEvent(reached.get()); }, TRUE);
-    if (!GenerateConsoleCtrlEvent(event, 0)) return static_cast<int>(GetLastError());
+    if (GenerateConsoleCtrlEvent(event, 0) == FALSE) return static_cast<int>(GetLastError());
     WaitForSingleObject(reached.get(), static_cast<DWORD>(patience.count()));
     return 0;
 }

@@ -10,9 +10,9 @@ namespace {
 SERVICE_STATUS_PROCESS query(SC_HANDLE service) {
     SERVICE_STATUS_PROCESS status{};
     DWORD needed = 0;
-    require(
-        QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status), sizeof status, &needed),
-        "QueryServiceStatusEx");
+    require(QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status), sizeof status,
+                                 &needed) != FALSE,
+            "QueryServiceStatusEx");
     return status;
 }
 
@@ -62,7 +62,7 @@ void tInstalledService::startBrief() {
 
 DWORD tInstalledService::control(DWORD code) {
     SERVICE_STATUS ignored{};
-    return ControlService(service_.get(), code, &ignored) ? 0 : GetLastError();
+    return ControlService(service_.get(), code, &ignored) != FALSE ? 0 : GetLastError();
 }
 
 tServiceStatus tInstalledService::status() const {

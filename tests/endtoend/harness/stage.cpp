@@ -48,7 +48,7 @@ tPath tStage::describe(const std::wstring& file, std::string_view bytes) const {
     return descriptions() / file;
 }
 
-tPath tStage::addLibrary(const tPath& target, const wchar_t* library) const {
+tPath tStage::addLibrary(const tPath& target, const wchar_t* library) {
     std::filesystem::copy_file(built(tPath(L"test-plugins") / library), target);
     return target;
 }

@@ -50,7 +50,7 @@ public:
     /// Writes a description file, byte for byte, and returns its path.
     tPath describe(const std::wstring& file, std::string_view bytes) const;
     /// Copies one of the test libraries and returns the path of the copy.
-    tPath addLibrary(const tPath& target, const wchar_t* library = L"behaviours.dll") const;
+    static tPath addLibrary(const tPath& target, const wchar_t* library = L"behaviours.dll");
     /// Stages a plug-in, library and description; the description file has its name.
     void addPlugin(const std::string& name, const tPlugin& plugin = {}) const;
 

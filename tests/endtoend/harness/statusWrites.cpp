@@ -26,7 +26,7 @@ void tStatusWrites::listen() {
     pending_ = {};
     pending_.hEvent = event_.get();
     require(ReadDirectoryChangesW(folder_.get(), changes_.data(), static_cast<DWORD>(changes_.size()), FALSE,
-                                  FILE_NOTIFY_CHANGE_FILE_NAME, nullptr, &pending_, nullptr),
+                                  FILE_NOTIFY_CHANGE_FILE_NAME, nullptr, &pending_, nullptr) != FALSE,
             "ReadDirectoryChangesW");
 }
 
@@ -48,7 +48,8 @@ void tStatusWrites::waitFor(int count) {
             throw std::runtime_error("the status file was written " + std::to_string(count_) + " times only");
         }
         DWORD size = 0;
-        require(GetOverlappedResult(folder_.get(), &pending_, &size, FALSE) && size != 0, "ReadDirectoryChangesW");
+        require(GetOverlappedResult(folder_.get(), &pending_, &size, FALSE) != FALSE && size != 0,
+                "ReadDirectoryChangesW");
         count_ += replacements();
         listen();
     }

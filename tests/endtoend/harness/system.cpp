@@ -16,14 +16,15 @@ namespace {
 bool removeTree(const std::wstring& directory) {
     WIN32_FIND_DATAW entry{};
     const HANDLE search = FindFirstFileW((directory + L"\\*").c_str(), &entry);
-    for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileW(search, &entry)) {
+    for (bool more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileW(search, &entry) != FALSE) {
         const std::wstring name = entry.cFileName;
         if (name == L"." || name == L"..") continue;
         const std::wstring path = directory + L"\\" + name;
-        (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? removeTree(path) : DeleteFileW(path.c_str());
+        const bool isDirectory = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        static_cast<void>(isDirectory ? removeTree(path) : DeleteFileW(path.c_str()) != FALSE);
     }
     if (search != INVALID_HANDLE_VALUE) FindClose(search);
-    return RemoveDirectoryW(directory.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND;
+    return RemoveDirectoryW(directory.c_str()) != FALSE || GetLastError() == ERROR_FILE_NOT_FOUND;
 }
 
 }  // namespace
@@ -66,7 +67,7 @@ void writeFile(const tPath& file, std::string_view bytes) {
     require(handle != INVALID_HANDLE_VALUE, "CreateFileW");
     const tHandle owner(handle);
     DWORD written = 0;
-    require(WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr), "WriteFile");
+    require(WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != FALSE, "WriteFile");
 }
 
 bool isWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
@@ -87,10 +88,9 @@ bool processExists(DWORD id) {
     const tHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof entry;
-    for (BOOL more = Process32FirstW(snapshot.get(), &entry); more; more = Process32NextW(snapshot.get(), &entry)) {
-        if (entry.th32ProcessID == id) return true;
-    }
-    return false;
+    bool more = Process32FirstW(snapshot.get(), &entry) != FALSE;
+    while (more && entry.th32ProcessID != id) more = Process32NextW(snapshot.get(), &entry) != FALSE;
+    return more;
 }
 
 tHandle openDespiteAccessList(DWORD processId, DWORD access) {
@@ -118,7 +118,7 @@ tEnvironmentVariable::tEnvironmentVariable(const wchar_t* name, const std::wstri
     std::wstring before(32767, L'\0');
     before.resize(GetEnvironmentVariableW(name, before.data(), static_cast<DWORD>(before.size())));
     if (!before.empty()) before_ = before;
-    require(SetEnvironmentVariableW(name, value.c_str()), "SetEnvironmentVariableW");
+    require(SetEnvironmentVariableW(name, value.c_str()) != FALSE, "SetEnvironmentVariableW");
 }
 
 tEnvironmentVariable::~tEnvironmentVariable() {

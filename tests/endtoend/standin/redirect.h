@@ -17,11 +17,11 @@ bool redirectImport(std::string_view function, Function* replacement) {
     const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const DWORD table = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     for (auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + table); library->Name != 0; ++library) {
-        auto* name = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
+        const auto* name = reinterpret_cast<const ULONG_PTR*>(base + library->OriginalFirstThunk);
         auto* slot = reinterpret_cast<void**>(base + library->FirstThunk);
-        for (; name->u1.AddressOfData != 0; ++name, ++slot) {
-            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-            const auto* const import = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
+        for (; *name != 0; ++name, ++slot) {
+            if (IMAGE_SNAP_BY_ORDINAL(*name)) continue;
+            const auto* const import = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + *name);
             if (function != &import->Name[0]) continue;
             DWORD protection = 0;
             VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);

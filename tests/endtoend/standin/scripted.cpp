@@ -21,7 +21,10 @@ std::filesystem::path besideTheExecutable(const std::wstring& name) {
     return std::filesystem::path(path).parent_path() / name;
 }
 
-std::ofstream appendTo(const wchar_t* name) { return std::ofstream(besideTheExecutable(name), std::ios::app); }
+std::ofstream appendTo(const wchar_t* name) {
+    std::ofstream file(besideTheExecutable(name), std::ios::app);
+    return file;
+}
 
 /// The status file is opened for writing after the gate "status.N", where N counts from 1.
 std::FILE* openShared(const wchar_t* path, const wchar_t* mode, int sharing) {
@@ -49,7 +52,7 @@ void setEnvironment() {
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*self*/, DWORD reason, LPVOID /*reserved*/) {
     if (reason == DLL_PROCESS_ATTACH) {
         setEnvironment();
-        return redirectImport("_wfsopen", openShared) && redirectImport("Sleep", sleep);
+        return redirectImport("_wfsopen", openShared) && redirectImport("Sleep", sleep) ? TRUE : FALSE;
     }
     if (reason == DLL_THREAD_DETACH) appendTo(L"threads.ended").put('x');
     return TRUE;

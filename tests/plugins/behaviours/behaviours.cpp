@@ -41,6 +41,9 @@ const tLoadLog loadLog;
 /// The code that prints and destroys this exception is in this library, which must still be loaded then.
 class tOwnException : public std::exception {
 public:
+    tOwnException() = default;
+    tOwnException(const tOwnException&) = default;
+    tOwnException& operator=(const tOwnException&) = default;
     ~tOwnException() override { log("destroys its exception"); }
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 

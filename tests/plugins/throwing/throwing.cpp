@@ -27,7 +27,7 @@ struct tOwnBadAlloc : std::bad_alloc {};
 
 /// Out of memory and out of range at once.
 struct tBadAllocAndMore : std::bad_alloc, private std::out_of_range {
-    tBadAllocAndMore() : std::out_of_range("private") {}
+    using std::out_of_range::out_of_range;
 };
 
 struct tLarge : std::exception {
@@ -114,7 +114,7 @@ void ThrowAgain() {
 void ThrowBadAlloc() { throw std::bad_alloc(); }
 void ThrowBadArrayNewLength() { throw std::bad_array_new_length(); }
 void ThrowOwnBadAlloc() { throw tOwnBadAlloc(); }
-void ThrowBadAllocAndMore() { throw tBadAllocAndMore(); }
+void ThrowBadAllocAndMore() { throw tBadAllocAndMore("private"); }
 
 // The program's own exceptions.
 void ThrowOsFault() { zuerr::Raise({zuerr::osFault, {"throwing", 7}}); }
@@ -128,7 +128,7 @@ void ThrowInt() { throw 7; }
 void ThrowText() { throw "text"; }
 void ThrowString() { throw std::string(1000, 'x'); }
 void ThrowNull() { throw nullptr; }
-void ThrowFunction() { throw &ThrowInt; }
+void ThrowFunction() { throw &ThrowInt; }  // NOLINT(misc-throw-by-value-catch-by-reference): a pointer is meant
 void ThrowObject() { throw tNoException(); }
 void ThrowTwoExceptions() { throw tTwoExceptions(); }
 

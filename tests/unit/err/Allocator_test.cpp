@@ -75,7 +75,7 @@ TEST(AllocatorReallocate, DoesNothingIfTheRecordContainsAnError) {
 TEST(WideBuffer, StartsEmptyAndBecomesEmptyAgain) {
     StatusRecord status;
     WideBuffer buffer;
-    for (const std::size_t size : {0, 3}) {
+    for (const std::size_t size : {0U, 3U}) {
         ASSERT_TRUE(buffer.resize(size, status));
         ASSERT_TRUE(buffer.resize(0, status));
         EXPECT_EQ(buffer.size(), 0U);

@@ -24,7 +24,7 @@ protected:
     using tEntry = void (*)();
 
     ForeignCallGuardTest() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {}
-    ~ForeignCallGuardTest() override { nLibrary::unload(library_, osError_); }
+    void TearDown() override { nLibrary::unload(library_, osError_); }
 
     template <class tFunction = tEntry>
     tFunction entry(const char* name) {

@@ -78,7 +78,7 @@ TEST(JsonReportEnd, RejectsOnlyControlCharactersInStrings) {
 TEST(JsonReportEnd, DoesNotEndAStringAtAControlCharacter) { expectInvalid({"[\"\n]", "[\"a\t]", "{\"\n:1}"}); }
 
 TEST(JsonReportEnd, IsNullForAStringThatDoesNotEnd) {
-    expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", "[\"a\\\"", "[\"\\u", "[\"\\u12", "['a']"});
+    expectInvalid({"[\"", "[\"a", "[\"a]", "[\"a\\", R"(["a\")", "[\"\\u", "[\"\\u12", "['a']"});
 }
 
 TEST(JsonReportEnd, ReadsNothingPastTheTerminatorOfATextThatEndsInAnEscape) {

@@ -199,7 +199,7 @@ TEST(JsonReport, RejectsInABufferOf512BytesWhatFitsAfterDoubling) {
     // {"a":"..."} with one byte less than the next member and its comma need.
     const std::string member = R"("b":"0123456789")";
     const std::string filler(512 - 2 - std::strlen(R"({"a":""})") - member.size(), 'x');
-    tBuffer buffer(512, ("{\"a\":\"" + filler + "\"}").c_str());
+    tBuffer buffer(512, (R"({"a":")" + filler + R"("})").c_str());
     const auto before = buffer.bytes();
     EXPECT_EQ(AddString(buffer.end(), "b", "0123456789"), nullptr);
     EXPECT_EQ(buffer.bytes(), before);
@@ -263,8 +263,8 @@ TEST(JsonChain, SkipsTheMemberThatDoesNotFitAndEveryLaterOneIfItCannotGrow) {
 /// Moves the text into ever larger buffers, a few bytes at a time, at most `steps` times.
 struct tGrowth {
     tBuffer buffer;
-    std::size_t step;
-    int steps;
+    std::size_t step = 0;
+    int steps = 0;
     int calls = 0;
 
     static char* grow(void* argument, const char* cursor) noexcept {

@@ -67,7 +67,7 @@ TEST(PlatformStatus, TruncatesAComponentToNineCharacters) {
 TEST(PlatformStatus, RemovesTheMiddleOfAPathOfMoreThan100Characters) {
     const std::string whole = std::string(99, 'x') + "y";
     EXPECT_EQ(raised(-1, "", {whole.c_str(), 1}).file.data(), whole);
-    for (const std::size_t middle : {3, 4, 1000}) {
+    for (const std::size_t middle : {3U, 4U, 1000U}) {
         const std::string first = std::string(48, 'a') + "b";
         const std::string last = "c" + std::string(48, 'd');
         const std::string path = first + std::string(middle, 'm') + last;

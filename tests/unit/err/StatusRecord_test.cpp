@@ -118,7 +118,7 @@ TEST_F(StatusRecordTest, RequestsThreeBytesIfItsBufferIsTooSmallForAnEmptyReport
 }
 
 TEST_F(StatusRecordTest, NeedsOnlyThreeBytesForAnEmptyReport) {
-    for (const std::uint32_t capacity : {2, 3}) {
+    for (const std::uint32_t capacity : {2U, 3U}) {
         StatusRecord record;
         record.reallocJson = exact;
         giveBuffer(record, capacity);
@@ -179,7 +179,7 @@ TEST_F(StatusRecordTest, KeepsABufferThatIsLargeEnough) {
 
 TEST_F(StatusRecordTest, FreesItsBufferForARequestOfZeroBytes) {
     StatusRecord record;
-    for (const std::uint32_t size : {0, 1}) {
+    for (const std::uint32_t size : {0U, 1U}) {
         EXPECT_TRUE(record.reallocJson(record, size));
         EXPECT_TRUE(record.reallocJson(record, 0));
         EXPECT_EQ(record.json, nullptr);

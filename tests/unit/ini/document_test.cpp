@@ -46,14 +46,14 @@ TEST(iniDocument, CaseCountsForSectionsWhenTheDocumentSaysSo) {
     document.caseSensitive = 1;
     addSections(document, {"service", "Service"});
     EXPECT_EQ(findSection(document, "Service"), &document.sections[1]);
-    EXPECT_EQ(findSection(document, "service"), &document.sections[0]);
+    EXPECT_EQ(findSection(document, "service"), &document.sections.front());
     EXPECT_EQ(findSection(document, "SERVICE"), nullptr);
 }
 
 TEST(iniDocument, TheFirstOfEqualSectionsIsFound) {
     tDocument document;
     addSections(document, {"service", "Service"});
-    EXPECT_EQ(findSection(document, "Service"), &document.sections[0]);
+    EXPECT_EQ(findSection(document, "Service"), &document.sections.front());
 }
 
 TEST(iniDocument, TheSectionFoundLastIsTriedFirst) {
@@ -75,8 +75,8 @@ TEST(iniDocument, ASectionThatIsFoundBecomesTheCurrentOne) {
 TEST(iniDocument, KeysAreFoundByTheCallersCaseRule) {
     tSection section;
     section.keys = {tKey{"name", "1"}, tKey{"Name", "2"}};
-    EXPECT_EQ(findKey(section, false, "NAME"), &section.keys[0]);
-    EXPECT_EQ(findKey(section, false, "Name"), &section.keys[0]) << "the first one wins";
+    EXPECT_EQ(findKey(section, false, "NAME"), &section.keys.front());
+    EXPECT_EQ(findKey(section, false, "Name"), &section.keys.front()) << "the first one wins";
     EXPECT_EQ(findKey(section, true, "Name"), &section.keys[1]);
     EXPECT_EQ(findKey(section, true, "NAME"), nullptr);
     EXPECT_EQ(findKey(section, false, "Nam"), nullptr);

@@ -13,7 +13,8 @@ namespace {
 
 using testing::ElementsAre;
 
-const HANDLE searchHandle = reinterpret_cast<HANDLE>(std::intptr_t{0x1234});
+int directorySearch = 0;
+const HANDLE searchHandle = &directorySearch;
 
 /// Notes the calls that the parser makes for a file, and passes them on.
 class iniFileWin32 : public testing::Test {
@@ -87,7 +88,7 @@ TEST_F(iniFileWin32, TheContentAloneIsReadWithoutAskingForTheTime) {
 }
 
 TEST_F(iniFileWin32, ReadsOnUntilAChunkIsNotFull) {
-    EXPECT_EQ(parse("[s]\n" + std::string(2 * 2084, ';')), 0);
+    EXPECT_EQ(parse("[s]\n" + std::string(std::size_t{2} * 2084, ';')), 0);
     EXPECT_THAT(calls_,
                 ElementsAre("open", "read 4", "read 2084", "read 2084", "read 2084", "find", "end find", "close"));
 }

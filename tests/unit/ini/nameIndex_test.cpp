@@ -92,7 +92,7 @@ TEST(nameIndex, FindsEveryRecordOfAListWhileItGrows) {
 }
 
 TEST(nameIndex, FindsTheFirstOfEqualNamesInShortAndLongLists) {
-    for (const std::size_t size : {3, 8, 9, 100}) {
+    for (const std::size_t size : {3U, 8U, 9U, 100U}) {
         tNameIndex index;
         std::vector<tRecord> records = numbered(size);
         records.insert(records.end(), {{"Twice"}, {"TWICE"}, {"1"}, {"last"}});
@@ -270,7 +270,7 @@ TEST(nameIndexHostile, AreLookedAtAFewTimesEachToBeFound) {
     tCountingName::bytes = 0;
     tNameIndex index;
     EXPECT_EQ(index.find(records, "another", false), records.size());
-    EXPECT_LE(tCountingName::bytes, 2 * 300 * size);
+    EXPECT_LE(tCountingName::bytes, 2 * size * 300);
 }
 
 TEST(nameIndexHostile, AreLookedAtAFewTimesEachToFindRepeatedOnes) {
@@ -279,7 +279,7 @@ TEST(nameIndexHostile, AreLookedAtAFewTimesEachToFindRepeatedOnes) {
     tCountingName::bytes = 0;
     removeRepeated(records, false, [](tCountingRecord&, const tCountingRecord&) {});
     EXPECT_EQ(records.size(), 20'300U);
-    EXPECT_LE(tCountingName::bytes, 3 * 300 * size);
+    EXPECT_LE(tCountingName::bytes, 3 * size * 300);
 }
 
 }  // namespace

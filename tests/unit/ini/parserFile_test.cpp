@@ -83,7 +83,7 @@ TEST(iniParserFile, PathAndTimeAreKeptOnSuccess) {
     nIni::tDocument document;
     ASSERT_EQ(file.parseInto(document), 0);
     EXPECT_EQ(document.filePath.data(), file.widePath());
-    const std::uint64_t secondsSince1601 = 18263ULL * 86400 + 3 * 3600 + 4 + 11644473600;
+    const std::uint64_t secondsSince1601 = 18263ULL * 86400 + 3ULL * 3600 + 4 + 11644473600;
     EXPECT_EQ(document.fileTime, secondsSince1601 * 10'000'000);
 }
 
@@ -111,7 +111,7 @@ TEST(iniParserFile, ADocumentMayBeReadAgainByItsOwnPath) {
 
 TEST(iniParserFile, APathThatDoesNotFitLeavesItsFieldEmpty) {
     const std::size_t directorySize = tIniFile("", "").path().wstring().size();
-    for (const std::size_t size : {255, 256}) {
+    for (const std::size_t size : {255U, 256U}) {
         // The random part of the directory's name varies in length.
         nIni::tDocument document;
         for (std::size_t tries = 0;; ++tries) {

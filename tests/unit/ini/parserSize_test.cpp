@@ -40,7 +40,8 @@ TEST_F(iniParserSize, LinesOfTwoMegabytesAreOneLineEach) {
 TEST_F(iniParserSize, LinesAroundTheSizesOfChunksAndBlocksAreWhole) {
     std::string text = "[s]\n";
     std::vector<std::string> values;
-    for (const std::size_t size : {1, 2080, 2083, 2084, 2085, 5000, 65535, 65536, 65537, 131'072, 300'000, 3}) {
+    for (const std::size_t size :
+         {1U, 2080U, 2083U, 2084U, 2085U, 5000U, 65535U, 65536U, 65537U, 131'072U, 300'000U, 3U}) {
         std::string value(size, 'x');
         for (std::size_t i = 0; i < size; i += 7) value[i] = static_cast<char>('a' + i % 26);
         text += "k" + std::to_string(values.size()) + "=" + value + "\r\n";

@@ -205,7 +205,7 @@ TEST(iniParser, NothingIsMergedWhenTheDocumentSaysSo) {
     EXPECT_EQ(describe(document), "[s]@1\na=1@2\na=2@3\n[s]@4\na=3@5\n");
     EXPECT_EQ(document.currentSection, &document.sections[1]) << "the section parsed last";
     EXPECT_EQ(findSection(document, "S"), &document.sections[1]) << "is tried first";
-    EXPECT_EQ(findKey(document.sections[0], false, "a"), &document.sections[0].keys[0]);
+    EXPECT_EQ(findKey(document.sections[0], false, "a"), &document.sections[0].keys.front());
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ int call(void* function) { return reinterpret_cast<int (*)()>(function)(); }
 /// Loads a test plug-in for the duration of a test.
 class nLibraryLoaded : public testing::Test {
 protected:
-    ~nLibraryLoaded() override {
+    void TearDown() override {
         if (library_ != nullptr) nLibrary::unload(library_, osError_);
     }
 

@@ -44,7 +44,7 @@ protected:
             return error;
         });
     }
-    ~nLibraryCalls() override { imports::ImportBase::restoreAll(); }
+    void TearDown() override { imports::ImportBase::restoreAll(); }
 
     HMODULE theModule() { return reinterpret_cast<HMODULE>(this); }
     static INT_PTR WINAPI entry() { return 0; }

@@ -184,7 +184,7 @@ TEST(nIntrosort, ProducesTheSameOrderOnEveryToolchain) {
 /// still possible (M. D. McIlroy, "A Killer Adversary for Quicksort").
 class tAdversary {
 public:
-    explicit tAdversary(std::size_t count) : values_(count, gas), solid_(0) {}
+    explicit tAdversary(std::size_t count) : values_(count, gas) {}
 
     bool operator()(int a, int b) {
         ++questions;
@@ -201,7 +201,7 @@ public:
 private:
     static constexpr int gas = 1 << 30;
     std::vector<int> values_;
-    int solid_;
+    int solid_ = 0;
     int candidate_ = 0;
 };
 
@@ -255,7 +255,7 @@ TEST(nIntrosort, MakesFewComparisonsForShuffledSortedReversedAndRepeatedValues) 
 TEST(nIntrosort, HeapSortSortsAndKeepsEveryValueForAnyPredicate) {
     for (std::uint32_t seed = 0; seed < 500; ++seed) {
         std::vector<int> values = shuffled(seed % 150, seed);
-        auto less = std::less<int>();
+        auto less = std::less<>();
         nIntrosort::heapSort(std::span(values), less);
         ASSERT_EQ(values, upTo(values.size()));
         tRandomAnswers before(seed);
@@ -268,7 +268,7 @@ TEST(nIntrosort, PartitionLeavesNothingOnTheWrongSideOfThePivot) {
     for (std::uint32_t seed = 0; seed < 500; ++seed) {
         std::vector<int> values = shuffled(33 + seed % 100, seed);
         for (int& value : values) value %= 20;
-        auto less = std::less<int>();
+        auto less = std::less<>();
         const auto pivot = static_cast<std::ptrdiff_t>(nIntrosort::partition(std::span(values), less));
         const int at = values[static_cast<std::size_t>(pivot)];
         ASSERT_TRUE(std::all_of(values.begin(), values.begin() + pivot, [at](int value) { return value <= at; }));

@@ -49,7 +49,7 @@ protected:
 
     /// Runs in the foreground and returns the exit code. Calls nothing after main, so that the last error stays
     /// unchanged.
-    int runInForeground() {
+    static int runInForeground() {
         char program[] = "host.exe";
         char* arguments[] = {program, nullptr};
         return hostMain(1, arguments);

@@ -185,13 +185,14 @@ struct tObject {
 std::vector<std::string>* slotCalls = nullptr;
 
 template <int slot>
-std::int32_t noteSlot(tObject* self, std::uintptr_t, std::uintptr_t, std::uintptr_t, std::uintptr_t) {
+std::int32_t noteSlot(tObject* self, std::uintptr_t /*a*/, std::uintptr_t /*b*/, std::uintptr_t /*c*/,
+                      std::uintptr_t /*d*/) {
     slotCalls->push_back(std::string(self->name) + " " + std::to_string(slot));
     return 0;
 }
 
 template <int... numbers>
-tTable notingTable(std::integer_sequence<int, numbers...>) {
+tTable notingTable(std::integer_sequence<int, numbers...> /*slots*/) {
     return {{reinterpret_cast<void*>(&noteSlot<numbers>)...}};
 }
 

@@ -35,7 +35,7 @@ struct nDeploymentTest : testing::Test {
         };
     }
 
-    [[nodiscard]] bool connects() {
+    [[nodiscard]] static bool connects() {
         tFramework frameworkHolder;
         tResource resourceHolder;
         const bool connected = nDeployment::ConnectFramework(frameworkHolder, resourceHolder);

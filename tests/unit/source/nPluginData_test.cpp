@@ -150,7 +150,7 @@ protected:
     /// Returns the failure to read this file; expects the record to be unchanged.
     std::string failure(const std::string& path) {
         tPluginDescription record = earlier;
-        const std::string thrown = caughtReport([&] { nPluginData::readDescription(path, record); });
+        std::string thrown = caughtReport([&] { nPluginData::readDescription(path, record); });
         EXPECT_EQ(shown(record), shown(earlier));
         return thrown;
     }

@@ -17,9 +17,7 @@ namespace {
 class serviceControlRace : public testing::Test {
 protected:
     serviceControlRace() { world.deployment.entry = support::tScriptedFramework::instantiate; }
-    ~serviceControlRace() override {
-        EXPECT_EQ(manager.failedSignals, 0) << "the event was closed before its last use";
-    }
+    void TearDown() override { EXPECT_EQ(manager.failedSignals, 0) << "the event was closed before its last use"; }
 
     /// The environment variable RACE_ROUNDS makes the tests run longer.
     static unsigned rounds() {

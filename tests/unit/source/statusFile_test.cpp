@@ -8,7 +8,7 @@ namespace {
 
 class statusFile : public testing::Test {
 protected:
-    void write(const std::string& path, const char* text) const {
+    static void write(const std::string& path, const char* text) {
         std::FILE* const file = nStatusFile::open(path);
         ASSERT_NE(file, nullptr);
         std::fputs(text, file);

@@ -34,7 +34,7 @@ TEST_F(statusFileInvalidPath, MakesNoCallForAnEmptyPath) {
 
 TEST_F(statusFileInvalidPath, MakesNoCallWhenTheSecondConversionFails) {
     imports::MultiByteToWideChar.replace(
-        [](UINT, DWORD, LPCCH, int, LPWSTR wide, int) { return wide == nullptr ? 1 : 0; });
+        [](UINT, DWORD, LPCCH, int, LPCWSTR wide, int) { return wide == nullptr ? 1 : 0; });
     EXPECT_EQ(nStatusFile::open("a"), nullptr);
     EXPECT_EQ(calls, 0);
 }

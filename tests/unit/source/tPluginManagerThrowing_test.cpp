@@ -55,7 +55,7 @@ tPluginDescription plugin(const char* initialize, const char* stop = "", const c
 
 class tPluginManagerThrowing : public testing::Test {
 protected:
-    ~tPluginManagerThrowing() override {
+    void TearDown() override {
         // A library whose clean-up threw is still loaded.
         for (tPluginEntry entry : manager.entries()) entry.library.close();
     }

@@ -11,7 +11,7 @@ namespace {
 
 class tPluginManagerFaulting : public testing::Test {
 protected:
-    ~tPluginManagerFaulting() override { support::setEnvironment("TEST_FAULT", ""); }
+    void TearDown() override { support::setEnvironment("TEST_FAULT", ""); }
 
     /// Starts, stops and cleans up a faulting plug-in between two others, whose codes must be 0.
     const tPluginEntry& live(const char* fault) {

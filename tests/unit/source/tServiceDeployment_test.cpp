@@ -81,7 +81,7 @@ protected:
     tServiceDeploymentThrowing() : library_(nLibrary::load(support::pluginPath("throwing").c_str(), osError_)) {
         startService();
     }
-    ~tServiceDeploymentThrowing() override { nLibrary::unload(library_, osError_); }
+    void TearDown() override { nLibrary::unload(library_, osError_); }
 
     void expectMessage(const char* entry, const std::string& message) {
         void* const address = nLibrary::symbol(library_, entry, osError_);

@@ -10,7 +10,7 @@ namespace {
 using tServiceRunHostile = support::tRunTest;
 
 TEST_F(tServiceRunHostile, ASharedDirectoryThatIsNoDirectoryCannotBeOpened) {
-    for (const char* const place : {"Q:\\Shared", "Q:", "NUL", "con", "\\\\.\\NUL", "\\\\.\\PhysicalDrive99", "\\\\?\\",
+    for (const char* const place : {"Q:\\Shared", "Q:", "NUL", "con", R"(\\.\NUL)", R"(\\.\PhysicalDrive99)", R"(\\?\)",
                                     "*", "?", "<>|", "C:\\\x01", "::", "%TEMP%", "\xFF\xFE"}) {
         world.places.sharedDirectory = place;
         gService->messages.clear();
@@ -21,7 +21,7 @@ TEST_F(tServiceRunHostile, ASharedDirectoryThatIsNoDirectoryCannotBeOpened) {
 
 TEST_F(tServiceRunHostile, APathThatIsNoLibraryFailsItsPluginAlone) {
     std::size_t files = 0;
-    for (const char* const path : {"Q:\\a.dll", "Q:a.dll", "NUL", "con", "\\\\.\\NUL", "\\\\?\\", "C:\\", "*.dll",
+    for (const char* const path : {"Q:\\a.dll", "Q:a.dll", "NUL", "con", R"(\\.\NUL)", R"(\\?\)", "C:\\", "*.dll",
                                    "a:b", "C:\\Windows", "\xFF\xFE.dll", "kernel32.dll:stream"}) {
         world.describe(std::to_string(++files) + ".ini", "[Service]\nName=Odd\nPath=" + std::string(path) + "\n");
     }

@@ -24,7 +24,7 @@ protected:
 };
 
 TEST_F(tServiceStatusFullDisk, IsDetectedWhenALongTextIsWrittenOrAShortOneIsClosedAndKeepsTheOldFile) {
-    for (const std::size_t size : {1'000'000, 10}) {
+    for (const std::size_t size : {1'000'000U, 10U}) {
         const std::ptrdiff_t before = openFiles();
         EXPECT_EQ(support::caughtReport([&] { WriteStatusFile(folder.utf8(), "s", std::string(size, 'x')); }),
                   support::writeFailed);

@@ -96,13 +96,13 @@ TEST_F(tSharedLibraryTest, IsAPlainValueThatUnloadsNothingOnDestruction) {
 }
 
 struct tCase {
-    const char* operation;
-    bool isLoaded;              ///< before
-    std::int32_t status;        ///< before: 0, a warning or a failure
+    const char* operation = nullptr;
+    bool isLoaded = false;      ///< before
+    std::int32_t status = 0;    ///< before: 0, a warning or a failure
     std::optional<bool> works;  ///< whether the system call succeeds; empty if it must not be made
-    std::int32_t codeAfter;
-    std::int32_t lineAfter;  ///< of the report
-    bool isLoadedAfter;
+    std::int32_t codeAfter = 0;
+    std::int32_t lineAfter = 0;  ///< of the report
+    bool isLoadedAfter = false;
 };
 
 constexpr tCase cases[] = {

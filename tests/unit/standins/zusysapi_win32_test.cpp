@@ -17,7 +17,7 @@ protected:
         set("ZUSYSAPI_REPORT", folder.utf8("report"));
         imports::Sleep.replace([this](DWORD /*milliseconds*/) { ++pauses; });
     }
-    ~zusysapi() override {
+    void TearDown() override {
         unload();
         for (const char* name : {"ZUSYSAPI_FAIL_STEP", "ZUSYSAPI_FAIL_ATTEMPTS", "ZUSYSAPI_REPORT"}) {
             SetEnvironmentVariableA(name, nullptr);

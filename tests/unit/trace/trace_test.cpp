@@ -23,7 +23,7 @@ constexpr const char* prefix = "[oteService|             source/tService.cpp|000
 [[gnu::format(printf, 2, 3)]] std::string lineOf(const nTrace::tSite& traceSite, const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    const std::string line = debuggerOutput([&] { nTrace::writeLine(traceSite, format, arguments); });
+    std::string line = debuggerOutput([&] { nTrace::writeLine(traceSite, format, arguments); });
     va_end(arguments);
     return line;
 }
