@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <boost/filesystem/operations.hpp>
 #include <memory>
-#include <ranges>
 #include <string_view>
 #include <unordered_map>
 
@@ -66,8 +65,8 @@ std::vector<std::string> partsOf(std::string_view path) {
 }
 
 bool startsWith(const std::vector<std::string>& parts, const std::vector<std::string>& start) {
-    return parts.size() >= start.size() &&
-           std::ranges::equal(start, parts | std::views::take(start.size()), {}, toLowerAscii, toLowerAscii);
+    const auto isSame = [](const std::string& a, const std::string& b) { return toLowerAscii(a) == toLowerAscii(b); };
+    return parts.size() >= start.size() && std::equal(start.begin(), start.end(), parts.begin(), isSame);
 }
 
 /// A mapped folder.
