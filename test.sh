@@ -6,7 +6,7 @@ source scripts/dependencies.sh
 source scripts/search.sh
 
 default_layers=(lint unit replay sweep endtoend endurance)
-all_layers=("${default_layers[@]}" catalogues tidy race coverage fuzz bench)
+all_layers=("${default_layers[@]}" catalogues peers tidy race coverage fuzz bench)
 results=build/test
 search_options=(20)
 usage() {
@@ -24,6 +24,8 @@ The last line is the sum: N passed, N failed, N skipped. What each program print
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
   catalogues what \`ziptra check\` predicts of random plug-in directories is what the host does with them
              (CATALOGUES directories: 150, or 2,000 in \`all\`; from the seed CATALOGUE_SEED)
+  peers      other programs accept what \`ziptra\` writes (JSON schemas, promtool, Graphviz, a browser), and objdump sees
+             the same in every library
   endurance  plug-ins and service started over and over, killed at every step of a write, raced by stop requests
              (SOAK_CYCLES, SOAK_SECONDS, KILLS, RACE_SECONDS make it longer)
   tidy       static analysis by clang-tidy
@@ -101,7 +103,7 @@ while (($#)); do
             layers+=("${all_layers[@]}")
             export CATALOGUES=${CATALOGUES:-2000}
             ;;
-        lint | tidy | unit | replay | sweep | endtoend | catalogues | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
+        lint | tidy | unit | replay | sweep | endtoend | catalogues | peers | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
         --long)
             [[ ${2-} =~ ^[1-9][0-9]{0,6}$ ]] || misused
             search_options=("$2" --keep)
@@ -120,7 +122,11 @@ need_python
 
 ! wanted lint || need_linters
 ! wanted tidy || need_clang_tidy
-mapfile -t native < <(chosen lint tidy unit replay sweep)
+if wanted peers; then
+    need_wine
+    need_peers
+fi
+mapfile -t native < <(chosen lint tidy unit replay sweep peers)
 mapfile -t windows < <(chosen lint tidy unit replay sweep endtoend catalogues endurance)
 if ((${#native[@]})); then
     record builds native-asan ./build.sh native-asan && run 2 native-asan "${native[@]}"

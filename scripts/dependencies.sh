@@ -106,3 +106,7 @@ need_linters() {
 need_clang_tidy() {
     need run-clang-tidy -- clang-tidy
 }
+
+need_peers() {
+    need chromium dot objdump promtool -- binutils chromium graphviz prometheus python3-jsonschema
+}
