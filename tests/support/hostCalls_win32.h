@@ -55,6 +55,16 @@ protected:
         });
     }
 
+    /// Makes a call throw for the service's event. The runtime libraries use the same functions for events of their
+    /// own, at any time, and no exception may leave them.
+    template <typename Import, typename Throw>
+    void throwFrom(Import& call, Throw raise) {
+        call.replace([&call, event = stopEvent_, raise](HANDLE object, auto... more) {
+            if (object == event) raise();
+            return call.real(object, more...);
+        });
+    }
+
     std::vector<std::string> calls;
 
 private:

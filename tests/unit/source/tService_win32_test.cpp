@@ -108,14 +108,14 @@ TEST_F(tServiceLife, AStandardExceptionFromTheAccessListMeansMinusOne) {
 TEST_F(tServiceLife, AStandardExceptionFromTheWaitEndsTheRunAndNothingElse) {
     const support::tServiceWorld world;
     startService();
-    imports::WaitForSingleObject.replace([](auto...) -> DWORD { throw std::runtime_error("no wait today"); });
+    throwFrom(imports::WaitForSingleObject, [] { throw std::runtime_error("no wait today"); });
     runService();
     EXPECT_NE(gService, nullptr);
 }
 
 TEST_F(tServiceLife, AStandardExceptionFromTheStopRequestIsNotPassedOn) {
     startService();
-    imports::SetEvent.replace([](HANDLE) -> BOOL { throw std::runtime_error("no signal today"); });
+    throwFrom(imports::SetEvent, [] { throw std::runtime_error("no signal today"); });
     EXPECT_NO_THROW(signalServiceStop());
     EXPECT_NE(gService, nullptr);
 }
@@ -123,7 +123,7 @@ TEST_F(tServiceLife, AStandardExceptionFromTheStopRequestIsNotPassedOn) {
 TEST_F(tServiceLife, ADestructionThatThrowsLeavesThePointerUnchanged) {
     startService();
     const tService* const before = gService;
-    imports::CloseHandle.replace([](HANDLE) -> BOOL { throw std::runtime_error("no close today"); });
+    throwFrom(imports::CloseHandle, [] { throw std::runtime_error("no close today"); });
     EXPECT_NO_THROW(stopService());
     EXPECT_EQ(gService, before);
     gService = nullptr;
@@ -140,13 +140,13 @@ TEST_F(tServiceLife, EachEntryPointPassesItsExceptionToTheConversion) {
     EXPECT_EQ(caught.texts.size(), 1U);
     imports::CreateEventA.replace(createEvent);
     startService();
-    imports::WaitForSingleObject.replace([](auto...) -> DWORD { zuerr::Raise(failure); });
+    throwFrom(imports::WaitForSingleObject, [] { zuerr::Raise(failure); });
     runService();
     EXPECT_EQ(caught.texts.size(), 2U);
-    imports::SetEvent.replace([](HANDLE) -> BOOL { zuerr::Raise(failure); });
+    throwFrom(imports::SetEvent, [] { zuerr::Raise(failure); });
     signalServiceStop();
     EXPECT_EQ(caught.texts.size(), 3U);
-    imports::CloseHandle.replace([](HANDLE) -> BOOL { zuerr::Raise(failure); });
+    throwFrom(imports::CloseHandle, [] { zuerr::Raise(failure); });
     stopService();
     EXPECT_EQ(caught.texts.size(), 4U);
     imports::ImportBase::restoreAll();
@@ -154,16 +154,17 @@ TEST_F(tServiceLife, EachEntryPointPassesItsExceptionToTheConversion) {
 }
 
 TEST_F(tServiceLife, ExceptionsOfOtherKindsAreNotCaught) {
+    const auto createEvent = imports::CreateEventA.current();
     imports::CreateEventA.replace([](auto...) -> HANDLE { throw 7; });
     EXPECT_THROW(startService(), int);
     EXPECT_EQ(gService, nullptr);
 
-    imports::CreateEventA.replace([](auto... arguments) { return imports::CreateEventA.real(arguments...); });
+    imports::CreateEventA.replace(createEvent);
     startService();
     imports::RegOpenKeyExW.replace([](auto...) -> LSTATUS { throw 7; });
     EXPECT_THROW(runService(), int);
 
-    imports::CloseHandle.replace([](HANDLE) -> BOOL { throw 7; });
+    throwFrom(imports::CloseHandle, [] { throw 7; });
     EXPECT_THROW(stopService(), int);
     imports::ImportBase::restoreAll();
     gService = nullptr;
