@@ -96,6 +96,20 @@ std::vector<tChainRemedies::tChange> tChainRemedies::wholeChain(std::size_t plug
     return changes;
 }
 
+/// Returns the plug-ins that depend on this one, directly or indirectly, and whose lists lack an indirect dependency,
+/// with the complete lists; none if there are too many. Such a plug-in can keep this one in front of it.
+std::vector<tChainRemedies::tChange> tChainRemedies::dependants(std::size_t plugin) const {
+    const std::string& name = catalogue_.descriptions()[plugin].name;
+    std::vector<tChange> changes;
+    for (std::size_t other = 0; other < catalogue_.size(); ++other) {
+        tNames all = allDependencies(other);
+        if (!std::binary_search(all.begin(), all.end(), name)) continue;
+        if (lacks(catalogue_.descriptions()[other], all)) changes.push_back({other, std::move(all)});
+        if (changes.size() > mostFiles) return {};
+    }
+    return changes;
+}
+
 /// Returns whether the changed descriptions bring the plug-in into order, and none out of it.
 bool tChainRemedies::helps(std::size_t plugin) {
     if (attemptsLeft_ == 0) return false;
@@ -143,17 +157,36 @@ std::string tChainRemedies::describe(const std::vector<tChange>& changes) const 
     return text + ": with all indirect dependencies, the order is right.";
 }
 
+/// Returns the remedy in dependants of the plug-in, in a single one if possible; empty if there is none.
+std::string tChainRemedies::remedyInDependants(std::size_t plugin) {
+    if (attemptsLeft_ == 0) return {};
+    --attemptsLeft_;  // finding the dependants takes as long as an attempt
+    const std::vector<tChange> changes = dependants(plugin);
+    if (!tryDependencies(plugin, changes)) return {};
+    for (const tChange& change : changes) {
+        if (changes.size() > 1 && tryDependencies(plugin, {change})) return describe({change});
+    }
+    return describe(changes);
+}
+
+/// Returns the remedy that names indirect dependencies; empty if there is none.
+std::string tChainRemedies::remedyInLists(std::size_t plugin) {
+    const std::vector<tChange> own{{plugin, allDependencies(plugin)}};
+    const bool lacksSome = lacks(catalogue_.descriptions()[plugin], own.front().dependencies);
+    if (lacksSome && tryDependencies(plugin, own)) return describe(own);
+    if (const std::vector<tChange> chain = wholeChain(plugin); tryDependencies(plugin, chain)) return describe(chain);
+    return remedyInDependants(plugin);
+}
+
 std::string tChainRemedies::remedyFor(std::size_t plugin) {
     if (attemptsLeft_ == 0) return "Correct the other plug-ins that come too early first, then check again.";
     if (descriptions_.empty()) descriptions_ = catalogue_.descriptions();
     if (tryDependencies(plugin, corrections_)) {
         return "Correct the names of dependencies that have findings of their own: this brings it into order, too.";
     }
-    const tNames all = allDependencies(plugin);
-    const std::vector<tChange> own{{plugin, all}};
-    if (lacks(catalogue_.descriptions()[plugin], all) && tryDependencies(plugin, own)) return describe(own);
-    if (const std::vector<tChange> chain = wholeChain(plugin); tryDependencies(plugin, chain)) return describe(chain);
+    if (const std::string remedy = remedyInLists(plugin); !remedy.empty()) return remedy;
 
+    const tNames all = allDependencies(plugin);
     const std::string& oldName = catalogue_.descriptions()[plugin].name;
     const std::string newName = all.empty() ? "" : all.back() + "-" + oldName;
     const bool isUnique = catalogue_.named(oldName)->plugins.size() == 1 && catalogue_.named(newName) == nullptr;

@@ -30,9 +30,12 @@ public:
 private:
     [[nodiscard]] tNames allDependencies(std::size_t plugin) const;
     [[nodiscard]] std::vector<tChange> wholeChain(std::size_t plugin) const;
+    [[nodiscard]] std::vector<tChange> dependants(std::size_t plugin) const;
     [[nodiscard]] bool helps(std::size_t plugin);
     bool tryDependencies(std::size_t plugin, const std::vector<tChange>& changes);
     bool tryName(std::size_t plugin, const std::string& name);
+    [[nodiscard]] std::string remedyInLists(std::size_t plugin);
+    [[nodiscard]] std::string remedyInDependants(std::size_t plugin);
     [[nodiscard]] std::string describe(const std::vector<tChange>& changes) const;
 
     const tCatalogue& catalogue_;

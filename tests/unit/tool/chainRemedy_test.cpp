@@ -82,6 +82,16 @@ TEST(tChainRemedies, NameThemInOtherFilesOfTheChainTooIfOneFileIsNotEnough) {
               "dependencies, the order is right.");
 }
 
+TEST(tChainRemedies, NameThemInADependantIfThatKeepsThePluginInFront) {
+    EXPECT_EQ(
+        remedyFor(chain, "Scheduler"),
+        "Write \"Dependencies=Scheduler, Transport\" in Deployment.ini: with all indirect dependencies, the order "
+        "is right.");
+    tDescriptions changed = chain;
+    changed[1].dependencies = {"Scheduler", "Transport"};
+    EXPECT_EQ(firstTooEarly(changed), "");
+}
+
 TEST(tChainRemedies, AdviseAnotherNameIfAllDependenciesAreNamedAlready) {
     const tDescriptions descriptions{described("L", {"I"}), described("H", {"J"}),
                                      described("D"),        described("A", {"B", "D", "E", "G"}),
@@ -95,10 +105,9 @@ TEST(tChainRemedies, AdviseAnotherNameIfAllDependenciesAreNamedAlready) {
 }
 
 TEST(tChainRemedies, AdviseNamesInTheStartOrderIfNothingElseHelps) {
-    const tDescriptions descriptions{described("C", {"F"}), described("G"), described("H", {"B", "E"}),
-                                     described("D"),        described("E"), described("F", {"D", "E", "H"}),
-                                     described("B"),        described("A")};
-    EXPECT_THAT(remedyFor(descriptions, "F"), HasSubstr("names whose order is the order in which they must start"));
+    const tDescriptions descriptions{described("O", {"A", "D"}), described("D", {"X"}), described("A"), described("Q"),
+                                     described("X")};
+    EXPECT_THAT(remedyFor(descriptions, "D"), HasSubstr("names whose order is the order in which they must start"));
 }
 
 /// Random plug-ins without circles. The first plug-in of the random order depends on none.
