@@ -35,7 +35,8 @@ std::vector<tFinding> tCatalogue::takeFindings() {
     std::size_t plugin = 0;
     for (std::size_t i = 0; i < files_.size(); ++i) {
         const bool described = plugin < fileIndexes_.size() && fileIndexes_[plugin] == i;
-        std::vector<tFinding> findings = files_[i].findings.take(described ? descriptions_[plugin].name : "");
+        std::vector<tFinding> findings =
+            files_[i].findings.take(described ? descriptions_[plugin].name : files_[i].rejectedName);
         if (described) ++plugin;
         std::move(findings.begin(), findings.end(), std::back_inserter(all));
     }

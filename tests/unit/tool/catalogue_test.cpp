@@ -56,15 +56,16 @@ TEST(tCatalogue, FindsThePluginsOfANameInStartOrder) {
 TEST(tCatalogue, ReturnsTheFindingsInTheOrderOfTheFilesAndOfTheirLines) {
     std::vector<tDescriptionFile> files = someFiles();
     files[1].findings.add("blank-line", 2, "in a rejected file");
+    files[1].rejectedName = "R";
     tCatalogue catalogue(std::move(files));
     catalogue.findings(3).add("missing-path", 1, "last");
     catalogue.findings(0).add("missing-path", 9, "second");
     catalogue.findings(0).add("missing-path", 1, "first");
     std::vector<std::string> texts;
     for (const tFinding& finding : catalogue.takeFindings()) {
-        texts.push_back(finding.message + " " + finding.file + " " + finding.plugin.value_or("-"));
+        texts.push_back(finding.message + " " + finding.file + " " + finding.plugin.value_or(""));
     }
-    EXPECT_THAT(texts, ElementsAre("first 1.ini B", "second 1.ini B", "in a rejected file 2.ini -", "last 5.ini A"));
+    EXPECT_THAT(texts, ElementsAre("first 1.ini B", "second 1.ini B", "in a rejected file 2.ini R", "last 5.ini A"));
 }
 
 }  // namespace
