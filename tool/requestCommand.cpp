@@ -32,17 +32,17 @@ void addMapOption(CLI::App& command, nCheck::tRequest& request) {
         }
     };
     command
-        .add_option_function<std::vector<std::string>>("--map", setMaps,
-                                                       "Where a folder of the host's machine is; may be repeated")
+        .add_option_function<std::vector<std::string>>(
+            "--map", setMaps, "Where a folder of the machine that runs the host is; may be repeated")
         ->check(checkMap)
-        ->type_name("'C:\\FOLDER=DIRECTORY'");
+        ->type_name("\"C:\\FOLDER=DIRECTORY\"");
 }
 
 void addAllowedOption(CLI::App& command, nCheck::tRequest& request) {
     const auto setMask = [&request](const std::string& mask) { request.allowedMask = nMask::read(mask); };
     command
-        .add_option_function<std::string>("--allowed", setMask,
-                                          "The features that the machine allows, decimal or hexadecimal")
+        .add_option_function<std::string>(
+            "--allowed", setMask, "The features that the machine allows, such as 0xFFFFFFFD: all but deployment")
         ->check(checkMask)
         ->type_name("MASK");
 }

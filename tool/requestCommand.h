@@ -7,7 +7,7 @@ namespace CLI {
 class App;
 }
 
-/// What the commands share that look at descriptions without reporting findings.
+/// What the commands share that look at descriptions.
 namespace nRequest {
 
 /// Adds the option --map to a command. The request must outlive the parsing of the arguments.

@@ -30,12 +30,13 @@ void addCommands(CLI::App& program, tContext& context) {
 }
 
 /// Sets what all commands have in common. A repeatable option takes one value each time, so that "--map A=B DIR" leaves
-/// DIR alone; and a value in brackets is not a list.
+/// DIR alone; and a value in brackets is not a list. The help does not repeat for each option which others it excludes.
 void adjustCommands(CLI::App& program) {
     for (CLI::App* const command : program.get_subcommands({})) {
         command->group("Commands");
         for (CLI::Option* const option : command->get_options()) {
             if (!option->get_positional()) option->allow_extra_args(false);
+            if (!option->get_excludes().empty()) option->option_text(option->get_type_name() + " ");
         }
     }
 }
@@ -56,6 +57,12 @@ void addCommon(CLI::App& program, tContext& context) {
         ->type_name("WHEN");
     program.require_subcommand(1);
     program.footer(
+        "Examples:\n"
+        "  ziptra check plugins        what the host will do with the descriptions in the folder plugins\n"
+        "  ziptra status               what it did on this machine\n"
+        "  ziptra explain Transport    why the plug-in Transport did not start\n"
+        "  ziptra explain -52006       what this code means\n"
+        "\n"
         "Exit code: 0 if there is nothing to report, 1 if there is, 2 if the command could not look.\n"
         "'ziptra COMMAND --help' shows the options of a command and an example.");
 }
@@ -63,7 +70,10 @@ void addCommon(CLI::App& program, tContext& context) {
 /// Returns one sentence about what is wrong with the arguments.
 std::string describe(const CLI::App& program, const CLI::ParseError& error) {
     if (!program.get_subcommands().empty()) return error.what();
-    if (program.remaining_size() > 0) return fmt::format("There is no command '{}'", program.remaining().front());
+    if (program.remaining_size() > 0) {
+        const std::string unknown = program.remaining().front();
+        return fmt::format("There is no {} '{}'", unknown.starts_with('-') ? "option" : "command", unknown);
+    }
     return error.get_name() == "RequiredError" ? "A command is missing" : error.what();
 }
 

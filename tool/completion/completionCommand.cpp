@@ -72,6 +72,7 @@ void addCommand(CLI::App& program, tContext& context) {
     CLI::App* const command = program.add_subcommand("completion", "Print a script that completes commands in a shell");
     command->add_option("SHELL", "The shell: bash or powershell")
         ->required()
+        ->option_text(" ")
         ->check(CLI::IsMember(std::vector<std::string>(shells.begin(), shells.end())));
     command->footer(
         "Example, in bash:       source <(ziptra completion bash)\n"

@@ -43,10 +43,10 @@ void run(const tArguments& arguments, tContext& context) {
 }
 
 void addFormats(CLI::App& command, tArguments& arguments) {
-    CLI::Option* const dot = command.add_flag("--dot", arguments.dot, "For Graphviz; this is the default");
-    CLI::Option* const mermaid = command.add_flag("--mermaid", arguments.mermaid, "For Mermaid, a flowchart");
-    CLI::Option* const svg = command.add_flag("--svg", arguments.svg, "A picture");
-    CLI::Option* const json = command.add_flag("--json", arguments.json, "One JSON document");
+    CLI::Option* const dot = command.add_flag("--dot", arguments.dot, "Print text for Graphviz; this is the default");
+    CLI::Option* const mermaid = command.add_flag("--mermaid", arguments.mermaid, "Print a flowchart for Mermaid");
+    CLI::Option* const svg = command.add_flag("--svg", arguments.svg, "Print a picture");
+    CLI::Option* const json = command.add_flag("--json", arguments.json, "Print one JSON document");
     dot->excludes(mermaid)->excludes(svg)->excludes(json);
     mermaid->excludes(svg)->excludes(json);
     svg->excludes(json);
@@ -58,8 +58,8 @@ void addCommand(CLI::App& program, tContext& context) {
     CLI::App* const command = program.add_subcommand("graph", "Draw the plug-ins' dependencies and start order");
     const auto arguments = std::make_shared<tArguments>();
     command
-        ->add_option("DIR", arguments->request.places,
-                     "Directories and description files; without any, this machine's plug-in directory")
+        ->add_option("PLACE", arguments->request.places,
+                     "Directories and description files; on Windows, otherwise this machine's plug-in directory")
         ->type_name("");
     addFormats(*command, *arguments);
     command->add_option("--output", arguments->output, "Replace this file instead of printing")->type_name("FILE");

@@ -46,9 +46,10 @@ void deliver(const std::string& text, const tOptions& options, tContext& context
 tReport readForOutput(const std::string& file, const tOptions& options, tContext& context) {
     try {
         return readReport(file);
-    } catch (const tCannotRead&) {
+    } catch (const tCannotRead& failure) {
         if (options.prometheus) deliver(prometheusWithoutReport(), options, context);
-        throw;
+        if (!options.file.empty()) throw;
+        throw tCannotRead(failure.what() + std::string("; the service writes it when it starts, if its folder exists"));
     }
 }
 
@@ -83,10 +84,11 @@ void addCommand(CLI::App& program, tContext& context) {
     command->add_option("FILE", options->file, "The status file; on Windows, otherwise that of this machine")
         ->type_name("");
     addForms(*command, *options);
-    command->add_flag("--strict", options->strict, "Warnings count for the exit code");
+    command->add_flag("--strict", options->strict, "Let warnings count for the exit code, too");
     command->footer(
-        "Exit code: 1 if the file shows messages or failures, 2 if it is no status file.\n"
-        "Example: ziptra status --html --output status.html");
+        "Example: ziptra status\n"
+        "Example: ziptra status --html --output status.html\n"
+        "Exit code: 0 if nothing failed, 1 if the file shows messages or failures, 2 if it cannot be read.");
     command->callback([options, &context] { run(*options, context); });
 }
 

@@ -98,6 +98,7 @@ TEST_F(checkCommand, HasAHelpWithAnExample) {
     const tToolRun result({"check", "--help"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_THAT(result.out, HasSubstr("Example: ziptra check "));
+    EXPECT_THAT(result.out, HasSubstr("Exit code: 0 "));
 }
 
 }  // namespace

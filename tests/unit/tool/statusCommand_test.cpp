@@ -121,6 +121,8 @@ TEST_F(nStatusCommand, AcceptsOneFormOnly) {
 TEST_F(nStatusCommand, ShowsAnExampleInItsHelp) {
     EXPECT_EQ(run({"--help"}), 0);
     EXPECT_THAT(out.str(), HasSubstr("Example: ziptra status --html --output status.html"));
+    EXPECT_THAT(out.str(), testing::Not(HasSubstr("Excludes")));
+    EXPECT_THAT(out.str(), HasSubstr("--output FILE "));
 }
 
 }  // namespace

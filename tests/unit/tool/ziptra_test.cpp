@@ -49,7 +49,7 @@ TEST(ziptra, AnswersBadArgumentsWithOneSentenceAndTheRemedy) {
         {{}, "ziptra: A command is missing; see 'ziptra --help'\n"},
         {{"complete"}, "ziptra: There is no command 'complete'; see 'ziptra --help'\n"},
         {{"插件 \xF0\x9F\x99\x82"}, "ziptra: There is no command '插件 \xF0\x9F\x99\x82'; see 'ziptra --help'\n"},
-        {{"--colour"}, "ziptra: There is no command '--colour'; see 'ziptra --help'\n"},
+        {{"--colour"}, "ziptra: There is no option '--colour'; see 'ziptra --help'\n"},
         {{"--color"}, "ziptra: --color: 1 required WHEN:{auto,always,never} missing; see 'ziptra --help'\n"},
         {{"/h"}, "ziptra: There is no command '/h'; see 'ziptra --help'\n"},
         {{""}, "ziptra: There is no command ''; see 'ziptra --help'\n"},
