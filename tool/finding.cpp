@@ -27,13 +27,14 @@ std::string_view severityName(tSeverity severity) noexcept {
 }
 
 std::string toText(const tFinding& finding, bool colour) {
-    std::string line;
-    if (finding.line) line = fmt::format(":{}", *finding.line);
+    std::string place = finding.file;
+    if (finding.line) place += fmt::format(":{}", *finding.line);
     const std::string_view bold = colour ? "\x1B[1m" : "";
     const std::string_view normal = colour ? "\x1B[0m" : "";
     const std::string_view severity = colour ? colourOf(finding.severity) : "";
-    return fmt::format("{0}{1}{2}:{3} {4}{5}:{3} {6} [{7}]", bold, finding.file, line, normal, severity,
-                       severityName(finding.severity), finding.message, finding.id);
+    if (!place.empty()) place = fmt::format("{}{}:{} ", bold, place, normal);
+    return fmt::format("{}{}{}:{} {} [{}]", place, severity, severityName(finding.severity), normal, finding.message,
+                       finding.id);
 }
 
 bool matter(const std::vector<tFinding>& findings, bool strict) noexcept {

@@ -17,6 +17,10 @@ TEST(nFinding, IsShownAsACompilerShowsIt) {
     tFinding wholeFile = ofSeverity(tSeverity::warning);
     wholeFile.line.reset();
     EXPECT_EQ(nFinding::toText(wholeFile, false), "C:\\插件\\a.ini: warning: blank line [blank-line]");
+    tFinding withoutFile = wholeFile;
+    withoutFile.file.clear();
+    EXPECT_EQ(nFinding::toText(withoutFile, false), "warning: blank line [blank-line]");
+    EXPECT_EQ(nFinding::toText(withoutFile, true), "\x1B[1;35mwarning:\x1B[0m blank line [blank-line]");
 }
 
 TEST(nFinding, HasColoursOnlyIfAskedFor) {
