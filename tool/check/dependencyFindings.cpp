@@ -109,7 +109,7 @@ void tExamination::examine(std::size_t plugin) {
         previous = &name;
         if (isRepeated) {
             if (repeated == nullptr || *repeated != name)
-                add(plugin, "repeated-dependency", quoted(name) + " is named twice");
+                add(plugin, "repeated-dependency", quoted(name) + " is named twice: such a plug-in never starts");
             repeated = &name;
             continue;
         }
@@ -129,7 +129,8 @@ void tExamination::examineUnknown(std::size_t plugin, const std::string& name) {
         return;
     }
     if (const auto other = names_.differingInCase(name)) {
-        add(plugin, "dependency-case", quoted(name) + " differs from the name " + quoted(*other) + " in case",
+        add(plugin, "dependency-case",
+            "no description has the name " + quoted(name) + "; there is " + quoted(*other) + ", and case matters",
             "Write " + quoted(*other) + ".");
         return;
     }

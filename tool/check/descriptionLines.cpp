@@ -39,7 +39,9 @@ tExplanation explain(nIni::tLineKind kind, std::string_view text) {
     if (kind == nIni::tLineKind::headerWithoutName) return {"the section has no name", "Write [Service]."};
     if (kind == nIni::tLineKind::keyWithoutName) return {"nothing precedes the \"=\"", "Write the key's name."};
     const std::string_view start = text.substr(text.find_first_not_of(" \t\v\f\r\n"));
-    if (start.starts_with('#') || start.starts_with("//")) return {"not a comment", "Begin comments with a semicolon."};
+    if (start.starts_with('#') || start.starts_with("//")) {
+        return {"only a semicolon begins a comment", "Write a semicolon instead."};
+    }
     const bool colon = start.find(':') != std::string_view::npos;
     return {"no \"=\"", colon ? "Separate the key from the value by \"=\"." : ""};
 }
@@ -91,7 +93,8 @@ void tLines::readHeader(std::string_view name, int number) {
     if (inService_) return;
     const bool similar = nSimilarNames::areSimilar(name, nDescriptionFormat::section);
     findings_.add(similar ? "misspelt-section" : "unknown-section", number,
-                  "the host ignores section " + quoted(name) + (similar ? "; it reads \"Service\"" : ""));
+                  "the host ignores section " + quoted(name) + (similar ? "; it reads \"Service\"" : ""),
+                  similar ? "Write [Service]." : "");
 }
 
 void tLines::readKey(std::string_view name, int number) {

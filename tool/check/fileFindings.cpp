@@ -1,6 +1,7 @@
 #include "tool/check/fileFindings.h"
 
 #include <algorithm>
+#include <climits>
 #include <utility>
 
 #include "tool/rules.h"
@@ -29,8 +30,10 @@ std::vector<tFinding> tFileFindings::take(const std::string& plugin) {
     if (!plugin.empty()) {
         for (tFinding& finding : findings_) finding.plugin = plugin;
     }
+    // What is wrong with the whole file is often the consequence of a line, such as a misspelt key.
+    const auto place = [](const tFinding& finding) { return finding.line.value_or(INT_MAX); };
     std::stable_sort(findings_.begin(), findings_.end(),
-                     [](const tFinding& a, const tFinding& b) { return a.line.value_or(0) < b.line.value_or(0); });
+                     [place](const tFinding& a, const tFinding& b) { return place(a) < place(b); });
     counts_.clear();
     return std::exchange(findings_, {});
 }

@@ -19,7 +19,7 @@ public:
     /// Adds a finding of this rule (see nRules), with the rule's remedy unless there is a better one.
     void add(std::string_view rule, std::optional<int> line, std::string message, std::string remedy = {});
 
-    /// Returns the findings, those for the whole file first, then by line. They name the plug-in unless it has no name.
+    /// Returns the findings, by line, those for the whole file last. They name the plug-in unless it has no name.
     [[nodiscard]] std::vector<tFinding> take(const std::string& plugin);
 
     [[nodiscard]] const std::string& file() const noexcept { return file_; }

@@ -95,6 +95,7 @@ tLoadVerdict tLibraries::examineRelative(const tExamined& examined) {
     std::string message = quoted(path) + " is not an absolute path";
     if (hasVariable) message += ", and environment variables are not replaced";
     if (location) message += "; Windows loads " + quoted(location->file);
+    if (runsHost_ && !location) message += "; Windows finds no such library";
     examined.add(nKeys::path, "relative-path", std::move(message));
     if (!location) return runsHost_ ? tLoadVerdict::fails : tLoadVerdict::uncertain;
 

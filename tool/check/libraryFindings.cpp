@@ -65,6 +65,14 @@ std::string describeChain(const std::vector<std::string>& chain) {
     return text + ')';
 }
 
+/// Windows then looks for the imports in the host's folder instead of the library's.
+bool isWithoutBackslash(const std::string& path) {
+    return path.find('/') != std::string::npos && path.find('\\') == std::string::npos;
+}
+
+constexpr const char* writeBackslashes =
+    "Write backslashes in Path first: without them, Windows does not look in the library's own folder.";
+
 void examineMissingImport(const nPe::tMissing& missing, const tExamined& examined) {
     const std::string importer = missing.chain.empty() ? "the library" : quoted(missing.chain.back());
     const std::string chain = describeChain(missing.chain);
@@ -78,8 +86,9 @@ void examineMissingImport(const nPe::tMissing& missing, const tExamined& examine
                      importer + " needs " + quoted(missing.library) + ", which may be part of Windows" + chain);
     } else {
         const std::string reason = missing.reason.empty() ? "which is missing" : "but " + missing.reason;
+        const std::string remedy = isWithoutBackslash(examined.description.path) ? writeBackslashes : "";
         examined.add(nKeys::path, "missing-import",
-                     importer + " needs " + quoted(missing.library) + ", " + reason + chain);
+                     importer + " needs " + quoted(missing.library) + ", " + reason + chain, remedy);
     }
 }
 
@@ -87,7 +96,8 @@ void examineMissingImport(const nPe::tMissing& missing, const tExamined& examine
 
 tLoadVerdict examineLibrary(const nPe::tLibrary& library, const tExamined& examined) {
     if (library.machine != nPe::machineX64 && library.hasCode) {
-        examined.add(nKeys::path, "wrong-processor", "the library is for " + nPe::processorName(library.machine));
+        examined.add(nKeys::path, "wrong-processor",
+                     "the library is for " + nPe::processorName(library.machine) + ", not x86-64");
         return tLoadVerdict::fails;
     }
     if (!library.isDll) examined.add(nKeys::path, "not-a-dll", "the file is a program, not a library");

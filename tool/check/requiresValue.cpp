@@ -5,6 +5,7 @@
 #include <string>
 #include <system_error>
 
+#include "source/nDeployment.h"
 #include "source/nPluginStart.h"
 #include "tool/check/mask.h"
 #include "tool/check/wording.h"
@@ -73,6 +74,11 @@ void findInRequires(std::string_view value, int line, std::uint32_t& mask, tFile
 
 void findUnallowed(std::uint32_t mask, std::uint32_t allowedMask, std::optional<int> line, tFileFindings& findings) {
     if (mask == 0 || nPluginStart::featureAllowed(mask, allowedMask)) return;
+    if (mask == nDeployment::feature) {
+        findings.add("feature-not-allowed", line, "requires remote deployment, which the machine does not allow",
+                     "Allow remote deployment on the machine, or write Requires=3 if the plug-in can do without.");
+        return;
+    }
     findings.add(
         "feature-not-allowed", line,
         "requires one of the features " + nMask::write(mask) + ", but the machine allows " + nMask::write(allowedMask));

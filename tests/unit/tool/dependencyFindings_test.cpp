@@ -97,7 +97,7 @@ TEST(dependencyFindings, DoNotExistIfAnotherPluginOfItsOwnNameHasStarted) {
 TEST(dependencyFindings, SayOnceThatADependencyIsRepeated) {
     const auto findings = findingsFor({described("A", {"B", "B", "B"}), described("B")});
     EXPECT_THAT(idsOf(findings), ElementsAre("3 repeated-dependency"));
-    EXPECT_EQ(findings[0].message, "\"B\" is named twice");
+    EXPECT_EQ(findings[0].message, "\"B\" is named twice: such a plug-in never starts");
     EXPECT_EQ(findingsFor({described("A", {"B", "B", "C", "C"}), described("B"), described("C")}).size(), 2U);
 }
 

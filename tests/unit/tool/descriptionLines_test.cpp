@@ -66,7 +66,7 @@ TEST(descriptionLines, InASectionOfAnotherNameAreIgnored) {
 }
 
 TEST(descriptionLines, InASectionOfASimilarNameAreAMistake) {
-    EXPECT_THAT(idsIn("[Services]\nName=A\n"), ElementsAre("no-service-section", "1 misspelt-section"));
+    EXPECT_THAT(idsIn("[Services]\nName=A\n"), ElementsAre("1 misspelt-section", "no-service-section"));
 }
 
 TEST(descriptionLines, MustContainTheServiceSection) {

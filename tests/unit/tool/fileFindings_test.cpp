@@ -13,14 +13,14 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
 
-TEST(tFileFindings, PutThoseOfTheWholeFileFirstAndTheOthersInTheOrderOfLines) {
+TEST(tFileFindings, AreInTheOrderOfLinesAndThoseOfTheWholeFileFollow) {
     tFileFindings findings("a.ini");
     findings.add("blank-line", 3, "late");
     findings.add("repeated-key", 1, "early");
     findings.add("missing-path", std::nullopt, "whole");
     findings.add("unknown-key", 1, "also early, and added later");
     EXPECT_THAT(idsOf(findings.take("")),
-                ElementsAre("missing-path", "1 repeated-key", "1 unknown-key", "3 blank-line"));
+                ElementsAre("1 repeated-key", "1 unknown-key", "3 blank-line", "missing-path"));
 }
 
 TEST(tFileFindings, NameTheFileAndThePluginUnlessItHasNoName) {

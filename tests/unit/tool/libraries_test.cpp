@@ -102,6 +102,8 @@ TEST_F(libraries, OfARelativePathDoNotLoadIfWindowsFindsThemNowhere) {
     for (const char* path : {"a.dll", R"(sub\a.dll)", R"(\P\a.dll)", "C:a.dll", "a", "C:", R"(\)"}) {
         EXPECT_EQ(examine(path), tLoadVerdict::fails) << path;
         EXPECT_THAT(ids(), ElementsAre("3 relative-path")) << path;
+        EXPECT_EQ(found()[0].message,
+                  '"' + std::string(path) + "\" is not an absolute path; Windows finds no such library");
     }
 }
 
@@ -120,7 +122,8 @@ TEST_F(libraries, OfARelativePathMayBeLoadedAlready) {
 TEST_F(libraries, OfAPathWithAVariableAreToldThatItIsNotReplaced) {
     static_cast<void>(examine(R"(%ProgramFiles%\a.dll)"));
     EXPECT_EQ(found().at(0).message,
-              R"("%ProgramFiles%\a.dll" is not an absolute path, and environment variables are not replaced)");
+              R"("%ProgramFiles%\a.dll" is not an absolute path, and environment variables are not replaced; )"
+              "Windows finds no such library");
 }
 
 TEST_F(libraries, OfAPathWithForwardSlashesAreReported) {
@@ -134,6 +137,8 @@ TEST_F(libraries, OfAPathWithForwardSlashesOnlyFindImportsInTheHostsFolderOnly) 
     add(R"(C:\P\b.dll)");
     EXPECT_EQ(examine("C:/P/a.dll"), tLoadVerdict::fails);
     EXPECT_THAT(ids(), ElementsAre("3 forward-slashes", "3 missing-import"));
+    EXPECT_EQ(found()[1].remedy,
+              "Write backslashes in Path first: without them, Windows does not look in the library's own folder.");
 }
 
 TEST_F(libraries, NeedWhatTheirImportsNeed) {

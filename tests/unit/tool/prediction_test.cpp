@@ -65,7 +65,7 @@ TEST(prediction, HasTheFindingsInTheOrderOfFilesAndLines) {
     folder.add("b.INI", "");
     folder.add("c.ini", "[Service]\n\nName=A\n");
     EXPECT_THAT(idsOf(folder.predict().findings),
-                ElementsAre("unseen-file", "missing-path", "2 requires-zero", "4 self-dependency", "2 blank-line"));
+                ElementsAre("unseen-file", "2 requires-zero", "4 self-dependency", "missing-path", "2 blank-line"));
 }
 
 TEST(prediction, HasAFindingForEveryPluginThatWillNotStart) {

@@ -88,7 +88,10 @@ TEST(requiresValue, NeedsOneFeatureThatTheMachineAllows) {
     EXPECT_THAT(unallowed(3, 0xFFFFFFFD), IsEmpty());
     const std::vector<tFinding> findings = unallowed(2, 0xFFFFFFFD);
     ASSERT_THAT(idsOf(findings), ElementsAre("4 feature-not-allowed"));
-    EXPECT_EQ(findings[0].message, "requires one of the features 0x2, but the machine allows 0xfffffffd");
+    EXPECT_EQ(findings[0].message, "requires remote deployment, which the machine does not allow");
+    EXPECT_EQ(findings[0].remedy,
+              "Allow remote deployment on the machine, or write Requires=3 if the plug-in can do without.");
+    EXPECT_EQ(unallowed(6, 1)[0].message, "requires one of the features 0x6, but the machine allows 0x1");
     EXPECT_THAT(unallowed(0, 1), IsEmpty()) << "a finding of its own";
 }
 
