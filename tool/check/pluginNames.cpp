@@ -51,4 +51,14 @@ void findInNames(tCatalogue& catalogue) {
     }
 }
 
+void findWithoutEntries(tCatalogue& catalogue) {
+    for (std::size_t plugin = 0; plugin < catalogue.size(); ++plugin) {
+        const tPluginDescription& description = catalogue.descriptions()[plugin];
+        const bool hasEntries =
+            !description.initialize.empty() || !description.stop.empty() || !description.cleanup.empty();
+        if (hasEntries || description.path.empty()) continue;
+        catalogue.findings(plugin).add("no-entries", std::nullopt, "the host will call no function of the plug-in");
+    }
+}
+
 }  // namespace nCheck

@@ -74,10 +74,12 @@ tPrediction predict(const tRequest& request) {
     decideAllowed(request, prediction);
     const std::vector<tOutcome> outcomes = startAll(request, prediction.allowedMask, catalogue);
     findInNames(catalogue);
+    findWithoutEntries(catalogue);
     findInFeatures(catalogue, prediction.allowedMask);
     findInDependencies(catalogue, outcomes);
     for (const std::size_t plugin : catalogue.order()) {
-        prediction.plugins.push_back({catalogue.path(plugin), catalogue.descriptions()[plugin], outcomes[plugin].code});
+        prediction.plugins.push_back({catalogue.path(plugin), catalogue.descriptions()[plugin], outcomes[plugin].code,
+                                      outcomes[plugin].start != tStart::no});
     }
     std::vector<tFinding> findings = catalogue.takeFindings();
     std::move(findings.begin(), findings.end(), std::back_inserter(prediction.findings));

@@ -34,6 +34,7 @@ struct tPredictedPlugin {
     /// The Init code that the status file will show if the host itself decides it (0 or more: it starts, without code
     /// of its own); nullopt if the plug-in's own code, or that of one on which it depends, decides.
     std::optional<std::int32_t> code;
+    bool mayStart = true;  ///< false if it fails for certain, even if two codes are possible
 };
 
 struct tPrediction {

@@ -16,6 +16,7 @@ tJson toDocument(const tPredictedPlugin& plugin) {
     json["path"] = plugin.description.path;
     json["requires"] = plugin.description.requiresMask;
     json["code"] = plugin.code ? tJson(*plugin.code) : tJson();
+    json["mayStart"] = plugin.mayStart;
     return json;
 }
 

@@ -11,7 +11,10 @@ using nWording::printable;
 
 constexpr std::size_t widestName = 40;
 
-std::string codeText(const tPredictedPlugin& plugin) { return plugin.code ? fmt::format("{}", *plugin.code) : "-"; }
+std::string codeText(const tPredictedPlugin& plugin) {
+    if (plugin.code) return fmt::format("{}", *plugin.code);
+    return plugin.mayStart ? "-" : "fails";
+}
 
 void appendFindings(std::string& text, const tPrediction& prediction, bool colour) {
     for (tFinding finding : prediction.findings) {
@@ -37,10 +40,10 @@ void appendOrder(std::string& text, const tPrediction& prediction, bool colour) 
     text += "Start order, and the code of each start (-: the plug-in's own code decides, or it is unknown):\n";
     std::size_t number = 0;
     for (const tPredictedPlugin& plugin : prediction.plugins) {
-        const bool failed = plugin.code && *plugin.code < 0;
         const std::string code = fmt::format("{:>7}", codeText(plugin));
         text += fmt::format("{:>5}  {:<{}}  {}  {}\n", ++number, printable(plugin.description.name), width,
-                            failed && colour ? fmt::format("\x1B[1;31m{}\x1B[0m", code) : code, printable(plugin.file));
+                            !plugin.mayStart && colour ? fmt::format("\x1B[1;31m{}\x1B[0m", code) : code,
+                            printable(plugin.file));
     }
     text += '\n';
 }
@@ -56,9 +59,9 @@ std::string summary(const tPrediction& prediction) {
             std::count_if(prediction.findings.begin(), prediction.findings.end(),
                           [severity](const tFinding& finding) { return finding.severity == severity; }));
     };
-    const auto failing = static_cast<std::size_t>(
-        std::count_if(prediction.plugins.begin(), prediction.plugins.end(),
-                      [](const tPredictedPlugin& plugin) { return plugin.code && *plugin.code < 0; }));
+    const auto failing =
+        static_cast<std::size_t>(std::count_if(prediction.plugins.begin(), prediction.plugins.end(),
+                                               [](const tPredictedPlugin& plugin) { return !plugin.mayStart; }));
     return fmt::format("{}, of which {} will not start; {}, {}, {}\n", counted(prediction.plugins.size(), "plug-in"),
                        failing, counted(count(tSeverity::error), "error"),
                        counted(count(tSeverity::warning), "warning"), counted(count(tSeverity::note), "note"));

@@ -51,4 +51,22 @@ TEST(pluginNames, OfSeveralPluginsAreReportedForAllButTheFirstFile) {
     EXPECT_TRUE(findings[0].message.ends_with("a.ini")) << findings[0].message;
 }
 
+TEST(pluginNames, OfEntryPointsShouldNotAllBeMissingIfThereIsALibrary) {
+    std::vector<nCheck::tDescriptionFile> files;
+    for (const char* name : {"Initialize", "Stop", "Cleanup", "None", "NoLibrary"}) {
+        nCheck::tDescriptionFile& file = files.emplace_back(std::string(name) + ".ini");
+        file.description = support::described(name);
+        file.description->path = "C:\\a.dll";
+    }
+    files[0].description->initialize = "I";
+    files[1].description->stop = "S";
+    files[2].description->cleanup = "C";
+    files[4].description->path.clear();
+    nCheck::tCatalogue catalogue(std::move(files));
+    findWithoutEntries(catalogue);
+    const auto findings = catalogue.takeFindings();
+    EXPECT_THAT(idsOf(findings), ElementsAre("no-entries"));
+    EXPECT_EQ(findings[0].plugin, "None");
+}
+
 }  // namespace

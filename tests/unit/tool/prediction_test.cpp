@@ -48,6 +48,17 @@ TEST(prediction, HasThePluginsInStartOrderWithTheirCodes) {
     EXPECT_THAT(a.description.dependencies, ElementsAre("C"));
 }
 
+TEST(prediction, KnowsThatAPluginFailsEvenIfItsCodeIsOpen) {
+    tPluginFolder folder;
+    const std::string usual = folder.addLibrary("usual.dll", usualLibrary({"Start"}));
+    folder.add("a.ini", "[Service]\nName=A\nPath=" + usual + "\nInitialize=Start\n");
+    folder.add("b.ini", "[Service]\nName=B\nDependencies=A\nPath=" + usual + "\nInitialize=Other\n");
+    const tPrediction prediction = folder.predict();
+    EXPECT_THAT(tPluginFolder::codes(prediction), ElementsAre("A -", "B -"));
+    EXPECT_TRUE(prediction.plugins[0].mayStart);
+    EXPECT_FALSE(prediction.plugins[1].mayStart) << "-52005, or -52006 if A fails";
+}
+
 TEST(prediction, HasAMessageForEachRejectedFileInTheirOrder) {
     tPluginFolder folder;
     const std::string b = folder.add("b.ini", "\n\n");

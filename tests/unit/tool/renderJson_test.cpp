@@ -17,7 +17,7 @@ TEST(checkJson, HasEverythingThatScriptsRelyOn) {
     tPluginDescription description = support::described("A", {"B", "C"});
     description.path = R"(C:\a.dll)";
     description.requiresMask = 0xFFFFFFFF;
-    prediction.plugins = {{"plugins/a.ini", description, -52006}, {"plugins/b.ini", support::described(""), {}}};
+    prediction.plugins = {{"plugins/a.ini", description, -52006, false}, {"plugins/b.ini", support::described(""), {}}};
     prediction.findings = {nRules::finding("blank-line", "plugins/b.ini", 3, {}, "blank line")};
     EXPECT_EQ(nlohmann::json::parse(nCheck::toJson(prediction)), nlohmann::json::parse(R"({
         "schema": 1,
@@ -26,8 +26,9 @@ TEST(checkJson, HasEverythingThatScriptsRelyOn) {
         "messages": ["a message"],
         "plugins": [
             {"file": "plugins/a.ini", "name": "A", "dependencies": ["B", "C"], "path": "C:\\a.dll",
-             "requires": 4294967295, "code": -52006},
-            {"file": "plugins/b.ini", "name": "", "dependencies": [], "path": "", "requires": 1, "code": null}],
+             "requires": 4294967295, "code": -52006, "mayStart": false},
+            {"file": "plugins/b.ini", "name": "", "dependencies": [], "path": "", "requires": 1, "code": null,
+             "mayStart": true}],
         "findings": [
             {"id": "blank-line", "severity": "error", "file": "plugins/b.ini", "line": 3, "plugin": null,
              "message": "blank line", "remedy": "Remove the line."}]

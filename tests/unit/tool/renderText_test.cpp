@@ -15,8 +15,9 @@ tPrediction somePrediction() {
     prediction.directory = "plugins";
     prediction.messages = {"Failed to parse service description file: plugins/b.ini"};
     prediction.plugins = {{"plugins/a.ini", support::described("Settings"), 0},
-                          {"plugins/c.ini", support::described("A"), -52006},
-                          {"plugins/d.ini", support::described("B"), std::nullopt}};
+                          {"plugins/c.ini", support::described("A"), -52006, false},
+                          {"plugins/d.ini", support::described("B"), std::nullopt},
+                          {"plugins/e.ini", support::described("C"), std::nullopt, false}};
     prediction.findings = {nRules::finding("blank-line", "plugins/b.ini", 3, {}, "blank line"),
                            nRules::finding("unknown-key", "plugins/c.ini", 4, "A", "unknown")};
     return prediction;
@@ -36,8 +37,9 @@ TEST(checkText, ShowsFindingsMessagesOrderAndASummary) {
               "    1  Settings        0  plugins/a.ini\n"
               "    2  A          -52006  plugins/c.ini\n"
               "    3  B               -  plugins/d.ini\n"
+              "    4  C           fails  plugins/e.ini\n"
               "\n"
-              "3 plug-ins, of which 1 will not start; 1 error, 1 warning, 0 notes\n");
+              "4 plug-ins, of which 2 will not start; 1 error, 1 warning, 0 notes\n");
 }
 
 TEST(checkText, OfNothingIsTheSummary) {

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <set>
+
+#include "tests/support/folder.h"
 
 namespace {
 
@@ -41,6 +44,34 @@ TEST(nRules, GiveTheirSeverityAndRemedyToAFinding) {
     EXPECT_EQ(finding.remedy, nRules::find("blank-line")->remedy);
     EXPECT_EQ(nRules::finding("duplicate-name", "", {}, {}, "").severity, tSeverity::warning);
     EXPECT_EQ(nRules::finding("byte-order-mark", "", {}, {}, "").severity, tSeverity::note);
+}
+
+/// The source folder: the working folder or one above it.
+std::filesystem::path sources() {
+    std::filesystem::path folder = std::filesystem::current_path();
+    while (!exists(folder / "docs" / "tool.md") && folder.has_relative_path()) folder = folder.parent_path();
+    return folder;
+}
+
+TEST(nRules, AreAllUsed) {
+    std::string code;
+    for (const auto& file : std::filesystem::directory_iterator(sources() / "tool" / "check")) {
+        code += support::read(file.path());
+    }
+    for (const tRule& rule : nRules::all()) {
+        EXPECT_NE(code.find('"' + std::string(rule.id) + '"'), std::string::npos) << rule.id;
+    }
+}
+
+TEST(nRules, AreTheTableInTheDocument) {
+    std::string document = support::read(sources() / "docs" / "tool.md");
+    std::erase(document, '\r');
+    std::string rows;
+    for (const tRule& rule : nRules::all()) {
+        rows.append("| `").append(rule.id).append("` | ").append(nFinding::severityName(rule.severity)).append(" | ");
+        rows.append(rule.title).append(" | ").append(rule.cause).append(" |\n");
+    }
+    EXPECT_NE(document.find("|---|---|---|---|\n" + rows + "\n"), std::string::npos) << rows;
 }
 
 }  // namespace
