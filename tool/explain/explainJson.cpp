@@ -3,6 +3,7 @@
 
 #include "tool/explain/explainText.h"
 #include "tool/findingJson.h"
+#include "tool/status/statusSummary.h"
 
 namespace nExplain {
 namespace {
@@ -45,22 +46,15 @@ tJson toJson(const tStep& step) {
             {"text", step.text},     {"remedy", step.remedy}, {"findings", toJson(step.findings)}};
 }
 
-std::string_view phaseName(nStatus::tPhase phase) {
-    switch (phase) {
-        case nStatus::tPhase::initialize: return "initialize";
-        case nStatus::tPhase::stop: return "stop";
-        case nStatus::tPhase::cleanup: break;
+tJson toJson(const std::vector<tShownCall>& calls) {
+    tJson list = tJson::array();
+    for (const tShownCall& call : calls) {
+        list.push_back({{"entry", call.entry},
+                        {"phase", nStatus::phaseName(call.phase)},
+                        {"timeMs", call.timeMs},
+                        {"code", call.code}});
     }
-    return "cleanup";
-}
-
-tJson callsOf(const nStatus::tPlugin& plugin) {
-    tJson calls = tJson::array();
-    for (const nStatus::tCall& call : plugin.calls) {
-        calls.push_back(
-            {{"entry", call.entry}, {"phase", phaseName(call.phase)}, {"timeMs", call.timeMs}, {"code", call.code}});
-    }
-    return calls;
+    return list;
 }
 
 }  // namespace
@@ -104,7 +98,7 @@ std::string toJson(const tPluginExplanation& explanation) {
                           {"name", explanation.name},
                           {"verdict", verdictName(explanation.verdict)},
                           {"summary", explanation.summary},
-                          {"calls", explanation.shown ? callsOf(*explanation.shown) : tJson(nullptr)},
+                          {"calls", explanation.calls ? toJson(*explanation.calls) : tJson(nullptr)},
                           {"predicted", std::move(predicted)},
                           {"steps", std::move(steps)},
                           {"notes", explanation.notes},

@@ -73,9 +73,9 @@ std::string stepText(const tStep& step, bool colour) {
 }
 
 /// Returns one paragraph with the calls that the status file shows.
-std::string callsText(const nStatus::tPlugin& plugin) {
+std::string callsText(const std::vector<tShownCall>& calls) {
     std::string text;
-    for (const nStatus::tCall& call : plugin.calls) {
+    for (const tShownCall& call : calls) {
         text += fmt::format("  {}: {} after {} ms\n", nPlainText::printable(call.entry), call.code, call.timeMs);
     }
     return text;
@@ -106,7 +106,7 @@ std::string toText(const tPluginExplanation& explanation, bool colour) {
     const std::string_view bold = colour ? "\x1B[1m" : "";
     const std::string_view normal = colour ? "\x1B[0m" : "";
     std::string text = fmt::format("{}{}{}\n", bold, nPlainText::printable(explanation.summary), normal);
-    if (explanation.shown && explanation.verdict == tVerdict::started) text += callsText(*explanation.shown);
+    if (explanation.calls && explanation.verdict == tVerdict::started) text += callsText(*explanation.calls);
     if (!explanation.steps.empty()) text += "\n";
     for (std::size_t i = 0; i < std::min(explanation.steps.size(), mostSteps); ++i) {
         text += stepText(explanation.steps[i], colour);

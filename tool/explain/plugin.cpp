@@ -44,8 +44,16 @@ const std::vector<tFinding>& findingsOf(const tEvidence& evidence) {
 
 std::string codeText(std::int32_t code) { return fmt::format("{} ({})", code, hexadecimal(code)); }
 
-std::int32_t codeOf(const nStatus::tPlugin& plugin, nStatus::tPhase phase) {
+std::vector<tShownCall> callsOf(const nStatus::tPlugin& plugin) {
+    std::vector<tShownCall> calls;
     for (const nStatus::tCall& call : plugin.calls) {
+        calls.push_back({std::string(call.entry), call.phase, call.timeMs, call.code});
+    }
+    return calls;
+}
+
+std::int32_t codeOf(const std::vector<tShownCall>& calls, nStatus::tPhase phase) {
+    for (const tShownCall& call : calls) {
         if (call.phase == phase) return call.code;
     }
     return 0;
@@ -67,9 +75,9 @@ public:
     }
 
     tPluginExplanation explain() {
-        if (isPlugin(did_, inStatus_)) explanation_.shown = evidence_.status->plugins[*inStatus_];
+        if (isPlugin(did_, inStatus_)) explanation_.calls = callsOf(evidence_.status->plugins[*inStatus_]);
         if (isPlugin(will_, inPrediction_)) explanation_.found = evidence_.prediction->plugins[*inPrediction_];
-        if (explanation_.shown) {
+        if (explanation_.calls) {
             explainShown();
         } else if (explanation_.found) {
             explainFound();
@@ -100,7 +108,7 @@ private:
     }
 
     void explainShown() {
-        const std::int32_t code = codeOf(*explanation_.shown, nStatus::tPhase::initialize);
+        const std::int32_t code = codeOf(*explanation_.calls, nStatus::tPhase::initialize);
         if (code < 0) {
             explanation_.verdict = tVerdict::failed;
             explanation_.summary = fmt::format("{} did not start: {}.", explanation_.name, codeText(code));
@@ -122,7 +130,7 @@ private:
     /// Stop and Cleanup may fail after a start that succeeded.
     void explainLaterCalls() {
         for (const nStatus::tPhase phase : {nStatus::tPhase::stop, nStatus::tPhase::cleanup}) {
-            const std::int32_t code = codeOf(*explanation_.shown, phase);
+            const std::int32_t code = codeOf(*explanation_.calls, phase);
             if (code >= 0) continue;
             const char* const call = phase == nStatus::tPhase::stop ? "Stop" : "Cleanup";
             std::string meaning;

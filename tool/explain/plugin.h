@@ -29,11 +29,19 @@ enum class tVerdict {
     unknown       ///< nothing has this name
 };
 
+/// A call of an entry point, as the status file shows it.
+struct tShownCall {
+    std::string entry;
+    nStatus::tPhase phase = nStatus::tPhase::initialize;
+    std::uint64_t timeMs = 0;
+    std::int32_t code = 0;
+};
+
 struct tPluginExplanation {
     std::string name;
     tVerdict verdict = tVerdict::unknown;
     std::string summary;                            ///< one sentence
-    std::optional<nStatus::tPlugin> shown;          ///< as the status file shows it
+    std::optional<std::vector<tShownCall>> calls;   ///< nullopt if the status file does not show the plug-in
     std::optional<nCheck::tPredictedPlugin> found;  ///< as `check` finds it
     std::vector<tStep> steps;                       ///< from the plug-in down to the causes; empty if it started
     std::vector<std::string> notes;                 ///< sentences about what else matters

@@ -65,10 +65,9 @@ TEST(nExplainJson, ContainsTheWholeExplanationOfAPlugin) {
     explanation.name = "A";
     explanation.verdict = tVerdict::failed;
     explanation.summary = "Summary.";
-    explanation.shown.emplace();
-    explanation.shown->calls = {{"AInit", nStatus::tPhase::initialize, 1, -7},
-                                {"AStop", nStatus::tPhase::stop, 2, 0},
-                                {"AClean", nStatus::tPhase::cleanup, 3, 4}};
+    explanation.calls = std::vector<tShownCall>{{"AInit", nStatus::tPhase::initialize, 1, -7},
+                                                {"AStop", nStatus::tPhase::stop, 2, 0},
+                                                {"AClean", nStatus::tPhase::cleanup, 3, 4}};
     explanation.found.emplace();
     explanation.found->file = "a.ini";
     tStep step{"A", 2, -7, "text", "remedy", {}};

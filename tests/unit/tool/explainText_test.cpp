@@ -100,8 +100,7 @@ TEST(nExplainText, UsesColoursOnlyIfAskedFor) {
 TEST(nExplainText, ShowsTheCallsOfAPluginThatStarted) {
     tPluginExplanation explanation;
     explanation.summary = "A has started.";
-    explanation.shown.emplace();
-    explanation.shown->calls.push_back({"AInit", nStatus::tPhase::initialize, 15, 1});
+    explanation.calls.emplace().push_back({"AInit", nStatus::tPhase::initialize, 15, 1});
     explanation.verdict = tVerdict::started;
     EXPECT_EQ(toText(explanation, false), "A has started.\n  AInit: 1 after 15 ms\n");
     explanation.verdict = tVerdict::failed;
@@ -149,8 +148,7 @@ TEST(nExplainText, LetsNoNameControlTheTerminal) {
     explanation.similar = {"\x1B"};
     explanation.first = "\x1B";
     explanation.verdict = tVerdict::started;
-    explanation.shown.emplace();
-    explanation.shown->calls.push_back({"\x1B", nStatus::tPhase::stop, 0, 0});
+    explanation.calls.emplace().push_back({"\x1B", nStatus::tPhase::stop, 0, 0});
     const std::string text = toText(explanation, false);
     for (const char control : {'\x1B', '\x07', '\x9B'}) EXPECT_EQ(text.find(control), std::string::npos);
 }

@@ -58,8 +58,10 @@ TEST(nExplainPlugin, FollowsAFailureThatTheStatusFileShows) {
     EXPECT_EQ(explanation.summary, "B did not start: -52006 (0xFFFF34DA).");
     EXPECT_THAT(explanation.steps, SizeIs(2));
     EXPECT_EQ(explanation.first, "look it up in the plug-in's documentation");
-    ASSERT_TRUE(explanation.shown);
-    EXPECT_EQ(explanation.shown->calls[0].code, -52006);
+    ASSERT_TRUE(explanation.calls);
+    EXPECT_EQ(explanation.calls->at(0).entry, "Init");
+    EXPECT_EQ(explanation.calls->at(0).code, -52006);
+    EXPECT_EQ(explanation.calls->at(0).timeMs, 5U);
     EXPECT_FALSE(explanation.found);
 }
 
