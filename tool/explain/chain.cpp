@@ -134,9 +134,12 @@ tReason tableReason(std::int32_t code) {
     return reason;
 }
 
+/// Returns the code of a plug-in that fails. One that is open is the library's, unless a dependency fails before it.
+std::int32_t failureCode(const tNode& node) { return node.code.value_or(libraryCode); }
+
 tReason failureReason(const tGraph& graph, std::size_t plugin) {
     const tNode& node = graph.nodes[plugin];
-    const std::int32_t code = node.code.value_or(0);
+    const std::int32_t code = failureCode(node);
     if (code == dependencyCode) return dependencyReason(graph, plugin);
     if (code == featureCode) return featureReason(node, graph.allowedMask);
     if (code == libraryCode) {
@@ -174,7 +177,7 @@ public:
         const tReason reason = node.fails() ? failureReason(graph_, index) : startReason(node);
         tStep step{node.name, 0, node.code, reason.text, reason.remedy, clues_.findingsOf(node.name)};
         const auto cause = std::find_if(step.findings.begin(), step.findings.end(), [&](const tFinding& finding) {
-            return node.fails() && isCauseOf(finding, node.code.value_or(0));
+            return node.fails() && isCauseOf(finding, failureCode(node));
         });
         if (cause != step.findings.end() && !step.remedy.empty()) step.remedy = remedyWithPlace(*cause);
         return step;

@@ -91,7 +91,9 @@ std::string toJson(const tPluginExplanation& explanation) {
     for (const tStep& step : explanation.steps) steps.push_back(toJson(step));
     tJson predicted(nullptr);
     if (explanation.found) {
-        predicted = {{"file", explanation.found->file}, {"code", valueOrNull(explanation.found->code)}};
+        predicted = {{"file", explanation.found->file},
+                     {"code", valueOrNull(explanation.found->code)},
+                     {"mayStart", explanation.found->mayStart}};
     }
     return nJson::toText({{"schema", 1},
                           {"kind", "plugin"},

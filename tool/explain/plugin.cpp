@@ -44,6 +44,11 @@ const std::vector<tFinding>& findingsOf(const tEvidence& evidence) {
 
 std::string codeText(std::int32_t code) { return fmt::format("{} ({})", code, hexadecimal(code)); }
 
+/// Returns "fail" and, if it is certain, with what code.
+std::string failureText(const tNode& node) {
+    return node.code ? fmt::format("fail with {}", codeText(*node.code)) : "fail";
+}
+
 std::vector<tShownCall> callsOf(const nStatus::tPlugin& plugin) {
     std::vector<tShownCall> calls;
     for (const nStatus::tCall& call : plugin.calls) {
@@ -119,8 +124,8 @@ private:
         explanation_.verdict = tVerdict::started;
         const std::string warning = code > 0 ? fmt::format(", with the warning {} of its own", code) : "";
         std::string outlook;
-        if (explanation_.found && explanation_.found->code.value_or(0) < 0) {
-            outlook = fmt::format("; at the next start it will fail with {}", codeText(*explanation_.found->code));
+        if (explanation_.found && !explanation_.found->mayStart) {
+            outlook = "; at the next start it will " + failureText(will_->nodes[*inPrediction_]);
             follow(*will_, *inPrediction_);
         }
         explanation_.summary = fmt::format("{} has started{}{}.", explanation_.name, warning, outlook);
@@ -152,13 +157,19 @@ private:
             if (!now || !will_->nodes[*now].described) {
                 note(fmt::format("There is no description of {} any more.", step.plugin));
             } else if (will_->nodes[*now].code != step.code && isOfHost(*step.code) && isExamined(step)) {
-                const bool fails = will_->nodes[*now].fails();
-                note(fails ? fmt::format("At the next start {} will fail with {} instead.", step.plugin,
-                                         codeText(will_->nodes[*now].code.value_or(0)))
-                           : fmt::format("Nothing prevents {} from starting any more: {}.", step.plugin, restart));
-                if (!fails && explanation_.first == step.remedy) explanation_.first = restart;
+                noteChange(will_->nodes[*now], step);
             }
         }
+    }
+
+    void noteChange(const tNode& now, const tStep& step) {
+        if (now.fails()) {
+            // The code with which it failed may be one of the two that are possible.
+            if (now.code) note(fmt::format("At the next start {} will {} instead.", now.name, failureText(now)));
+            return;
+        }
+        note(fmt::format("Nothing prevents {} from starting any more: {}.", now.name, restart));
+        if (explanation_.first == step.remedy) explanation_.first = restart;
     }
 
     static bool isOfHost(std::int32_t code) {
@@ -175,7 +186,7 @@ private:
 
     void explainFound() {
         const tNode& node = will_->nodes[*inPrediction_];
-        const std::string outlook = node.fails() ? fmt::format("will fail with {}", codeText(*node.code))
+        const std::string outlook = node.fails() ? "will " + failureText(node)
                                     : node.code  ? "will start"
                                                  : "will start unless its own Initialize fails";
         if (!evidence_.status) {

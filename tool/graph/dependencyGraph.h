@@ -32,11 +32,12 @@ struct tNode {
     std::string path;                       ///< of its library
     std::vector<std::string> dependencies;  ///< names, sorted
     std::uint32_t requiresMask = 1;         ///< features
-    std::optional<std::int32_t> code;       ///< of its start; nullopt if only running the plug-in can tell
-    bool described = true;                  ///< false if there are only plug-ins that depend on it
-    std::size_t circle = 0;                 ///< number of the circle of which it is part, from 1; 0 if none
+    std::optional<std::int32_t> code;       ///< of its start; nullopt if only running plug-ins can tell
+    bool mayStart = true;    ///< false if it fails, even if only running plug-ins can tell with what code
+    bool described = true;   ///< false if there are only plug-ins that depend on it
+    std::size_t circle = 0;  ///< number of the circle of which it is part, from 1; 0 if none
 
-    [[nodiscard]] bool fails() const noexcept { return !described || code.value_or(0) < 0; }
+    [[nodiscard]] bool fails() const noexcept { return !described || !mayStart; }
 };
 
 struct tLink {

@@ -14,6 +14,7 @@ tJson toJson(const tNode& node) {
     return {{"name", node.name},
             {"file", node.file},
             {"code", node.code ? tJson(*node.code) : tJson(nullptr)},
+            {"mayStart", node.mayStart},
             {"circle", node.circle != 0 ? tJson(node.circle) : tJson(nullptr)}};
 }
 

@@ -40,7 +40,8 @@ std::string reason(const tGraph& graph, std::size_t index, std::int32_t code) {
 std::string stateText(const tGraph& graph, std::size_t index) {
     const tNode& node = graph.nodes[index];
     if (!node.described) return "not described";
-    if (!node.code) return "can start";
+    // If only the code is uncertain, it is that of the library or of a dependency that may fail before it.
+    if (!node.code) return node.mayStart ? "can start" : "fails: library";
     if (*node.code >= 0) return "starts";
     return fmt::format("fails {}{}", *node.code, reason(graph, index, *node.code));
 }

@@ -106,6 +106,16 @@ TEST(nExplainChain, KnowsThatAPluginMayReturnTheHostsCode) {
     EXPECT_THAT(steps[0].remedy, HasSubstr("plug-in's maker"));
 }
 
+TEST(nExplainChain, BlamesTheLibraryForACertainFailureWithAnOpenCode) {
+    nGraph::tNode broken = plugin("B", {"A"}, std::nullopt);
+    broken.path = "b.dll";
+    broken.mayStart = false;
+    const auto steps = follow(graphOf({plugin("A", {}, std::nullopt), broken, plugin("C", {"B"}, -52006)}), "C");
+    EXPECT_THAT(namesOf(steps), ElementsAre("C", ">B"));
+    EXPECT_EQ(steps[1].text, "has a library that cannot be loaded or lacks an entry point: \"b.dll\"");
+    EXPECT_EQ(steps[1].code, std::nullopt);
+}
+
 TEST(nExplainChain, SuggestsTheNameThatMayBeMeant) {
     const tGraph graph =
         graphOf({plugin("A", {"settings", "Transprot", "Xyz"}, -52006), plugin("Settings"), plugin("Transport")});

@@ -151,9 +151,10 @@ TEST(nGraph, ShowsWhatTheHostWillDo) {
     description.dependencies = {"B"};
     description.requiresMask = 2;
     description.path = "a.dll";
-    prediction.plugins.push_back({"a.ini", description, -52002});
+    prediction.plugins.push_back({"a.ini", description, -52002, false});
     const tGraph graph = fromPrediction(prediction);
     ASSERT_EQ(graph.nodes.size(), 2U);
+    EXPECT_FALSE(graph.nodes[0].mayStart);
     EXPECT_EQ(graph.nodes[0].name, "A");
     EXPECT_EQ(graph.nodes[0].file, "a.ini");
     EXPECT_EQ(graph.nodes[0].path, "a.dll");
@@ -173,7 +174,9 @@ TEST(nGraph, ShowsWhatTheHostDidFromTheCodesOfTheStarts) {
     const tGraph graph = fromReport(report);
     ASSERT_EQ(graph.nodes.size(), 2U);
     EXPECT_EQ(graph.nodes[0].code, 0) << "a start without lines succeeded";
+    EXPECT_TRUE(graph.nodes[0].mayStart);
     EXPECT_EQ(graph.nodes[1].code, -7);
+    EXPECT_FALSE(graph.nodes[1].mayStart);
     EXPECT_EQ(graph.nodes[1].requiresMask, 3U);
     EXPECT_EQ(graph.nodes[1].path, "b.dll");
     EXPECT_EQ(graph.links[0].kind, tLinkKind::fulfilled);

@@ -74,7 +74,8 @@ TEST_F(nExplainCommandOfPlugins, TakesANumberForAPluginIfToldSo) {
 
 TEST_F(nExplainCommandOfPlugins, PredictsForTheFeaturesThatTheStatusFileShows) {
     folder.write("plugins/b.ini", "[Service]\nName=Settings\nPath=C:\\p\\s.dll\nRequires=2\n");
-    EXPECT_THAT(tToolRun(with({"Settings", "--json"}, true, true)).out, HasSubstr("\"code\": -52002\n  },"));
+    EXPECT_THAT(tToolRun(with({"Settings", "--json"}, true, true)).out,
+                HasSubstr("\"code\": -52002,\n    \"mayStart\""));
 }
 
 TEST_F(nExplainCommandOfPlugins, FollowsTheMap) {

@@ -70,6 +70,7 @@ TEST(nExplainJson, ContainsTheWholeExplanationOfAPlugin) {
                                                 {"AClean", nStatus::tPhase::cleanup, 3, 4}};
     explanation.found.emplace();
     explanation.found->file = "a.ini";
+    explanation.found->mayStart = false;
     tStep step{"A", 2, -7, "text", "remedy", {}};
     step.findings.push_back({"rule", tSeverity::note, "a.ini", 1, "A", "message", "Do."});
     explanation.steps = {step};
@@ -80,7 +81,7 @@ TEST(nExplainJson, ContainsTheWholeExplanationOfAPlugin) {
         "calls": [{"entry": "AInit", "phase": "initialize", "timeMs": 1, "code": -7},
                   {"entry": "AStop", "phase": "stop", "timeMs": 2, "code": 0},
                   {"entry": "AClean", "phase": "cleanup", "timeMs": 3, "code": 4}],
-        "predicted": {"file": "a.ini", "code": null},
+        "predicted": {"file": "a.ini", "code": null, "mayStart": false},
         "steps": [{"plugin": "A", "depth": 2, "code": -7, "text": "text", "remedy": "remedy",
                    "findings": [{"id": "rule", "severity": "note", "file": "a.ini", "line": 1, "plugin": "A",
                                  "message": "message", "remedy": "Do."}]}],

@@ -25,9 +25,10 @@ TEST(nGraphJson, ContainsThePluginsInStartOrder) {
     EXPECT_EQ(document["directory"], "C:\\plugins");
     EXPECT_EQ(document["allowed"], 0xFFFFFFFFU);
     EXPECT_EQ(document["messages"], json({"message"}));
-    EXPECT_EQ(document["plugins"], json::parse(R"([{"name": "A", "file": "a.ini", "code": 0, "circle": null},
-                                                   {"name": "B", "file": "", "code": null, "circle": null},
-                                                   {"name": "C", "file": "", "code": -52006, "circle": 1}])"));
+    EXPECT_EQ(document["plugins"], json::parse(R"([
+        {"name": "A", "file": "a.ini", "code": 0, "mayStart": true, "circle": null},
+        {"name": "B", "file": "", "code": null, "mayStart": true, "circle": null},
+        {"name": "C", "file": "", "code": -52006, "mayStart": false, "circle": 1}])"));
 }
 
 TEST(nGraphJson, ContainsTheDependenciesWithTheirState) {

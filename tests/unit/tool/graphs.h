@@ -21,6 +21,7 @@ inline nGraph::tNode plugin(std::string name, std::vector<std::string> dependenc
     node.dependencies = std::move(dependencies);
     std::sort(node.dependencies.begin(), node.dependencies.end());
     node.code = code;
+    node.mayStart = code.value_or(0) >= 0;
     return node;
 }
 

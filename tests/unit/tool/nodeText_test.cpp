@@ -27,6 +27,14 @@ TEST(nGraphNodeText, SaysWhichCodesAreTheHosts) {
                             "starts", "fails -52006: own result"));
 }
 
+TEST(nGraphNodeText, BlamesTheLibraryForACertainFailureWithAnOpenCode) {
+    nGraph::tNode broken = plugin("Broken", {"Open"}, std::nullopt);
+    broken.mayStart = false;
+    const tGraph graph = graphOf({plugin("Open", {}, std::nullopt), broken, plugin("Victim", {"Broken"}, -52006)});
+    EXPECT_THAT(stateTexts(graph), ElementsAre("can start", "fails: library", "fails -52006: dependency"));
+    EXPECT_EQ(summary(graph), "3 plug-ins: 1 can start, 2 fail");
+}
+
 TEST(nGraphNodeText, SaysThatAPluginDependsOnItself) {
     EXPECT_THAT(stateTexts(graphOf({plugin("A", {"A"}, -52006)})), ElementsAre("fails -52006: itself"));
 }

@@ -30,6 +30,14 @@ nCheck::tPredictedPlugin predicted(const std::string& name, std::optional<std::i
     plugin.description.name = name;
     plugin.description.dependencies = std::move(dependencies);
     plugin.code = code;
+    plugin.mayStart = code.value_or(0) >= 0;
+    return plugin;
+}
+
+/// A plug-in that fails, but with one of two codes.
+nCheck::tPredictedPlugin failing(const std::string& name) {
+    nCheck::tPredictedPlugin plugin = predicted(name, std::nullopt);
+    plugin.mayStart = false;
     return plugin;
 }
 
@@ -98,6 +106,18 @@ TEST(nExplainPlugin, WarnsThatAPluginWillFailAtTheNextStart) {
     EXPECT_THAT(explanation.notes, IsEmpty());
     EXPECT_THAT(explanation.steps, SizeIs(1));
     EXPECT_THAT(explanation.first, HasSubstr("check `Path`"));
+}
+
+TEST(nExplainPlugin, WarnsOfACertainFailureEvenIfItsCodeIsOpen) {
+    const auto started = explainPlugin("A", evidence(report({shown("A", 0)}), prediction({failing("A")})));
+    EXPECT_EQ(started.summary, "A has started; at the next start it will fail.");
+    EXPECT_THAT(started.first, HasSubstr("check `Path`"));
+    const auto absent = explainPlugin("A", evidence(report({shown("B", 0)}), prediction({failing("A")})));
+    EXPECT_EQ(absent.summary, "The status file does not show A; at the next start it will fail.");
+    EXPECT_THAT(absent.first, HasSubstr("check `Path`"));
+    const auto failed = explainPlugin("A", evidence(report({shown("A", -52005)}), prediction({failing("A")})));
+    EXPECT_THAT(failed.notes, IsEmpty()) << "it may be the same code again";
+    EXPECT_THAT(failed.first, HasSubstr("check `Path`"));
 }
 
 TEST(nExplainPlugin, DoesNotWarnOfAStartThatThePluginsOwnCodeDecides) {
