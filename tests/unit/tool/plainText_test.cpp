@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -61,6 +62,56 @@ TEST(nPlainText, CountsColumns) {
     EXPECT_EQ(nPlainText::columns("e\xCC\x81"), 1U);                 // a combining accent
     EXPECT_EQ(nPlainText::columns("\xF0\x9F\x99\x82"), 2U);          // a smiley
     EXPECT_EQ(nPlainText::columns("\xEA\xB0\x80\xED\x9E\xA3"), 4U);  // the first and the last Hangul syllable
+}
+
+/// Returns the character in UTF-8.
+std::string encoded(char32_t codePoint) {
+    const auto continued = [codePoint](unsigned shift) {
+        return static_cast<char>(0x80U | ((codePoint >> shift) & 0x3FU));
+    };
+    if (codePoint < 0x80) return {static_cast<char>(codePoint)};
+    if (codePoint < 0x800) return {static_cast<char>(0xC0U | (codePoint >> 6U)), continued(0)};
+    if (codePoint < 0x10000) return {static_cast<char>(0xE0U | (codePoint >> 12U)), continued(6), continued(0)};
+    return {static_cast<char>(0xF0U | (codePoint >> 18U)), continued(12), continued(6), continued(0)};
+}
+
+struct tBlock {
+    char32_t first;
+    char32_t last;
+};
+
+/// Expects that the first and the last character of each block take so many columns, and those around it do not.
+void expectColumns(std::size_t columns, const std::vector<tBlock>& blocks) {
+    for (const tBlock& block : blocks) {
+        EXPECT_EQ(nPlainText::columns(encoded(block.first)), columns) << std::hex << std::uint32_t{block.first};
+        EXPECT_EQ(nPlainText::columns(encoded(block.last)), columns) << std::hex << std::uint32_t{block.last};
+        EXPECT_NE(nPlainText::columns(encoded(block.first - 1)), columns) << std::hex << std::uint32_t{block.first};
+        EXPECT_NE(nPlainText::columns(encoded(block.last + 1)), columns) << std::hex << std::uint32_t{block.last};
+    }
+}
+
+TEST(nPlainText, CountsTwoColumnsForWideCharacters) {
+    expectColumns(2, {{0x1100, 0x115F},
+                      {0x2E80, 0x303E},
+                      {0x3041, 0xA4CF},
+                      {0xAC00, 0xD7A3},
+                      {0xF900, 0xFAFF},
+                      {0xFE30, 0xFE6F},
+                      {0xFF00, 0xFF60},
+                      {0xFFE0, 0xFFE6},
+                      {0x1F300, 0x1F64F},
+                      {0x1F900, 0x1F9FF},
+                      {0x20000, 0x3FFFD}});
+}
+
+TEST(nPlainText, CountsNoColumnForMarksAndJoiners) {
+    expectColumns(0, {{0x300, 0x36F},
+                      {0x483, 0x489},
+                      {0x591, 0x5BD},
+                      {0x200B, 0x200D},
+                      {0x20D0, 0x20FF},
+                      {0xFE00, 0xFE0F},
+                      {0xFEFF, 0xFEFF}});
 }
 
 TEST(nPlainText, ShortensATextToItsBeginningAndAnEllipsis) {
