@@ -5,14 +5,12 @@
 #include <boost/filesystem/operations.hpp>
 #include <unordered_set>
 
-#include "err/Exception.h"
 #include "ini/nameIndex.h"
 #include "source/descriptionFormat.h"
 #include "source/nPluginData.h"
-#include "source/runMessages.h"
 #include "stdpath/path.h"
-#include "stdpath/stdpath.h"
 #include "tool/check/fileNameOrder.h"
+#include "tool/check/placesPlatform.h"
 #include "tool/check/prediction.h"
 #include "tool/check/thisMachine.h"
 #include "tool/check/wording.h"
@@ -50,18 +48,6 @@ void addUnseen(const nFiles::path& path, const nFiles::file_status& status, tLis
     }
 }
 
-/// Finds what the host passes over although somebody may take it for a description.
-void findUnseen(const nFiles::path& directory, tListing& listing) {
-    const std::unordered_set<std::string> seen(listing.files.begin(), listing.files.end());
-    for (const nFiles::directory_entry& entry : nFiles::directory_iterator(directory)) {
-        if (!looksLikeDescription(entry.path()) || seen.contains(nStdPath::pathToUtf8(entry.path()))) continue;
-        boost::system::error_code error;
-        addUnseen(entry.path(), entry.status(error), listing);
-    }
-    std::sort(listing.findings.begin(), listing.findings.end(),
-              [](const tFinding& a, const tFinding& b) { return a.file < b.file; });
-}
-
 void listDirectory(const nFiles::path& directory, tListing& listing) try {
     nPluginData::listDescriptionFiles(directory, nDescriptionFormat::extension, listing.files);
     findUnseen(directory, listing);
@@ -84,24 +70,6 @@ void listPlace(const std::string& place, tListing& listing) {
     }
 }
 
-void listThisMachine(tListing& listing) {
-    if (!nThisMachine::runsHost()) {
-        throw tCannotLook("The host does not run on this machine: name a directory or files to check");
-    }
-    try {
-        const nFiles::path directory = nStdPath::getPluginDirectory();
-        listing.directory = nStdPath::pathToUtf8(directory);
-        nPluginData::listPlugins(listing.files);
-        findUnseen(directory, listing);
-    } catch (const zuerr::ExceptionBase&) {
-        listing.messages.emplace_back(nRunMessages::directoryNotOpened);
-        listing.findings.push_back(nRules::finding("plugins-directory", listing.directory, std::nullopt, std::nullopt,
-                                                   "the host cannot open its plug-in directory and stops"));
-    } catch (const nFiles::filesystem_error&) {
-        throw tCannotLook("The directory " + quoted(listing.directory) + " cannot be read");
-    }
-}
-
 /// Removes files that are listed twice. Requires: those of one name are neighbours.
 void removeRepeated(std::vector<std::string>& files) {
     const auto isSame = [](const std::string& a, const std::string& b) {
@@ -115,12 +83,20 @@ void removeRepeated(std::vector<std::string>& files) {
 
 }  // namespace
 
-tListing listPlaces(const std::vector<std::string>& places) {
-    tListing listing;
-    if (places.empty()) {
-        listThisMachine(listing);
-        return listing;
+void findUnseen(const boost::filesystem::path& directory, tListing& listing) {
+    const std::unordered_set<std::string> seen(listing.files.begin(), listing.files.end());
+    for (const nFiles::directory_entry& entry : nFiles::directory_iterator(directory)) {
+        if (!looksLikeDescription(entry.path()) || seen.contains(nStdPath::pathToUtf8(entry.path()))) continue;
+        boost::system::error_code error;
+        addUnseen(entry.path(), entry.status(error), listing);
     }
+    std::sort(listing.findings.begin(), listing.findings.end(),
+              [](const tFinding& a, const tFinding& b) { return a.file < b.file; });
+}
+
+tListing listPlaces(const std::vector<std::string>& places) {
+    if (places.empty()) return listThisMachine();
+    tListing listing;
     listing.directory = places.front();
     for (const std::string& place : places) listPlace(place, listing);
     // Windows lists a folder in the order of the names.

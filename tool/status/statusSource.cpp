@@ -5,22 +5,12 @@
 #include <utility>
 #include <variant>
 
-#include "source/statusFile.h"
-#include "stdpath/stdpath.h"
 #include "tool/format.h"
 
 namespace nStatus {
 
 using nPlatform::tAttempt;
 using nPlatform::tOutcome;
-
-std::string hostsFile() {
-    std::string folder;
-    zuerr::StatusRecord status;
-    nStdPath::getCommonAppDataDirectory(folder, status);
-    if (status.failed()) throw tCannotRead("This system has no folder for the status file: name the file");
-    return folder + "\\" + nStatusFile::fileName;
-}
 
 std::string readFile(const std::string& path) {
     constexpr int attempts = 20;

@@ -9,7 +9,8 @@
 
 #include "tool/status/statusSource.h"
 
-namespace nStatus::nPlatform {
+namespace nStatus {
+namespace nPlatform {
 namespace {
 
 tAttempt failure() {
@@ -49,4 +50,8 @@ tAttempt tryToRead(const std::string& path) {
     return attempt;
 }
 
-}  // namespace nStatus::nPlatform
+}  // namespace nPlatform
+
+std::string hostsFile() { throw tCannotRead("This system has no folder for the status file: name the file"); }
+
+}  // namespace nStatus

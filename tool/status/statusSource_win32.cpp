@@ -6,11 +6,14 @@
 #include <utility>
 
 #include "quarks/closer.h"
+#include "source/statusFile.h"
 #include "stdpath/path.h"
+#include "stdpath/stdpath.h"
 #include "stdpath/utf.h"
 #include "tool/status/statusSource.h"
 
-namespace nStatus::nPlatform {
+namespace nStatus {
+namespace nPlatform {
 namespace {
 
 using tHandle = std::unique_ptr<std::remove_pointer_t<HANDLE>, tCloser<CloseHandle>>;
@@ -70,4 +73,14 @@ tAttempt tryToRead(const std::string& path) {
     return readAll(opened, static_cast<std::size_t>(size.QuadPart));
 }
 
-}  // namespace nStatus::nPlatform
+}  // namespace nPlatform
+
+std::string hostsFile() {
+    std::string folder;
+    zuerr::StatusRecord status;
+    nStdPath::getCommonAppDataDirectory(folder, status);
+    if (status.failed()) throw tCannotRead("This system has no folder for the status file: name the file");
+    return folder + "\\" + nStatusFile::fileName;
+}
+
+}  // namespace nStatus

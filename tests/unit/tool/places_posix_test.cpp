@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "tests/unit/tool/checkHelpers.h"
@@ -20,6 +21,22 @@ TEST(placesHere, MustBeNamedBecauseTheHostDoesNotRunHere) {
     } catch (const tCannotLook& failure) {
         EXPECT_THAT(failure.what(), HasSubstr("name a directory or files"));
     }
+}
+
+TEST(placesHere, AreReportedIfTheyCannotBeRead) {
+    const support::tFolder folder;
+    rlimit usual{};
+    getrlimit(RLIMIT_NOFILE, &usual);
+    const rlimit none{0, usual.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    std::string reason;
+    try {
+        static_cast<void>(listPlaces({folder.utf8()}));
+    } catch (const tCannotLook& failure) {
+        reason = failure.what();
+    }
+    setrlimit(RLIMIT_NOFILE, &usual);
+    EXPECT_EQ(reason, "The directory \"" + folder.utf8() + "\" cannot be read");
 }
 
 TEST(placesHere, MayContainLinksToFilesButNotToNothing) {

@@ -1,0 +1,32 @@
+#include <boost/filesystem/exception.hpp>
+
+#include "err/Exception.h"
+#include "source/nPluginData.h"
+#include "source/runMessages.h"
+#include "stdpath/path.h"
+#include "stdpath/stdpath.h"
+#include "tool/check/placesPlatform.h"
+#include "tool/check/prediction.h"
+#include "tool/check/wording.h"
+#include "tool/rules.h"
+
+namespace nCheck {
+
+tListing listThisMachine() {
+    tListing listing;
+    try {
+        const boost::filesystem::path directory = nStdPath::getPluginDirectory();
+        listing.directory = nStdPath::pathToUtf8(directory);
+        nPluginData::listPlugins(listing.files);
+        findUnseen(directory, listing);
+    } catch (const zuerr::ExceptionBase&) {
+        listing.messages.emplace_back(nRunMessages::directoryNotOpened);
+        listing.findings.push_back(nRules::finding("plugins-directory", listing.directory, std::nullopt, std::nullopt,
+                                                   "the host cannot open its plug-in directory and stops"));
+    } catch (const boost::filesystem::filesystem_error&) {
+        throw tCannotLook("The directory " + nWording::quoted(listing.directory) + " cannot be read");
+    }
+    return listing;
+}
+
+}  // namespace nCheck
