@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <new>
 #include <utility>
 
 #include "ini/file.h"
@@ -59,7 +58,7 @@ void addUnreadable(tFileFindings& findings, int code) {
 
 /// Returns the parser's result, as the host's own reading would. Reads the file once: opening one takes longer than
 /// anything else that is done with a small file.
-int read(const std::string& path, tDescriptionFile& result) try {
+int read(const std::string& path, tDescriptionFile& result) {
     const std::wstring widePath = nStdPath::widePathFromUtf8(path);
     const nIni::tFile file = nIni::openFile(widePath.c_str());
     if (!file) return nIni::lastWriteTime(widePath.c_str()) ? nIni::fileNotOpened : nIni::fileNotFound;
@@ -78,8 +77,6 @@ int read(const std::string& path, tDescriptionFile& result) try {
     findInLines(readAll(file.get()), rejected, result.lines, result.findings);
     if (result.description) findInValues(document, *result.description, result.findings);
     return code;
-} catch (const std::bad_alloc&) {
-    return nIni::outOfMemory;
 }
 
 }  // namespace

@@ -148,7 +148,7 @@ private:
             double bottom = 0;
             for (const std::size_t index : layer) {
                 tItem& item = columns_.items[index];
-                item.middle = bottom + item.height / 2;
+                item.middle = bottom;  // the sweeps keep only the distances of boxes, which are of one height
                 bottom += item.height + spacing_.gap;
             }
         }

@@ -182,7 +182,7 @@ tGraph fromPrediction(const nCheck::tPrediction& prediction) {
     for (const nCheck::tPredictedPlugin& plugin : prediction.plugins) {
         const tPluginDescription& description = plugin.description;
         plugins.push_back({description.name, plugin.file, description.path, description.dependencies,
-                           description.requiresMask, plugin.code, plugin.mayStart, true, 0});
+                           description.requiresMask, plugin.code, plugin.mayStart});
     }
     tGraph graph = build(std::move(plugins), prediction.allowedMask);
     graph.messages = prediction.messages;
@@ -203,9 +203,7 @@ tGraph fromReport(const nStatus::tReport& report) {
                            {plugin.dependencies.begin(), plugin.dependencies.end()},
                            plugin.requiresMask,
                            code,
-                           code >= 0,
-                           true,
-                           0});
+                           code >= 0});
     }
     tGraph graph = build(std::move(plugins), report.allowedMask);
     graph.messages = report.messages;

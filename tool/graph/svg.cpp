@@ -252,8 +252,8 @@ private:
                 y += legendRow;
             }
             tRoute sample;
-            sample.points = {{x - margin, y - margin - headerHeight},
-                             {x - margin + legendSample, y - margin - headerHeight}};
+            const tPoint start{x - margin, y - margin - headerHeight};
+            sample.points = {start, {start.x + legendSample, start.y}};
             sample.kind = kind;
             sample.headAtRight = true;
             text += routeElement(sample) + textElement("sub", x + legendSample + padding, y + 4, words) + "\n";

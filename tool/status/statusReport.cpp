@@ -73,13 +73,13 @@ bool isSeparator(std::string_view text, std::size_t comma) {
     return comma > 0 && inName(comma - 1) && text.substr(comma + 1).starts_with(' ') && inName(comma + 2);
 }
 
-/// Returns the position after the last comma that is no separator, or 0: no list of names begins before it.
-std::size_t firstListStart(std::string_view text) {
-    std::size_t start = 0;
+/// Returns the position of the last comma that is no separator, or 0: no list of names begins before it.
+std::size_t lastOtherComma(std::string_view text) {
+    std::size_t last = 0;
     for (std::size_t comma = text.find(','); comma != std::string_view::npos; comma = text.find(',', comma + 1)) {
-        if (!isSeparator(text, comma)) start = comma + 1;
+        if (!isSeparator(text, comma)) last = comma;
     }
-    return start;
+    return last;
 }
 
 /// Where in a plug-in's first line, without the final parenthesis, the name ends.
@@ -89,14 +89,14 @@ struct tNameEnd {
 };
 
 tNameEnd findNameEnd(std::string_view line) {
-    const std::size_t listStart = firstListStart(line);
+    const std::size_t otherComma = lastOtherComma(line);
     const bool listMayEndHere = !line.empty() && !isSpace(line.back());
     tNameEnd result;
     for (std::size_t at = line.find(dependencyPhrase); at != std::string_view::npos;
          at = line.find(dependencyPhrase, at + 1)) {
         const std::size_t start = at + dependencyPhrase.size();
         const bool isList =
-            start >= listStart && listMayEndHere && start < line.size() && line[start] != ',' && !isSpace(line[start]);
+            start > otherComma && listMayEndHere && start < line.size() && line[start] != ',' && !isSpace(line[start]);
         if (start == line.size() || isList) result = {at, result.candidates + 1};
     }
     return result;
@@ -168,12 +168,8 @@ bool suggests(std::string_view entry, tPhase phase) {
 
 bool isNamedAfter(std::string_view entry, std::string_view plugin, tPhase phase) {
     if (plugin.empty() || !removeStart(entry, plugin)) return false;
-    switch (phase) {
-        case tPhase::initialize: return entry == "Init" || entry == "Initialize";
-        case tPhase::stop: return entry == "Stop";
-        case tPhase::cleanup: return entry == "Cleanup";
-    }
-    return false;
+    if (phase == tPhase::initialize) return entry == "Init" || entry == "Initialize";
+    return entry == (phase == tPhase::stop ? "Stop" : "Cleanup");
 }
 
 /// Phases of a plug-in's calls, in order. Of those that are possible, the earliest come first.
@@ -221,11 +217,8 @@ void findPhases(tPlugin& plugin) {
 /// it is.
 bool readPlugin(std::string_view firstLine, tLines& lines, tPlugin& plugin) {
     tLines ahead = lines;
-    const auto pathLine = ahead.next();
-    const auto requiresLine = ahead.next();
-    if (!pathLine || !requiresLine) return false;
-    std::string_view path = *pathLine;
-    std::string_view mask = *requiresLine;
+    std::string_view path = ahead.next().value_or(std::string_view());
+    std::string_view mask = ahead.next().value_or(std::string_view());
     if (!removeStart(path, "Loaded From: ") || !removeStart(mask, "Requires: ")) return false;
     const auto requiresMask = toNumber<std::uint32_t>(mask);
     if (!requiresMask || !readNames(firstLine, plugin) || !readCalls(ahead, plugin.calls)) return false;

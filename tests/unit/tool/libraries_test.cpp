@@ -99,7 +99,7 @@ TEST_F(libraries, OfARelativePathLoadFromWhereWindowsSearches) {
 }
 
 TEST_F(libraries, OfARelativePathDoNotLoadIfWindowsFindsThemNowhere) {
-    for (const char* path : {"a.dll", R"(sub\a.dll)", R"(\P\a.dll)", "C:a.dll", "a", "C:", R"(\)"}) {
+    for (const char* path : {"a.dll", R"(sub\a.dll)", R"(p\a.dll)", R"(\P\a.dll)", "C:a.dll", "a", "C:", R"(\)"}) {
         EXPECT_EQ(examine(path), tLoadVerdict::fails) << path;
         EXPECT_THAT(ids(), ElementsAre("3 relative-path")) << path;
         EXPECT_EQ(found()[0].message,
@@ -170,6 +170,15 @@ TEST_F(libraries, FindImportsThatAStartedPluginHasLoaded) {
     EXPECT_EQ(examine(R"(C:\Q\c.dll)"), tLoadVerdict::succeeds);
     EXPECT_THAT(ids(), ElementsAre("3 borrowed-import"));
     EXPECT_EQ(found()[0].message, R"("b.dll" is not in a folder that Windows searches for it)");
+}
+
+TEST_F(libraries, LackNotOnlyWhatTheyBorrow) {
+    add(R"(C:\P\a.dll)", {"b.dll"});
+    add(R"(C:\P\b.dll)");
+    add(R"(C:\Q\c.dll)", {"b.dll", "gone.dll"});
+    EXPECT_EQ(examine(R"(C:\P\a.dll)", tStart::yes), tLoadVerdict::succeeds);
+    EXPECT_EQ(examine(R"(C:\Q\c.dll)"), tLoadVerdict::fails);
+    EXPECT_THAT(ids(), ElementsAre("3 missing-import", "3 borrowed-import"));
 }
 
 TEST_F(libraries, DoNotFindImportsThatAFailedPluginHadLoaded) {

@@ -201,6 +201,11 @@ TEST(nStatusRead, KeepsTheOrderOfTheFile) {
 
 TEST(nStatusRead, DoesNotReadAsAPluginWhatTheHostCannotWrite) {
     for (const std::string lines : {"A\nLoaded From: \nRequires: 1\n\n",
+                                    "A)\nLoaded From: \nRequires: 1\n\n",
+                                    "A (depends on )\nRequires: 1\n\n",
+                                    "A (depends on )\nLoaded From: \n\n",
+                                    "A (depends on )\nLoaded From: \nRequires: 1\n",
+                                    "A (depends on )\nLoaded From: \nRequires: 1\nX Time: 1 ms\n",
                                     "A (depends on \nLoaded From: \nRequires: 1\n\n",
                                     "A (depends on B,C)\nLoaded From: \nRequires: 1\n\n",
                                     "A (depends on B, )\nLoaded From: \nRequires: 1\n\n",
