@@ -228,7 +228,7 @@ std::vector<std::string> textsOfDescriptions(std::int64_t count) {
     for (std::int64_t i = 0; i < count; ++i) {
         const std::string name = "Plugin" + std::to_string(i);
         std::string& text = texts.emplace_back("[Service]\r\nName=" + name + "\r\n");
-        text += "Path=C:\\Program Files\\Plug-ins\\" + name + ".dll\r\nInitialize=initialize\r\nStop=stop\r\n";
+        text += R"(Path=C:\Program Files\Plug-ins\)" + name + ".dll\r\nInitialize=initialize\r\nStop=stop\r\n";
         text += "Cleanup=cleanup\r\nDependencies=Settings, Transport\r\nRequires=1\r\n";
     }
     return texts;

@@ -37,6 +37,7 @@ void** importSlot(std::string_view name) {
     const DWORD table = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     for (const auto* import = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + table); import->Name != 0;
          ++import) {
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-union-access): windows.h declares it so
         const auto* names = reinterpret_cast<const ULONGLONG*>(base + import->OriginalFirstThunk);
         auto* slots = reinterpret_cast<void**>(base + import->FirstThunk);
         for (; *names != 0; ++names, ++slots) {
@@ -117,14 +118,16 @@ void setTimed(bool on) {
     tCall<"fwrite", decltype(fwrite)>::setTimed(on);
 }
 
-}  // namespace
-
-tWatch::tWatch() {
+/// Returns the ticks at which the calls began to be timed.
+unsigned long long startTiming() {
     setTimed(true);
     ticksInside = 0;
-    startTicks_ = __rdtsc();
-    start_ = std::chrono::steady_clock::now();
+    return __rdtsc();
 }
+
+}  // namespace
+
+tWatch::tWatch() : startTicks_(startTiming()), start_(std::chrono::steady_clock::now()) {}
 
 tWatch::~tWatch() { setTimed(false); }
 

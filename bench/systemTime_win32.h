@@ -18,7 +18,7 @@ public:
     [[nodiscard]] double seconds() const;
 
 private:
-    unsigned long long startTicks_ = 0;
+    unsigned long long startTicks_;
     std::chrono::steady_clock::time_point start_;
 };
 
