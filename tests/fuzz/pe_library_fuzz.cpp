@@ -99,8 +99,10 @@ private:
         sections_.push_back({0, headersSize, 0, headersSize});
         for (std::uint64_t i = 0; i < count; ++i) {
             const std::uint64_t at = optional_ + optionalSize_ + 40 * i;
-            const std::uint64_t virtualSize = header(at + 8, 4), begin = header(at + 12, 4);
-            const std::uint64_t rawSize = header(at + 16, 4), raw = header(at + 20, 4);
+            const std::uint64_t virtualSize = header(at + 8, 4);
+            const std::uint64_t begin = header(at + 12, 4);
+            const std::uint64_t rawSize = header(at + 16, 4);
+            const std::uint64_t raw = header(at + 20, 4);
             const std::uint64_t size = pages(virtualSize != 0 ? virtualSize : rawSize);
             tSection section{begin, begin + size, raw / 512 * 512, std::min(sectors(raw % 512 + rawSize), size)};
             require(section.end <= imageSize && begin >= sections_.back().end);
@@ -160,7 +162,8 @@ private:
         const std::uint64_t count = std::min<std::uint64_t>(number(table + 20, 4), 65536);
         const std::uint64_t functions = number(table + 28, 4);
         const std::uint64_t nameCount = number(table + 24, 4);
-        const std::uint64_t names = number(table + 32, 4), indexes = number(table + 36, 4);
+        const std::uint64_t names = number(table + 32, 4);
+        const std::uint64_t indexes = number(table + 36, 4);
         std::vector<std::uint64_t> addresses;
         for (std::uint64_t i = 0; i < count; ++i) addresses.push_back(number(functions + 4 * i, 4));
         std::vector<bool> named(addresses.size());
@@ -196,7 +199,8 @@ private:
 
     void readImports(std::uint64_t at) {
         for (;; at += 20) {
-            const std::uint64_t name = number(at + 12, 4), addresses = number(at + 16, 4);
+            const std::uint64_t name = number(at + 12, 4);
+            const std::uint64_t addresses = number(at + 16, 4);
             if (name == 0 || addresses == 0) return;
             const std::uint64_t lookUp = number(at, 4);
             library_.imports.push_back({text(name), false, symbols(lookUp != 0 ? lookUp : addresses, 0)});

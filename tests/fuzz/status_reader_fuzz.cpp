@@ -1,5 +1,6 @@
 // Reads any bytes as a status file, and shows in every form what it finds. Nothing of a file may be lost: a report that
 // is not ambiguous, written again, is the file.
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -48,10 +49,7 @@ std::string withoutCarriageReturns(std::string_view text) {
 
 /// Returns whether the text contains no character that only a hostile name can have brought in.
 bool isHarmless(std::string_view text) {
-    for (const char c : text) {
-        if (static_cast<unsigned char>(c) < ' ' && c != '\n') return false;
-    }
-    return true;
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) >= ' ' || c == '\n'; });
 }
 
 }  // namespace

@@ -65,11 +65,8 @@ inline bool samePhases(const nStatus::tPlugin& plugin, const tPluginEntry& entry
 inline bool namesMislead(const tPluginDescription& description) {
     const std::string& name = description.name;
     if (name.empty()) return false;
-    const auto isOneOf = [&](const std::string& entry, std::vector<std::string> words) {
-        for (const std::string& word : words) {
-            if (entry == name + word) return true;
-        }
-        return false;
+    const auto isOneOf = [&](const std::string& entry, const std::vector<std::string>& words) {
+        return std::ranges::any_of(words, [&](const std::string& word) { return entry == name + word; });
     };
     return isOneOf(description.initialize, {"Stop", "Cleanup"}) ||
            isOneOf(description.stop, {"Init", "Initialize", "Cleanup"}) ||

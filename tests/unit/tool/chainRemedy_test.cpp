@@ -135,7 +135,7 @@ tDescriptions randomDescriptions(std::uint32_t seed) {
 }
 
 /// Does what a remedy says: replaces the lists that it contains, or the name.
-void follow(const std::string& remedy, const std::string plugin, tDescriptions& descriptions) {
+void follow(const std::string& remedy, const std::string& plugin, tDescriptions& descriptions) {
     const std::string line = "\"Dependencies=";
     for (std::size_t at = remedy.find(line); at != std::string::npos; at = remedy.find(line, at + 1)) {
         const std::size_t end = remedy.find('"', at + 1);

@@ -133,7 +133,7 @@ TEST(nGraphColumns, GiveUpThePlacesOfLongLinksWhenThereAreTooMany) {
         plugins.push_back(plugin("D" + std::to_string(i), {"C" + std::to_string(i), "C" + std::to_string(count - 1)}));
     }
     const tColumns columns = arranged(graphOf(std::move(plugins)));
-    EXPECT_LE(columns.items.size(), 2 * count + 1000 + 16 * 2 * count);
+    EXPECT_LE(columns.items.size(), 34 * count + 1000);
     const auto isDirect = [&](const tSegment& segment) {
         return columns.items[segment.from].layer + 1 < columns.items[segment.to].layer;
     };

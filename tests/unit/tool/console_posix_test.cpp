@@ -56,11 +56,7 @@ private:
 
 /// A terminal of our own.
 struct tTerminal {
-    tTerminal() : master(posix_openpt(O_RDWR | O_NOCTTY)) {
-        grantpt(master);
-        unlockpt(master);
-        slave = open(ptsname(master), O_RDWR | O_NOCTTY);
-    }
+    tTerminal() : master(posix_openpt(O_RDWR | O_NOCTTY)), slave(openSlave(master)) {}
     ~tTerminal() {
         close(slave);
         close(master);
@@ -68,8 +64,14 @@ struct tTerminal {
     tTerminal(const tTerminal&) = delete;
     tTerminal& operator=(const tTerminal&) = delete;
 
+    static int openSlave(int terminal) {
+        grantpt(terminal);
+        unlockpt(terminal);
+        return open(ptsname(terminal), O_RDWR | O_NOCTTY);
+    }
+
     int master;
-    int slave = -1;
+    int slave;
 };
 
 TEST(nConsolePosix, ShowsColoursOnATerminalThatKnowsThemUnlessForbidden) {

@@ -11,7 +11,6 @@ namespace {
 namespace nKeys = nDescriptionFormat::nKeys;
 using nCheck::tDescriptionFile;
 using support::idsOf;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

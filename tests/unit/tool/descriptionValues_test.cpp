@@ -21,7 +21,7 @@ std::vector<tFinding> findingsFor(std::string_view line) {
 std::vector<std::string> idsFor(std::string_view line) { return idsOf(findingsFor(line)); }
 
 TEST(descriptionValues, MayNotBeginOrEndWithABlankInsideQuotes) {
-    for (const char* line : {"Path=\"C:\\a.dll \"", "Path=\" C:\\a.dll\"", "Stop=\"S\t\"", "Initialize=\" \""}) {
+    for (const char* line : {R"(Path="C:\a.dll ")", R"(Path=" C:\a.dll")", "Stop=\"S\t\"", "Initialize=\" \""}) {
         EXPECT_THAT(idsFor(line), ElementsAre("2 blanks-in-value")) << line;
     }
     EXPECT_THAT(idsFor("Path=  C:\\a b.dll  "), IsEmpty()) << "the parser removes blanks outside quotes";
@@ -37,11 +37,11 @@ TEST(descriptionValues, MayNotBeginOrEndWithACharacterThatOnlyLooksLikeABlank) {
 }
 
 TEST(descriptionValues, LoseOnlyAPairOfDoubleQuotesAroundTheWhole) {
-    for (const char* line : {"Path=\"C:\\a.dll", "Path=C:\\a.dll\"", "Dependencies=\"A\", \"B\"", "Name='A'",
-                             "Stop=\"\"S\"\"", "Name=A\"B"}) {
+    for (const char* line : {"Path=\"C:\\a.dll", "Path=C:\\a.dll\"", R"(Dependencies="A", "B")", "Name='A'",
+                             R"(Stop=""S"")", "Name=A\"B"}) {
         EXPECT_THAT(idsFor(line), ElementsAre("2 quote-in-value")) << line;
     }
-    for (const char* line : {"Path=\"C:\\a.dll\"", "Name=Bob's", "Name='", "Dependencies=\"A, B\""}) {
+    for (const char* line : {R"(Path="C:\a.dll")", "Name=Bob's", "Name='", "Dependencies=\"A, B\""}) {
         EXPECT_THAT(idsFor(line), IsEmpty()) << line;
     }
 }

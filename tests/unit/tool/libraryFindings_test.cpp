@@ -23,7 +23,9 @@ protected:
     }
 
     tLoadVerdict examine(const nPe::tLibrary& library) { return nCheck::examineLibrary(library, examined_); }
-    tLoadVerdict examine(std::vector<nPe::tMissing> missing) { return nCheck::examineMissing(missing, examined_); }
+    tLoadVerdict examine(const std::vector<nPe::tMissing>& missing) {
+        return nCheck::examineMissing(missing, examined_);
+    }
     tLoadVerdict examine(const std::string& file, const nPe::tUnreadable& unreadable) {
         return nCheck::examineUnreadable(file, unreadable, examined_);
     }

@@ -16,7 +16,7 @@ constexpr const char* outside = "a table or a name is outside its sections";
 constexpr const char* overlapping = "its tables overlap";
 
 TEST(nPeLibraryMalformed, TablesAreOutOfTheImage) {
-    for (const std::size_t number : {0, 1, 13}) {
+    for (const std::size_t number : {0U, 1U, 13U}) {
         // Between headers and section, behind the section, and nowhere at all.
         for (const std::uint32_t rva : {0x800U, 0x1FFFU, 0x2000U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
             tDamaged library;
@@ -27,7 +27,7 @@ TEST(nPeLibraryMalformed, TablesAreOutOfTheImage) {
 }
 
 TEST(nPeLibraryMalformed, TablesAreCutOffByTheEndOfTheirSection) {
-    for (const std::size_t number : {0, 1}) {
+    for (const std::size_t number : {0U, 1U}) {
         tDamaged library;
         put32(library.bytes, library.file.directory(number), 0x1FF0);
         EXPECT_EQ(library.reason(), outside) << number;
@@ -69,7 +69,7 @@ TEST(nPeLibraryMalformed, NameHasNoEnd) {
 }
 
 TEST(nPeLibraryMalformed, CountsAreTooLarge) {
-    for (const std::size_t field : {20, 24}) {  // of functions, of names
+    for (const std::size_t field : {20U, 24U}) {  // of functions, of names
         for (const std::uint32_t count : {0x1000U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
             tDamaged library;
             put32(library.bytes, library.exportTable() + field, count);
@@ -99,9 +99,9 @@ TEST(nPeLibraryMalformed, NamesShareTheirBytes) {
     file.exports.push_back({std::string(100'000, 'x'), count + 1, {}});
     std::string bytes = file.bytes();
     EXPECT_EQ(readable(bytes).exports.size(), count + 1);
-    const std::size_t names = tPeFile::offsetOf(file.exportTable) + 40 + (4 * (count + 1) + 7) / 8 * 8;
+    const std::size_t names = tPeFile::offsetOf(file.exportTable) + 40 + (std::size_t{4} * (count + 1) + 7) / 8 * 8;
     const auto text = static_cast<std::uint32_t>(bytes.find("xxx") - tPeFile::sectionBytes + tPeFile::sectionRva);
-    for (std::uint32_t i = 0; i < count; ++i) put32(bytes, names + 4 * i, text + i);
+    for (std::uint32_t i = 0; i < count; ++i) put32(bytes, names + std::size_t{4} * i, text + i);
     EXPECT_EQ(reasonOf(bytes), overlapping);
 }
 

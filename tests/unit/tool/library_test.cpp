@@ -209,7 +209,7 @@ TEST(nPeLibrary, HasNamesInTheOrderOfUnsignedBytes) {
     tLibrary library;
     library.exports = named({"A", "a", "\x80"});
     EXPECT_EQ(findExport(library, "\x80"), &library.exports[2]);
-    EXPECT_EQ(findExport(library, "A"), &library.exports[0]);
+    EXPECT_EQ(findExport(library, "A"), &library.exports.front());
 }
 
 TEST(nPeLibrary, DoesNotFindANameInATableThatIsNotSortedIfTheLoaderDoesNot) {

@@ -11,7 +11,6 @@ namespace nPe {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Optional;
 
 TEST(nPeMachinePosix, SearchesTheMappedFolders) {

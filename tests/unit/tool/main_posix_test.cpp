@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
-#include <stdio.h>
 #include <sys/wait.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <string>
 

@@ -28,7 +28,7 @@ protected:
     mistakes() { good_ = folder_.addLibrary("transport.dll", usualLibrary({"TransportInitialize"})); }
 
     [[nodiscard]] tPluginFolder& folder() { return folder_; }
-    [[nodiscard]] std::string libraryLines(const std::string& path) const {
+    [[nodiscard]] static std::string libraryLines(const std::string& path) {
         return "Path=" + path + "\nInitialize=TransportInitialize\n";
     }
     /// Adds the description of a plug-in with the name, further lines, and a library, which is usually good.

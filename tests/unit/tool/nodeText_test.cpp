@@ -63,7 +63,7 @@ TEST(nGraphNodeText, CountsTheDescriptionsThatTheHostRejects) {
     tGraph graph = graphOf({plugin("A")});
     graph.messages = {"Cannot init system framework", "Failed to parse service description file: C:\\a.ini"};
     EXPECT_EQ(summary(graph), "1 plug-in; 1 description rejected");
-    graph.messages.push_back("Failed to parse service description file: C:\\b.ini");
+    graph.messages.emplace_back("Failed to parse service description file: C:\\b.ini");
     EXPECT_EQ(summary(graph), "1 plug-in; 2 descriptions rejected");
 }
 

@@ -7,7 +7,6 @@ namespace nExplain {
 namespace {
 
 using nStatus::tPhase;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

@@ -11,7 +11,7 @@ using std::chrono::milliseconds;
 class tProgressTest : public testing::Test {
 protected:
     /// Advances once at each of these times since the beginning, in milliseconds, and returns what is shown until then.
-    std::string shownAfter(const std::vector<int>& times, std::size_t total, bool watched = true) {
+    static std::string shownAfter(const std::vector<int>& times, std::size_t total, bool watched = true) {
         std::ostringstream out;
         std::ostringstream error;
         tContext context{out, error, false, watched};

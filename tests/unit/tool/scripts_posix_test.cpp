@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdio.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <string>
 #include <vector>
 

@@ -39,7 +39,7 @@ TEST(nStatusSummary, WithoutEitherNothingDecides) {
 
 TEST(nStatusSummary, FindsTheCallOfAPhase) {
     const tPlugin alpha = plugin("Alpha", 5);
-    EXPECT_EQ(findCall(alpha, tPhase::initialize), &alpha.calls[0]);
+    EXPECT_EQ(findCall(alpha, tPhase::initialize), &alpha.calls.front());
     EXPECT_EQ(findCall(alpha, tPhase::stop), nullptr);
 }
 
