@@ -103,7 +103,9 @@ while (($#)); do
             layers+=("${all_layers[@]}")
             export CATALOGUES=${CATALOGUES:-2000}
             ;;
-        lint | tidy | unit | replay | sweep | endtoend | catalogues | peers | endurance | race | coverage | fuzz | bench) layers+=("$1") ;;
+        lint | tidy | unit | replay | sweep | endtoend | catalogues | peers | endurance | race | coverage | fuzz | bench)
+            layers+=("$1")
+            ;;
         --long)
             [[ ${2-} =~ ^[1-9][0-9]{0,6}$ ]] || misused
             search_options=("$2" --keep)
@@ -121,13 +123,18 @@ touch "$results/steps"
 need_python
 
 ! wanted lint || need_linters
-! wanted tidy || need_clang_tidy
+if wanted tidy; then
+    need_clang_tidy
+    for build in windows-release native-bench windows-bench; do
+        record builds "configure $build" ./build.sh "$build" build.ninja || true
+    done
+fi
 if wanted peers; then
     need_wine
     need_peers
 fi
 mapfile -t native < <(chosen lint tidy unit replay sweep peers)
-mapfile -t windows < <(chosen lint tidy unit replay sweep endtoend catalogues endurance)
+mapfile -t windows < <(chosen lint unit replay sweep endtoend catalogues endurance)
 if ((${#native[@]})); then
     record builds native-asan ./build.sh native-asan && run 2 native-asan "${native[@]}"
 fi

@@ -169,7 +169,7 @@ int sweepDirectory(const char* name, void (*operation)(std::string& result, zuer
                    const std::string& expected) {
     return eachAllocationFails(name, [&](tAttempt& attempt) {
         support::tSharedPlaces places;
-        places.sharedDirectory = "  D:\\Shared by all the software of the maker on this machine\\\\";
+        places.sharedDirectory = R"(  D:\Shared by all the software of the maker on this machine\\)";
         places.appDataFolder = R"(D:\Data of all users)";
         std::string result = "earlier";
         zuerr::StatusRecord status;
