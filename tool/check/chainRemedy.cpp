@@ -184,7 +184,7 @@ std::string tChainRemedies::remedyFor(std::size_t plugin) {
     if (tryDependencies(plugin, corrections_)) {
         return "Correct the names of dependencies that have findings of their own: this brings it into order, too.";
     }
-    if (const std::string remedy = remedyInLists(plugin); !remedy.empty()) return remedy;
+    if (std::string remedy = remedyInLists(plugin); !remedy.empty()) return remedy;
 
     const tNames all = allDependencies(plugin);
     const std::string& oldName = catalogue_.descriptions()[plugin].name;

@@ -28,15 +28,13 @@ protected:
     mistakes() { good_ = folder_.addLibrary("transport.dll", usualLibrary({"TransportInitialize"})); }
 
     [[nodiscard]] tPluginFolder& folder() { return folder_; }
-    [[nodiscard]] static std::string libraryLines(const std::string& path) {
-        return "Path=" + path + "\nInitialize=TransportInitialize\n";
-    }
     /// Adds the description of a plug-in with the name, further lines, and a library, which is usually good.
     void add(const std::string& name, const std::string& lines = "", const std::string& path = "",
              const std::string& extension = ".ini") {
         std::string file = name + extension;
         file[0] = static_cast<char>(file[0] - 'A' + 'a');
-        folder_.add(file, "[Service]\nName=" + name + "\n" + lines + libraryLines(path.empty() ? good_ : path));
+        folder_.add(file, "[Service]\nName=" + name + "\n" + lines + "Path=" + (path.empty() ? good_ : path) +
+                              "\nInitialize=TransportInitialize\n");
     }
 
     /// Returns what the command prints, with the folders' paths cut out.
