@@ -188,7 +188,8 @@ TEST(tChainRemedies, MayAlwaysBeNamesInTheStartOrder) {
                        std::all_of(description.dependencies.begin(), description.dependencies.end(),
                                    [](const std::string& name) { return name.size() > 1; });
             });
-            follow("for example to \"" + (number + next->name) + "\"", next->name, descriptions);
+            const std::string name = next->name;
+            follow("for example to \"" + (number + name) + "\"", name, descriptions);
         }
         EXPECT_EQ(firstTooEarly(descriptions), "") << seed;
     }
