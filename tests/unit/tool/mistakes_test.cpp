@@ -108,11 +108,11 @@ TEST_F(mistakes, AMissingImportTwoLevelsDown) {
     tPeFile outer = plainLibrary({"TransportInitialize"});
     outer.imports = {{"codec.dll", false, {{"f", 0}}}};
     tPeFile middle = plainLibrary({"f"});
-    middle.imports = {{"zlib1.dll", false, {{"f", 0}}}};
+    middle.imports = {{"compress.dll", false, {{"f", 0}}}};
     folder().addLibrary("codec.dll", middle.bytes());
     add("Transport", "", folder().addLibrary("transport.dll", outer.bytes()));
     expectSaid(
-        "transport.ini:3: error: \"codec.dll\" needs \"zlib1.dll\", which is missing (transport.dll -> codec.dll) "
+        "transport.ini:3: error: \"codec.dll\" needs \"compress.dll\", which is missing (transport.dll -> codec.dll) "
         "[missing-import]\n"
         "    Put the missing library into the plug-in's folder, or link it statically.\n");
     EXPECT_THAT(said(), HasSubstr("  Transport   -52005  transport.ini\n"));
