@@ -5,8 +5,8 @@ source scripts/common.sh
 source scripts/dependencies.sh
 source scripts/search.sh
 
-default_layers=(lint unit replay sweep endtoend endurance)
-all_layers=("${default_layers[@]}" catalogues peers tidy race coverage fuzz bench)
+default_layers=(lint unit replay sweep endtoend catalogues endurance)
+all_layers=("${default_layers[@]}" peers tidy race coverage fuzz bench)
 results=build/test
 search_options=(20)
 usage() {
@@ -23,11 +23,11 @@ The last line is the sum: N passed, N failed, N skipped. What each program print
   sweep      every system call and every allocation fails in turn (SWEEP_ALL=1: at every occurrence)
   endtoend   the executable itself: console, service control manager, registry, plug-ins, status file
   catalogues what \`ziptra check\` predicts of random plug-in directories is what the host does with them
-             (CATALOGUES directories: 150, or 2,000 in \`all\`; from the seed CATALOGUE_SEED)
-  peers      other programs accept what \`ziptra\` writes (JSON schemas, promtool, Graphviz, a browser), and objdump sees
-             the same in every library
+             (CATALOGUES directories: 60, or 2,000 in \`all\`; from the seed CATALOGUE_SEED)
   endurance  plug-ins and service started over and over, killed at every step of a write, raced by stop requests
              (SOAK_CYCLES, SOAK_SECONDS, KILLS, RACE_SECONDS make it longer)
+  peers      other programs accept what \`ziptra\` writes (JSON schemas, promtool, Graphviz, a browser), and objdump sees
+             the same in every library
   tidy       static analysis by clang-tidy
   race       stop requests from many threads under the thread sanitizer (RACE_ROUNDS)
   coverage   lines and branches of the product that the unit tests reach, with floors
