@@ -90,7 +90,7 @@ std::string requiresText(tRandom& random, int accidents) {
     return random.chance(50) ? "" : random.pick({"1"s, "2"s, "3"s, "2"s, "6"s, "4294967293"s});
 }
 
-std::string entryName(tRandom& random, tNames usual, int accidents) {
+std::string entryName(tRandom& random, const tNames& usual, int accidents) {
     if (random.chance(accidents))
         return random.pick({"NoSuchEntry"s, "initok"s, "_Z6InitOkv"s, "InitOk@0"s, "#1"s, "?"s});
     return random.pick(usual);

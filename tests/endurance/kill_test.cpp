@@ -173,8 +173,8 @@ TEST_F(kill, AtEachStepOfEachReplacementLeavesAWholeFileOrNone) {
             ASSERT_EQ(live(step), killed) << "step " << step;
             ++kills;
             const tLeft left = lookAtWhatIsLeft();
-            none += left.none;
-            temporary += left.temporary;
+            none += left.none ? 1 : 0;
+            temporary += left.temporary ? 1 : 0;
             stages.insert(left.stage);
             if (step % stepsOfAReplacement == 0) expectRecovery();
             if (HasFatalFailure()) return;

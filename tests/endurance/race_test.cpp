@@ -76,7 +76,8 @@ private:
         if (once) {
             requesters.emplace_back([&] { stopOnce(service, over); });
         } else {
-            for (const DWORD control : {SERVICE_CONTROL_STOP, SERVICE_CONTROL_INTERROGATE, SERVICE_CONTROL_STOP}) {
+            constexpr DWORD controls[] = {SERVICE_CONTROL_STOP, SERVICE_CONTROL_INTERROGATE, SERVICE_CONTROL_STOP};
+            for (const DWORD control : controls) {
                 requesters.emplace_back([&, control] {
                     while (!over) send(service, control);
                 });
@@ -160,7 +161,8 @@ TEST_F(race, ConsoleEventsFromManySidesEndAForegroundRun) {
     for (; tClock::now() < end_ || lives < 3; ++lives) {
         startPlugins();
         std::vector<std::thread> senders;
-        for (const DWORD event : {CTRL_C_EVENT, CTRL_BREAK_EVENT, CTRL_C_EVENT}) {
+        constexpr DWORD consoleEvents[] = {CTRL_C_EVENT, CTRL_BREAK_EVENT, CTRL_C_EVENT};
+        for (const DWORD event : consoleEvents) {
             senders.emplace_back([&, event] {
                 while (process().running()) {
                     if (hasSent(event)) ++events;

@@ -17,6 +17,7 @@ bool redirectImport(std::string_view function, Function* replacement) {
     const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const DWORD table = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     for (auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + table); library->Name != 0; ++library) {
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-union-access): windows.h declares it so
         const auto* name = reinterpret_cast<const ULONG_PTR*>(base + library->OriginalFirstThunk);
         auto* slot = reinterpret_cast<void**>(base + library->FirstThunk);
         for (; *name != 0; ++name, ++slot) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <clocale>
 #include <cstring>
@@ -79,7 +80,7 @@ protected:
         answers.erase(answers.begin());
         // The system may fill the whole buffer.
         std::memset(data, 0xEE, *size);
-        std::memcpy(data, next.value.data(), next.value.size() * sizeof(char16_t));
+        std::copy_n(reinterpret_cast<const BYTE*>(next.value.data()), next.value.size() * sizeof(char16_t), data);
         *size = next.reportedSize;
         return next.result;
     }

@@ -9,10 +9,10 @@
 
 namespace {
 
-/// Immediately at the end of a test: the test framework's own stopwatch queries the counter frequency.
 class systemClockCalls : public testing::Test {
 protected:
-    ~systemClockCalls() override {
+    /// Immediately at the end of a test: the test framework's own stopwatch queries the counter frequency.
+    void TearDown() override {
         imports::ImportBase::restoreAll();
         nTime::gClockSettings = {};
     }

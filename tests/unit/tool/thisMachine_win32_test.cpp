@@ -8,7 +8,7 @@ namespace {
 /// Tells the stand-in for the framework, which is beside this program, what to answer.
 class nThisMachineOnWindows : public testing::Test {
 protected:
-    ~nThisMachineOnWindows() override {
+    void TearDown() override {
         set("ZUSYSAPI_SETTING", nullptr);
         set("ZUSYSAPI_FAIL_STEP", nullptr);
     }
