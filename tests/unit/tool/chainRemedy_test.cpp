@@ -196,8 +196,12 @@ TEST(tChainRemedies, MayAlwaysBeNamesInTheStartOrder) {
 }
 
 TEST(tChainRemedies, AreNotLinesThatDependenciesCannotExpress) {
-    tDescriptions descriptions{described("B,C"), described("D", {"B,C"}), described("C"), described("A", {"D"})};
-    EXPECT_THAT(remedyFor(descriptions, "A"), testing::Not(HasSubstr("Write")));
+    for (const std::string name : {"B,C", "B ", "B\""}) {
+        const tDescriptions descriptions{described(name), described("D", {name}), described("C"),
+                                         described("A", {"D"})};
+        EXPECT_EQ(firstTooEarly(descriptions), "A") << name;
+        EXPECT_THAT(remedyFor(descriptions, "A"), testing::Not(HasSubstr("Write"))) << name;
+    }
 }
 
 TEST(tChainRemedies, AreTriedForTheFirstFewPluginsOnly) {

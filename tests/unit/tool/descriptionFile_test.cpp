@@ -43,6 +43,7 @@ TEST_F(descriptionFile, IsDescribedAsTheHostDescribesIt) {
     EXPECT_EQ(file.description->initialize, hosts.initialize);
     EXPECT_EQ(file.description->stop, hosts.stop);
     EXPECT_EQ(file.description->cleanup, hosts.cleanup);
+    EXPECT_EQ(file.lines.of(nKeys::name), 3) << "whatever the case of its letters";
 }
 
 TEST_F(descriptionFile, IsRejectedWhereTheHostThrows) {

@@ -40,6 +40,13 @@ TEST(nStatusHtml, SaysInItsTitleWhetherAllIsWell) {
     title(report({}, {"m", "n"}), "2 messages, but no plug-in failed");
 }
 
+TEST(nStatusHtml, MakesCodesStandOutThatAreNotZero) {
+    const std::string html = toHtml(report({plugin("A", 0, -7), plugin("B", 0, 3), plugin("C")}));
+    EXPECT_THAT(html, HasSubstr("<code class=\"code bad\">-7</code>"));
+    EXPECT_THAT(html, HasSubstr("<code class=\"code warn\">3</code>"));
+    EXPECT_THAT(html, HasSubstr("<code class=\"code soft\">0</code>"));
+}
+
 TEST(nStatusHtml, ShowsTheMachine) {
     tReport machine = report({plugin("A", 20'000)});
     EXPECT_THAT(toHtml(machine), HasSubstr("<dt>Deployment</dt><dd>allowed</dd>"));
