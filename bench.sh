@@ -5,7 +5,7 @@ source scripts/common.sh
 source scripts/dependencies.sh
 source scripts/wine.sh
 
-all_groups=(host ini order report status process)
+all_groups=(host ini order report status process tool)
 results=build/bench
 usage() {
     cat <<TXT
@@ -21,6 +21,7 @@ $results/*.svg. Use an otherwise idle machine. bench/goals.txt says what each ro
   report    raising one error, report included
   status    replacing the status file
   process   start, size, memory, idling
+  tool      ziptra: check and status against reading the same files; start, size
 
   --quick   small sizes and few pairs, in under three minutes: results are checked, no time is judged, nothing is drawn
 TXT
@@ -47,6 +48,14 @@ on_windows() {
     pinned wine build/windows-bench/bin/windows_bench.exe "$1" "$results/$1-windows.json" \
         >"$results/$1-windows.log" 2>&1 ||
         fail "the benchmarks of $1 ended early; their output is in $results/$1-windows.log"
+}
+
+# outside GROUP: measures the group's programs from outside, under Wine.
+outside() {
+    start_wine
+    say "measuring $1 from outside"
+    pinned bench/processes "$1" "$results/$1-outside.json" >"$results/$1-outside.log" 2>&1 ||
+        fail "the benchmarks of $1 ended early; their output is in $results/$1-outside.log"
 }
 
 # Wine's server runs on the same core as its clients, because every system call is a round trip to it.
@@ -77,7 +86,7 @@ while (($#)); do
             exit 0
             ;;
         --quick) export BENCH_QUICK=1 ;;
-        host | ini | order | report | status | process) groups+=("$1") ;;
+        host | ini | order | report | status | process | tool) groups+=("$1") ;;
         *)
             usage >&2
             exit 2

@@ -161,7 +161,7 @@ if wanted fuzz; then
     record builds native-fuzz ./build.sh native-fuzz && search "${search_options[@]}"
 fi
 if wanted bench; then
-    for group in host ini order report status process; do
+    for group in host ini order report status process tool; do
         record bench "bench $group" ./bench.sh "$group" --quick || continue
         skip_unmeasured "bench $group"
     done

@@ -7,6 +7,8 @@ int main(int count, char** arguments) {
     addIniRows();
     addOrderRows();
     addReportRows("");
+    addToolRows("");
+    addToolStartRows();
     benchmark::Initialize(&count, arguments);
     if (benchmark::ReportUnrecognizedArguments(count, arguments)) return 1;
     benchmark::RunSpecifiedBenchmarks();

@@ -22,6 +22,7 @@ int main(int count, char** arguments) {
     addDescriptionFileRows();
     addStatusRows();
     addReportRows("wine-");
+    addToolRows("wine-");
     nBench::runRows(arguments[1], arguments[2]);
     return 0;
 }
