@@ -17,6 +17,8 @@ using nWording::quoted;
 
 constexpr std::string_view blanks = " \t\v\f";
 
+constexpr bool isAscii(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
+
 /// Characters that look like a blank, or like nothing, but are none for the host: no-break, en to hair, zero-width,
 /// narrow and ideographic spaces, and the byte-order mark.
 constexpr std::array<std::string_view, 17> strangeBlanks{"\u00A0", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
@@ -27,6 +29,7 @@ bool hasOuterBlank(std::string_view value) {
     if (value.empty()) return false;
     if (blanks.find(value.front()) != std::string_view::npos) return true;
     if (blanks.find(value.back()) != std::string_view::npos) return true;
+    if (isAscii(value.front()) && isAscii(value.back())) return false;
     return std::any_of(strangeBlanks.begin(), strangeBlanks.end(),
                        [value](std::string_view blank) { return value.starts_with(blank) || value.ends_with(blank); });
 }
@@ -50,10 +53,12 @@ void checkValue(const nIni::tKey& key, std::string_view name, const tPluginDescr
     // Surrounding blanks of a name are a finding of their own, and the host removes those of dependencies.
     const bool outerBlank = name == nKeys::dependencies ? hasOuterStrangeBlank(description.dependencies)
                                                         : name != nKeys::name && hasOuterBlank(key.value);
-    const std::string what = std::string(name) + " is " + quoted(key.value);
-    if (outerBlank) findings.add("blanks-in-value", key.line, what + ", with a blank at an end");
-    if (hasQuotes(key.value)) findings.add("quote-in-value", key.line, what + ", quotes included");
-    if (hasComment(key.value)) findings.add("comment-in-value", key.line, what + ", comment included");
+    const auto add = [&](std::string_view rule, std::string_view what) {
+        findings.add(rule, key.line, std::string(name) + " is " + quoted(key.value) + ", " + std::string(what));
+    };
+    if (outerBlank) add("blanks-in-value", "with a blank at an end");
+    if (hasQuotes(key.value)) add("quote-in-value", "quotes included");
+    if (hasComment(key.value)) add("comment-in-value", "comment included");
 }
 
 }  // namespace

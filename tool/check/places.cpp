@@ -84,9 +84,9 @@ void removeRepeated(std::vector<std::string>& files) {
 }  // namespace
 
 void findUnseen(const boost::filesystem::path& directory, tListing& listing) {
-    const std::unordered_set<std::string> seen(listing.files.begin(), listing.files.end());
+    const std::unordered_set<std::string_view> seen(listing.files.begin(), listing.files.end());
     for (const nFiles::directory_entry& entry : nFiles::directory_iterator(directory)) {
-        if (!looksLikeDescription(entry.path()) || seen.contains(nStdPath::pathToUtf8(entry.path()))) continue;
+        if (seen.contains(nStdPath::pathToUtf8(entry.path())) || !looksLikeDescription(entry.path())) continue;
         boost::system::error_code error;
         addUnseen(entry.path(), entry.status(error), listing);
     }

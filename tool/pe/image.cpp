@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 #include <iterator>
+#include <string_view>
 
 namespace nPe {
 namespace {
@@ -148,8 +149,11 @@ Number tImage::read(std::uint64_t rva) {
     spend(sizeof(Number));
     const std::span<const std::byte> bytes = regionAt(rva, sizeof(Number)).from(rva);
     Number number{};
-    const auto present = bytes.first(std::min(bytes.size(), sizeof number));
-    std::ranges::copy(present, std::as_writable_bytes(std::span(&number, 1)).begin());
+    if (bytes.size() >= sizeof number) {
+        std::memcpy(&number, bytes.data(), sizeof number);
+    } else {
+        std::ranges::copy(bytes, std::as_writable_bytes(std::span(&number, 1)).begin());
+    }
     return number;
 }
 
@@ -160,11 +164,12 @@ std::uint64_t tImage::read64(std::uint64_t rva) { return read<std::uint64_t>(rva
 std::string tImage::readText(std::uint64_t rva) {
     const tRegion& region = regionAt(rva, 1);
     const std::span<const std::byte> bytes = region.from(rva);
-    const auto readable = bytes.first(std::min<std::uint64_t>(bytes.size(), unspent_));
-    const auto length = static_cast<std::size_t>(std::ranges::find(readable, std::byte{0}) - readable.begin());
+    const std::string_view readable(reinterpret_cast<const char*>(bytes.data()),
+                                    std::min<std::uint64_t>(bytes.size(), unspent_));
+    const std::size_t length = std::min(readable.find('\0'), readable.size());
     spend(length + 1);
     if (length == bytes.size() && length == region.size - (rva - region.rva)) throw tUnreadable{"a name has no end"};
-    return {reinterpret_cast<const char*>(bytes.data()), length};
+    return std::string(readable.substr(0, length));
 }
 
 }  // namespace nPe

@@ -109,16 +109,21 @@ bool hasFindings(const tReport& report, bool strict) noexcept {
     return !report.messages.empty() || std::any_of(report.plugins.begin(), report.plugins.end(), matters);
 }
 
-tNames::tNames(const tReport& report) {
-    all_.reserve(report.plugins.size());
+tNames::tSorted::tSorted(const tReport& report) {
+    all.reserve(report.plugins.size());
     for (std::size_t i = 0; i < report.plugins.size(); ++i) {
         const tPlugin& plugin = report.plugins[i];
-        all_.emplace_back(plugin.name, i);
+        all.emplace_back(plugin.name, i);
         const tCall* const start = findCall(plugin, tPhase::initialize);
-        if (start == nullptr || start->code >= 0) started_.emplace_back(plugin.name, i);
+        if (start == nullptr || start->code >= 0) started.emplace_back(plugin.name, i);
     }
-    sort(all_);
-    sort(started_);
+    sort(all);
+    sort(started);
+}
+
+const tNames::tSorted& tNames::sorted() const {
+    if (!sorted_) sorted_.emplace(report_);
+    return *sorted_;
 }
 
 void tNames::sort(tPositions& positions) {
@@ -134,9 +139,9 @@ std::optional<std::size_t> tNames::find(const tPositions& positions, std::string
     return found->second;
 }
 
-std::optional<std::size_t> tNames::first(std::string_view name) const { return find(all_, name); }
+std::optional<std::size_t> tNames::first(std::string_view name) const { return find(sorted().all, name); }
 
-std::optional<std::size_t> tNames::firstStarted(std::string_view name) const { return find(started_, name); }
+std::optional<std::size_t> tNames::firstStarted(std::string_view name) const { return find(sorted().started, name); }
 
 std::optional<std::size_t> tNames::meant(std::string_view dependency, std::size_t position) const {
     const auto started = firstStarted(dependency);

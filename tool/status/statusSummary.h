@@ -49,10 +49,11 @@ struct tSummary {
 /// Returns whether there is something to report: a message or a failure; if strict, also a warning.
 [[nodiscard]] bool hasFindings(const tReport& report, bool strict) noexcept;
 
-/// Finds plug-ins by name, in time that hostile names do not increase. The report must outlive it.
+/// Finds plug-ins by name, in time that hostile names do not increase. The names are sorted for the first look-up,
+/// because few reports need one. The report must outlive it.
 class tNames {
 public:
-    explicit tNames(const tReport& report);
+    explicit tNames(const tReport& report) : report_(report) {}
 
     /// Returns the position of the first plug-in of this name, or nullopt.
     [[nodiscard]] std::optional<std::size_t> first(std::string_view name) const;
@@ -64,11 +65,18 @@ public:
 
 private:
     using tPositions = std::vector<std::pair<std::string_view, std::size_t>>;
+    struct tSorted {
+        explicit tSorted(const tReport& report);
+
+        tPositions all;  ///< one for each name, sorted
+        tPositions started;
+    };
     static void sort(tPositions& positions);
     static std::optional<std::size_t> find(const tPositions& positions, std::string_view name);
+    [[nodiscard]] const tSorted& sorted() const;
 
-    tPositions all_;  ///< one for each name, sorted
-    tPositions started_;
+    const tReport& report_;
+    mutable std::optional<tSorted> sorted_{};
 };
 
 /// Why a plug-in failed, and what to do. Texts are sentences without a final stop.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <utility>
 
 #include "source/nDeployment.h"
@@ -114,15 +113,14 @@ public:
 
     void write() {
         writeHeading();
-        std::optional<tNames> names;  // only a plug-in that is not all right needs them
+        const tNames names(report_);
         for (const std::size_t position : summary_.failuresFirst) {
             const tPlugin& plugin = report_.plugins[position];
             const std::int32_t code = decisiveCode(plugin);
             writeRow(plugin, code);
             if (code != 0) {
-                if (!names) names.emplace(report_);
                 text_.appendBlanks(gap.size());
-                text_.append(noteOf(report_, *names, position));
+                text_.append(noteOf(report_, names, position));
             }
             text_.endLine();
         }
