@@ -33,8 +33,8 @@ std::string toText(const tFinding& finding, bool colour) {
     const std::string_view normal = colour ? "\x1B[0m" : "";
     const std::string_view severity = colour ? colourOf(finding.severity) : "";
     if (!place.empty()) place = fmt::format("{}{}:{} ", bold, place, normal);
-    return fmt::format("{}{}{}:{} {} [{}]", place, severity, severityName(finding.severity), normal, finding.message,
-                       finding.id);
+    place += fmt::format("{}{}:{}", severity, severityName(finding.severity), normal);
+    return fmt::format("{} {} [{}]", place, finding.message, finding.id);
 }
 
 bool matter(const std::vector<tFinding>& findings, bool strict) noexcept {

@@ -218,24 +218,4 @@ TEST_F(libraries, OfTwoPluginsAreShared) {
     EXPECT_EQ(found()[0].message, "the library is also that of the plug-in in first.ini");
 }
 
-TEST(librariesElsewhere, AreNotLookedForIfNoFolderIsMapped) {
-    if (nThisMachine::runsHost()) GTEST_SKIP() << "everything is on this machine";
-    tLibraries libraries(nPe::tFolderMap{{R"(C:\P)", "somewhere"}});
-    tPluginDescription description;
-    const nCheck::tKeyLines lines;
-    nCheck::tFileFindings findings("a.ini");
-    description.path = R"(C:\Q\a.dll)";
-    EXPECT_EQ(libraries.examine({description, lines, findings}), tLoadVerdict::uncertain);
-    EXPECT_THAT(idsOf(findings.take("")), ElementsAre("unmapped-path"));
-    description.path = R"(C:\P2\a.dll)";
-    EXPECT_EQ(libraries.examine({description, lines, findings}), tLoadVerdict::uncertain);
-    EXPECT_THAT(idsOf(findings.take("")), ElementsAre("unmapped-path"));
-    description.path = R"(c:\p\a.dll)";
-    EXPECT_EQ(libraries.examine({description, lines, findings}), tLoadVerdict::fails);
-    EXPECT_THAT(idsOf(findings.take("")), ElementsAre("missing-library"));
-    description.path = "a.dll";
-    EXPECT_EQ(libraries.examine({description, lines, findings}), tLoadVerdict::uncertain);
-    EXPECT_THAT(idsOf(findings.take("")), ElementsAre("relative-path"));
-}
-
 }  // namespace
