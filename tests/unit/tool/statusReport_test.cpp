@@ -108,6 +108,7 @@ TEST(nStatusRead, NamesTheLineThatNoStatusFileHas) {
                       {banner + "Updated: now\nAllowed: 1\n", 3, "Allowed"},
                       {banner + "Updated: now\nAllowed: 0x\n", 3, "Allowed"},
                       {banner + "Updated: now\nAllowed: 0x1FF\n", 3, "Allowed"},
+                      {banner + "Updated: now\nAllowed: 0xA\n", 3, "Allowed"},
                       {banner + "Updated: now\nAllowed: 0x01\n", 3, "Allowed"},
                       {banner + "Updated: now\nAllowed: 0x100000000\n", 3, "Allowed"},
                       {banner + "Updated: now\nAllowed: 0x1\nInit Time 5\n", 4, "Init Time"},
