@@ -72,8 +72,8 @@ constexpr std::array values{
           "Write the number without a sign."},
     tRule{"requires-trailing-text", warning, "Requires has text after the number", "The host ignores the text.",
           "Write one decimal number: the sum of the features' values."},
-    tRule{"requires-too-large", warning, "Requires does not fit in 32 bits", "The host uses 4294967295, all features.",
-          "Write a number up to 4294967295."},
+    tRule{"requires-too-large", warning, "Requires does not fit in 32 bits",
+          "The host uses 4294967295, all features; if there is a minus sign, 1.", "Write a number up to 4294967295."},
     tRule{"requires-zero", error, "Requires is 0",
           "A plug-in starts only if the machine allows one of the features that it requires; this one never starts "
           "(-52002).",

@@ -20,6 +20,7 @@ constexpr std::string_view digits = "0123456789";
 /// The parts of a value, as scanf's "%u" sees them.
 struct tParts {
     bool hasSign = false;
+    bool isNegative = false;
     std::string_view number;  ///< its digits
     std::string_view rest;
 };
@@ -27,7 +28,8 @@ struct tParts {
 tParts split(std::string_view value) {
     value.remove_prefix(std::min(value.find_first_not_of(" \t\n\v\f\r"), value.size()));
     tParts parts;
-    parts.hasSign = value.starts_with('-') || value.starts_with('+');
+    parts.isNegative = value.starts_with('-');
+    parts.hasSign = parts.isNegative || value.starts_with('+');
     if (parts.hasSign) value.remove_prefix(1);
     parts.number = value.substr(0, value.find_first_not_of(digits));
     parts.rest = value.substr(parts.number.size());
@@ -56,9 +58,9 @@ void findInRequires(std::string_view value, int line, std::uint32_t& mask, tFile
     if (value.empty()) return;
     const tParts parts = split(value);
     if (isTooLarge(parts.number)) {
-        mask = UINT32_MAX;
+        mask = parts.isNegative ? 1 : UINT32_MAX;  // the C library of Windows negates even the largest number
         findings.add("requires-too-large", line,
-                     "Requires is " + quoted(value) + ", which the host reads as 4294967295");
+                     "Requires is " + quoted(value) + ", which the host reads as " + std::to_string(mask));
     }
     const std::string what = "Requires is " + quoted(value) + ", which the host reads as " + std::to_string(mask);
     if (parts.number.empty()) {

@@ -68,8 +68,13 @@ TEST(requiresValue, ThatDoesNotFitIn32BitsIsReadAsAllFeaturesAsOnWindows) {
         EXPECT_THAT(idsFor(value), ElementsAre("2 requires-too-large")) << value;
         EXPECT_EQ(readRequires(value).mask, 0xFFFFFFFFU) << value;
     }
-    EXPECT_THAT(idsFor("-4294967297"), ElementsAre("2 requires-too-large", "2 requires-signed"));
-    EXPECT_EQ(readRequires("-4294967297").mask, 0xFFFFFFFFU);
+}
+
+TEST(requiresValue, ThatIsNegativeAndDoesNotFitIn32BitsIsReadAs1AsOnWindows) {
+    for (const char* value : {"-4294967296", "-4294967297", "-18446744073709551616", "-99999999999999999999999"}) {
+        EXPECT_THAT(idsFor(value), ElementsAre("2 requires-too-large", "2 requires-signed")) << value;
+        EXPECT_EQ(readRequires(value).mask, 1U) << value;
+    }
 }
 
 TEST(requiresValue, Of0NeverStarts) {
