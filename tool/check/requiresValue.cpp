@@ -45,11 +45,11 @@ bool isHexadecimal(const tParts& parts) {
     return parts.number == "0" && (parts.rest.starts_with('x') || parts.rest.starts_with('X'));
 }
 
-/// Returns the hexadecimal number in decimal.
-std::string decimal(std::string_view digits16) {
+/// Returns what to write instead of the hexadecimal number; an empty text, for the rule's remedy, if it is 0 or none.
+std::string inDecimal(std::string_view digits16) {
     std::uint32_t number = 0;
     std::from_chars(digits16.data(), digits16.data() + digits16.size(), number, 16);
-    return std::to_string(number);
+    return number == 0 ? std::string() : "Write Requires=" + std::to_string(number) + ".";
 }
 
 }  // namespace
@@ -66,7 +66,7 @@ void findInRequires(std::string_view value, int line, std::uint32_t& mask, tFile
     if (parts.number.empty()) {
         findings.add("requires-not-a-number", line, what);
     } else if (isHexadecimal(parts)) {
-        findings.add("requires-hexadecimal", line, what, "Write Requires=" + decimal(parts.rest.substr(1)) + ".");
+        findings.add("requires-hexadecimal", line, what, inDecimal(parts.rest.substr(1)));
     } else {
         if (parts.hasSign) findings.add("requires-signed", line, what);
         if (!parts.rest.empty()) findings.add("requires-trailing-text", line, what);

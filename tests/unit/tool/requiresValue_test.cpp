@@ -49,6 +49,14 @@ TEST(requiresValue, InHexadecimalIsReadAs0AndTheRemedyHasItInDecimal) {
     EXPECT_THAT(idsFor("0X2"), ElementsAre("2 requires-hexadecimal"));
 }
 
+TEST(requiresValue, InHexadecimalThatIsNoMaskHasNoRemedyThatNeverStarts) {
+    for (const char* value : {"0x", "0x0", "0xZ", "0x1FFFFFFFF"}) {
+        const tRead read = readRequires(value);
+        ASSERT_THAT(idsOf(read.findings), ElementsAre("2 requires-hexadecimal")) << value;
+        EXPECT_EQ(read.findings[0].remedy, "Write the number in decimal.") << value;
+    }
+}
+
 TEST(requiresValue, MayHaveASignThatWrapsItAround) {
     EXPECT_THAT(idsFor("-1"), ElementsAre("2 requires-signed"));
     EXPECT_EQ(readRequires("-1").mask, 0xFFFFFFFFU);
