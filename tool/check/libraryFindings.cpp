@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 
-#include "ini/file.h"
 #include "stdpath/path.h"
 #include "tool/check/similarNames.h"
 #include "tool/check/wording.h"
@@ -53,8 +53,10 @@ bool isForwarded(const nPe::tLibrary& library, const std::string& name) {
     return entry != nullptr && !entry->forwarder.empty();
 }
 
-bool canBeOpened(const std::string& file) {
-    return nIni::openFile(nStdPath::widePathFromUtf8(file).c_str()) != nullptr;
+/// Returns true for a pipe or a device, too, without trying: that could wait forever.
+bool canBeOpened(const boost::filesystem::path& file) {
+    boost::system::error_code error;
+    return boost::filesystem::is_other(file, error) || boost::filesystem::ifstream(file).is_open();
 }
 
 /// Returns "a.dll -> b.dll" for the libraries through which an import is needed; empty if it is needed directly.
@@ -118,12 +120,13 @@ tLoadVerdict examineLibrary(const nPe::tLibrary& library, const tExamined& exami
 }
 
 tLoadVerdict examineUnreadable(const std::string& file, const nPe::tUnreadable& unreadable, const tExamined& examined) {
+    const boost::filesystem::path path = nStdPath::pathFromUtf8(file);
     boost::system::error_code error;
-    if (boost::filesystem::is_directory(nStdPath::pathFromUtf8(file), error)) {
+    if (boost::filesystem::is_directory(path, error)) {
         examined.add(nKeys::path, "not-a-library", quoted(file) + " is a folder");
         return tLoadVerdict::fails;
     }
-    if (!canBeOpened(file)) {
+    if (!canBeOpened(path)) {
         examined.add(nKeys::path, "unreadable-library", quoted(file) + " cannot be opened");
         return tLoadVerdict::uncertain;
     }
