@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <utility>
 
 #include "ini/file.h"
@@ -79,6 +80,13 @@ int read(const std::string& path, tDescriptionFile& result) {
     return code;
 }
 
+/// A file whose name is not UTF-8, as only systems other than Windows have them, cannot be opened by the host's code.
+int readIfNamed(const std::string& path, tDescriptionFile& result) try {
+    return read(path, result);
+} catch (const std::filesystem::filesystem_error&) {
+    return nIni::fileNotOpened;
+}
+
 }  // namespace
 
 std::optional<int> tKeyLines::of(std::string_view key) const noexcept { return lines_[indexOf(key)]; }
@@ -87,7 +95,7 @@ void tKeyLines::set(std::string_view key, int line) noexcept { lines_[indexOf(ke
 
 tDescriptionFile readFile(const std::string& path) {
     tDescriptionFile result(path);
-    const int code = read(path, result);
+    const int code = readIfNamed(path, result);
     if (code < 0) addUnreadable(result.findings, code);
     return result;
 }
