@@ -31,7 +31,7 @@ public:
             table_ = toTable(readReport(file_), colour_);
             return table_;
         } catch (const tCannotRead& error) {
-            return table_ + nPlainText::printable(error.what()) + "\n";
+            return nPlainText::printable(error.what()) + "\n" + table_;  // the end may not fit on the screen
         }
     }
 

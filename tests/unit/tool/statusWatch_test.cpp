@@ -82,9 +82,15 @@ TEST_F(nStatusWatch, KeepsTheLastContentWhileThereIsNoFile) {
     const std::string drawn = watched({[&] { remove(folder.path() / "s.status"); }, [&] { write(beta); }});
     const std::size_t missing = drawn.find("Cannot read");
     ASSERT_NE(missing, std::string::npos);
-    EXPECT_GT(missing, drawn.rfind("Alpha"));
+    EXPECT_GT(missing, drawn.find("Alpha"));
     EXPECT_LT(missing, drawn.find("Beta"));
     EXPECT_EQ(occurrences(drawn, "Alpha"), 2);
+}
+
+TEST_F(nStatusWatch, SaysThatThereIsNoFileEvenIfTheLastContentFillsTheScreen) {
+    display.rows = [] { return std::size_t{4}; };
+    write(alpha + beta);
+    EXPECT_THAT(watched({[&] { remove(folder.path() / "s.status"); }}), HasSubstr("Cannot read"));
 }
 
 TEST_F(nStatusWatch, WaitsForAFileThatIsNotThereYet) {
