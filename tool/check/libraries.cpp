@@ -80,9 +80,9 @@ tLoadVerdict tLibraries::examineAbsolute(const tExamined& examined) {
 }
 
 bool tLibraries::isCovered(const std::string& path) const {
-    const std::string searched = comparable(path);
-    return runsHost_ || std::any_of(folderMap_.begin(), folderMap_.end(), [&searched](const auto& mapping) {
-               return searched.starts_with(comparable(mapping.first) + '\\');
+    const std::vector<std::string> parts = nPe::partsOf(nPe::withExtension(path));
+    return runsHost_ || std::any_of(folderMap_.begin(), folderMap_.end(), [&parts](const auto& mapping) {
+               return nPe::isInside(parts, nPe::partsOf(mapping.first));
            });
 }
 

@@ -45,30 +45,6 @@ private:
     std::unordered_map<std::string, tNames> folders_;
 };
 
-/// Returns the parts of a Windows path, without "." and "..", and as Windows does without dots and blanks at their
-/// ends.
-std::vector<std::string> partsOf(std::string_view path) {
-    if (path.starts_with(R"(\\?\)")) path.remove_prefix(4);
-    std::vector<std::string> parts;
-    while (!path.empty()) {
-        const std::size_t end = std::min(path.find_first_of("\\/"), path.size());
-        const std::string_view part = path.substr(0, end);
-        path.remove_prefix(std::min(end + 1, path.size()));
-        if (part == "..") {
-            if (parts.size() > 1) parts.pop_back();
-            continue;
-        }
-        const std::size_t length = part.find_last_not_of(". ") + 1;
-        if (length > 0) parts.emplace_back(part.substr(0, length));
-    }
-    return parts;
-}
-
-bool startsWith(const std::vector<std::string>& parts, const std::vector<std::string>& start) {
-    const auto isSame = [](const std::string& a, const std::string& b) { return toLowerAscii(a) == toLowerAscii(b); };
-    return parts.size() >= start.size() && std::equal(start.begin(), start.end(), parts.begin(), isSame);
-}
-
 /// A mapped folder.
 struct tMapping {
     std::vector<std::string> parts;
@@ -80,7 +56,7 @@ std::optional<std::string> findPath(const std::vector<tMapping>& map, const std:
     const tMapping* best = nullptr;
     for (const tMapping& mapping : map) {
         const bool isLonger = best == nullptr || mapping.parts.size() > best->parts.size();
-        if (isLonger && startsWith(parts, mapping.parts)) best = &mapping;
+        if (isLonger && isInside(parts, mapping.parts)) best = &mapping;
     }
     if (best == nullptr) return std::nullopt;
     std::optional<std::string> found = best->folder;

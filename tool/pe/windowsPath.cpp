@@ -39,6 +39,28 @@ std::string joined(std::string_view folder, std::string_view name) {
     return path.append(name);
 }
 
+std::vector<std::string> partsOf(std::string_view path) {
+    if (path.starts_with(R"(\\?\)")) path.remove_prefix(4);
+    std::vector<std::string> parts;
+    while (!path.empty()) {
+        const std::size_t end = std::min(path.find_first_of(separators), path.size());
+        const std::string_view part = path.substr(0, end);
+        path.remove_prefix(std::min(end + 1, path.size()));
+        if (part == "..") {
+            if (parts.size() > 1) parts.pop_back();
+            continue;
+        }
+        const std::size_t length = part.find_last_not_of(". ") + 1;
+        if (length > 0) parts.emplace_back(part.substr(0, length));
+    }
+    return parts;
+}
+
+bool isInside(const std::vector<std::string>& parts, const std::vector<std::string>& folder) {
+    const auto isSame = [](const std::string& a, const std::string& b) { return toLowerAscii(a) == toLowerAscii(b); };
+    return parts.size() >= folder.size() && std::equal(folder.begin(), folder.end(), parts.begin(), isSame);
+}
+
 std::string withExtension(std::string_view path) {
     std::string file(path.substr(0, path.find_last_not_of(' ') + 1));
     if (file.find('.', nameStart(file)) == std::string::npos) file += ".dll";

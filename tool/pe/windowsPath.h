@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Paths and names of files as Windows and its loader read them, whatever the system that asks: both kinds of slashes
 /// separate folders. Pure: no file is looked at.
@@ -18,6 +19,13 @@ namespace nPe {
 
 /// Returns the path of a file in a folder. An empty folder is the current one.
 [[nodiscard]] std::string joined(std::string_view folder, std::string_view name);
+
+/// Returns the parts of a path between its separators, without "." and "..", and as Windows does without dots and
+/// blanks at their ends.
+[[nodiscard]] std::vector<std::string> partsOf(std::string_view path);
+
+/// Returns whether a path with these parts is that of the folder, or of something in it.
+[[nodiscard]] bool isInside(const std::vector<std::string>& parts, const std::vector<std::string>& folder);
 
 /// Returns the path without blanks at its end, and with ".dll" if the file's name has no dot: the loader looks for
 /// that.

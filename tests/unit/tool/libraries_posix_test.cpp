@@ -28,6 +28,12 @@ TEST(librariesElsewhere, AreNotLookedForIfNoFolderIsMapped) {
     description.path = R"(C:\P2\a.dll)";
     EXPECT_EQ(libraries.examine({description, lines, findings}), tLoadVerdict::uncertain);
     EXPECT_THAT(idsOf(findings.take("")), ElementsAre("unmapped-path"));
+    description.path = R"(C:\P\..\Q\a.dll)";
+    EXPECT_EQ(libraries.examine({description, lines, findings}), tLoadVerdict::uncertain);
+    EXPECT_THAT(idsOf(findings.take("")), ElementsAre("unmapped-path"));
+    description.path = R"(C:\Q\..\P\a.dll)";
+    EXPECT_EQ(libraries.examine({description, lines, findings}), tLoadVerdict::fails);
+    EXPECT_THAT(idsOf(findings.take("")), ElementsAre("missing-library"));
     description.path = R"(c:\p\a.dll)";
     EXPECT_EQ(libraries.examine({description, lines, findings}), tLoadVerdict::fails);
     EXPECT_THAT(idsOf(findings.take("")), ElementsAre("missing-library"));

@@ -23,6 +23,17 @@ TEST(nPeWindowsPath, HasAFolderAndAFileName) {
     expect("", "", "");
 }
 
+TEST(nPeWindowsPath, IsInsideAFolderWhateverItsCaseAndDetours) {
+    const auto inside = [](std::string_view path) { return isInside(partsOf(path), partsOf(R"(C:\P\Q\)")); };
+    for (const char* path :
+         {R"(C:\P\Q\a.dll)", "c:/p/q/a.dll", R"(C:\P\.\Q\a.dll)", R"(C:\P\R\..\Q\a.dll)", R"(\\?\C:\P\Q)"}) {
+        EXPECT_TRUE(inside(path)) << path;
+    }
+    for (const char* path : {R"(C:\P\Q2\a.dll)", R"(C:\P\a.dll)", R"(C:\P\Q\..\a.dll)", R"(D:\P\Q\a.dll)", ""}) {
+        EXPECT_FALSE(inside(path)) << path;
+    }
+}
+
 TEST(nPeWindowsPath, IsJoinedWithTheSeparatorOfTheFolder) {
     EXPECT_EQ(joined(R"(C:\a)", "b"), R"(C:\a\b)");
     EXPECT_EQ(joined(R"(C:\)", "b"), R"(C:\b)");
