@@ -91,6 +91,7 @@ decltype(tMachine::findFile) cachedFindFile() {
 }
 
 std::optional<std::string> findPath(const std::string& path) {
+    if (path.starts_with(R"(\\?\)")) return exists(path) ? std::optional(path) : std::nullopt;  // taken literally
     const std::wstring wide = nStdPath::widePathFromUtf8(path);
     std::wstring full(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
     full.resize(GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));

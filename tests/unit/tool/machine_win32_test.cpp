@@ -49,6 +49,15 @@ TEST(nPeMachineWin32, SearchesTheSystemsFoldersAndThePath) {
     for (const std::string& folder : path) EXPECT_EQ(folder.find_first_of(";%"), std::string::npos) << folder;
 }
 
+TEST(nPeMachineWin32, TakesAPathLiterallyThatSaysSo) {
+    const tMachine machine = thisMachine({});
+    const std::string folder = systemFolder();
+    EXPECT_THAT(machine.findPath(folder + R"(\..\system32\kernel32.dll)"), Optional(testing::_));
+    EXPECT_THAT(machine.findPath(R"(\\?\)" + folder + R"(\kernel32.dll)"), Optional(testing::_));
+    EXPECT_EQ(machine.findPath(R"(\\?\)" + folder + R"(\..\system32\kernel32.dll)"), std::nullopt);
+    EXPECT_EQ(machine.findPath(R"(\\?\)" + folder + "/kernel32.dll"), std::nullopt);
+}
+
 TEST(nPeMachineWin32, HasTheFoldersOfAServiceBesideThisProgram) {
     const tMachine machine = thisMachine({});
     EXPECT_EQ(machine.currentFolder, systemFolder());
