@@ -14,7 +14,6 @@ using endtoend::readFile;
 using endtoend::tPath;
 using endtoend::tStage;
 using endtoend::utf8Path;
-using endtoend::wide;
 using endtoend::writeFile;
 
 /// A library for which nobody has written down what is wrong with it.
@@ -68,7 +67,7 @@ std::vector<tDamage> damages(const std::string& good) {
 }
 
 tPath subfolder(const tStage& stage, const wchar_t* name) {
-    const tPath folder = stage.libraries() / name;
+    tPath folder = stage.libraries() / name;
     std::filesystem::create_directories(folder);
     return folder;
 }
@@ -151,13 +150,13 @@ std::string writtenDifferently(tRandom& random, const std::string& path) {
         case 2: return withLastSlash(path, "/");
         case 3: return withLastSlash(path, "\\\\");
         case 4: return withLastSlash(path, "\\.\\");
-        case 5: return withLastSlash(path, "\\nowhere\\..\\");
+        case 5: return withLastSlash(path, R"(\nowhere\..\)");
         case 6: return withCase(path, [](int c) { return std::toupper(c); });
         case 7: return withCase(path, [](int c) { return std::tolower(c); });
         case 8: return path.substr(0, path.rfind('.'));
         case 9: return path + ".";
         case 10: return path + " ";
-        case 11: return "\\\\?\\" + path;
+        case 11: return R"(\\?\)" + path;
         case 12: return "%SystemDrive%" + path.substr(drive);
         case 13: return path.substr(drive);
         case 14: return "\"" + path;

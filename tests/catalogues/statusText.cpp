@@ -17,7 +17,7 @@ public:
     std::string take() {
         const std::size_t end = rest_.find("\r\n");
         if (end == std::string_view::npos) throw std::runtime_error("the status file ends within a line");
-        const std::string line(rest_.substr(0, end));
+        std::string line(rest_.substr(0, end));
         rest_.remove_prefix(end + 2);
         return line;
     }

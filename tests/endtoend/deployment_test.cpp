@@ -17,7 +17,7 @@ protected:
     tStatusFile life() {
         std::filesystem::remove(report_);
         const tEnvironmentVariable report(L"ZUSYSAPI_REPORT", report_.native());
-        const tStatusFile status = runThrough();
+        tStatusFile status = runThrough();
         EXPECT_EQ(readFile(report_), "zusysapi: 0 references held\n");
         return status;
     }

@@ -57,7 +57,8 @@ std::size_t countHandles(DWORD processId) {
 
 std::size_t usedMemoryKb() {
     PROCESS_MEMORY_COUNTERS counters{};
-    endtoend::require(K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters), "GetProcessMemoryInfo");
+    endtoend::require(K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) != FALSE,
+                      "GetProcessMemoryInfo");
     return counters.WorkingSetSize / 1024;
 }
 

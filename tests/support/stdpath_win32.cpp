@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 #include "stdpath/utf.h"
@@ -28,7 +27,7 @@ LSTATUS queryValue(HKEY key, const wchar_t* name, DWORD* reserved, DWORD* type, 
     const std::u16string value = nStdPath::fileNameFromUtf8(*current->sharedDirectory);
     const auto bytes = static_cast<DWORD>(value.size() * sizeof(char16_t));
     const bool fits = bytes <= *size;
-    if (fits) std::memcpy(data, value.data(), bytes);
+    if (fits) std::copy_n(reinterpret_cast<const BYTE*>(value.data()), bytes, data);
     *size = bytes;
     return fits ? ERROR_SUCCESS : ERROR_MORE_DATA;
 }

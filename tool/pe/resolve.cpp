@@ -70,7 +70,7 @@ private:
     /// Returns false if the search ends here.
     bool lookInto(const std::string& folder, const std::string& name, tPlace& place) const;
     [[nodiscard]] const tExport* find(const tLibrary& library, const tImportedSymbol& symbol);
-    [[nodiscard]] bool resolves(const tForward& forward, std::size_t importer);
+    [[nodiscard]] bool resolves(const tForward& first, std::size_t importer);
     void report(const std::string& library, std::string symbol, std::string reason, std::size_t importer);
 
     const tMachine& machine_;

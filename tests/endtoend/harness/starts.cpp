@@ -17,7 +17,7 @@ constexpr int briefAttempts = 5;
 
 bool startsWithin(int attempts, DWORD pardoned, int& repeated, const std::function<BOOL()>& start) {
     for (int attempt = 1; attempt <= attempts; ++attempt) {
-        if (start()) return true;
+        if (start() != FALSE) return true;
         if (GetLastError() != pardoned) return false;
         if (attempt < attempts) ++repeated;
     }

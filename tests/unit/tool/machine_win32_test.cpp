@@ -18,8 +18,6 @@ namespace nPe {
 namespace {
 
 using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Optional;
 using testing::StrCaseEq;
 
@@ -193,7 +191,7 @@ TEST_F(nPeMachineLoader, FindsAPathHoweverItIsWritten) {
     std::filesystem::current_path(folder_.path().root_path());  // for the path without a drive
     for (const std::string& path :
          {file, folder + "\\a", folder + "\\a.dll.", folder + "\\a.dll ", folder + "\\A.DLL", folder + "\\\\a.dll",
-          folder + "\\.\\a.dll", folder + "\\x\\..\\a.dll", folder + "/a.dll", file.substr(2)}) {
+          folder + "\\.\\a.dll", folder + R"(\x\..\a.dll)", folder + "/a.dll", file.substr(2)}) {
         expectLoaded(path, file);
     }
     for (const std::string& path :
