@@ -35,7 +35,7 @@ void addMapOption(CLI::App& command, nCheck::tRequest& request) {
         .add_option_function<std::vector<std::string>>(
             "--map", setMaps, "Where a folder of the machine that runs the host is; may be repeated")
         ->check(checkMap)
-        ->type_name("\"C:\\FOLDER=DIRECTORY\"");
+        ->type_name(R"("C:\FOLDER=DIRECTORY")");
 }
 
 void addAllowedOption(CLI::App& command, nCheck::tRequest& request) {

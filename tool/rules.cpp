@@ -125,7 +125,7 @@ constexpr std::array libraries{
           "Windows may not find the library, or those that it needs (-52005).", "Write backslashes."},
     tRule{"unmapped-path", note, "a library that is not on this machine",
           "The library has not been checked: the path is one of the machine where the host runs.",
-          "Say where its folder is: --map \"C:\\FOLDER=DIRECTORY\"."},
+          R"(Say where its folder is: --map "C:\FOLDER=DIRECTORY".)"},
     tRule{"missing-library", error, "a library that does not exist", "The host cannot load it (-52005).",
           "Correct Path, or install the library."},
     tRule{"unreadable-library", warning, "a library that cannot be read",

@@ -45,7 +45,8 @@ bool hasQuotes(std::string_view value) {
 
 bool hasComment(std::string_view value) {
     const std::size_t semicolon = value.find(';');
-    return semicolon == 0 || (semicolon != std::string_view::npos && blanks.find(value[semicolon - 1]) != blanks.npos);
+    return semicolon == 0 ||
+           (semicolon != std::string_view::npos && blanks.find(value[semicolon - 1]) != std::string_view::npos);
 }
 
 void checkValue(const nIni::tKey& key, std::string_view name, const tPluginDescription& description,

@@ -73,11 +73,16 @@ void classify(const tGraph& graph, tLink& link) {
 class tCircleFinder {
 public:
     explicit tCircleFinder(const std::vector<std::vector<std::size_t>>& successors)
-        : successors_(successors), seen_(successors.size(), 0), lowest_(successors.size(), 0), part(successors.size()) {
+        : successors_(successors),
+          seen_(successors.size(), 0),
+          lowest_(successors.size(), 0),
+          parts_(successors.size()) {
         for (std::size_t node = 0; node < successors.size(); ++node) {
             if (seen_[node] == 0) visit(node);
         }
     }
+
+    std::vector<std::size_t> takeParts() { return std::move(parts_); }
 
 private:
     struct tFrame {
@@ -103,7 +108,7 @@ private:
             const std::size_t successor = successors_[node][frame.next++];
             if (seen_[successor] == 0) {
                 enter(successor);
-            } else if (part[successor] == 0) {
+            } else if (parts_[successor] == 0) {
                 lowest_[node] = std::min(lowest_[node], seen_[successor]);
             }
         }
@@ -117,12 +122,12 @@ private:
             parent = std::min(parent, lowest_[node]);
         }
         if (lowest_[node] != seen_[node]) return;
-        ++parts_;
+        ++partCount_;
         std::size_t member = node;
         do {
             member = open_.back();
             open_.pop_back();
-            part[member] = parts_;
+            parts_[member] = partCount_;
         } while (member != node);
     }
 
@@ -132,16 +137,14 @@ private:
     std::vector<std::size_t> open_;    ///< visited nodes without a part
     std::vector<tFrame> frames_;
     std::size_t count_ = 0;
-    std::size_t parts_ = 0;
-
-public:
-    std::vector<std::size_t> part;  ///< from 1
+    std::vector<std::size_t> parts_;  ///< the part of each node, from 1
+    std::size_t partCount_ = 0;
 };
 
 }  // namespace
 
 std::vector<std::size_t> findCircles(const std::vector<std::vector<std::size_t>>& successors) {
-    const std::vector<std::size_t> part = tCircleFinder(successors).part;
+    const std::vector<std::size_t> part = tCircleFinder(successors).takeParts();
     std::vector<std::size_t> members(successors.size() + 1, 0);
     for (const std::size_t number : part) ++members[number];
     std::vector<std::size_t> numbers(successors.size() + 1, 0);

@@ -150,14 +150,14 @@ void writeLanes(tDocument& document, std::size_t row) {
     const std::size_t width = lanesWidth(document);
     const std::size_t node = width - nodeWidth / 2;
     document.text.append(
-        fmt::format("<svg viewBox=\"0 0 {} 100\" preserveAspectRatio=\"none\" aria-hidden=\"true\">", width));
+        fmt::format(R"(<svg viewBox="0 0 {} 100" preserveAspectRatio="none" aria-hidden="true">)", width));
     for (const tLane& lane : lanes) {
         const std::size_t x = lane.number * laneWidth + laneWidth / 2;
         std::string path;
         if (lane.through) path += fmt::format("M{} 0V100", x);
         if (lane.fromAbove) path += fmt::format("M{0} 0C{0} 50 {0} 50 {1} 50", x, node);
         if (lane.toBelow) path += fmt::format("M{1} 50C{0} 50 {0} 50 {0} 100", x, node);
-        document.text.append(fmt::format("<path class=\"l{}{}\" d=\"{}\"/>", lane.number % laneColours,
+        document.text.append(fmt::format(R"(<path class="l{}{}" d="{}"/>)", lane.number % laneColours,
                                          lane.failed ? " dead" : "", path));
     }
     document.text += "</svg>";
@@ -195,10 +195,10 @@ void writeCall(tDocument& document, const tCall& call) {
     const std::uint64_t longest = std::max<std::uint64_t>(document.summary.longestMs, 1);
     const std::uint64_t share = call.timeMs * 1000 / longest;
     document.text.append(
-        fmt::format("<div class=\"call\"><span class=\"entry\">{}</span><span class=\"track\">", named(call.entry)));
+        fmt::format(R"(<div class="call"><span class="entry">{}</span><span class="track">)", named(call.entry)));
     if (call.timeMs != 0) {
         document.text.append(
-            fmt::format("<i class=\"{}\" style=\"width:{}.{}%\"></i>", phaseName(call.phase), share / 10, share % 10));
+            fmt::format(R"(<i class="{}" style="width:{}.{}%"></i>)", phaseName(call.phase), share / 10, share % 10));
     }
     document.text.append(fmt::format("</span><span class=\"time\">{}</span></div>", durationText(call.timeMs)));
 }
@@ -214,7 +214,7 @@ void writePlugin(tDocument& document, std::size_t row) {
     std::string& text = document.text;
     text.append(fmt::format("<li id=\"p{}\"{}>", row + 1, code < 0 ? " class=\"failed\"" : ""));
     writeLanes(document, row);
-    text.append(fmt::format("<i class=\"dot\"></i><div><span class=\"name\">{}</span>", named(plugin.name)));
+    text.append(fmt::format(R"(<i class="dot"></i><div><span class="name">{}</span>)", named(plugin.name)));
     writeNeeds(document, row);
     text += "</div><div class=\"calls\">";
     for (const tCall& call : plugin.calls) writeCall(document, call);

@@ -65,6 +65,7 @@ public:
             columns_ = nPlainText::columns(text_);
         }
     }
+    ~tShown() = default;
     tShown(const tShown&) = delete;
     tShown& operator=(const tShown&) = delete;
 

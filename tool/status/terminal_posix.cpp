@@ -36,6 +36,7 @@ tInterrupt::~tInterrupt() {
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): it needs what the constructor has set up
 bool tInterrupt::wait(std::chrono::milliseconds limit) {
     const sigset_t signals = endingSignals();
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);

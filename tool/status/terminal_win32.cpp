@@ -23,7 +23,8 @@ std::size_t rows() noexcept {
     constexpr std::size_t usual = 24;
     CONSOLE_SCREEN_BUFFER_INFO info{};
     if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) == FALSE) return usual;
-    return static_cast<std::size_t>(info.srWindow.Bottom - info.srWindow.Top + 1);
+    const int rows = info.srWindow.Bottom - info.srWindow.Top + 1;
+    return static_cast<std::size_t>(rows);
 }
 
 tInterrupt::tInterrupt() {
@@ -33,6 +34,7 @@ tInterrupt::tInterrupt() {
 
 tInterrupt::~tInterrupt() { SetConsoleCtrlHandler(onConsoleEvent, FALSE); }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): it needs what the constructor has set up
 bool tInterrupt::wait(std::chrono::milliseconds limit) {
     return WaitForSingleObject(endEvent(), static_cast<DWORD>(limit.count())) == WAIT_OBJECT_0;
 }

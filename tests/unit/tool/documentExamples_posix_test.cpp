@@ -80,7 +80,7 @@ TEST(documentExamples, OfCheckAreItsOutput) {
     const support::tFolder folder("examples");
     const auto addPlugin = [&folder](const std::string& name, const std::string& lines) {
         folder.write("plugins/" + name + ".ini",
-                     "[Service]\nName=" + name + '\n' + lines + "Path=C:\\Program Files\\Corvell\\" + name + ".dll\n" +
+                     "[Service]\nName=" + name + '\n' + lines + R"(Path=C:\Program Files\Corvell\)" + name + ".dll\n" +
                          "Initialize=" + name + (name == "Transport" ? "Initialise" : "Initialize") + '\n');
         folder.write("dist/" + name + ".dll", support::usualLibrary({name + "Initialize"}));
     };
