@@ -13,6 +13,7 @@
 #include "tool/explain/explainCommand.h"
 #include "tool/format.h"
 #include "tool/graph/graphCommand.h"
+#include "tool/plainText.h"
 #include "tool/status/statusCommand.h"
 
 namespace {
@@ -80,7 +81,8 @@ std::string describe(const CLI::App& program, const CLI::ParseError& error) {
 int reportBadArguments(const CLI::App& program, const CLI::ParseError& error, tContext& context) {
     std::string command = program.get_name();
     for (const CLI::App* const named : program.get_subcommands()) command += " " + named->get_name();
-    context.error << fmt::format("ziptra: {}; see '{} --help'\n", describe(program, error), command);
+    context.error << fmt::format("ziptra: {}; see '{} --help'\n", nPlainText::printable(describe(program, error)),
+                                 command);
     return exitCouldNotLook;
 }
 
@@ -113,7 +115,7 @@ int runZiptra(const std::vector<std::string>& arguments, tContext& context) {
     } catch (const std::bad_alloc&) {
         context.error << "ziptra: There is not enough memory\n";
     } catch (const std::exception& exception) {
-        context.error << "ziptra: " << exception.what() << '\n';
+        context.error << "ziptra: " << nPlainText::printable(exception.what()) << '\n';
     }
     return exitCouldNotLook;
 }

@@ -1,13 +1,13 @@
 #include <algorithm>
 
 #include "tool/check/render.h"
-#include "tool/check/wording.h"
 #include "tool/format.h"
+#include "tool/plainText.h"
 
 namespace nCheck {
 namespace {
 
-using nWording::printable;
+using nPlainText::printable;
 
 constexpr std::size_t widestName = 40;
 

@@ -34,18 +34,6 @@ std::string quoted(std::string_view text) {
     return '"' + std::string(text.substr(0, end)) + "...\"";
 }
 
-std::string printable(std::string_view text) {
-    std::string result(text);
-    for (std::size_t i = 0; i < result.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(result[i]);
-        if (byte < 0x20 || byte == 0x7F) result[i] = '?';
-        // U+0080 to U+009F
-        const unsigned char next = i + 1 < result.size() ? static_cast<unsigned char>(result[i + 1]) : 0;
-        if (byte == 0xC2 && next >= 0x80 && next < 0xA0) result[i] = result[i + 1] = '?';
-    }
-    return result;
-}
-
 bool isUtf8(std::string_view text) noexcept {
     while (!text.empty()) {
         const std::size_t length = characterLength(text);

@@ -9,10 +9,6 @@ namespace nWording {
 /// Returns the text in double quotes; of a long one, only the beginning.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-/// Returns the text with a question mark in place of each byte of a control character: whatever a description contains,
-/// it shall not control a terminal.
-[[nodiscard]] std::string printable(std::string_view text);
-
 /// Returns whether the text is valid UTF-8, without surrogates and overlong forms.
 [[nodiscard]] bool isUtf8(std::string_view text) noexcept;
 

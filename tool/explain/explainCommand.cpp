@@ -7,8 +7,8 @@
 
 #include "tool/explain/explainText.h"
 #include "tool/format.h"
+#include "tool/plainText.h"
 #include "tool/requestCommand.h"
-#include "tool/status/plainText.h"
 #include "tool/status/statusSource.h"
 
 namespace nExplain {

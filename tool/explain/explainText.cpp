@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tool/format.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 
 namespace nExplain {
 namespace {

@@ -7,8 +7,8 @@
 #include "tool/check/prediction.h"
 #include "tool/graph/graphText.h"
 #include "tool/outputFile.h"
+#include "tool/plainText.h"
 #include "tool/requestCommand.h"
-#include "tool/status/plainText.h"
 
 namespace nGraph {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "tool/format.h"
 #include "tool/graph/nodeText.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 
 namespace nGraph {
 namespace {

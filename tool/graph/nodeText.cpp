@@ -4,7 +4,7 @@
 
 #include "source/runMessages.h"
 #include "tool/format.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 
 namespace nGraph {
 namespace {

@@ -6,7 +6,7 @@
 #include "tool/graph/graphText.h"
 #include "tool/graph/layout.h"
 #include "tool/graph/nodeText.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 
 namespace nGraph {
 namespace {

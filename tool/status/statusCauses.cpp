@@ -2,7 +2,7 @@
 
 #include "tool/codes.h"
 #include "tool/format.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 #include "tool/status/statusSummary.h"
 
 namespace nStatus {

@@ -5,7 +5,7 @@
 
 #include "source/nDeployment.h"
 #include "tool/format.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 #include "tool/status/statusHtmlStyle.h"
 #include "tool/status/statusLanes.h"
 #include "tool/status/statusSummary.h"

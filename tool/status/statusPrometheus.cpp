@@ -10,7 +10,7 @@
 
 #include "source/runMessages.h"
 #include "tool/format.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 #include "tool/status/statusSummary.h"
 
 namespace nStatus {

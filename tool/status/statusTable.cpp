@@ -7,7 +7,7 @@
 
 #include "source/nDeployment.h"
 #include "tool/format.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 #include "tool/status/statusSummary.h"
 
 namespace nStatus {

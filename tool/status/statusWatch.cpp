@@ -7,7 +7,7 @@
 
 #include "tool/console.h"
 #include "tool/format.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 #include "tool/status/statusSource.h"
 #include "tool/status/statusTable.h"
 #include "tool/status/terminal.h"

@@ -51,16 +51,18 @@ TEST(checkText, HasColoursIfTheyAreWanted) {
     EXPECT_THAT(toText(somePrediction(), false), Not(HasSubstr("\x1B")));
 }
 
-TEST(checkText, ShowsNoControlCharactersOfTheDescriptions) {
+TEST(checkText, IsUtf8ThatControlsNeitherTheTerminalNorTheDirectionOfWriting) {
     tPrediction prediction;
-    prediction.plugins = {{"a\n.ini", support::described("A\x1B[31mB\x7F"), 0}};
-    prediction.messages = {"m\x1B"};
-    prediction.findings = {nRules::finding("unknown-key", "f\x1B", 4, "A", "message\r\x1B")};
+    prediction.plugins = {{"a\n.ini", support::described("A\x1B[31mB\xFF\u202E"), 0}};
+    prediction.messages = {"m\x1B\xC3"};
+    prediction.findings = {nRules::finding("unknown-key", "f\x1B", 4, "A", "message\r\u2066")};
+    prediction.findings[0].remedy = "remedy\x80";
     const std::string text = toText(prediction, false);
-    EXPECT_THAT(text, HasSubstr("A?[31mB?"));
-    EXPECT_THAT(text, HasSubstr("a?.ini"));
-    EXPECT_THAT(text, HasSubstr("message??"));
-    EXPECT_THAT(text, Not(HasSubstr("\x1B")));
+    EXPECT_THAT(text, HasSubstr("A\uFFFD[31mB\uFFFD\uFFFD "));
+    EXPECT_THAT(text, HasSubstr("a\uFFFD.ini\n"));
+    EXPECT_THAT(text, HasSubstr("  m\uFFFD\uFFFD\n"));
+    EXPECT_THAT(text, HasSubstr("f\uFFFD:4: warning: message\uFFFD\uFFFD ["));
+    EXPECT_THAT(text, HasSubstr("    remedy\uFFFD\n"));
 }
 
 }  // namespace

@@ -19,12 +19,6 @@ TEST(nWording, CutsALongTextAfterAWholeCharacter) {
     EXPECT_EQ(nWording::quoted(std::string(300, '\x80')).size(), 196U + 5);
 }
 
-TEST(nWording, ReplacesControlCharactersByQuestionMarks) {
-    EXPECT_EQ(nWording::printable("a\x1B[31m\nb\x7F\tc"), "a?[31m?b??c");
-    EXPECT_EQ(nWording::printable("\u0080\u009Bx\u009F"), "????x??");
-    EXPECT_EQ(nWording::printable("\u00A0 \u540D\xC2"), "\u00A0 \u540D\xC2");
-}
-
 TEST(nWording, KnowsValidUtf8) {
     for (const std::string_view text :
          {"", "abc", "\u00E9", "\u0800", "\uD7FF", "\uE000", "\uFFFF", "\U00010000", "\U0010FFFF", "a\u540Db"}) {

@@ -117,6 +117,13 @@ TEST(ziptra, SaysThatTheResultIsIncomplete) {
     EXPECT_EQ(errorAfterFailing(nullptr), "ziptra: The result could not be written completely\n");
 }
 
+TEST(ziptra, RepeatsNoArgumentThatIsNotPrintable) {
+    EXPECT_EQ(tToolRun({"a\x1B\xFF\u202E"}).error,
+              "ziptra: There is no command 'a\uFFFD\uFFFD\uFFFD'; see 'ziptra --help'\n");
+    EXPECT_EQ(tToolRun({"check", "a\x1B\xFF\u202E"}).error,
+              "ziptra: There is no file or directory \"a\uFFFD\uFFFD\uFFFD\"\n");
+}
+
 TEST(ziptra, AnswersEveryExceptionWithASentence) {
     EXPECT_EQ(errorAfterFailing([] { throw std::bad_alloc(); }), "ziptra: There is not enough memory\n");
     EXPECT_EQ(errorAfterFailing([] { throw std::runtime_error("Cannot look"); }), "ziptra: Cannot look\n");

@@ -1,4 +1,4 @@
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 
 #include <algorithm>
 #include <array>
