@@ -1,11 +1,13 @@
 #include "tool/requestCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <boost/filesystem/operations.hpp>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "stdpath/path.h"
 #include "tool/check/mask.h"
 #include "tool/progress.h"
 
@@ -15,7 +17,11 @@ namespace {
 std::string checkMap(const std::string& text) {
     const std::size_t separator = text.find('=');
     const bool valid = separator != std::string::npos && separator > 0 && separator + 1 < text.size();
-    return valid ? "" : "'" + text + "' is no mapping: write a Windows folder, '=' and a directory";
+    if (!valid) return "'" + text + "' is no mapping: write a Windows folder, '=' and a directory";
+    const std::string directory = text.substr(separator + 1);
+    boost::system::error_code error;
+    const bool exists = boost::filesystem::is_directory(nStdPath::pathFromUtf8(directory), error);
+    return exists ? "" : "There is no directory '" + directory + "'";
 }
 
 std::string checkMask(const std::string& text) {

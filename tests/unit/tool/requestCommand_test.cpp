@@ -25,4 +25,15 @@ TEST(nRequest, RejectsAMappingThatIsNone) {
     }
 }
 
+TEST(nRequest, RejectsAMappingToADirectoryThatDoesNotExist) {
+    const support::tFolder folder;
+    for (const std::string& target : {folder.utf8("none"), folder.write("file")}) {
+        const tToolRun result({"check", "--map", "C:\\X=" + target, folder.utf8()});
+        EXPECT_EQ(result.exitCode, 2) << target;
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.error, "ziptra: --map: There is no directory '" + target + "'; see 'ziptra check --help'\n");
+    }
+    EXPECT_EQ(tToolRun({"check", "--map", "C:\\X=" + folder.utf8(), folder.utf8()}).exitCode, 0);
+}
+
 }  // namespace
