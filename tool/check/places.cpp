@@ -4,6 +4,7 @@
 #include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <unordered_set>
+#include <utility>
 
 #include "ini/nameIndex.h"
 #include "source/descriptionFormat.h"
@@ -35,17 +36,17 @@ bool looksLikeDescription(const nFiles::path& path) {
 }
 
 void addUnseen(const nFiles::path& path, const nFiles::file_status& status, tListing& listing) {
-    const std::string file = nStdPath::pathToUtf8(path);
-    if (nFiles::is_directory(status)) {
-        listing.findings.push_back(nRules::finding("unseen-folder", file, std::nullopt, std::nullopt,
-                                                   "a folder named like a description, which the host ignores"));
-    } else {
-        const bool regular = nFiles::is_regular_file(status);
-        listing.findings.push_back(
-            nRules::finding("unseen-file", file, std::nullopt, std::nullopt,
-                            regular ? "the host does not see the file: its extension is not \".ini\" in lower case"
-                                    : "the host does not see the file: it is not a regular file"));
+    const bool isFolder = nFiles::is_directory(status);
+    const bool isFile = nFiles::is_regular_file(status);
+    tFinding finding = nRules::finding(
+        isFolder ? "unseen-folder" : "unseen-file", nStdPath::pathToUtf8(path), std::nullopt, std::nullopt,
+        isFolder ? "a folder named like a description, which the host ignores"
+        : isFile ? "the host does not see the file: its extension is not \".ini\" in lower case"
+                 : "the host does not see the file: it is not a regular file");
+    if (!isFolder && !isFile) {
+        finding.remedy = "Use a regular file: the host reads neither devices nor pipes, nor links that lead nowhere.";
     }
+    listing.findings.push_back(std::move(finding));
 }
 
 void listDirectory(const nFiles::path& directory, tListing& listing) try {

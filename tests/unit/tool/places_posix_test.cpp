@@ -51,6 +51,17 @@ TEST(placesHere, MayContainLinksToFilesButNotToNothing) {
     EXPECT_THAT(listing.findings[0].message, HasSubstr("not a regular file"));
 }
 
+TEST(placesHere, ThatAreNoRegularFilesNeedNoOtherName) {
+    const support::tFolder folder;
+    mkfifo((folder.path() / "a.ini").c_str(), 0600);
+    for (const std::string& place : {std::string("/dev/null"), folder.utf8("a.ini"), folder.utf8()}) {
+        const nCheck::tListing listing = listPlaces({place});
+        EXPECT_EQ(support::remedyOf(listing.findings, "unseen-file"),
+                  "Use a regular file: the host reads neither devices nor pipes, nor links that lead nowhere.")
+            << place;
+    }
+}
+
 TEST(placesHere, MayBePipesWhichAreNotWaitedFor) {
     const support::tFolder folder;
     mkfifo((folder.path() / "a.ini").c_str(), 0600);
