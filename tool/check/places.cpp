@@ -15,6 +15,7 @@
 #include "tool/check/prediction.h"
 #include "tool/check/thisMachine.h"
 #include "tool/check/wording.h"
+#include "tool/fileIdentity.h"
 #include "tool/rules.h"
 
 namespace nCheck {
@@ -71,15 +72,20 @@ void listPlace(const std::string& place, tListing& listing) {
     }
 }
 
-/// Removes files that are listed twice. Requires: those of one name are neighbours.
-void removeRepeated(std::vector<std::string>& files) {
-    const auto isSame = [](const std::string& a, const std::string& b) {
-        const nFiles::path first = nStdPath::pathFromUtf8(a);
-        const nFiles::path second = nStdPath::pathFromUtf8(b);
-        boost::system::error_code error;
-        return first.filename() == second.filename() && nFiles::equivalent(first, second, error);
-    };
-    files.erase(std::unique(files.begin(), files.end(), isSame), files.end());
+/// Returns what all paths to one entry of a folder have in common. Two names of one file are two entries.
+std::string entryOf(const std::string& file) {
+    const std::string name = nStdPath::pathToUtf8(nStdPath::pathFromUtf8(file).filename());
+    const std::string identity = nFileIdentity::of(file);
+    return name + '/' + (identity.empty() ? file : identity);
+}
+
+/// Removes what is listed a second time.
+void removeRepeated(tListing& listing) {
+    std::unordered_set<std::string> files;
+    std::erase_if(listing.files, [&](const std::string& file) { return !files.insert(entryOf(file)).second; });
+    std::unordered_set<std::string> unseen;
+    std::erase_if(listing.findings,
+                  [&](const tFinding& finding) { return !unseen.insert(entryOf(finding.file)).second; });
 }
 
 }  // namespace
@@ -103,7 +109,7 @@ tListing listPlaces(const std::vector<std::string>& places) {
     // Windows lists a folder in the order of the names.
     const bool inOrder = places.size() == 1 && nThisMachine::runsHost();
     if (!inOrder) nFileNameOrder::sort(listing.files);
-    if (places.size() > 1) removeRepeated(listing.files);
+    if (places.size() > 1) removeRepeated(listing);
     return listing;
 }
 

@@ -58,6 +58,32 @@ TEST(places, ListAFileOnceEvenIfItIsNamedTwice) {
     EXPECT_EQ(listPlaces({folder.write("x/a.ini"), folder.write("y/a.ini")}).files.size(), 2U) << "of the same name";
 }
 
+TEST(places, ListAFileOnceWhateverIsNamedBetweenTheTwoTimes) {
+    const support::tFolder folder;
+    const std::string a = folder.write("a/x.ini");
+    const std::string b = folder.write("b/x.ini");
+    folder.write("a/y.txt");
+    EXPECT_THAT(listPlaces({a, b, a}).files, ElementsAre(a, b));
+    EXPECT_THAT(listPlaces({folder.utf8("a"), folder.utf8("b"), folder.utf8("a")}).files, ElementsAre(a, b));
+    EXPECT_THAT(listPlaces({folder.utf8("a"), b, folder.utf8("b/../a/x.ini")}).files, ElementsAre(a, b));
+}
+
+TEST(places, ReportAFileOnceEvenIfItIsNamedTwice) {
+    const support::tFolder folder;
+    const std::string a = folder.write("a/x.INI");
+    const std::string b = folder.write("b/x.INI");
+    const tListing listing = listPlaces({folder.utf8("a"), b, folder.utf8("b/../a"), a});
+    ASSERT_THAT(idsOf(listing.findings), ElementsAre("unseen-file", "unseen-file"));
+    EXPECT_NE(listing.findings[0].file, listing.findings[1].file);
+}
+
+TEST(places, AreTwoIfAFileHasTwoNames) {
+    const support::tFolder folder;
+    const std::string a = folder.write("a.ini");
+    create_hard_link(folder.path() / "a.ini", folder.path() / "b.ini");
+    EXPECT_THAT(listPlaces({a, folder.utf8("b.ini")}).files, ElementsAre(a, folder.utf8("b.ini")));
+}
+
 TEST(places, ReportFilesThatTheHostDoesNotSee) {
     const support::tFolder folder;
     for (const char* name : {"a.INI", "b.Ini", "c.ini.txt", "d.INI.TXT"}) folder.write(name);
