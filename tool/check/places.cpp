@@ -57,18 +57,28 @@ void listDirectory(const nFiles::path& directory, tListing& listing) try {
     throw tCannotLook("The directory " + quoted(nStdPath::pathToUtf8(directory)) + " cannot be read");
 }
 
+/// Lists a file as its folder does, whose spelling of the name the host sees.
+void listFile(const nFiles::path& typed, const nFiles::file_status& status, tListing& listing) {
+    const std::optional<nFiles::path> name = listedName(typed);
+    const nFiles::path path = name && *name != typed.filename() ? typed.parent_path() / *name : typed;
+    const nFiles::file_status listed = name ? status : nFiles::file_status(nFiles::type_unknown);
+    if (isDescription(path) && nFiles::is_regular_file(listed)) {
+        listing.files.push_back(nStdPath::pathToUtf8(path));
+    } else {
+        addUnseen(path, listed, listing);
+    }
+}
+
 void listPlace(const std::string& place, tListing& listing) {
     const nFiles::path path = nStdPath::pathFromUtf8(place);
     boost::system::error_code error;
     const nFiles::file_status status = nFiles::status(path, error);
     if (nFiles::is_directory(status)) {
         listDirectory(path, listing);
-    } else if (!nFiles::exists(status)) {
-        throw tCannotLook("There is no file or directory " + quoted(place));
-    } else if (isDescription(path) && nFiles::is_regular_file(status)) {
-        listing.files.push_back(place);
+    } else if (nFiles::exists(status)) {
+        listFile(path, status, listing);
     } else {
-        addUnseen(path, status, listing);
+        throw tCannotLook("There is no file or directory " + quoted(place));
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
+#include <optional>
 
 #include "tool/check/places.h"
 
@@ -8,6 +9,10 @@ namespace nCheck {
 
 /// The platform's part: lists the plug-in directory of this machine. Throws tCannotLook.
 [[nodiscard]] tListing listThisMachine();
+
+/// The platform's part: returns the name under which a folder lists this file; the case of its letters may differ from
+/// what was typed. Returns nullopt for a device, which no folder lists. Requires: the file exists.
+[[nodiscard]] std::optional<boost::filesystem::path> listedName(const boost::filesystem::path& file);
 
 /// Finds what the host passes over although somebody may take it for a description. Throws
 /// boost::filesystem::filesystem_error.

@@ -8,4 +8,6 @@ tListing listThisMachine() {
     throw tCannotLook("The host does not run on this machine: name a directory or files to check");
 }
 
+std::optional<boost::filesystem::path> listedName(const boost::filesystem::path& file) { return file.filename(); }
+
 }  // namespace nCheck

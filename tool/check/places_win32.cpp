@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <boost/filesystem/exception.hpp>
 
 #include "err/Exception.h"
@@ -27,6 +29,17 @@ tListing listThisMachine() {
         throw tCannotLook("The directory " + nWording::quoted(listing.directory) + " cannot be read");
     }
     return listing;
+}
+
+std::optional<boost::filesystem::path> listedName(const boost::filesystem::path& file) {
+    std::wstring full(GetFullPathNameW(file.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(GetFullPathNameW(file.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    if (full.starts_with(LR"(\\.\)")) return std::nullopt;  // such as NUL
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW(file.c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return file.filename();
+    FindClose(search);
+    return found.cFileName;
 }
 
 }  // namespace nCheck

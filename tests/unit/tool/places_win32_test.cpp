@@ -67,4 +67,29 @@ TEST(placesOnWindows, AreMissingAsTheHostSaysIfTheSharedDirectoryIsUnknown) {
     EXPECT_EQ(listing.directory, "");
 }
 
+TEST(placesOnWindows, AreSpelledAsInTheirFolderWhateverWasTyped) {
+    const support::tFolder folder;
+    const std::string upper = folder.write("UPPER.INI");
+    const std::string lower = folder.write("lower.ini");
+    const nCheck::tListing listing = listPlaces({folder.utf8("upper.ini"), folder.utf8("LOWER.INI")});
+    EXPECT_THAT(listing.files, ElementsAre(lower));
+    ASSERT_THAT(idsOf(listing.findings), ElementsAre("unseen-file"));
+    EXPECT_EQ(listing.findings[0].file, upper);
+    EXPECT_THAT(listing.findings[0].message, testing::HasSubstr("\".ini\" in lower case"));
+}
+
+TEST(placesOnWindows, AreListedOnceWhateverTheirSpelling) {
+    const support::tFolder folder;
+    const std::string file = folder.write("a.ini");
+    EXPECT_THAT(listPlaces({file, folder.utf8("A.INI"), folder.utf8("a.INI")}).files, ElementsAre(file));
+}
+
+TEST(placesOnWindows, ThatAreDevicesNeedNoOtherName) {
+    for (const char* device : {"NUL", R"(\\.\NUL)"}) {
+        const nCheck::tListing listing = listPlaces({device});
+        EXPECT_THAT(support::remedyOf(listing.findings, "unseen-file"), testing::StartsWith("Use a regular file"))
+            << device;
+    }
+}
+
 }  // namespace
