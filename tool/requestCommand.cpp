@@ -53,6 +53,14 @@ void addAllowedOption(CLI::App& command, nCheck::tRequest& request) {
         ->type_name("MASK");
 }
 
+CLI::Option* addOutputOption(CLI::App& command, std::string& file) {
+    const auto checkName = [](const std::string& name) { return std::string(name.empty() ? "The name is empty" : ""); };
+    return command
+        .add_option("--output", file, "Replace this file with the result, as a whole, instead of printing it")
+        ->check(checkName)
+        ->type_name("FILE");
+}
+
 nCheck::tPrediction predict(nCheck::tRequest request, tContext& context) {
     std::optional<tProgress> progress;
     request.onPlugin = [&](std::size_t total) {

@@ -62,7 +62,7 @@ void addCommand(CLI::App& program, tContext& context) {
                      "Directories and description files; on Windows, otherwise this machine's plug-in directory")
         ->type_name("");
     addFormats(*command, *arguments);
-    command->add_option("--output", arguments->output, "Replace this file instead of printing")->type_name("FILE");
+    nRequest::addOutputOption(*command, arguments->output);
     nRequest::addAllowedOption(*command, arguments->request);
     nRequest::addMapOption(*command, arguments->request);
     command->footer(

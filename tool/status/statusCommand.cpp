@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tool/outputFile.h"
+#include "tool/requestCommand.h"
 #include "tool/status/statusHtml.h"
 #include "tool/status/statusJson.h"
 #include "tool/status/statusPrometheus.h"
@@ -71,9 +72,7 @@ void addForms(CLI::App& command, tOptions& options) {
     json->excludes(prometheus)->excludes(html)->excludes(watch);
     prometheus->excludes(html)->excludes(watch);
     html->excludes(watch);
-    command.add_option("--output", options.output, "Replace this file with the result, as a whole")
-        ->type_name("FILE")
-        ->excludes(watch);
+    nRequest::addOutputOption(command, options.output)->excludes(watch);
 }
 
 }  // namespace

@@ -36,4 +36,15 @@ TEST(nRequest, RejectsAMappingToADirectoryThatDoesNotExist) {
     EXPECT_EQ(tToolRun({"check", "--map", "C:\\X=" + folder.utf8(), folder.utf8()}).exitCode, 0);
 }
 
+TEST(nRequest, RejectsAnOutputFileWithoutAName) {
+    const support::tFolder folder;
+    for (const char* const command : {"graph", "status"}) {
+        const tToolRun result({command, folder.utf8(), "--output", ""});
+        EXPECT_EQ(result.exitCode, 2) << command;
+        EXPECT_EQ(result.out, "") << command;
+        EXPECT_EQ(result.error,
+                  std::string("ziptra: --output: The name is empty; see 'ziptra ") + command + " --help'\n");
+    }
+}
+
 }  // namespace
