@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -68,9 +69,12 @@ bool fill(int file, mode_t rights, std::string_view content) noexcept {
     return filled && closed;
 }
 
+/// Returns what precedes the file's name.
+std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
+
 std::string replaceFile(const std::string& path, mode_t rights, std::string_view content) {
     const tSignalsWait signalsWait;
-    std::string temporary = path + ".XXXXXX";
+    std::string temporary = folderOf(path) + ".ziptra.XXXXXX";  // the file's own name can be as long as names may be
     const int file = mkstemp(temporary.data());
     if (file < 0) return lastReason();
     if (fill(file, rights, content) && rename(temporary.c_str(), path.c_str()) == 0) return {};
@@ -79,22 +83,27 @@ std::string replaceFile(const std::string& path, mode_t rights, std::string_view
     return reason;
 }
 
-/// Returns the path of the file to which a link leads, or the path itself.
-std::string targetOf(const std::string& path) {
-    char* const resolved = realpath(path.c_str(), nullptr);
-    if (resolved == nullptr) return path;
-    std::string target = resolved;
-    std::free(resolved);
-    return target;
+/// Returns the path of the file to which a link leads, even if it does not exist yet, or the path itself.
+std::string targetOf(std::string path) {
+    constexpr int mostLinks = 40;  // as for the system
+    for (int i = 0; i < mostLinks; ++i) {
+        std::array<char, PATH_MAX> link{};
+        const ssize_t size = readlink(path.c_str(), link.data(), link.size());
+        if (size < 0) break;
+        const std::string target(link.data(), static_cast<std::size_t>(size));
+        path = target.starts_with('/') ? target : folderOf(path).append(target);
+    }
+    return path;
 }
 
 }  // namespace
 
 std::string tryToReplace(const std::string& path, std::string_view content) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) return replaceFile(path, usualRights(), content);
-    if (!S_ISREG(status.st_mode)) return writeDirectly(path, content);
-    return replaceFile(targetOf(path), status.st_mode & 07777U, content);
+    const bool exists = stat(path.c_str(), &status) == 0;
+    if (!exists && errno != ENOENT) return lastReason();
+    if (exists && !S_ISREG(status.st_mode)) return writeDirectly(path, content);
+    return replaceFile(targetOf(path), exists ? status.st_mode & 07777U : usualRights(), content);
 }
 
 }  // namespace nOutputFile

@@ -1,6 +1,8 @@
 #include <windows.h>
 
+#include <functional>
 #include <memory>
+#include <string>
 #include <type_traits>
 
 #include "quarks/closer.h"
@@ -57,6 +59,14 @@ std::string writeDirectly(const std::wstring& path, std::string_view content) {
     return device != nullptr && writeAll(device.get(), content) ? std::string() : lastReason();
 }
 
+/// Returns the path of a temporary file in the same folder. It does not contain the file's name, which can be as long
+/// as names may be, but differs for each, because other machines may write into the folder and have the same process
+/// ids.
+std::wstring temporaryBeside(const std::wstring& path) {
+    return path.substr(0, path.find_last_of(L"\\/:") + 1) + L"ziptra." +
+           std::to_wstring(std::hash<std::wstring>{}(path)) + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+}
+
 /// Until the content is complete, the end of the process deletes the temporary file, too. Returns the reason for a
 /// failure, or an empty text.
 std::string fill(const std::wstring& temporary, std::string_view content) {
@@ -71,7 +81,7 @@ std::string fill(const std::wstring& temporary, std::string_view content) {
 std::string tryToReplace(const std::string& path, std::string_view content) {
     const std::wstring wide = nStdPath::widePathFromUtf8(path);
     if (isDevice(wide)) return writeDirectly(wide, content);
-    const std::wstring temporary = wide + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+    const std::wstring temporary = temporaryBeside(wide);
     std::string reason = fill(temporary, content);
     if (!reason.empty()) return reason;
     if (MoveFileExW(temporary.c_str(), wide.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE) {

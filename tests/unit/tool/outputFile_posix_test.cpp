@@ -48,6 +48,30 @@ TEST_F(nOutputFilePosix, ReplacesTheFileToWhichALinkLeads) {
     EXPECT_EQ(folder.read("a"), "new");
 }
 
+TEST_F(nOutputFilePosix, CreatesTheFileToWhichADanglingLinkLeads) {
+    folder.makeFolder("below");
+    std::filesystem::create_symlink("below/second", folder.path() / "first");
+    std::filesystem::create_symlink(folder.path() / "a", folder.path() / "below/second");
+    nOutputFile::replace(folder.utf8("first"), "new");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path() / "first"));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path() / "below/second"));
+    EXPECT_EQ(folder.read("a"), "new");
+    EXPECT_EQ(files(), 3);
+}
+
+TEST_F(nOutputFilePosix, KeepsALinkThatLeadsIntoAMissingFolder) {
+    std::filesystem::create_symlink("none/a", path);
+    EXPECT_THROW(nOutputFile::replace(path, "new"), nOutputFile::tCannotWrite);
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+}
+
+TEST_F(nOutputFilePosix, KeepsALinkThatLeadsToItself) {
+    std::filesystem::create_symlink("a", path);
+    EXPECT_THROW(nOutputFile::replace(path, "new"), nOutputFile::tCannotWrite);
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+    EXPECT_EQ(files(), 1);
+}
+
 TEST_F(nOutputFilePosix, WritesToADeviceWithoutReplacingIt) {
     nOutputFile::replace("/dev/null", "text");
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));

@@ -53,6 +53,20 @@ TEST_F(nOutputFileTest, AcceptsNamesInAnyScript) {
     EXPECT_EQ(folder.read(name), "text");
 }
 
+TEST_F(nOutputFileTest, AcceptsANameThatIsAsLongAsNamesMayBe) {
+    const std::string path = folder.utf8(std::string(250, 'a'));
+    nOutputFile::replace(path, "old");
+    nOutputFile::replace(path, "new");
+    EXPECT_EQ(folder.read(std::string(250, 'a')), "new");
+    EXPECT_EQ(files(), 1);
+}
+
+TEST_F(nOutputFileTest, SaysThatANameIsTooLong) {
+    const std::string path = folder.utf8(std::string(256, 'a'));
+    EXPECT_THAT(failure(path), testing::StartsWith("Cannot write '" + path + "': "));
+    EXPECT_EQ(files(), 0);
+}
+
 TEST_F(nOutputFileTest, SaysWhyItFailedAndLeavesNothingBehind) {
     const std::string missing = folder.utf8("missing/a.json");
     EXPECT_THAT(failure(missing), testing::StartsWith("Cannot write '" + missing + "': "));
