@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "source/runMessages.h"
 #include "tool/check/render.h"
 #include "tool/format.h"
 #include "tool/plainText.h"
@@ -53,6 +54,14 @@ std::string counted(std::size_t count, std::string_view what) {
     return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
+/// Returns "; 1 rejected description", or nothing if there is none.
+std::string rejectedText(const tPrediction& prediction) {
+    const auto count = static_cast<std::size_t>(std::count_if(
+        prediction.messages.begin(), prediction.messages.end(),
+        [](const std::string& message) { return message.starts_with(nRunMessages::descriptionNotParsed); }));
+    return count == 0 ? "" : "; " + counted(count, "rejected description");
+}
+
 std::string summary(const tPrediction& prediction) {
     const auto count = [&prediction](tSeverity severity) {
         return static_cast<std::size_t>(
@@ -62,8 +71,8 @@ std::string summary(const tPrediction& prediction) {
     const auto failing =
         static_cast<std::size_t>(std::count_if(prediction.plugins.begin(), prediction.plugins.end(),
                                                [](const tPredictedPlugin& plugin) { return !plugin.mayStart; }));
-    return fmt::format("{}, of which {} will not start; {}, {}, {}\n", counted(prediction.plugins.size(), "plug-in"),
-                       failing, counted(count(tSeverity::error), "error"),
+    return fmt::format("{}, of which {} will not start{}; {}, {}, {}\n", counted(prediction.plugins.size(), "plug-in"),
+                       failing, rejectedText(prediction), counted(count(tSeverity::error), "error"),
                        counted(count(tSeverity::warning), "warning"), counted(count(tSeverity::note), "note"));
 }
 

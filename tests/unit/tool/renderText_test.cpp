@@ -39,7 +39,15 @@ TEST(checkText, ShowsFindingsMessagesOrderAndASummary) {
               "    3  B               -  plugins/d.ini\n"
               "    4  C           fails  plugins/e.ini\n"
               "\n"
-              "4 plug-ins, of which 2 will not start; 1 error, 1 warning, 0 notes\n");
+              "4 plug-ins, of which 2 will not start; 1 rejected description; 1 error, 1 warning, 0 notes\n");
+}
+
+TEST(checkText, CountsTheRejectedDescriptionsAmongTheMessages) {
+    tPrediction prediction;
+    prediction.messages = {"Failed to parse service description file: a.ini", "Deployment setting not found",
+                           "Failed to parse service description file: b.ini"};
+    EXPECT_THAT(toText(prediction, false),
+                HasSubstr("\n0 plug-ins, of which 0 will not start; 2 rejected descriptions; 0 errors"));
 }
 
 TEST(checkText, OfNothingIsTheSummary) {
