@@ -39,7 +39,7 @@ void addPrediction(const tArguments& arguments, tEvidence& evidence, tContext& c
     nCheck::tRequest request = arguments.request;
     if (evidence.status) request.allowedMask = evidence.status->allowedMask;
     try {
-        evidence.prediction = nRequest::predict(request, context);
+        usePrediction(nRequest::predict(request, context), evidence);
     } catch (const nCheck::tCannotLook& failure) {
         if (!request.places.empty()) throw;
         evidence.obstacles.push_back(fmt::format("{}.", failure.what()));

@@ -1,6 +1,7 @@
 #include "tool/explain/plugin.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tool/check/similarNames.h"
 #include "tool/codes.h"
@@ -285,6 +286,17 @@ private:
 };
 
 }  // namespace
+
+void usePrediction(nCheck::tPrediction prediction, tEvidence& evidence) {
+    for (const tFinding& finding : prediction.findings) {
+        if (finding.id != "plugins-directory") continue;
+        const std::string name = finding.file.empty() ? "" : ", " + finding.file + ",";
+        evidence.obstacles.push_back(fmt::format(
+            "The host cannot open its plug-in directory{} and starts no plug-in. {}", name, finding.remedy));
+        return;
+    }
+    evidence.prediction = std::move(prediction);
+}
 
 std::string_view verdictName(tVerdict verdict) noexcept {
     switch (verdict) {

@@ -20,6 +20,9 @@ struct tEvidence {
     std::vector<std::string> obstacles;  ///< why one of the two is not known: whole sentences
 };
 
+/// Adds the prediction to what is known; or, if the host cannot open its plug-in directory, that it starts nothing.
+void usePrediction(nCheck::tPrediction prediction, tEvidence& evidence);
+
 enum class tVerdict {
     started,      ///< the status file shows it, without a negative code of its start
     failed,       ///< the status file shows a negative code of its start

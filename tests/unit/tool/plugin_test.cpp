@@ -284,6 +284,30 @@ TEST(nExplainPlugin, PassesOnWhatLimitsTheAnswer) {
                 ElementsAre(HasSubstr("more than one way"), "There is no plug-in directory."));
 }
 
+TEST(nExplainPlugin, KnowsNoPredictionIfTheHostCannotOpenItsPluginDirectory) {
+    const auto obstaclesOf = [](const std::string& directory) {
+        nCheck::tPrediction empty = prediction({});
+        empty.findings.push_back({"plugins-directory", tSeverity::error, directory, {}, {}, "not opened", "Make it."});
+        tEvidence known = evidence(report({shown("A", 0)}));
+        usePrediction(empty, known);
+        EXPECT_FALSE(known.prediction);
+        return known.obstacles;
+    };
+    EXPECT_THAT(obstaclesOf("C:\\p"),
+                ElementsAre("The host cannot open its plug-in directory, C:\\p, and starts no plug-in. Make it."));
+    EXPECT_THAT(obstaclesOf(""),
+                ElementsAre("The host cannot open its plug-in directory and starts no plug-in. Make it."));
+}
+
+TEST(nExplainPlugin, UsesThePredictionOfADirectoryWithFindings) {
+    nCheck::tPrediction found = prediction({predicted("A", 0)});
+    found.findings.push_back({"blank-line", tSeverity::error, "A.ini", 1, "A", "blank line", "Remove it."});
+    tEvidence known;
+    usePrediction(found, known);
+    EXPECT_THAT(known.obstacles, IsEmpty());
+    EXPECT_TRUE(known.prediction);
+}
+
 TEST(nExplainPlugin, NamesEachVerdict) {
     EXPECT_EQ(verdictName(tVerdict::started), "started");
     EXPECT_EQ(verdictName(tVerdict::failed), "failed");
