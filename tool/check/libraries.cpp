@@ -24,14 +24,6 @@ bool isAbsolute(const std::string& path) {
     return path.size() > 2 && (hasDrive ? isSeparator(path[2]) : isSeparator(path[0]) && isSeparator(path[1]));
 }
 
-/// Returns the path with backslashes and small letters, and without a separator at its end.
-std::string comparable(const std::string& path) {
-    std::string text = nPe::toLowerAscii(path);
-    std::replace(text.begin(), text.end(), '/', '\\');
-    while (text.ends_with('\\')) text.pop_back();
-    return text;
-}
-
 bool contains(const std::vector<nPe::tMissing>& list, const nPe::tMissing& missing) {
     return std::any_of(list.begin(), list.end(), [&missing](const nPe::tMissing& other) {
         return other.library == missing.library && other.symbol == missing.symbol;
@@ -118,7 +110,8 @@ tLoadVerdict tLibraries::examineFile(const nPe::tLocation& location, const tExam
 }
 
 void tLibraries::findSecondUse(const std::string& file, const tExamined& examined) {
-    const auto [user, isFirst] = users_.try_emplace(comparable(file), examined.findings.file());
+    const std::string identity = machine_.identityOf(file);
+    const auto [user, isFirst] = users_.try_emplace(identity.empty() ? file : identity, examined.findings.file());
     if (isFirst) return;
     examined.add(nKeys::path, "shared-library", "the library is also that of the plug-in in " + user->second);
 }

@@ -44,7 +44,7 @@ private:
     nPe::tMachine machine_;                               ///< its loaded libraries are those that may be loaded
     tLoadedLibraries certainlyLoaded_;                    ///< and those that are for certain
     std::vector<std::string> lastLoaded_;                 ///< by the plug-in that was examined last
-    std::unordered_map<std::string, std::string> users_;  ///< the first description that uses each library, by its path
+    std::unordered_map<std::string, std::string> users_;  ///< the first description of each library, by its identity
 };
 
 }  // namespace nCheck

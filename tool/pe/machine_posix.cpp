@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "stdpath/path.h"
+#include "tool/fileIdentity.h"
 #include "tool/pe/machine.h"
 #include "tool/pe/systemLibraries.h"
 #include "tool/pe/windowsPath.h"
@@ -79,6 +80,7 @@ tMachine thisMachine(const tFolderMap& folderMap, const tHostFolders& host) {
     };
     machine.findPath = [folders, map](const std::string& path) { return findPath(map, path, *folders); };
     machine.readLibrary = cachedLibraries();
+    machine.identityOf = nFileIdentity::of;
     machine.isSystemLibrary = [](const std::string& name) { return isApiSet(name) || isInEveryWindows(name); };
     machine.mayBeSystemLibrary = looksLikeWindows;
     machine.systemFolder = machine.findPath(R"(C:\Windows\System32)").value_or(std::string());

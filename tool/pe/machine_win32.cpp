@@ -9,6 +9,7 @@
 #include "quarks/closer.h"
 #include "stdpath/folders.h"
 #include "stdpath/path.h"
+#include "tool/fileIdentity.h"
 #include "tool/pe/machine.h"
 #include "tool/pe/systemLibraries.h"
 #include "tool/pe/windowsPath.h"
@@ -126,6 +127,7 @@ tMachine thisMachine(const tFolderMap& /*folderMap*/, const tHostFolders& host) 
     machine.findFile = cachedFindFile();
     machine.findPath = findPath;
     machine.readLibrary = cachedLibraries();
+    machine.identityOf = nFileIdentity::of;
     machine.isSystemLibrary = hasApiSet;
     return machine;
 }

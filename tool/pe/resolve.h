@@ -43,6 +43,9 @@ struct tMachine {
     std::function<std::optional<std::string>(const std::string& path)> findPath;
     std::string applicationFolder;  ///< of the host's executable; empty if unknown
     std::string currentFolder;      ///< of the host, where relative paths begin; empty if unknown
+
+    /// Returns what all paths to the same file have in common: the loader maps it once. See nFileIdentity.
+    std::function<std::string(const std::string& path)> identityOf;
 };
 
 /// Adds libraries, such as tLoad::loaded, to those that the process has loaded. Of two with the same name, the first

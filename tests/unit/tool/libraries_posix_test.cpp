@@ -51,4 +51,14 @@ TEST(librariesElsewhere, AreOpenIfTheirPathHasForwardSlashesOnly) {
     EXPECT_THAT(tPluginFolder::codes(folder.predict()), ElementsAre("A 0", "B -"));
 }
 
+TEST(librariesElsewhere, AreSharedIfOneIsALinkToTheOtherOrIsWrittenWithAPrefix) {
+    tPluginFolder folder;
+    const std::string path = folder.addLibrary("a.dll", plainLibrary({"I"}).bytes());
+    create_symlink(folder.folder().path() / "libraries/a.dll", folder.folder().path() / "libraries/b.dll");
+    folder.add("a.ini", "[Service]\nName=A\nInitialize=I\nPath=" + path + "\n");
+    folder.add("b.ini", "[Service]\nName=B\nInitialize=I\nPath=" + folder.library("b.dll") + "\n");
+    folder.add("c.ini", "[Service]\nName=C\nInitialize=I\nPath=\\\\?\\" + path + "\n");
+    EXPECT_THAT(idsOf(folder.predict().findings), ElementsAre("4 shared-library", "4 shared-library"));
+}
+
 }  // namespace

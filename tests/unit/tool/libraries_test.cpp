@@ -32,6 +32,7 @@ protected:
             ++reads_;
             return files_.at(path);
         };
+        machine_.identityOf = nPe::toLowerAscii;
         machine_.isSystemLibrary = [](const std::string& name) { return name == "KERNEL32.dll"; };
     }
 

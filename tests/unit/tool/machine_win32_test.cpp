@@ -56,6 +56,14 @@ TEST(nPeMachineWin32, TakesAPathLiterallyThatSaysSo) {
     EXPECT_EQ(machine.findPath(R"(\\?\)" + folder + "/kernel32.dll"), std::nullopt);
 }
 
+TEST(nPeMachineWin32, KnowsALibraryByEveryPathThatLeadsToIt) {
+    const tMachine machine = thisMachine({});
+    const std::string library = systemFolder() + R"(\kernel32.dll)";
+    EXPECT_NE(machine.identityOf(library), "");
+    EXPECT_EQ(machine.identityOf(R"(\\?\)" + library), machine.identityOf(library));
+    EXPECT_NE(machine.identityOf(systemFolder() + R"(\ntdll.dll)"), machine.identityOf(library));
+}
+
 TEST(nPeMachineWin32, HasTheFoldersOfAServiceBesideThisProgram) {
     const tMachine machine = thisMachine({});
     EXPECT_EQ(machine.currentFolder, systemFolder());
