@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "source/zusysapi.h"
+#include "stdpath/utf.h"
 #include "tool/check/thisMachine.h"
 #include "tool/check/wording.h"
 #include "tool/pe/locate.h"
@@ -20,8 +21,25 @@ constexpr bool isSeparator(char c) noexcept { return c == '\\' || c == '/'; }
 /// Returns whether the path begins with a drive and a separator, or with two separators, so that it depends neither on
 /// a current folder nor on a search.
 bool isAbsolute(const std::string& path) {
+    if (nPe::isNative(path)) return true;
     const bool hasDrive = path.size() > 2 && path[1] == ':';
     return path.size() > 2 && (hasDrive ? isSeparator(path[2]) : isSeparator(path[0]) && isSeparator(path[1]));
+}
+
+/// Returns whether the path has more characters than every Windows accepts from the host: without the policy for long
+/// paths, 259. (Wine accepts 260, counted before anything is replaced or added, whatever the prefix.)
+bool isLong(const std::string& path) {
+    constexpr std::size_t longest = 259;
+    return path.size() > longest && nStdPath::fileNameFromUtf8(path).size() > longest;
+}
+
+/// Returns whether the path has a form that not every system accepts from the host, and finds it.
+bool isDoubtful(const std::string& path, const tExamined& examined) {
+    const bool tooLong = isLong(path) || isLong(nPe::withExtension(path));
+    const bool native = nPe::isNative(path);
+    if (tooLong) examined.add(nKeys::path, "long-path", quoted(path) + " has more than 259 characters");
+    if (native) examined.add(nKeys::path, "native-path", quoted(path) + R"( begins with \??\)");
+    return tooLong || native;
 }
 
 bool contains(const std::vector<nPe::tMissing>& list, const nPe::tMissing& missing) {
@@ -51,7 +69,9 @@ tLoadVerdict tLibraries::examine(const tExamined& examined) {
     if (path.find('/') != std::string::npos) {
         examined.add(nKeys::path, "forward-slashes", quoted(path) + " has forward slashes");
     }
-    return isAbsolute(path) ? examineAbsolute(examined) : examineRelative(examined);
+    const bool isOpen = isDoubtful(path, examined);
+    const tLoadVerdict verdict = isAbsolute(path) ? examineAbsolute(examined) : examineRelative(examined);
+    return isOpen ? std::min(verdict, tLoadVerdict::uncertain) : verdict;
 }
 
 tLoadVerdict tLibraries::examineAbsolute(const tExamined& examined) {

@@ -6,6 +6,7 @@ namespace nPe {
 namespace {
 
 constexpr std::string_view separators = "\\/";
+constexpr std::size_t prefixLength = 4;
 
 char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -40,7 +41,7 @@ std::string joined(std::string_view folder, std::string_view name) {
 }
 
 std::vector<std::string> partsOf(std::string_view path) {
-    if (path.starts_with(R"(\\?\)")) path.remove_prefix(4);
+    if (path.starts_with(R"(\\?\)") || isNative(path)) path.remove_prefix(prefixLength);
     std::vector<std::string> parts;
     while (!path.empty()) {
         const std::size_t end = std::min(path.find_first_of(separators), path.size());
@@ -71,7 +72,10 @@ bool isSearched(std::string_view path) noexcept {
     return !path.empty() && !isSeparator(path.front()) && !hasDrive(path);
 }
 
+bool isNative(std::string_view path) noexcept { return path.starts_with(R"(\??\)"); }
+
 std::string absolutePath(std::string_view path, std::string_view currentFolder) {
+    if (isNative(path)) return R"(\\?\)" + std::string(path.substr(prefixLength));
     const std::string_view drive = currentFolder.substr(0, 2);
     if (isSearched(path)) return joined(currentFolder, path);
     if (hasDrive(path)) {

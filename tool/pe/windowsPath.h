@@ -34,9 +34,12 @@ namespace nPe {
 /// Returns whether the loader searches for the path along its folders: it begins with neither a drive nor a separator.
 [[nodiscard]] bool isSearched(std::string_view path) noexcept;
 
+/// Returns whether the path begins with "\??\", as paths do inside Windows.
+[[nodiscard]] bool isNative(std::string_view path) noexcept;
+
 /// Returns the path as seen from the current folder: "x.dll", "\x.dll" and "C:x.dll" depend on it. On another drive
 /// than the current folder's, the drive's root is assumed to be current. Requires: a current folder that begins with a
-/// drive, such as "C:\Windows".
+/// drive, such as "C:\Windows". A native path is taken literally, as one that begins with "\\?\".
 [[nodiscard]] std::string absolutePath(std::string_view path, std::string_view currentFolder);
 
 }  // namespace nPe

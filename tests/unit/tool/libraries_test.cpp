@@ -142,6 +142,55 @@ TEST_F(libraries, OfAPathWithForwardSlashesOnlyFindImportsInTheHostsFolderOnly) 
               "Write backslashes in Path first: without them, Windows does not look in the library's own folder.");
 }
 
+/// Returns an absolute path with so many characters, whatever their size in UTF-8.
+std::string pathOfLength(std::size_t length, const std::string& character = "x") {
+    std::string path = R"(C:\P\)";
+    for (std::size_t i = path.size() + 4; i < length; ++i) path += character;
+    return path + ".dll";
+}
+
+TEST_F(libraries, OfAPathOf260CharactersAreOpenBecauseNotEveryWindowsLoadsThem) {
+    const std::string prefix = R"(\\?\)";
+    for (const std::string& path : {pathOfLength(259), pathOfLength(259, "\u540D"), prefix + pathOfLength(255)}) {
+        add(path);
+        EXPECT_EQ(examine(path), tLoadVerdict::succeeds) << path;
+        EXPECT_THAT(found(), IsEmpty()) << path;
+    }
+    for (const std::string& path : {pathOfLength(260), pathOfLength(260, "\u540D"), prefix + pathOfLength(256)}) {
+        add(path);
+        EXPECT_EQ(examine(path), tLoadVerdict::uncertain) << path;
+        EXPECT_THAT(ids(), ElementsAre("3 long-path")) << path;
+    }
+}
+
+TEST_F(libraries, OfALongPathAreOpenEvenIfOnlyItsExtensionOrBlanksMakeItLong) {
+    const std::string path = pathOfLength(260);
+    add(path);
+    EXPECT_EQ(examine(path.substr(0, 256)), tLoadVerdict::uncertain);
+    EXPECT_THAT(ids(), ElementsAre("3 long-path"));
+    add(R"(C:\P\a.dll)");
+    EXPECT_EQ(examine(R"(C:\P\a.dll)" + std::string(250, ' ')), tLoadVerdict::uncertain);
+    EXPECT_THAT(ids(), ElementsAre("3 long-path"));
+}
+
+TEST_F(libraries, OfALongPathDoNotLoadIfTheyAreMissing) {
+    EXPECT_EQ(examine(pathOfLength(300)), tLoadVerdict::fails);
+    EXPECT_THAT(ids(), ElementsAre("3 long-path", "3 missing-library"));
+}
+
+TEST_F(libraries, OfANativePathAreOpenBecauseWindowsMayRefuseIt) {
+    add(R"(\\?\C:\P\a.dll)", {"b.dll"});
+    add(R"(\\?\C:\P\b.dll)");
+    EXPECT_EQ(examine(R"(\??\C:\P\a)"), tLoadVerdict::uncertain);
+    EXPECT_THAT(ids(), ElementsAre("3 native-path"));
+    EXPECT_EQ(found()[0].message, R"("\??\C:\P\a" begins with \??\)");
+}
+
+TEST_F(libraries, OfANativePathDoNotLoadIfTheyAreMissing) {
+    EXPECT_EQ(examine(R"(\??\C:\P\a.dll)"), tLoadVerdict::fails);
+    EXPECT_THAT(ids(), ElementsAre("3 native-path", "3 missing-library"));
+}
+
 TEST_F(libraries, NeedWhatTheirImportsNeed) {
     add(R"(C:\P\a.dll)", {"b.dll"});
     add(R"(C:\P\b.dll)", {"c.dll"});

@@ -42,6 +42,12 @@ TEST(nPeLocate, TakesAnAbsolutePathAsItIs) {
     EXPECT_EQ(world.place(R"(C:\b\x.dll)"), "nowhere");
 }
 
+TEST(nPeLocate, TakesANativePathLiterally) {
+    tInvented world;
+    world.files = {R"(\\?\C:\a\x.dll)"};
+    EXPECT_EQ(world.place(R"(\??\C:\a\x)"), R"(\\?\C:\a\x.dll, imports from \\?\C:\a)");
+}
+
 TEST(nPeLocate, CompletesTheName) {
     tInvented world;
     world.files = {R"(C:\a\x.dll)", R"(C:\a\y)"};

@@ -81,5 +81,12 @@ TEST(nPeWindowsPath, BecomesAbsoluteFromTheCurrentFolder) {
     expect("", "C:");
 }
 
+TEST(nPeWindowsPath, IsTakenLiterallyIfItIsNative) {
+    EXPECT_TRUE(isNative(R"(\??\C:\a.dll)"));
+    for (const char* const path : {R"(\\?\C:\a.dll)", R"(\?\a.dll)", "C:\\a.dll", ""}) EXPECT_FALSE(isNative(path));
+    EXPECT_EQ(absolutePath(R"(\??\C:\a.dll)", R"(C:\now)"), R"(\\?\C:\a.dll)");
+    EXPECT_EQ(partsOf(R"(\??\C:\a.dll)"), (std::vector<std::string>{"C:", "a.dll"}));
+}
+
 }  // namespace
 }  // namespace nPe
