@@ -60,7 +60,8 @@ bool dependsOnUnpredicted(const tPrediction& prediction, const tPrediction::tPlu
 
 /// Returns whether a finding says why it is not known what Windows does with the library.
 bool isUncertain(const tPrediction& prediction, const tPrediction::tPlugin& plugin) {
-    constexpr std::array<std::string_view, 3> reasons{"relative-path", "forward-slashes", "not-a-dll"};
+    constexpr std::array<std::string_view, 5> reasons{"relative-path", "forward-slashes", "not-a-dll", "long-path",
+                                                      "native-path"};
     return std::ranges::any_of(prediction.findings, [&](const tPrediction::tFinding& finding) {
         return finding.file == plugin.file && std::ranges::count(reasons, finding.id) != 0;
     });
@@ -91,6 +92,9 @@ void comparePlugin(tDifferences& differences, const tPrediction& prediction, std
     differences.compare("features of " + what, std::to_string(predicted.requiresMask), hosted.requiresText);
     if (predicted.code) {
         differences.compare("code of " + what, std::to_string(*predicted.code), std::to_string(hosted.code));
+    }
+    if (!predicted.mayStart && hosted.code >= 0) {
+        differences.add("code of " + what + ": predicted to fail, hosted " + std::to_string(hosted.code));
     }
     const tOrigin origin = originOf(prediction, index, hosted);
     if (origin == tOrigin::unknownCode) differences.add("code of " + what + ": the host never decides on this one");

@@ -58,6 +58,23 @@ TEST(comparison, FindsEachThingThatDiffers) {
     }
 }
 
+TEST(comparison, FindsAPluginThatStartsAlthoughItMustFail) {
+    for (const std::int32_t code : {-7, 0, 3}) {
+        tPair pair;
+        pair.prediction.plugins[0].mayStart = false;
+        pair.hosting.status.plugins[0] = {"A (depends on )", "C:\\a.dll", "1",
+                                          code < 0   ? "InitFails7"
+                                          : code > 0 ? "InitWarning3"
+                                                     : "InitOk",
+                                          code};
+        if (code < 0) {
+            EXPECT_THAT(pair.differences(), testing::IsEmpty());
+        } else {
+            EXPECT_THAT(pair.differences(), testing::ElementsAre(testing::HasSubstr("predicted to fail")));
+        }
+    }
+}
+
 TEST(comparison, AcceptsAnOpenCodeOnlyIfCodeOfAPluginDecides) {
     tPair pair;
     pair.prediction.plugins[0].code = -52002;

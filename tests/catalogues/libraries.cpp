@@ -141,10 +141,17 @@ bool containsName(const std::string& path, const char* name) {
     return withCase(path, [](int c) { return std::tolower(c); }).find(name) != std::string::npos;
 }
 
+/// Returns the path with so many more separators before its name that it is as long as some system accepts, or longer.
+std::string lengthened(tRandom& random, const std::string& path) {
+    const std::size_t length = 257 + random.below(7);
+    const std::size_t missing = path.size() < length ? length - path.size() : 0;
+    return withLastSlash(path, std::string(missing + 1, '\\'));
+}
+
 /// Requires: an absolute path.
 std::string writtenDifferently(tRandom& random, const std::string& path) {
     constexpr std::size_t drive = 2;
-    switch (random.below(16)) {
+    switch (random.below(19)) {
         case 0:
         case 1: return withSlashes(path);
         case 2: return withLastSlash(path, "/");
@@ -160,6 +167,9 @@ std::string writtenDifferently(tRandom& random, const std::string& path) {
         case 12: return "%SystemDrive%" + path.substr(drive);
         case 13: return path.substr(drive);
         case 14: return "\"" + path;
+        case 15: return R"(\??\)" + path;
+        case 16: return lengthened(random, path);
+        case 17: return R"(\\?\)" + withLastSlash(path, "/");
         default: return lastName(path);
     }
 }

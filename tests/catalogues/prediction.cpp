@@ -15,8 +15,9 @@ std::optional<Value> optionalValue(const tJson& value) {
 }
 
 tPrediction::tPlugin readPlugin(const tJson& plugin) {
-    return {plugin.at("file"), plugin.at("name"),     plugin.at("dependencies"),
-            plugin.at("path"), plugin.at("requires"), optionalValue<std::int32_t>(plugin.at("code"))};
+    return {plugin.at("file"),    plugin.at("name"),     plugin.at("dependencies"),
+            plugin.at("path"),    plugin.at("requires"), optionalValue<std::int32_t>(plugin.at("code")),
+            plugin.at("mayStart")};
 }
 
 tPrediction::tFinding readFinding(const tJson& finding) {

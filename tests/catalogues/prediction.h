@@ -16,6 +16,7 @@ struct tPrediction {
         std::string path;
         std::uint32_t requiresMask = 0;
         std::optional<std::int32_t> code;
+        bool mayStart = true;
     };
     struct tFinding {
         std::string id;
