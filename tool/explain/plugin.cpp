@@ -178,10 +178,12 @@ private:
         return code == -52002 || code == -52005 || code == -52006;
     }
 
-    /// A library on another machine has not been looked at, so nothing is known about the next start.
+    /// A library on another machine has not been looked at, and not every Windows accepts every path, so nothing is
+    /// known about the next start.
     static bool isExamined(const tStep& step) {
         return std::none_of(step.findings.begin(), step.findings.end(), [](const tFinding& finding) {
-            return finding.id == "unmapped-path" || finding.id == "unreadable-library";
+            return finding.id == "unmapped-path" || finding.id == "unreadable-library" || finding.id == "long-path" ||
+                   finding.id == "native-path";
         });
     }
 

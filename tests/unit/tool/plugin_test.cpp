@@ -135,7 +135,7 @@ TEST(nExplainPlugin, NoticesThatACauseHasBeenRemoved) {
 }
 
 TEST(nExplainPlugin, DoesNotBelieveInTheRemovalOfACauseThatWasNotExamined) {
-    for (const char* const rule : {"unmapped-path", "unreadable-library"}) {
+    for (const char* const rule : {"unmapped-path", "unreadable-library", "long-path", "native-path"}) {
         nCheck::tPrediction forecast = prediction({predicted("A", std::nullopt)});
         forecast.findings.push_back({rule, tSeverity::note, "A.ini", 1, "A", "not looked at", "Look."});
         const auto explanation = explainPlugin("A", evidence(report({shown("A", -52005)}), forecast));
