@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "ini/line.h"
 #include "ini/lineReader.h"
@@ -16,6 +14,7 @@ namespace {
 
 namespace nKeys = nDescriptionFormat::nKeys;
 using nWording::quoted;
+using tWords = tFileFindings::tWords;
 
 constexpr const char* rejects = ": the host rejects the whole file";
 
@@ -49,24 +48,25 @@ tExplanation explain(nIni::tLineKind kind, std::string_view text) {
 /// Reads the lines one after another and remembers what the later ones depend on.
 class tLines {
 public:
-    explicit tLines(tFileFindings& findings) : findings_(findings) {}
+    tLines(const tKeyLines& counting, tFileFindings& findings) : counting_(counting), findings_(findings) {}
 
     void read(std::string_view text, int number);
-    void finish(bool rejected, const tKeyLines& counting);
+    void finish(bool rejected);
 
 private:
     void reportMalformed(nIni::tLineKind kind, std::string_view text, int number);
     void readHeader(std::string_view name, int number);
     void readKey(std::string_view name, int number);
     void readServiceKey(std::string_view name, int number);
+    void reportRepeatedKey(std::string_view key, int number);
     void reportUnknownKey(std::string_view name, int number);
 
+    const tKeyLines& counting_;
     tFileFindings& findings_;
     bool hasSection_ = false;
     bool hasService_ = false;
     bool inService_ = false;
     bool inContinuation_ = false;  ///< whether the previous key of the section was part of a run of continuation keys
-    std::vector<std::pair<std::string_view, int>> keys_;  ///< the keys that the host knows, and their lines
 };
 
 void tLines::read(std::string_view text, int number) {
@@ -78,11 +78,13 @@ void tLines::read(std::string_view text, int number) {
 
 void tLines::reportMalformed(nIni::tLineKind kind, std::string_view text, int number) {
     if (kind == nIni::tLineKind::blank) {
-        findings_.add("blank-line", number, std::string("blank line") + rejects);
+        findings_.add("blank-line", number, [] { return tWords{std::string("blank line") + rejects}; });
         return;
     }
-    const auto [what, remedy] = explain(kind, text);
-    findings_.add("malformed-line", number, std::string(what) + rejects, remedy);
+    findings_.add("malformed-line", number, [kind, text] {
+        const auto [what, remedy] = explain(kind, text);
+        return tWords{std::string(what) + rejects, remedy};
+    });
 }
 
 void tLines::readHeader(std::string_view name, int number) {
@@ -91,15 +93,19 @@ void tLines::readHeader(std::string_view name, int number) {
     inService_ = isService(name);
     hasService_ = hasService_ || inService_;
     if (inService_) return;
-    const bool similar = nSimilarNames::areSimilar(name, nDescriptionFormat::section);
-    findings_.add(similar ? "misspelt-section" : "unknown-section", number,
-                  "the host ignores section " + quoted(name) + (similar ? "; it reads \"Service\"" : ""),
-                  similar ? "Write [Service]." : "");
+    if (nSimilarNames::areSimilar(name, nDescriptionFormat::section)) {
+        findings_.add("misspelt-section", number, [name] {
+            return tWords{"the host ignores section " + quoted(name) + "; it reads \"Service\"", "Write [Service]."};
+        });
+    } else {
+        findings_.add("unknown-section", number, [name] { return tWords{"the host ignores section " + quoted(name)}; });
+    }
 }
 
 void tLines::readKey(std::string_view name, int number) {
     if (!hasSection_) {
-        findings_.add("key-before-section", number, "the host ignores " + quoted(name) + ", which is in no section");
+        findings_.add("key-before-section", number,
+                      [name] { return tWords{"the host ignores " + quoted(name) + ", which is in no section"}; });
     } else if (inService_) {
         readServiceKey(name, number);
     }
@@ -112,37 +118,40 @@ void tLines::readServiceKey(std::string_view name, int number) {
     if (continues) return;
     const std::optional<std::string_view> key = knownKey(inContinuation_ ? continuation->stem : name);
     if (key) {
-        keys_.emplace_back(*key, number);
+        reportRepeatedKey(*key, number);
     } else {
         reportUnknownKey(name, number);
     }
 }
 
+void tLines::reportRepeatedKey(std::string_view key, int number) {
+    const std::optional<int> counts = counting_.of(key);
+    if (!counts || *counts == number) return;
+    findings_.add("repeated-key", number,
+                  [&] { return tWords{quoted(key) + " does not count here but in line " + std::to_string(*counts)}; });
+}
+
 void tLines::reportUnknownKey(std::string_view name, int number) {
     if (const auto continuation = nIni::toContinuation(name); continuation && knownKey(continuation->stem)) {
-        findings_.add("misspelt-key", number, quoted(name) + " continues nothing",
-                      "Begin with " + std::string(continuation->stem) + " Line1, and continue in the next line.");
+        findings_.add("misspelt-key", number, [&] {
+            return tWords{quoted(name) + " continues nothing",
+                          "Begin with " + std::string(continuation->stem) + " Line1, and continue in the next line."};
+        });
         return;
     }
-    const std::optional<std::string_view> meant = nSimilarNames::closest(name, nKeys::all);
-    const std::string message = "the host does not know " + quoted(name);
-    if (meant) {
-        findings_.add("misspelt-key", number, message + "; it reads " + quoted(*meant),
-                      "Write " + std::string(*meant) + "=, or remove the line.");
+    if (const auto meant = nSimilarNames::closest(name, nKeys::all)) {
+        findings_.add("misspelt-key", number, [&] {
+            return tWords{"the host does not know " + quoted(name) + "; it reads " + quoted(*meant),
+                          "Write " + std::string(*meant) + "=, or remove the line."};
+        });
     } else {
-        findings_.add("unknown-key", number, message);
+        findings_.add("unknown-key", number, [name] { return tWords{"the host does not know " + quoted(name)}; });
     }
 }
 
-void tLines::finish(bool rejected, const tKeyLines& counting) {
+void tLines::finish(bool rejected) {
     if (!hasService_ && !rejected) {
         findings_.add("no-service-section", std::nullopt, "there is no section [Service], so the description is empty");
-    }
-    for (const auto& [key, line] : keys_) {
-        const std::optional<int> counts = counting.of(key);
-        if (!counts || *counts == line) continue;
-        findings_.add("repeated-key", line,
-                      quoted(key) + " does not count here but in line " + std::to_string(*counts));
     }
 }
 
@@ -155,7 +164,7 @@ bool looksWide(std::string_view text) {
 
 /// Reports bytes that are no text.
 void checkBytes(std::string_view line, bool endsWithZero, int number, bool& isUtf8, tFileFindings& findings) {
-    if (endsWithZero) findings.add("zero-byte", number, "a zero byte ends the line");
+    if (endsWithZero) findings.add("zero-byte", number, [] { return tWords{"a zero byte ends the line"}; });
     if (!isUtf8 || nWording::isUtf8(line)) return;
     isUtf8 = false;
     findings.add("not-utf-8", number, "the text is not valid UTF-8 from here on");
@@ -173,14 +182,14 @@ void findInLines(std::string_view text, bool rejected, const tKeyLines& counting
     const char* const end = content.data() + content.size();
     nIni::tLineReader reader;
     reader.setBlock(content, true);
-    tLines lines(findings);
+    tLines lines(counting, findings);
     bool isUtf8 = true;
     while (const std::optional<std::string_view> line = reader.next()) {
         const char* const lineEnd = line->data() + line->size();
         checkBytes(*line, lineEnd < end && *lineEnd == 0, reader.lineNumber(), isUtf8, findings);
         lines.read(*line, reader.lineNumber());
     }
-    lines.finish(rejected, counting);
+    lines.finish(rejected);
 }
 
 }  // namespace nCheck

@@ -13,16 +13,21 @@ constexpr std::size_t keptOfEachRule = 20;
 
 }  // namespace
 
-void tFileFindings::add(std::string_view rule, std::optional<int> line, std::string message, std::string remedy) {
-    tCount& count = counts_[nRules::find(rule)->id];
-    if (++count.all > keptOfEachRule) return;
-    count.lastKept = findings_.size();
-    findings_.push_back(nRules::finding(rule, file_, line, std::nullopt, std::move(message)));
-    if (!remedy.empty()) findings_.back().remedy = std::move(remedy);
+bool tFileFindings::count(std::string_view rule) {
+    auto count = std::find_if(counts_.begin(), counts_.end(), [&](const tCount& other) { return other.rule == rule; });
+    if (count == counts_.end()) count = counts_.insert(count, {nRules::find(rule)->id});
+    if (++count->all > keptOfEachRule) return false;
+    count->lastKept = findings_.size();
+    return true;
+}
+
+void tFileFindings::keep(std::string_view rule, std::optional<int> line, tWords words) {
+    findings_.push_back(nRules::finding(rule, file_, line, std::nullopt, std::move(words.message)));
+    if (!words.remedy.empty()) findings_.back().remedy = std::move(words.remedy);
 }
 
 std::vector<tFinding> tFileFindings::take(const std::string& plugin) {
-    for (const auto& [rule, count] : counts_) {
+    for (const tCount& count : counts_) {
         if (count.all <= keptOfEachRule) continue;
         findings_[count.lastKept].message +=
             " (and " + std::to_string(count.all - keptOfEachRule) + " more of this kind in the file)";

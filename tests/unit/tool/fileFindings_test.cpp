@@ -60,4 +60,21 @@ TEST(tFileFindings, KeepTwentyOfEachKindAndSayHowManyMoreThereAre) {
     EXPECT_THAT(findings.take(""), IsEmpty());
 }
 
+TEST(tFileFindings, AreDescribedOnlyIfTheyAreKept) {
+    tFileFindings findings("a.ini");
+    int described = 0;
+    for (int line = 1; line <= 1000; ++line) {
+        findings.add("blank-line", line, [&described] {
+            ++described;
+            return tFileFindings::tWords{"blank", "Fill it."};
+        });
+    }
+    EXPECT_EQ(described, 20);
+    const std::vector<tFinding> taken = findings.take("");
+    ASSERT_EQ(taken.size(), 20U);
+    EXPECT_EQ(taken[18].message, "blank");
+    EXPECT_EQ(taken[19].message, "blank (and 980 more of this kind in the file)");
+    EXPECT_EQ(taken[19].remedy, "Fill it.");
+}
+
 }  // namespace
