@@ -117,14 +117,17 @@ std::size_t columns(std::string_view text) {
 
 std::string shortened(std::string_view text, std::size_t columns) {
     if (text.size() <= columns) return std::string(text);  // no character takes more columns than bytes
+    constexpr std::size_t bytesPerColumn = 16;             // of a character with its marks, of which there may be many
     std::size_t count = 0;
     std::size_t fitting = 0;  // bytes that leave room for the ellipsis
     for (std::size_t at = 0; at < text.size();) {
         if (count < columns) fitting = at;
         const tCharacter character = firstCharacter(text.substr(at));
         count += columnsOf(character.codePoint);
-        if (count > columns) return std::string(text.substr(0, fitting)).append(ellipsis);
         at += character.size;
+        if (count > columns || at > bytesPerColumn * columns) {
+            return std::string(text.substr(0, fitting)).append(ellipsis);
+        }
     }
     return std::string(text);
 }

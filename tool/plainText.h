@@ -19,8 +19,8 @@ namespace nPlainText {
 /// Returns how many columns of a terminal the text takes. Requires: a printable text.
 [[nodiscard]] std::size_t columns(std::string_view text);
 
-/// Returns the text, or as much of its beginning as fits into so many columns together with an ellipsis.
-/// Requires: a printable text.
+/// Returns the text, or as much of its beginning as fits into so many columns together with an ellipsis, and has at
+/// most a few bytes for each: marks take no columns. Requires: a printable text.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
 
 }  // namespace nPlainText

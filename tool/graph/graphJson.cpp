@@ -4,6 +4,7 @@
 #include "tool/findingJson.h"
 #include "tool/graph/graphText.h"
 #include "tool/graph/nodeText.h"
+#include "tool/status/plainText.h"
 
 namespace nGraph {
 namespace {
@@ -16,6 +17,26 @@ tJson toJson(const tNode& node) {
             {"code", node.code ? tJson(*node.code) : tJson(nullptr)},
             {"mayStart", node.mayStart},
             {"circle", node.circle != 0 ? tJson(node.circle) : tJson(nullptr)}};
+}
+
+/// Lists the dependencies of each plug-in. Each of them repeats the plug-in's name, so a name of megabytes is shortened
+/// there; that of the dependency is as long as in the description.
+tJson dependenciesOf(const tGraph& graph) {
+    constexpr std::size_t longestRepeated = 200;
+    tJson dependencies = tJson::array();
+    std::string plugin;
+    for (std::size_t i = 0; i < graph.links.size(); ++i) {
+        const tLink& link = graph.links[i];
+        const bool isFirst = i == 0 || graph.links[i - 1].dependant != link.dependant;
+        if (isFirst) plugin = nPlainText::shortened(graph.nodes[link.dependant].name, longestRepeated);
+        const tNode& dependency = graph.nodes[link.dependency];
+        dependencies.push_back({{"plugin", plugin},
+                                {"order", link.dependant + 1},
+                                {"dependsOn", dependency.name},
+                                {"dependsOnOrder", dependency.described ? tJson(link.dependency + 1) : tJson(nullptr)},
+                                {"state", kindName(link.kind)}});
+    }
+    return dependencies;
 }
 
 /// Lists the members of each circle in start order.
@@ -41,24 +62,14 @@ std::string toJson(const tGraph& graph, const std::string& directory) {
             missing.push_back(node.name);
         }
     }
-    tJson dependencies = tJson::array();
-    for (const tLink& link : graph.links) {
-        const bool described = graph.nodes[link.dependency].described;
-        dependencies.push_back({{"plugin", graph.nodes[link.dependant].name},
-                                {"order", link.dependant + 1},
-                                {"dependsOn", graph.nodes[link.dependency].name},
-                                {"dependsOnOrder", described ? tJson(link.dependency + 1) : tJson(nullptr)},
-                                {"state", kindName(link.kind)}});
-    }
-    const tJson document{{"schema", 1},
-                         {"directory", directory},
-                         {"allowed", graph.allowedMask},
-                         {"messages", graph.messages},
-                         {"plugins", plugins},
-                         {"dependencies", dependencies},
-                         {"circles", circlesOf(graph)},
-                         {"missing", missing}};
-    return nJson::toText(document);
+    return nJson::toText({{"schema", 1},
+                          {"directory", directory},
+                          {"allowed", graph.allowedMask},
+                          {"messages", graph.messages},
+                          {"plugins", std::move(plugins)},
+                          {"dependencies", dependenciesOf(graph)},
+                          {"circles", circlesOf(graph)},
+                          {"missing", std::move(missing)}});
 }
 
 }  // namespace nGraph

@@ -118,6 +118,7 @@ public:
             const tNode& node = graph.nodes[index];
             texts_.push_back({node.described ? std::to_string(index + 1) : "?",
                               nPlainText::shortened(presentable(node.name), longestName), states[index]});
+            hintNames_.push_back(nPlainText::shortened(presentable(node.name), longestHint));
         }
         measure();
         layout_ = arrange(graph, {boxWidth_, boxHeight});
@@ -205,11 +206,8 @@ private:
         element += " d=\"" + pathData(route) + "\"";
         if (!route.link) return element + "/>\n";
         const tLink& link = graph_.links[*route.link];
-        const auto name = [this](std::size_t index) {
-            return nPlainText::shortened(presentable(graph_.nodes[index].name), longestHint);
-        };
-        const std::string text =
-            name(link.dependant) + " depends on " + name(link.dependency) + ": " + std::string(kindText(link.kind));
+        const std::string text = hintNames_[link.dependant] + " depends on " + hintNames_[link.dependency] + ": " +
+                                 std::string(kindText(link.kind));
         return element + ">" + hint(text) + "</path>\n";
     }
 
@@ -269,6 +267,7 @@ private:
     std::string title_;
     std::string summary_;
     std::vector<tBoxText> texts_;
+    std::vector<std::string> hintNames_;  ///< of the nodes, in the hints of links
     double tabWidth_ = 0;
     double boxWidth_ = 0;
     tLayout layout_;

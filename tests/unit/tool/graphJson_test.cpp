@@ -42,6 +42,28 @@ TEST(nGraphJson, ContainsTheDependenciesWithTheirState) {
         {"plugin": "Victim", "order": 10, "dependsOn": "Broken", "dependsOnOrder": 1, "state": "failed"}])"));
 }
 
+TEST(nGraphJson, DoesNotRepeatALongNameForEachDependency) {
+    const std::string longName(100'000, 'n');
+    std::vector<std::string> dependencies;
+    for (int i = 0; i < 1000; ++i) dependencies.push_back("D" + std::to_string(i));
+    const tGraph graph = graphOf({plugin(longName, dependencies, -52006)});
+    EXPECT_LT(toJson(graph, "").size(), 600'000U) << "a hundred megabytes, if each repeats it";
+    const json document = parsed(graph);
+    EXPECT_EQ(document["plugins"][0]["name"], longName);
+    EXPECT_EQ(document["dependencies"][999]["plugin"], std::string(199, 'n') + "…");
+    EXPECT_EQ(document["dependencies"][999]["order"], 1);
+}
+
+TEST(nGraphJson, RepeatsANameOfUsualLengthAsItIs) {
+    const std::string name(200, 'n');
+    EXPECT_EQ(parsed(graphOf({plugin(name, {"D"}, -52006)}))["dependencies"][0]["plugin"], name);
+}
+
+TEST(nGraphJson, ContainsTheWholeNameOfADependency) {
+    const std::string longName(1000, 'n');
+    EXPECT_EQ(parsed(graphOf({plugin("A", {longName}, -52006)}))["dependencies"][0]["dependsOn"], longName);
+}
+
 TEST(nGraphJson, ListsCirclesAndMissingNames) {
     const json document = parsed(graphOfAllKinds());
     EXPECT_EQ(document["circles"], json::parse(R"([["CircleA", "CircleB"]])"));

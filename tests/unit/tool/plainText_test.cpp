@@ -121,6 +121,13 @@ TEST(nPlainText, ShortensATextToItsBeginningAndAnEllipsis) {
     EXPECT_EQ(nPlainText::shortened("", 0), "");
 }
 
+TEST(nPlainText, ShortensATextOfMarksThatTakeNoColumns) {
+    std::string marks;
+    for (int i = 0; i < 1000; ++i) marks += "\xCC\x81";
+    EXPECT_EQ(nPlainText::shortened(marks.substr(0, 160), 10), marks.substr(0, 160));
+    EXPECT_EQ(nPlainText::shortened(marks, 10), marks.substr(0, 160) + "\xE2\x80\xA6");
+}
+
 TEST(nPlainText, CutsNoWideCharacterInTwo) {
     const std::string wide = "\xE6\x8F\x92";
     EXPECT_EQ(nPlainText::shortened(wide + wide + wide, 6), wide + wide + wide);

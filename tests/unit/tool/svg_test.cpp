@@ -104,6 +104,14 @@ TEST(nGraphSvg, ShortensLongNamesAndShowsThemWholeAsAHint) {
     EXPECT_THAT(svg, HasSubstr(">" + std::string(33, 'n') + "…</text>"));
 }
 
+TEST(nGraphSvg, DoesNotRepeatALongNameForEachLine) {
+    std::string marks;  // take no columns
+    while (marks.size() < 100'000) marks += "\xCC\x81";
+    std::vector<std::string> dependencies;
+    for (int i = 0; i < 1000; ++i) dependencies.push_back("D" + std::to_string(i));
+    EXPECT_LT(toSvg(graphOf({plugin(marks, dependencies, -52006)}), "title").size(), 3'000'000U);
+}
+
 TEST(nGraphSvg, LeavesRoomForEveryText) {
     const std::string svg = toSvg(graphOf({plugin(std::string(34, 'W')), plugin("B")}), std::string(200, 'T'));
     constexpr double widthOfALetter = 7.83;  // of DejaVu Sans Mono, the widest of the fonts, at 13 pixels
