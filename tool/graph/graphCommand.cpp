@@ -29,6 +29,18 @@ std::string render(const tArguments& arguments, const nCheck::tPrediction& predi
     return arguments.mermaid ? toMermaid(graph) : toDot(graph);
 }
 
+/// Reports the descriptions that the host rejects, and the files that it does not see.
+void reportWhatIsNotDrawn(const nCheck::tPrediction& prediction, tContext& context) {
+    for (const std::string& message : prediction.messages) {
+        context.error << "ziptra: The host will report: " << nPlainText::printable(message) << '\n';
+    }
+    for (const tFinding& finding : prediction.findings) {
+        if (finding.id != "unseen-file" && finding.id != "unseen-folder") continue;
+        context.error << "ziptra: Not drawn: " << nPlainText::printable(finding.file) << ": " << finding.message
+                      << '\n';
+    }
+}
+
 void run(const tArguments& arguments, tContext& context) {
     const nCheck::tPrediction prediction = nRequest::predict(arguments.request, context);
     const std::string text = render(arguments, prediction);
@@ -37,9 +49,7 @@ void run(const tArguments& arguments, tContext& context) {
     } else {
         nOutputFile::replace(arguments.output, text);
     }
-    for (const std::string& message : prediction.messages) {
-        context.error << "ziptra: The host will report: " << nPlainText::printable(message) << '\n';
-    }
+    reportWhatIsNotDrawn(prediction, context);
 }
 
 void addFormats(CLI::App& command, tArguments& arguments) {

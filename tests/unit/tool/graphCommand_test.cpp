@@ -77,6 +77,23 @@ TEST_F(nGraphCommand, PassesOnWhatTheHostWillReport) {
     EXPECT_THAT(result.error, StartsWith("ziptra: The host will report: Failed to parse service description file: "));
 }
 
+TEST_F(nGraphCommand, SaysThatItDoesNotDrawAFileThatIsNoDescription) {
+    const std::string file = folder.write("notes.txt", "[Service]\nName=Notes\n");
+    const tToolRun result({"graph", file});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.error, "ziptra: Not drawn: " + file +
+                                ": the host does not see the file: its extension is not \".ini\" in lower case\n");
+}
+
+TEST_F(nGraphCommand, SaysWhatTheHostDoesNotSeeInADirectory) {
+    folder.write("c.INI", "[Service]\nName=Capital\n");
+    folder.makeFolder("d.ini");
+    const tToolRun result = run({});
+    EXPECT_THAT(result.error, HasSubstr("c.INI: the host does not see the file"));
+    EXPECT_THAT(result.error, HasSubstr("d.ini: a folder named like a description"));
+    EXPECT_THAT(result.out, testing::Not(HasSubstr("Capital")));
+}
+
 TEST(nGraphCommandWithout, ADirectoryEndsWithTwoAndASentence) {
     const tFolder folder;
     const tToolRun result({"graph", folder.utf8("missing")});
