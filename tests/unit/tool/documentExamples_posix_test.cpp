@@ -4,18 +4,13 @@
 #include <filesystem>
 
 #include "tests/unit/tool/checkHelpers.h"
+#include "tests/unit/tool/sources.h"
 #include "tests/unit/tool/toolRun.h"
 
 namespace {
 
+using support::sources;
 using support::tToolRun;
-
-/// The source folder: the working folder or one above it.
-std::filesystem::path sources() {
-    std::filesystem::path folder = std::filesystem::current_path();
-    while (!exists(folder / "docs" / "tool.md") && folder.has_relative_path()) folder = folder.parent_path();
-    return folder;
-}
 
 /// Makes a folder the working folder while it exists.
 class tWorkingFolder {
