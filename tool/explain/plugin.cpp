@@ -1,6 +1,8 @@
 #include "tool/explain/plugin.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "tool/check/similarNames.h"
@@ -16,17 +18,25 @@ using nGraph::tNode;
 
 constexpr const char* restart = "restart the service";
 
-/// Returns the node of this name that matters most: the first that fails, or else the first; nullopt if there is none.
-std::optional<std::size_t> findNode(const tGraph& graph, const std::string& name) {
-    std::optional<std::size_t> found;
-    for (std::size_t index = 0; index < graph.nodes.size(); ++index) {
-        const tNode& node = graph.nodes[index];
-        if (node.name != name) continue;
-        if (node.fails()) return index;
-        if (!found) found = index;
+/// The nodes of a graph by name. Of several, the one that matters most: the first that fails, or else the first.
+class tNodeNames {
+public:
+    /// Borrows the graph's names.
+    explicit tNodeNames(const tGraph& graph) {
+        for (std::size_t index = 0; index < graph.nodes.size(); ++index) {
+            const auto [known, isNew] = indices_.emplace(graph.nodes[index].name, index);
+            if (!isNew && graph.nodes[index].fails() && !graph.nodes[known->second].fails()) known->second = index;
+        }
     }
-    return found;
-}
+
+    [[nodiscard]] std::optional<std::size_t> find(std::string_view name) const {
+        const auto found = indices_.find(name);
+        return found == indices_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+private:
+    std::unordered_map<std::string_view, std::size_t> indices_;
+};
 
 std::vector<std::string> allMessages(const tEvidence& evidence) {
     std::vector<std::string> messages;
@@ -72,11 +82,11 @@ public:
         explanation_.name = name;
         if (evidence.status) {
             did_ = nGraph::fromReport(*evidence.status);
-            inStatus_ = findNode(*did_, name);
+            inStatus_ = tNodeNames(*did_).find(name);
         }
         if (evidence.prediction) {
             will_ = nGraph::fromPrediction(*evidence.prediction);
-            inPrediction_ = findNode(*will_, name);
+            inPrediction_ = tNodeNames(*will_).find(name);
         }
     }
 
@@ -152,9 +162,10 @@ private:
     /// What the host decided may have changed since.
     void compareWithPrediction() {
         if (!will_) return;
+        const tNodeNames names(*will_);
         for (const tStep& step : explanation_.steps) {
             if (step.remedy.empty() || !step.code) continue;
-            const auto now = findNode(*will_, step.plugin);
+            const auto now = names.find(step.plugin);
             if (!now || !will_->nodes[*now].described) {
                 note(fmt::format("There is no description of {} any more.", step.plugin));
             } else if (will_->nodes[*now].code != step.code && isOfHost(*step.code) && isExamined(step)) {

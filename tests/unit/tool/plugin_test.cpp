@@ -151,6 +151,26 @@ TEST(nExplainPlugin, NoticesThatACauseHasChanged) {
     EXPECT_THAT(explanation.first, HasSubstr("check `Path`"));
 }
 
+TEST(nExplainPlugin, ComparesAHundredThousandPluginsWithTheNextStart) {
+    // Searching all of them for each would take minutes.
+    constexpr int count = 100'000;
+    std::vector<std::string> names;
+    for (int i = 0; i < count; ++i) names.push_back("P" + std::to_string(i));
+    std::vector<nStatus::tPlugin> before{shown(names[0], -52005)};
+    std::vector<nCheck::tPredictedPlugin> next{predicted(names[0], -52002)};
+    for (std::size_t i = 1; i < count; ++i) {
+        before.push_back(shown(names[i], -52005));
+        next.push_back(predicted(names[i], -52002));
+        before[0].dependencies.push_back(names[i]);
+    }
+    std::sort(before[0].dependencies.begin(), before[0].dependencies.end());
+    before[0].calls[0].code = -52006;
+    std::rotate(before.begin(), before.begin() + 1, before.end());
+    const auto explanation = explainPlugin("P0", evidence(report(std::move(before)), prediction(std::move(next))));
+    EXPECT_THAT(explanation.steps, SizeIs(count));
+    EXPECT_THAT(explanation.notes, SizeIs(count - 1));
+}
+
 TEST(nExplainPlugin, NoticesThatADescriptionIsGone) {
     const auto explanation = explainPlugin("A", evidence(report({shown("A", -52005)}), prediction({})));
     EXPECT_THAT(explanation.notes, ElementsAre("There is no description of A any more."));
