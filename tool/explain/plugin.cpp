@@ -9,6 +9,7 @@
 #include "tool/codes.h"
 #include "tool/explain/code.h"
 #include "tool/format.h"
+#include "tool/status/statusSummary.h"
 
 namespace nExplain {
 namespace {
@@ -68,9 +69,9 @@ std::vector<tShownCall> callsOf(const nStatus::tPlugin& plugin) {
     return calls;
 }
 
-std::int32_t codeOf(const std::vector<tShownCall>& calls, nStatus::tPhase phase) {
+std::int32_t startCode(const std::vector<tShownCall>& calls) {
     for (const tShownCall& call : calls) {
-        if (call.phase == phase) return call.code;
+        if (call.phase == nStatus::tPhase::initialize) return call.code;
     }
     return 0;
 }
@@ -124,7 +125,7 @@ private:
     }
 
     void explainShown() {
-        const std::int32_t code = codeOf(*explanation_.calls, nStatus::tPhase::initialize);
+        const std::int32_t code = startCode(*explanation_.calls);
         if (code < 0) {
             explanation_.verdict = tVerdict::failed;
             explanation_.summary = fmt::format("{} did not start: {}.", explanation_.name, codeText(code));
@@ -145,17 +146,21 @@ private:
 
     /// Stop and Cleanup may fail after a start that succeeded.
     void explainLaterCalls() {
-        for (const nStatus::tPhase phase : {nStatus::tPhase::stop, nStatus::tPhase::cleanup}) {
-            const std::int32_t code = codeOf(*explanation_.calls, phase);
-            if (code >= 0) continue;
-            const char* const call = phase == nStatus::tPhase::stop ? "Stop" : "Cleanup";
-            std::string meaning;
-            for (const tCode* const entry : nCodes::find(code)) {
-                if (entry->shownAs != nCodes::inCodeLine || !meaning.empty()) continue;
-                meaning = entry->meaning;
-                if (explanation_.first.empty()) explanation_.first = entry->remedy;
+        for (const tShownCall& call : *explanation_.calls) {
+            if (call.phase == nStatus::tPhase::initialize || call.code >= 0) continue;
+            std::string meaning = fmt::format("its entry point {} returned this code of its own", call.entry);
+            std::string remedy = "look it up in the plug-in's documentation";
+            const std::vector<const tCode*> codes = nCodes::find(call.code);
+            const auto known = std::find_if(codes.begin(), codes.end(), [&call](const tCode* code) {
+                return nStatus::isLikely(*code, call.phase);
+            });
+            if (known != codes.end()) {
+                meaning = (*known)->meaning;
+                remedy = (*known)->remedy;
             }
-            note(fmt::format("Its {} failed with {}: {}.", call, codeText(code), meaning));
+            if (explanation_.first.empty()) explanation_.first = remedy;
+            const char* const name = call.phase == nStatus::tPhase::stop ? "Stop" : "Cleanup";
+            note(fmt::format("Its {} failed with {}: {}.", name, codeText(call.code), meaning));
         }
     }
 

@@ -14,13 +14,6 @@ constexpr std::int32_t dependencyNotStarted = -52006;
 constexpr int cannotBeUnloaded = 225;
 constexpr int notLoaded = 280;
 
-/// Returns whether such a call can have ended so. The host refuses only starts, and it unloads libraries after Cleanup.
-bool isLikely(const tCode& code, tPhase phase) {
-    if (code.shownAs != nCodes::inCodeLine || code.line == notLoaded) return false;
-    if (code.line == cannotBeUnloaded) return phase == tPhase::cleanup;
-    return code.line == 0 || phase == tPhase::initialize;
-}
-
 /// The table's texts are Markdown.
 std::string withoutBackticks(std::string_view text) {
     std::string plain(text);
@@ -78,6 +71,13 @@ std::optional<tCause> causeInDependencies(const tReport& report, const tNames& n
 }
 
 }  // namespace
+
+bool isLikely(const tCode& code, tPhase phase) noexcept {
+    if (code.shownAs != nCodes::inCodeLine || code.line == notLoaded) return false;
+    // The host refuses only starts, and it unloads libraries after Cleanup.
+    if (code.line == cannotBeUnloaded) return phase == tPhase::cleanup;
+    return code.line == 0 || phase == tPhase::initialize;
+}
 
 std::vector<tCause> findCauses(const tReport& report, const tNames& names, std::size_t plugin) {
     const tCall* const call = decisiveCall(report.plugins[plugin]);

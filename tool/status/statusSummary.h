@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "tool/codes.h"
 #include "tool/status/statusReport.h"
 
 /// What people ask a status report first: what failed, why, and what took long. A plug-in is identified by its position
@@ -78,6 +79,9 @@ private:
     const tReport& report_;
     mutable std::optional<tSorted> sorted_{};
 };
+
+/// Returns whether a call of this phase can have ended with this meaning of a code.
+[[nodiscard]] bool isLikely(const tCode& code, tPhase phase) noexcept;
 
 /// Why a plug-in failed, and what to do. Texts are sentences without a final stop.
 struct tCause {

@@ -97,6 +97,23 @@ TEST(nExplainPlugin, ExplainsAFailedStopAndCleanup) {
     EXPECT_THAT(explanation.first, HasSubstr("report it to the plug-in's maker"));
 }
 
+TEST(nExplainPlugin, NamesTheEntryThatReturnedACodeOfItsOwn) {
+    nStatus::tPlugin plugin = shown("A", 0);
+    plugin.calls.push_back({"AHalt", tPhase::stop, 0, -77});
+    const auto explanation = explainPlugin("A", evidence(report({plugin})));
+    EXPECT_THAT(
+        explanation.notes,
+        ElementsAre("Its Stop failed with -77 (0xFFFFFFB3): its entry point AHalt returned this code of its own."));
+    EXPECT_EQ(explanation.first, "look it up in the plug-in's documentation");
+}
+
+TEST(nExplainPlugin, SaysThatALibraryCannotBeUnloadedAfterCleanup) {
+    nStatus::tPlugin plugin = shown("A", 0);
+    plugin.calls.push_back({"Cleanup", tPhase::cleanup, 0, -52005});
+    const auto explanation = explainPlugin("A", evidence(report({plugin})));
+    EXPECT_THAT(explanation.notes, ElementsAre(HasSubstr("the plug-in's library cannot be unloaded")));
+}
+
 TEST(nExplainPlugin, WarnsThatAPluginWillFailAtTheNextStart) {
     const auto explanation =
         explainPlugin("A", evidence(report({shown("A", 0)}), prediction({predicted("A", -52005)})));
