@@ -103,6 +103,13 @@ std::optional<std::int32_t> parseCode(std::string_view text) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(*value));
 }
 
+bool isTooLarge(std::string_view text) {
+    const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
+    const std::string_view digits = text.substr(isHexadecimal ? 2 : text.starts_with('-') ? 1 : 0);
+    const std::string_view allowed(isHexadecimal ? "0123456789abcdefABCDEF" : "0123456789");
+    return !digits.empty() && digits.find_first_not_of(allowed) == std::string_view::npos && !parseCode(text);
+}
+
 std::string hexadecimal(std::int32_t code) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text = "0x";
@@ -125,6 +132,9 @@ tCodeExplanation explainCode(std::int32_t code) {
     tCodeExplanation explanation{code, tOrigin::success, {}, nCodes::find(code), findSystemCode(code)};
     explanation.origin = originOf(code, explanation.meanings);
     explanation.summary = summaryOf(explanation.origin);
+    if (code > 0 && originOf(-code, nCodes::find(-code)) == tOrigin::host) {
+        explanation.summary += " Did you mean -" + std::to_string(code) + ", which is one of the host's codes?";
+    }
     return explanation;
 }
 

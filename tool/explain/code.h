@@ -38,6 +38,9 @@ struct tCodeExplanation {
 /// after "0x". Returns nullopt if it is anything else, or a number of more than 32 bits.
 [[nodiscard]] std::optional<std::int32_t> parseCode(std::string_view text);
 
+/// Returns whether a text is a number in one of these forms, but of more than 32 bits.
+[[nodiscard]] bool isTooLarge(std::string_view text);
+
 /// Returns the form in which debuggers and event logs show a code: "0xFFFF34DB".
 [[nodiscard]] std::string hexadecimal(std::int32_t code);
 

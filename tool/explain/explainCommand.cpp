@@ -5,6 +5,7 @@
 #include <string>
 #include <variant>
 
+#include "tool/check/similarNames.h"
 #include "tool/explain/explainText.h"
 #include "tool/format.h"
 #include "tool/plainText.h"
@@ -22,6 +23,8 @@ struct tArguments {
     bool plugin = false;
     bool markdown = false;
 };
+
+constexpr std::size_t longestNumber = 40;  // in a message
 
 /// Reads the status file. Without one the prediction must do, unless the user has named it.
 void addStatus(const tArguments& arguments, tEvidence& evidence) {
@@ -68,10 +71,16 @@ void run(const tArguments& arguments, tContext& context) {
         return;
     }
     if (arguments.subject.empty()) throw CLI::RequiredError("CODE or NAME");
-    if (const auto code = arguments.plugin ? std::nullopt : parseCode(arguments.subject)) {
+    if (arguments.plugin) {
+        explainPlugin(arguments, context);
+    } else if (const auto code = parseCode(arguments.subject)) {
         const tCodeExplanation explanation = explainCode(*code);
         context.out << (arguments.json ? toJson(explanation) : toText(explanation));
-    } else if (const tRule* const rule = arguments.plugin ? nullptr : nRules::find(arguments.subject)) {
+    } else if (isTooLarge(arguments.subject)) {
+        throw CLI::ValidationError(
+            fmt::format("'{}' is too large for a code, which has 32 bits (for a plug-in of this name, use --plugin)",
+                        nPlainText::shortened(arguments.subject, longestNumber)));
+    } else if (const tRule* const rule = nRules::find(nSimilarNames::withoutCase(arguments.subject))) {
         context.out << (arguments.json ? toJson(*rule) : toText(*rule));
     } else {
         explainPlugin(arguments, context);

@@ -31,6 +31,25 @@ TEST(nExplainCode, ReadsNothingElseAsACode) {
     }
 }
 
+TEST(nExplainCode, KnowsANumberThatIsTooLarge) {
+    for (const char* const text : {"99999999999", "4294967296", "-2147483649", "0x1FFFFFFFF", "0X100000000",
+                                   "99999999999999999999999999", "0xFFFFFFFFFFFFFFFFF"}) {
+        EXPECT_TRUE(isTooLarge(text)) << text;
+    }
+    for (const char* const text :
+         {"", "-", "0x", "-52006", "0xFFFFFFFF", "99999999999x", "0x1FFFFFFFG", "-0x1FFFFFFFF", "Transport"}) {
+        EXPECT_FALSE(isTooLarge(text)) << text;
+    }
+}
+
+TEST(nExplainCode, AsksWhetherTheMinusSignOfAHostsCodeIsMissing) {
+    EXPECT_THAT(explainCode(52006).summary,
+                testing::EndsWith(" Did you mean -52006, which is one of the host's codes?"));
+    for (const std::int32_t code : {0, 5, 5001, 52001, -52006, std::numeric_limits<std::int32_t>::max()}) {
+        EXPECT_THAT(explainCode(code).summary, testing::Not(HasSubstr("Did you mean"))) << code;
+    }
+}
+
 TEST(nExplainCode, ShowsEightHexadecimalDigits) {
     EXPECT_EQ(hexadecimal(-52005), "0xFFFF34DB");
     EXPECT_EQ(hexadecimal(0), "0x00000000");

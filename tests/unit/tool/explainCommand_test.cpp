@@ -29,6 +29,20 @@ TEST(nExplainCommand, ExplainsAFinding) {
     EXPECT_THAT(tToolRun({"explain", "blank-line", "--json"}).out, HasSubstr("\"kind\": \"finding\""));
 }
 
+TEST(nExplainCommand, FindsAFindingWhateverTheCaseOfItsId) {
+    EXPECT_EQ(tToolRun({"explain", "Blank-Line"}).out, tToolRun({"explain", "blank-line"}).out);
+}
+
+TEST(nExplainCommand, SaysThatANumberIsTooLargeForACode) {
+    for (const char* const number : {"99999999999", "0x1FFFFFFFF"}) {
+        const tToolRun run({"explain", number});
+        EXPECT_EQ(run.exitCode, 2) << number;
+        EXPECT_THAT(run.error, StartsWith("ziptra: '" + std::string(number) + "' is too large for a code"));
+        EXPECT_THAT(run.error, HasSubstr("--plugin"));
+        EXPECT_THAT(run.out, IsEmpty());
+    }
+}
+
 TEST(nExplainCommand, PrintsTheTableOfAllCodes) {
     const tToolRun run({"explain", "--markdown"});
     EXPECT_EQ(run.exitCode, 0);
@@ -50,6 +64,12 @@ TEST_F(nExplainCommandOfPlugins, CombinesTheStatusFileAndTheDescriptions) {
     EXPECT_THAT(run.out, HasSubstr("    Settings (-52002) requires no feature"));
     EXPECT_THAT(run.out, HasSubstr("[requires-zero]"));
     EXPECT_THAT(run.error, IsEmpty());
+}
+
+TEST_F(nExplainCommandOfPlugins, TakesANumberForANameIfAskedTo) {
+    const tToolRun run(with({"--plugin", "99999999999"}, true, true));
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.out, StartsWith("Nothing is known about 99999999999."));
 }
 
 TEST_F(nExplainCommandOfPlugins, EndsWithTwoIfWhatTheUserNamedCannotBeRead) {
