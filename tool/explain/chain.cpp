@@ -8,6 +8,7 @@
 #include "tool/explain/code.h"
 #include "tool/format.h"
 #include "tool/rules.h"
+#include "tool/status/plainText.h"
 
 namespace nExplain {
 namespace {
@@ -43,12 +44,18 @@ std::vector<tFinding> findingsAt(const Map& map, const std::string& key) {
     return found == map.end() ? std::vector<tFinding>() : copyErrorsFirst(found->second);
 }
 
+/// Returns the name as it is shown in a text: many steps may contain it, so one of megabytes is cut.
+std::string shown(std::string_view name) {
+    constexpr std::size_t longestName = 100;
+    return nPlainText::shortened(name, longestName);
+}
+
 constexpr std::size_t longestList = 12;
 
 /// Returns the names separated by commas; if there are many, only the first ones.
 std::string listOf(const std::vector<std::string>& names) {
     std::string list;
-    for (std::size_t i = 0; i < std::min(names.size(), longestList); ++i) list += (i > 0 ? ", " : "") + names[i];
+    for (std::size_t i = 0; i < std::min(names.size(), longestList); ++i) list += (i > 0 ? ", " : "") + shown(names[i]);
     return names.size() > longestList ? list + ", …" : list;
 }
 
@@ -84,21 +91,21 @@ struct tReason {
 tReason dependencyReason(const tGraph& graph, std::size_t plugin) {
     tReason reason;
     const auto names = [&](tLinkKind kind) { return dependenciesOf(graph, plugin, kind); };
-    const std::string& name = graph.nodes[plugin].name;
+    const std::string name = shown(graph.nodes[plugin].name);
     if (const auto circular = names(tLinkKind::circular); !circular.empty()) {
         reason.add("is part of a circle of dependencies: " + listOf(membersOf(graph, graph.nodes[plugin].circle)),
                    fmt::format("remove one dependency of the circle, for example {} from the `Dependencies` of {}",
-                               circular.front(), name));
+                               shown(circular.front()), name));
     }
     if (const auto late = names(tLinkKind::late); !late.empty()) {
         reason.add("is started before " + listOf(late) + ", on which it depends",
                    fmt::format("add to the `Dependencies` of {} everything on which {} depends: only direct "
                                "dependencies move a plug-in ahead of another",
-                               name, late.front()));
+                               name, shown(late.front())));
     }
     if (const auto repeated = names(tLinkKind::repeated); !repeated.empty()) {
         reason.add("names a dependency twice: " + listOf(repeated),
-                   fmt::format("remove the second {} from the `Dependencies` of {}", repeated.front(), name));
+                   fmt::format("remove the second {} from the `Dependencies` of {}", shown(repeated.front()), name));
     }
     if (const auto missing = names(tLinkKind::missing); !missing.empty()) {
         reason.add("depends on a name that no plug-in has: " + listOf(missing));
@@ -193,7 +200,7 @@ private:
     /// A name that no plug-in has.
     tStep missingStep(const std::string& name, std::optional<std::size_t> dependant) {
         const std::string list =
-            dependant ? "the `Dependencies` of " + graph_.nodes[*dependant].name : "`Dependencies`";
+            dependant ? "the `Dependencies` of " + shown(graph_.nodes[*dependant].name) : "`Dependencies`";
         tStep step;
         step.plugin = name;
         if (const auto file = clues_.rejectedFile(name)) {
@@ -204,12 +211,13 @@ private:
             return step;
         }
         step.text = "is the name of no plug-in";
-        step.remedy = fmt::format("install the plug-in {}, or correct the name in {}", name, list);
+        step.remedy = fmt::format("install the plug-in {}, or correct the name in {}", shown(name), list);
         const auto sameButCase = names_.differingInCase(name);
         const auto similar = sameButCase ? sameButCase : names_.similarTo(name);
         if (similar) {
-            step.text += fmt::format("; there is {}{}", *similar, sameButCase ? " (the case of letters counts)" : "");
-            step.remedy = fmt::format("write {} instead of {} in {}", *similar, name, list);
+            step.text +=
+                fmt::format("; there is {}{}", shown(*similar), sameButCase ? " (the case of letters counts)" : "");
+            step.remedy = fmt::format("write {} instead of {} in {}", shown(*similar), shown(name), list);
         }
         return step;
     }

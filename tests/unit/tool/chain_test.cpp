@@ -130,6 +130,28 @@ TEST(nExplainChain, SuggestsTheNameThatMayBeMeant) {
     EXPECT_EQ(follow(graph, "Xyz")[0].remedy, "install the plug-in Xyz, or correct the name in `Dependencies`");
 }
 
+TEST(nExplainChain, DoesNotRepeatALongNameInEachStep) {
+    const std::string longName(100'000, 'n');
+    std::vector<std::string> dependencies;
+    for (int i = 0; i < 1000; ++i) dependencies.push_back("D" + std::to_string(i));
+    std::size_t size = 0;
+    for (const tStep& step : follow(graphOf({plugin(longName, dependencies, -52006)}), longName)) {
+        size += step.plugin.size() + step.text.size() + step.remedy.size();
+    }
+    EXPECT_LT(size, 1'000'000U) << "a hundred megabytes, if each repeats it";
+}
+
+TEST(nExplainChain, ShortensTheNamesInALongCircle) {
+    std::vector<nGraph::tNode> plugins;
+    for (char name = 'a'; name < 'm'; ++name) {
+        const char next = name == 'l' ? 'a' : static_cast<char>(name + 1);
+        plugins.push_back(plugin(std::string(1000, name), {std::string(1000, next)}, -52006));
+    }
+    const tStep step = follow(graphOf(plugins), plugins[0].name).at(0);
+    EXPECT_LT(step.text.size() + step.remedy.size(), 2000U);
+    EXPECT_THAT(step.text, HasSubstr(", " + std::string(99, 'b') + "…, "));
+}
+
 TEST(nExplainChain, FindsTheRejectedDescriptionOfAMissingPlugin) {
     const std::vector<tFinding> findings{finding(tSeverity::error, "plugins/Transport.ini", "")};
     const tClues clues(findings, {"Failed to parse service description file: C:\\plugins\\transport.INI"});
