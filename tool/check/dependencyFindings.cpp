@@ -31,12 +31,6 @@ std::vector<std::string_view> allNames(const tCatalogue& catalogue) {
     return names;
 }
 
-/// Returns whether the text looks like several names, separated by something else than commas.
-bool hasOtherSeparator(const std::string& name) {
-    return name.find_first_of(";|") != std::string::npos || name.find("\uFF0C") != std::string::npos ||
-           name.find("\u3001") != std::string::npos || name.find("\uFF1B") != std::string::npos;
-}
-
 /// Returns the lists of dependencies in which the case of a name is wrong, with the right names.
 std::vector<tChainRemedies::tChange> corrections(const tCatalogue& catalogue, const nSimilarNames::tNames& names) {
     std::vector<tChainRemedies::tChange> changes;
@@ -135,7 +129,7 @@ void tExamination::examineUnknown(std::size_t plugin, const std::string& name) {
         return;
     }
     const std::string message = "no description has the name " + quoted(name);
-    if (hasOtherSeparator(name)) {
+    if (nSimilarNames::hasOtherSeparator(name)) {
         add(plugin, "unknown-dependency", message, "Separate the names by commas.");
     } else if (const auto similar = names_.similarTo(name)) {
         add(plugin, "unknown-dependency", message + "; there is " + quoted(*similar));

@@ -69,6 +69,11 @@ std::optional<std::string_view> closest(std::string_view word, std::span<const s
     return std::nullopt;
 }
 
+bool hasOtherSeparator(std::string_view text) {
+    return text.find_first_of(";|") != std::string_view::npos || text.find("\uFF0C") != std::string_view::npos ||
+           text.find("\u3001") != std::string_view::npos || text.find("\uFF1B") != std::string_view::npos;
+}
+
 tNames::tNames(const std::vector<std::string_view>& names) : names_(names) {
     for (const std::string_view name : names_) byLowerCase_.emplace(withoutCase(name), name);
 }

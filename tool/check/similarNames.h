@@ -21,6 +21,9 @@ namespace nSimilarNames {
 /// Returns the first of the known words that the word may be a misspelling or another form of ("Depends", "Init").
 [[nodiscard]] std::optional<std::string_view> closest(std::string_view word, std::span<const std::string_view> known);
 
+/// Returns whether the text looks like several names, separated by something else than commas.
+[[nodiscard]] bool hasOtherSeparator(std::string_view text);
+
 /// Any number of names, in which similar ones are sought. The names are borrowed.
 class tNames {
 public:

@@ -264,6 +264,9 @@ private:
 
     void explainUnknown() {
         explanation_.summary = fmt::format("Nothing is known about {}.", explanation_.name);
+        if (explanation_.name.find(',') != std::string::npos || nSimilarNames::hasOtherSeparator(explanation_.name)) {
+            note("This looks like several names: ask for one at a time.");
+        }
         note("The case of letters counts. `ziptra check` lists the names of all plug-ins.");
         constexpr std::size_t most = 5;
         for (const std::optional<tGraph>* const graph : {&did_, &will_}) {

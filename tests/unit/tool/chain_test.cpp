@@ -130,6 +130,13 @@ TEST(nExplainChain, SuggestsTheNameThatMayBeMeant) {
     EXPECT_EQ(follow(graph, "Xyz")[0].remedy, "install the plug-in Xyz, or correct the name in `Dependencies`");
 }
 
+TEST(nExplainChain, SaysHowToSeparateSeveralNames) {
+    const auto steps = follow(graphOf({plugin("A", {"Transport;Settings"}, -52006)}), "A");
+    ASSERT_THAT(steps, SizeIs(2));
+    EXPECT_EQ(steps[1].text, "is the name of no plug-in, but perhaps several names");
+    EXPECT_EQ(steps[1].remedy, "separate the names by commas in the `Dependencies` of A");
+}
+
 TEST(nExplainChain, DoesNotRepeatALongNameInEachStep) {
     const std::string longName(100'000, 'n');
     std::vector<std::string> dependencies;

@@ -294,6 +294,15 @@ TEST(nExplainPlugin, SuggestsKnownNamesForAnUnknownOne) {
     EXPECT_THAT(explanation.first, IsEmpty());
 }
 
+TEST(nExplainPlugin, AsksForOneNameAtATime) {
+    for (const char* const names : {"Transport;Settings", "Transport, Settings", "Transport|Settings"}) {
+        const auto explanation = explainPlugin(names, evidence(report({shown("Transport", 0)})));
+        EXPECT_EQ(explanation.verdict, tVerdict::unknown);
+        EXPECT_THAT(explanation.notes,
+                    ElementsAre("This looks like several names: ask for one at a time.", HasSubstr("case of letters")));
+    }
+}
+
 TEST(nExplainPlugin, SuggestsAtMostFiveNames) {
     std::vector<nCheck::tPredictedPlugin> plugins;
     for (int i = 10; i < 30; ++i) plugins.push_back(predicted("Plugin" + std::to_string(i), 0));

@@ -26,6 +26,13 @@ TEST(nSimilarNames, MayDifferByTwoSlipsIfOneIsLong) {
     EXPECT_FALSE(areSimilar("abc", "abcde")) << "five are not";
 }
 
+TEST(nSimilarNames, MayBeSeveralWithAnotherSeparatorThanAComma) {
+    for (const char* const text : {"A;B", "A|B", "A\uFF0CB", "A\u3001B", "A\uFF1BB"}) {
+        EXPECT_TRUE(nSimilarNames::hasOtherSeparator(text)) << text;
+    }
+    for (const char* const text : {"", "A,B", "A B", "A/B"}) EXPECT_FALSE(nSimilarNames::hasOtherSeparator(text));
+}
+
 TEST(nSimilarNames, IgnoreCase) {
     EXPECT_TRUE(areSimilar("NMAE", "name"));
     EXPECT_FALSE(areSimilar("NAME", "name")) << "equal names are not similar";
