@@ -114,7 +114,7 @@ private:
         return graph && index && graph->nodes[*index].described;
     }
 
-    void note(std::string sentence) { explanation_.notes.push_back(std::move(sentence)); }
+    void note(std::string_view sentence) { explanation_.notes.emplace_back(sentence); }
 
     void follow(const tGraph& graph, std::size_t plugin) {
         explanation_.steps = followFailure(graph, plugin, clues_);
