@@ -80,6 +80,7 @@ tStagedPlugins stagePlugins(int count) {
     const std::string example = readExample();
     tStagedPlugins staged;
     staged.directory = descriptions.string();
+    staged.libraries = libraries.string();
     for (int i = 0; i < count; ++i) {
         staged.files.push_back(writeFile(descriptions / (nameOf(i) + ".ini"), descriptionOf(i, folder)));
         staged.files.push_back(writeFile(libraries / (nameOf(i) + ".dll"), withName(example, nameOf(i))));

@@ -12,6 +12,7 @@
 /// other names, which its description names. Each plug-in but the first two depends on two others.
 struct tStagedPlugins {
     std::string directory;           ///< of the descriptions
+    std::string libraries;           ///< their directory
     std::vector<std::string> files;  ///< all descriptions and libraries
     /// What `ziptra check` needs to find the libraries: on Windows nothing, because the descriptions contain their
     /// actual paths.
