@@ -148,7 +148,7 @@ private:
     void explainLaterCalls() {
         for (const tShownCall& call : *explanation_.calls) {
             if (call.phase == nStatus::tPhase::initialize || call.code >= 0) continue;
-            std::string meaning = fmt::format("its entry point {} returned this code of its own", call.entry);
+            std::string meaning = fmt::format("its entry point {} returned this code", call.entry);
             std::string remedy = "look it up in the plug-in's documentation";
             const std::vector<const tCode*> codes = nCodes::find(call.code);
             const auto known = std::find_if(codes.begin(), codes.end(), [&call](const tCode* code) {

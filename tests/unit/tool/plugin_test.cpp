@@ -103,7 +103,7 @@ TEST(nExplainPlugin, NamesTheEntryThatReturnedACodeOfItsOwn) {
     const auto explanation = explainPlugin("A", evidence(report({plugin})));
     EXPECT_THAT(
         explanation.notes,
-        ElementsAre("Its Stop failed with -77 (0xFFFFFFB3): its entry point AHalt returned this code of its own."));
+        ElementsAre("Its Stop failed with -77 (0xFFFFFFB3): its entry point AHalt returned this code."));
     EXPECT_EQ(explanation.first, "look it up in the plug-in's documentation");
 }
 
