@@ -22,7 +22,7 @@ class tCatalogue {
 public:
     /// Throws std::bad_alloc.
     explicit tCatalogue(std::vector<tDescriptionFile> files);
-
+    ~tCatalogue() = default;
     tCatalogue(const tCatalogue&) = delete;
     tCatalogue& operator=(const tCatalogue&) = delete;
 

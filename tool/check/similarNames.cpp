@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "ini/nameIndex.h"
 
@@ -74,7 +75,7 @@ bool hasOtherSeparator(std::string_view text) {
            text.find("\u3001") != std::string_view::npos || text.find("\uFF1B") != std::string_view::npos;
 }
 
-tNames::tNames(const std::vector<std::string_view>& names) : names_(names) {
+tNames::tNames(std::vector<std::string_view> names) : names_(std::move(names)) {
     for (const std::string_view name : names_) byLowerCase_.emplace(withoutCase(name), name);
 }
 

@@ -27,7 +27,7 @@ namespace nSimilarNames {
 /// Any number of names, in which similar ones are sought. The names are borrowed.
 class tNames {
 public:
-    explicit tNames(const std::vector<std::string_view>& names);
+    explicit tNames(std::vector<std::string_view> names);
 
     /// Returns a name that equals this one but for the case.
     [[nodiscard]] std::optional<std::string_view> differingInCase(const std::string& name) const;

@@ -7,8 +7,8 @@
 #include "tool/codes.h"
 #include "tool/explain/code.h"
 #include "tool/format.h"
+#include "tool/plainText.h"
 #include "tool/rules.h"
-#include "tool/status/plainText.h"
 
 namespace nExplain {
 namespace {
@@ -32,6 +32,7 @@ std::string stemOf(std::string_view path) {
 
 std::vector<tFinding> copyErrorsFirst(const std::vector<const tFinding*>& findings) {
     std::vector<tFinding> copies;
+    copies.reserve(findings.size());
     for (const tFinding* const finding : findings) copies.push_back(*finding);
     std::stable_sort(copies.begin(), copies.end(),
                      [](const tFinding& a, const tFinding& b) { return a.severity < b.severity; });

@@ -4,7 +4,7 @@
 #include "tool/findingJson.h"
 #include "tool/graph/graphText.h"
 #include "tool/graph/nodeText.h"
-#include "tool/status/plainText.h"
+#include "tool/plainText.h"
 
 namespace nGraph {
 namespace {

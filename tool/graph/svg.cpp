@@ -153,15 +153,14 @@ private:
     }
 
     static std::string opening(double width, double height) {
-        std::string text = "<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" aria-labelledby=\"title summary\"";
+        std::string text = R"(<svg xmlns="http://www.w3.org/2000/svg" role="img" aria-labelledby="title summary")";
         text.append(attribute("width", width)).append(attribute("height", height));
         text.append(" viewBox=\"0 0 ").append(number(width)).append(" ").append(number(height)).append("\">\n<style>");
         text.append(styleSheet).append("</style>\n<defs>");
         for (const tLinkKind kind : kinds) {
             text.append("<marker id=\"").append(kindName(kind));
-            text.append(
-                "Head\" viewBox=\"0 0 10 10\" refX=\"1\" refY=\"5\" markerWidth=\"9\" markerHeight=\"9\" "
-                "markerUnits=\"userSpaceOnUse\" orient=\"auto-start-reverse\"><path class=\"");
+            text.append(R"(Head" viewBox="0 0 10 10" refX="1" refY="5" markerWidth="9" markerHeight="9" )"
+                        R"(markerUnits="userSpaceOnUse" orient="auto-start-reverse"><path class=")");
             text.append(kindName(kind)).append("\" d=\"M0 0.5L10 5L0 9.5z\"/></marker>");
         }
         return text.append("</defs>\n");
@@ -211,7 +210,7 @@ private:
         return element + ">" + hint(text) + "</path>\n";
     }
 
-    [[nodiscard]] std::string_view styleOf(const tNode& node) const {
+    [[nodiscard]] static std::string_view styleOf(const tNode& node) {
         if (!node.described) return " class=\"unknown\"";
         if (!node.fails()) return {};
         return node.circle != 0 ? " class=\"fails circle\"" : " class=\"fails\"";
@@ -224,9 +223,9 @@ private:
         const tBoxText& text = texts_[index];
         std::string element = "<g" + std::string(styleOf(node)) + ">";
         element += hint(presentable(node.file.empty() ? node.name : node.name + " (" + node.file + ")"));
-        element += "<rect class=\"box\" rx=\"6\"" + attribute("x", x) + attribute("y", y) +
+        element += R"(<rect class="box" rx="6")" + attribute("x", x) + attribute("y", y) +
                    attribute("width", boxWidth_) + attribute("height", boxHeight) + "/>";
-        element += "<rect class=\"tab\" rx=\"4\"" + attribute("x", x + 4) + attribute("y", y + 4) +
+        element += R"(<rect class="tab" rx="4")" + attribute("x", x + 4) + attribute("y", y + 4) +
                    attribute("width", tabWidth_ - 8) + attribute("height", boxHeight - 8) + "/>";
         element += textElement("order", x + tabWidth_ / 2, y + boxHeight / 2 + 4, text.order);
         element += textElement({}, x + tabWidth_ + padding / 2, y + 19, text.name);

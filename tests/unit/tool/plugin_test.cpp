@@ -101,9 +101,8 @@ TEST(nExplainPlugin, NamesTheEntryThatReturnedACodeOfItsOwn) {
     nStatus::tPlugin plugin = shown("A", 0);
     plugin.calls.push_back({"AHalt", tPhase::stop, 0, -77});
     const auto explanation = explainPlugin("A", evidence(report({plugin})));
-    EXPECT_THAT(
-        explanation.notes,
-        ElementsAre("Its Stop failed with -77 (0xFFFFFFB3): its entry point AHalt returned this code."));
+    EXPECT_THAT(explanation.notes,
+                ElementsAre("Its Stop failed with -77 (0xFFFFFFB3): its entry point AHalt returned this code."));
     EXPECT_EQ(explanation.first, "look it up in the plug-in's documentation");
 }
 
