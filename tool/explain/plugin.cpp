@@ -173,7 +173,7 @@ private:
             const auto now = names.find(step.plugin);
             if (!now || !will_->nodes[*now].described) {
                 note(fmt::format("There is no description of {} any more.", step.plugin));
-            } else if (will_->nodes[*now].code != step.code && isOfHost(*step.code) && isExamined(step)) {
+            } else if (will_->nodes[*now].code != step.code && isOfHost(*step.code)) {
                 noteChange(will_->nodes[*now], step);
             }
         }
@@ -185,6 +185,7 @@ private:
             if (now.code) note(fmt::format("At the next start {} will {} instead.", now.name, failureText(now)));
             return;
         }
+        if (!isFreeOfDoubt(step)) return;
         note(fmt::format("Nothing prevents {} from starting any more: {}.", now.name, restart));
         if (explanation_.first == step.remedy) explanation_.first = restart;
     }
@@ -194,12 +195,11 @@ private:
         return code == -52002 || code == -52005 || code == -52006;
     }
 
-    /// A library on another machine has not been looked at, and not every Windows accepts every path, so nothing is
-    /// known about the next start.
-    static bool isExamined(const tStep& step) {
-        return std::none_of(step.findings.begin(), step.findings.end(), [](const tFinding& finding) {
-            return finding.id == "unmapped-path" || finding.id == "unreadable-library" || finding.id == "long-path" ||
-                   finding.id == "native-path";
+    /// Nothing is certain about the next start if something is wrong that may stop the plug-in on some machines, or if
+    /// its library is on another one.
+    static bool isFreeOfDoubt(const tStep& step) {
+        return std::all_of(step.findings.begin(), step.findings.end(), [](const tFinding& finding) {
+            return finding.severity == tSeverity::note && finding.id != "unmapped-path";
         });
     }
 
