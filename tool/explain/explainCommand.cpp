@@ -71,9 +71,8 @@ void run(const tArguments& arguments, tContext& context) {
         return;
     }
     if (arguments.subject.empty()) throw CLI::RequiredError("CODE or NAME");
-    if (arguments.plugin) {
-        explainPlugin(arguments, context);
-    } else if (const auto code = parseCode(arguments.subject)) {
+    if (arguments.plugin) return explainPlugin(arguments, context);
+    if (const auto code = parseCode(arguments.subject)) {
         const tCodeExplanation explanation = explainCode(*code);
         context.out << (arguments.json ? toJson(explanation) : toText(explanation));
     } else if (isTooLarge(arguments.subject)) {
