@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tool/check/prediction.h"
+#include "tool/components.h"
 #include "tool/status/statusReport.h"
 
 namespace nGraph {
@@ -69,97 +70,27 @@ void classify(const tGraph& graph, tLink& link) {
     link.kind = sameCircle ? tLinkKind::circular : dependency.fails() ? tLinkKind::failed : tLinkKind::late;
 }
 
-/// Tarjan's algorithm, with a stack of its own instead of recursion.
-class tCircleFinder {
-public:
-    explicit tCircleFinder(const std::vector<std::vector<std::size_t>>& successors)
-        : successors_(successors),
-          seen_(successors.size(), 0),
-          lowest_(successors.size(), 0),
-          parts_(successors.size()) {
-        for (std::size_t node = 0; node < successors.size(); ++node) {
-            if (seen_[node] == 0) visit(node);
-        }
-    }
+/// Returns whether the nodes of a component, or its only node, depend on themselves.
+bool isCircle(const std::vector<std::size_t>& component, const nComponents::tGraph& successors) {
+    const std::size_t node = component.front();
+    const std::vector<std::size_t>& next = successors[node];
+    return component.size() > 1 || std::find(next.begin(), next.end(), node) != next.end();
+}
 
-    std::vector<std::size_t> takeParts() { return std::move(parts_); }
-
-private:
-    struct tFrame {
-        std::size_t node;
-        std::size_t next = 0;
-    };
-
-    void enter(std::size_t node) {
-        seen_[node] = lowest_[node] = ++count_;
-        open_.push_back(node);
-        frames_.push_back({node});
-    }
-
-    void visit(std::size_t root) {
-        enter(root);
-        while (!frames_.empty()) {
-            tFrame& frame = frames_.back();
-            const std::size_t node = frame.node;
-            if (frame.next == successors_[node].size()) {
-                leave(node);
-                continue;
-            }
-            const std::size_t successor = successors_[node][frame.next++];
-            if (seen_[successor] == 0) {
-                enter(successor);
-            } else if (parts_[successor] == 0) {
-                lowest_[node] = std::min(lowest_[node], seen_[successor]);
-            }
-        }
-    }
-
-    /// All successors of the node have been visited. If none leads further back, it closes a part.
-    void leave(std::size_t node) {
-        frames_.pop_back();
-        if (!frames_.empty()) {
-            std::size_t& parent = lowest_[frames_.back().node];
-            parent = std::min(parent, lowest_[node]);
-        }
-        if (lowest_[node] != seen_[node]) return;
-        ++partCount_;
-        std::size_t member = node;
-        do {
-            member = open_.back();
-            open_.pop_back();
-            parts_[member] = partCount_;
-        } while (member != node);
-    }
-
-    const std::vector<std::vector<std::size_t>>& successors_;
-    std::vector<std::size_t> seen_;    ///< when the node was first visited, from 1; 0 before
-    std::vector<std::size_t> lowest_;  ///< the earliest such time that can be reached from the node
-    std::vector<std::size_t> open_;    ///< visited nodes without a part
-    std::vector<tFrame> frames_;
-    std::size_t count_ = 0;
-    std::vector<std::size_t> parts_;  ///< the part of each node, from 1
-    std::size_t partCount_ = 0;
-};
-
-}  // namespace
-
-std::vector<std::size_t> findCircles(const std::vector<std::vector<std::size_t>>& successors) {
-    const std::vector<std::size_t> part = tCircleFinder(successors).takeParts();
-    std::vector<std::size_t> members(successors.size() + 1, 0);
-    for (const std::size_t number : part) ++members[number];
-    std::vector<std::size_t> numbers(successors.size() + 1, 0);
+/// Returns the number of the circle on which each node is, from 1 in the order of their first nodes; 0 if it is on
+/// none.
+std::vector<std::size_t> findCircles(const nComponents::tGraph& successors) {
+    std::vector<std::vector<std::size_t>> components = nComponents::find(successors);
+    std::erase_if(components, [&](const auto& component) { return !isCircle(component, successors); });
+    std::ranges::sort(components, {}, [](const auto& component) { return *std::ranges::min_element(component); });
     std::vector<std::size_t> circles(successors.size(), 0);
-    std::size_t count = 0;
-    for (std::size_t node = 0; node < successors.size(); ++node) {
-        const auto& next = successors[node];
-        const bool onCircle = members[part[node]] > 1 || std::find(next.begin(), next.end(), node) != next.end();
-        if (!onCircle) continue;
-        std::size_t& number = numbers[part[node]];
-        if (number == 0) number = ++count;
-        circles[node] = number;
+    for (std::size_t i = 0; i < components.size(); ++i) {
+        for (const std::size_t node : components[i]) circles[node] = i + 1;
     }
     return circles;
 }
+
+}  // namespace
 
 tGraph build(std::vector<tNode> plugins, std::uint32_t allowedMask) {
     tGraph graph;

@@ -69,9 +69,4 @@ struct tGraph {
 /// Returns the links of one plug-in, ordered by the dependencies' names.
 [[nodiscard]] std::span<const tLink> linksOf(const tGraph& graph, std::size_t dependant);
 
-/// Numbers the circles of a directed graph with `count` nodes, of which `successors(i)` lists the neighbours: returns
-/// for each node the number of its strongly connected part, from 1 in the order of the parts' first nodes, or 0 if the
-/// node is on no circle. Needs no recursion.
-[[nodiscard]] std::vector<std::size_t> findCircles(const std::vector<std::vector<std::size_t>>& successors);
-
 }  // namespace nGraph

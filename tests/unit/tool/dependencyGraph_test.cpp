@@ -96,55 +96,6 @@ TEST(nGraph, DoesNotJoinCirclesThatOnlyTouchOneWay) {
     EXPECT_THAT(linksOfKind(graph, tLinkKind::failed), ElementsAre("C A"));
 }
 
-std::vector<std::vector<std::size_t>> randomSuccessors(std::uint32_t seed) {
-    std::minstd_rand random(seed);
-    const std::size_t count = 1 + random() % 9;
-    std::vector<std::vector<std::size_t>> successors(count);
-    for (auto& list : successors) {
-        for (std::size_t number = random() % 3; number > 0; --number) list.push_back(random() % count);
-    }
-    return successors;
-}
-
-/// Returns which nodes can be reached from which, in at least one step.
-std::vector<std::vector<bool>> reachability(const std::vector<std::vector<std::size_t>>& successors) {
-    const std::size_t count = successors.size();
-    std::vector<std::vector<bool>> reaches(count, std::vector<bool>(count, false));
-    for (std::size_t from = 0; from < count; ++from) {
-        for (const std::size_t to : successors[from]) reaches[from][to] = true;
-    }
-    for (std::size_t via = 0; via < count; ++via) {
-        for (std::size_t from = 0; from < count; ++from) {
-            for (std::size_t to = 0; to < count; ++to) {
-                if (reaches[from][via] && reaches[via][to]) reaches[from][to] = true;
-            }
-        }
-    }
-    return reaches;
-}
-
-TEST(nGraph, FindsCirclesAsANaiveSearchDoes) {
-    for (std::uint32_t seed = 1; seed <= 300; ++seed) {
-        const std::vector<std::vector<std::size_t>> successors = randomSuccessors(seed);
-        const std::vector<std::vector<bool>> reaches = reachability(successors);
-        const std::vector<std::size_t> circles = findCircles(successors);
-        for (std::size_t a = 0; a < successors.size(); ++a) {
-            ASSERT_EQ(circles[a] != 0, reaches[a][a]) << "seed " << seed;
-            for (std::size_t b = 0; b < successors.size(); ++b) {
-                const bool together = circles[a] != 0 && circles[a] == circles[b];
-                ASSERT_EQ(together, reaches[a][b] && reaches[b][a]) << "seed " << seed;
-            }
-        }
-    }
-}
-
-TEST(nGraph, FollowsAChainOfAnyLengthWithoutRecursion) {
-    constexpr std::size_t count = 200'000;
-    std::vector<std::vector<std::size_t>> successors(count);
-    for (std::size_t i = 0; i < count; ++i) successors[i].push_back((i + 1) % count);
-    EXPECT_THAT(findCircles(successors), testing::Each(1U));
-}
-
 TEST(nGraph, ReturnsTheLinksOfOnePluginInTheOrderOfNames) {
     const tGraph graph = graphOf({plugin("A"), plugin("B"), plugin("C", {"B", "A"}), plugin("D", {"C"})});
     ASSERT_EQ(linksOf(graph, 2).size(), 2U);
