@@ -67,6 +67,13 @@ TEST(tChainRemedies, NameTheIndirectDependenciesAsWellIfThatHelps) {
     EXPECT_EQ(firstTooEarly(changed), "");
 }
 
+TEST(tChainRemedies, ChangeNoOtherFileIfThePluginsOwnIsEnough) {
+    const tDescriptions descriptions{described("P", {"V"}), described("A"), described("R", {"A"}),
+                                     described("V", {"R"})};
+    EXPECT_EQ(remedyFor(descriptions, "P"),
+              "Write \"Dependencies=A, R, V\" in P.ini: with all indirect dependencies, the order is right.");
+}
+
 TEST(tChainRemedies, NameThemInOtherFilesOfTheChainTooIfOneFileIsNotEnough) {
     const tDescriptions descriptions{described("A", {"E", "I"}),
                                      described("F"),

@@ -91,17 +91,27 @@ TEST(nPeLibraryMalformed, TablesDoNotEnd) {
     EXPECT_NE(library.reason(), "");
 }
 
-TEST(nPeLibraryMalformed, NamesShareTheirBytes) {
-    // A thousand names in one text of a hundred thousand letters would take a hundred million.
-    constexpr std::uint32_t count = 1000;
+/// Returns a file in which as many names begin one after another in one text of so many letters.
+std::string withNamesInOneText(std::uint32_t count, std::size_t letters) {
     tPeFile file;
     for (std::uint32_t i = 0; i < count; ++i) file.exports.push_back({"n", i + 1, {}});
-    file.exports.push_back({std::string(100'000, 'x'), count + 1, {}});
+    file.exports.push_back({std::string(letters, 'x'), count + 1, {}});
     std::string bytes = file.bytes();
     EXPECT_EQ(readable(bytes).exports.size(), count + 1);
     const std::size_t names = tPeFile::offsetOf(file.exportTable) + 40 + (std::size_t{4} * (count + 1) + 7) / 8 * 8;
     const auto text = static_cast<std::uint32_t>(bytes.find("xxx") - tPeFile::sectionBytes + tPeFile::sectionRva);
     for (std::uint32_t i = 0; i < count; ++i) put32(bytes, names + std::size_t{4} * i, text + i);
+    return bytes;
+}
+
+TEST(nPeLibraryMalformed, NamesShareTheirBytes) {
+    // A thousand names in one text of a hundred thousand letters would take a hundred million.
+    EXPECT_EQ(reasonOf(withNamesInOneText(1000, 100'000)), overlapping);
+}
+
+TEST(nPeLibraryMalformed, NamesTakeMoreThanSixtyFourMegabytesOfALargeFile) {
+    std::string bytes = withNamesInOneText(70, 1'000'000);
+    bytes.resize(100'000'000);
     EXPECT_EQ(reasonOf(bytes), overlapping);
 }
 
