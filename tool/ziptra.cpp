@@ -86,9 +86,19 @@ int reportBadArguments(const CLI::App& program, const CLI::ParseError& error, tC
     return exitCouldNotLook;
 }
 
+/// Requires a value after "--option=": the library would take the next argument instead, which may be a file to read.
+void refuseMissingValues(const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        if (argument == "--") return;
+        if (!argument.starts_with("--") || !argument.ends_with('=')) continue;
+        throw CLI::ValidationError(argument.substr(0, argument.size() - 1), "a value is missing after '='");
+    }
+}
+
 /// Parses the arguments and runs the command that they name.
 int parseAndRun(CLI::App& program, const std::vector<std::string>& arguments, tContext& context) {
     try {
+        refuseMissingValues(arguments);
         program.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // it takes them from the end
         return context.exitCode;
     } catch (const CLI::CallForHelp&) {

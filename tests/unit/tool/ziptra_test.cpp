@@ -14,6 +14,20 @@ using support::tToolRun;
 using testing::HasSubstr;
 using testing::StartsWith;
 
+TEST(ziptra, DoesNotTakeTheNextArgumentForAMissingValue) {
+    for (const char* const option : {"--output=", "--allowed=", "--map="}) {
+        const tToolRun run({"graph", option, "plugins"});
+        EXPECT_EQ(run.exitCode, 2);
+        EXPECT_EQ(run.out, "");
+        const std::string name = std::string(option).substr(0, std::string(option).size() - 1);
+        EXPECT_EQ(run.error, "ziptra: " + name + ": a value is missing after '='; see 'ziptra --help'\n");
+    }
+}
+
+TEST(ziptra, AcceptsAnyFileNameAfterTwoDashes) {
+    EXPECT_THAT(tToolRun({"check", "--", "--name="}).error, HasSubstr("There is no file or directory"));
+}
+
 TEST(ziptra, ShowsItsVersionAndEndsWithZero) {
     const tToolRun run({"--version"});
     EXPECT_EQ(run.exitCode, 0);
