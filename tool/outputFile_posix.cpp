@@ -83,6 +83,16 @@ std::string replaceFile(const std::string& path, mode_t rights, std::string_view
     return reason;
 }
 
+bool isSame(const struct stat& a, const struct stat& b) noexcept {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+/// Returns whether the file is what this standard stream writes to, as in "--output /dev/stdout >> log".
+bool isStream(const struct stat& status, int stream) noexcept {
+    struct stat other {};
+    return fstat(stream, &other) == 0 && isSame(status, other);
+}
+
 /// Returns the path of the file to which a link leads, even if it does not exist yet, or the path itself.
 std::string targetOf(std::string path) {
     constexpr int mostLinks = 40;  // as for the system
@@ -102,8 +112,16 @@ std::string tryToReplace(const std::string& path, std::string_view content) {
     struct stat status {};
     const bool exists = stat(path.c_str(), &status) == 0;
     if (!exists && errno != ENOENT) return lastReason();
-    if (exists && !S_ISREG(status.st_mode)) return writeDirectly(path, content);
-    return replaceFile(targetOf(path), exists ? status.st_mode & 07777U : usualRights(), content);
+    if (!exists) return replaceFile(targetOf(path), usualRights(), content);
+    if (!S_ISREG(status.st_mode)) return writeDirectly(path, content);
+    for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+        if (isStream(status, stream)) return writeAll(stream, content) ? std::string() : lastReason();
+    }
+    const std::string target = targetOf(path);
+    struct stat named {};
+    // A link below /proc may lead to an open file that has no name.
+    if (stat(target.c_str(), &named) != 0 || !isSame(status, named)) return writeDirectly(path, content);
+    return replaceFile(target, status.st_mode & 07777U, content);
 }
 
 }  // namespace nOutputFile

@@ -86,6 +86,46 @@ TEST_F(nOutputFilePosix, WritesToADeviceWithoutReplacingIt) {
     EXPECT_TRUE(std::filesystem::is_fifo(path));
 }
 
+/// While it exists, standard output is this open file. Owns the file.
+class tStandardOutput {
+public:
+    explicit tStandardOutput(int file) : before_(dup(STDOUT_FILENO)) {
+        std::fflush(stdout);
+        dup2(file, STDOUT_FILENO);
+        close(file);
+    }
+    ~tStandardOutput() {
+        dup2(before_, STDOUT_FILENO);
+        close(before_);
+    }
+    tStandardOutput(const tStandardOutput&) = delete;
+    tStandardOutput& operator=(const tStandardOutput&) = delete;
+
+private:
+    int before_;
+};
+
+TEST_F(nOutputFilePosix, AppendsToTheFileToWhichStandardOutputIsAppended) {
+    folder.write("a", "old ");
+    {
+        const tStandardOutput output(open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+        nOutputFile::replace("/dev/stdout", "new");
+    }
+    EXPECT_EQ(folder.read("a"), "old new");
+}
+
+TEST_F(nOutputFilePosix, WritesToAnOpenFileWithoutAName) {
+    folder.write("a", "");
+    const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+    std::filesystem::remove(path);
+    nOutputFile::replace("/proc/self/fd/" + std::to_string(file), "text");
+    char text[5] = {};
+    EXPECT_EQ(pread(file, text, 4, 0), 4);
+    close(file);
+    EXPECT_STREQ(text, "text");
+    EXPECT_EQ(files(), 0);
+}
+
 TEST_F(nOutputFilePosix, ReportsADeviceThatMustNotBeWritten) {
     EXPECT_THROW(nOutputFile::replace("/", "text"), nOutputFile::tCannotWrite);
 }
