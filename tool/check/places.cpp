@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/operations.hpp>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -75,27 +76,37 @@ void listPlace(const std::string& place, tListing& listing) {
     const nFiles::file_status status = nFiles::status(path, error);
     if (nFiles::is_directory(status)) {
         listDirectory(path, listing);
-    } else if (nFiles::exists(status)) {
+    } else if (nFiles::exists(status) || nFiles::is_symlink(nFiles::symlink_status(path, error))) {
         listFile(path, status, listing);
     } else {
         throw tCannotLook("There is no file or directory " + quoted(place));
     }
 }
 
-/// Returns what all paths to one entry of a folder have in common. Two names of one file are two entries.
-std::string entryOf(const std::string& file) {
-    const std::string name = nStdPath::pathToUtf8(nStdPath::pathFromUtf8(file).filename());
-    const std::string identity = nFileIdentity::of(file);
-    return name + '/' + (identity.empty() ? file : identity);
-}
+/// Knows what all paths to one entry of a folder have in common. Two names of one file are two entries.
+class tEntries {
+public:
+    /// Returns whether no path to this entry has been added before.
+    bool add(const std::string& file) {
+        const nFiles::path path = nStdPath::pathFromUtf8(file);
+        const nFiles::path folder = path.has_parent_path() ? path.parent_path() : nFiles::path(".");
+        const auto [identity, isNew] = folders_.try_emplace(nStdPath::pathToUtf8(folder));
+        if (isNew) identity->second = nFileIdentity::of(identity->first);
+        const std::string& known = identity->second.empty() ? identity->first : identity->second;
+        return entries_.insert(known + '/' + nStdPath::pathToUtf8(path.filename())).second;
+    }
+
+private:
+    std::unordered_map<std::string, std::string> folders_;  ///< their identities, by path
+    std::unordered_set<std::string> entries_;
+};
 
 /// Removes what is listed a second time.
 void removeRepeated(tListing& listing) {
-    std::unordered_set<std::string> files;
-    std::erase_if(listing.files, [&](const std::string& file) { return !files.insert(entryOf(file)).second; });
-    std::unordered_set<std::string> unseen;
-    std::erase_if(listing.findings,
-                  [&](const tFinding& finding) { return !unseen.insert(entryOf(finding.file)).second; });
+    tEntries files;
+    std::erase_if(listing.files, [&](const std::string& file) { return !files.add(file); });
+    tEntries unseen;
+    std::erase_if(listing.findings, [&](const tFinding& finding) { return !unseen.add(finding.file); });
 }
 
 }  // namespace

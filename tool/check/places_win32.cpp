@@ -34,10 +34,11 @@ tListing listThisMachine() {
 std::optional<boost::filesystem::path> listedName(const boost::filesystem::path& file) {
     std::wstring full(GetFullPathNameW(file.c_str(), 0, nullptr, nullptr), L'\0');
     full.resize(GetFullPathNameW(file.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
-    if (full.starts_with(LR"(\\.\)")) return std::nullopt;  // such as NUL
+    const bool mayBeDevice = full.starts_with(LR"(\\.\)");  // as of NUL, but "\\.\C:\x.ini" is a file
+    if (mayBeDevice && full != file.native()) return std::nullopt;
     WIN32_FIND_DATAW found{};
     const HANDLE search = FindFirstFileW(file.c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return file.filename();
+    if (search == INVALID_HANDLE_VALUE) return mayBeDevice ? std::nullopt : std::optional(file.filename());
     FindClose(search);
     return found.cFileName;
 }

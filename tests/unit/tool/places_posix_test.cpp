@@ -62,6 +62,24 @@ TEST(placesHere, ThatAreNoRegularFilesNeedNoOtherName) {
     }
 }
 
+TEST(placesHere, ThatLeadNowhereAreListedOnce) {
+    const support::tFolder folder;
+    folder.makeFolder("real");
+    create_symlink(folder.path() / "none", folder.path() / "real" / "a.ini");
+    create_directory_symlink(folder.path() / "real", folder.path() / "link");
+    const nCheck::tListing listing =
+        listPlaces({folder.utf8("real"), folder.utf8("link"), folder.utf8("real/a.ini"), folder.utf8("real/../real")});
+    EXPECT_THAT(idsOf(listing.findings), ElementsAre("unseen-file"));
+}
+
+TEST(placesHere, OfOneFileInTwoFoldersAreTwo) {
+    const support::tFolder folder;
+    folder.write("a/x.ini");
+    folder.makeFolder("b");
+    create_hard_link(folder.path() / "a" / "x.ini", folder.path() / "b" / "x.ini");
+    EXPECT_THAT(listPlaces({folder.utf8("a/x.ini"), folder.utf8("b/x.ini")}).files, testing::SizeIs(2));
+}
+
 TEST(placesHere, MayBePipesWhichAreNotWaitedFor) {
     const support::tFolder folder;
     mkfifo((folder.path() / "a.ini").c_str(), 0600);

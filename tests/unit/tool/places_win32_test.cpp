@@ -60,6 +60,12 @@ TEST(placesOnWindows, AreListedOnceWhateverTheirSpelling) {
     EXPECT_THAT(listPlaces({file, folder.utf8("A.INI"), folder.utf8("a.INI")}).files, ElementsAre(file));
 }
 
+TEST(placesOnWindows, MayBeWrittenLikeADevice) {
+    const support::tFolder folder;
+    const std::string file = R"(\\.\)" + folder.write("a.ini");
+    EXPECT_THAT(listPlaces({file}).files, ElementsAre(file));
+}
+
 TEST(placesOnWindows, ThatAreDevicesNeedNoOtherName) {
     for (const char* device : {"NUL", R"(\\.\NUL)"}) {
         const nCheck::tListing listing = listPlaces({device});
