@@ -117,7 +117,7 @@ std::size_t columns(std::string_view text) {
 
 std::string shortened(std::string_view text, std::size_t columns) {
     if (text.size() <= columns) return std::string(text);  // no character takes more columns than bytes
-    constexpr std::size_t bytesPerColumn = 16;             // of a character with its marks, of which there may be many
+    constexpr std::size_t bytesPerColumn = 4;              // the longest character; it may have any number of marks
     std::size_t count = 0;
     std::size_t fitting = 0;  // bytes that leave room for the ellipsis
     for (std::size_t at = 0; at < text.size();) {

@@ -8,6 +8,7 @@
 #include "tool/check/circles.h"
 #include "tool/check/similarNames.h"
 #include "tool/check/wording.h"
+#include "tool/plainText.h"
 
 namespace nCheck {
 namespace {
@@ -51,9 +52,13 @@ std::vector<tChainRemedies::tChange> corrections(const tCatalogue& catalogue, co
 }
 
 std::string describeCircle(const std::vector<std::size_t>& circle, const tCatalogue& catalogue) {
+    constexpr std::size_t longestName = 100;
+    const auto nameOf = [&](std::size_t member) {
+        return nPlainText::shortened(catalogue.descriptions()[member].name, longestName);
+    };
     std::string text = "circular dependency: ";
-    for (const std::size_t member : circle) text += catalogue.descriptions()[member].name + " -> ";
-    return text + catalogue.descriptions()[circle.front()].name;
+    for (const std::size_t member : circle) text += nameOf(member) + " -> ";
+    return text + nameOf(circle.front());
 }
 
 /// Examines one plug-in after another.

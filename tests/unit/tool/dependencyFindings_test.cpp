@@ -108,6 +108,12 @@ TEST(dependencyFindings, ListACircleForEachOfItsMembers) {
     for (const tFinding& finding : findings) EXPECT_EQ(finding.message, "circular dependency: A -> C -> B -> A");
 }
 
+TEST(dependencyFindings, ShortenLongNamesInACircle) {
+    const std::string longName(1000, 'n');
+    const auto findings = findingsFor({described("A", {longName}), described(longName, {"A"})});
+    EXPECT_EQ(findings[0].message, "circular dependency: A -> " + std::string(99, 'n') + "\u2026 -> A");
+}
+
 TEST(dependencyFindings, ListALargeCircleOnce) {
     tDescriptions ring;
     for (char c = 'A'; c <= 'U'; ++c) ring.push_back(described({c}, {{c == 'U' ? 'A' : static_cast<char>(c + 1)}}));

@@ -124,8 +124,8 @@ TEST(nPlainText, ShortensATextToItsBeginningAndAnEllipsis) {
 TEST(nPlainText, ShortensATextOfMarksThatTakeNoColumns) {
     std::string marks;
     for (int i = 0; i < 1000; ++i) marks += "\xCC\x81";
-    EXPECT_EQ(nPlainText::shortened(marks.substr(0, 160), 10), marks.substr(0, 160));
-    EXPECT_EQ(nPlainText::shortened(marks, 10), marks.substr(0, 160) + "\xE2\x80\xA6");
+    EXPECT_EQ(nPlainText::shortened(marks.substr(0, 40), 10), marks.substr(0, 40));
+    EXPECT_EQ(nPlainText::shortened(marks, 10), marks.substr(0, 40) + "\xE2\x80\xA6");
 }
 
 TEST(nPlainText, CutsNoWideCharacterInTwo) {
