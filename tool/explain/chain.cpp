@@ -212,13 +212,13 @@ private:
             return step;
         }
         step.text = "is the name of no plug-in";
-        if (nSimilarNames::hasOtherSeparator(name)) {
+        const auto sameButCase = names_.differingInCase(name);
+        if (!sameButCase && nSimilarNames::hasOtherSeparator(name)) {
             step.text += ", but perhaps several names";
             step.remedy = "separate the names by commas in " + list;
             return step;
         }
         step.remedy = fmt::format("install the plug-in {}, or correct the name in {}", shown(name), list);
-        const auto sameButCase = names_.differingInCase(name);
         const auto similar = sameButCase ? sameButCase : names_.similarTo(name);
         if (similar) {
             step.text +=

@@ -82,8 +82,8 @@ std::string_view summaryOf(tOrigin origin) {
                    "in the plug-in's documentation.";
         case tOrigin::pluginsOwn: break;
     }
-    return "Not one of the host's codes, so it is the plug-in's own: the entry point that the line names returned it, "
-           "and only the plug-in's documentation or maker knows what it means.";
+    return "Not one of the host's codes, so it is the plug-in's own: its Initialize returned it, or an exception with "
+           "this code left an entry point. Only the plug-in's documentation or maker knows what it means.";
 }
 
 }  // namespace

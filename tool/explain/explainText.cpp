@@ -34,8 +34,8 @@ std::string systemText(const tSystemCode& code) {
     const std::string name = code.name.empty() ? "" : fmt::format(" ({})", code.name);
     return fmt::format(
         "\nFor Windows this number means: {}{}.\n"
-        "In a Code: line, the entry point that the line names returned it. As the exit code of the service's process,\n"
-        "it says how the whole service ended.\n",
+        "In a Code: line, it is the plug-in's own. As the exit code of the service's process, it says how the whole\n"
+        "service ended.\n",
         code.meaning, name);
 }
 

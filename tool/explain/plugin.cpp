@@ -9,6 +9,7 @@
 #include "tool/codes.h"
 #include "tool/explain/code.h"
 #include "tool/format.h"
+#include "tool/plainText.h"
 #include "tool/status/statusSummary.h"
 
 namespace nExplain {
@@ -148,7 +149,7 @@ private:
     void explainLaterCalls() {
         for (const tShownCall& call : *explanation_.calls) {
             if (call.phase == nStatus::tPhase::initialize || call.code >= 0) continue;
-            std::string meaning = fmt::format("its entry point {} returned this code", call.entry);
+            std::string meaning = fmt::format("an exception with this code left its entry point {}", call.entry);
             std::string remedy = "look it up in the plug-in's documentation";
             const std::vector<const tCode*> codes = nCodes::find(call.code);
             const auto known = std::find_if(codes.begin(), codes.end(), [&call](const tCode* code) {
@@ -253,11 +254,13 @@ private:
         explanation_.summary = fmt::format("No plug-in has the name {}, but others depend on it.", explanation_.name);
         follow(graph, predicted ? *inPrediction_ : *inStatus_);
         constexpr std::size_t longestList = 12;
+        constexpr std::size_t longestName = 100;
         std::string dependants;
         std::size_t count = 0;
         for (const nGraph::tLink& link : graph.links) {
             if (graph.nodes[link.dependency].name != explanation_.name || ++count > longestList) continue;
-            dependants += (count > 1 ? ", " : "") + graph.nodes[link.dependant].name;
+            dependants +=
+                (count > 1 ? ", " : "") + nPlainText::shortened(graph.nodes[link.dependant].name, longestName);
         }
         note(fmt::format("These depend on it and fail: {}{}.", dependants, count > longestList ? ", …" : ""));
     }
@@ -311,9 +314,10 @@ private:
 void usePrediction(nCheck::tPrediction prediction, tEvidence& evidence) {
     for (const tFinding& finding : prediction.findings) {
         if (finding.id != "plugins-directory") continue;
-        const std::string name = finding.file.empty() ? "" : ", " + finding.file + ",";
-        evidence.obstacles.push_back(fmt::format(
-            "The host cannot open its plug-in directory{} and starts no plug-in. {}", name, finding.remedy));
+        const std::string name = finding.file.empty() ? "" : ", " + finding.file;
+        evidence.obstacles.push_back(
+            fmt::format("The host cannot open its plug-in directory{}, so its next start will start no plug-in. {}",
+                        name, finding.remedy));
         return;
     }
     evidence.prediction = std::move(prediction);

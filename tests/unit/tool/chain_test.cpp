@@ -137,6 +137,12 @@ TEST(nExplainChain, SaysHowToSeparateSeveralNames) {
     EXPECT_EQ(steps[1].remedy, "separate the names by commas in the `Dependencies` of A");
 }
 
+TEST(nExplainChain, PrefersANameThatDiffersOnlyInCaseToSeveralNames) {
+    const auto steps = follow(graphOf({plugin("A", {"foo|bar"}, -52006), plugin("Foo|Bar")}), "A");
+    ASSERT_THAT(steps, SizeIs(2));
+    EXPECT_EQ(steps[1].remedy, "write Foo|Bar instead of foo|bar in the `Dependencies` of A");
+}
+
 TEST(nExplainChain, DoesNotRepeatALongNameInEachStep) {
     const std::string longName(100'000, 'n');
     std::vector<std::string> dependencies;

@@ -17,7 +17,7 @@ TEST_F(nExplainCommandOfPlugins, SaysThatTheHostCannotOpenItsPluginDirectory) {
     const tSharedDirectory directory(&shared);
     const std::string sentence = "The host cannot open its plug-in directory, " +
                                  folder.utf8("ZiptraRemoteService/plugins") +
-                                 ", and starts no plug-in. Create ZiptraRemoteService\\plugins in ";
+                                 ", so its next start will start no plug-in. Create ZiptraRemoteService\\plugins in ";
     const tToolRun withStatus(with({"Transport"}, true, false));
     EXPECT_EQ(withStatus.exitCode, 0);
     EXPECT_THAT(withStatus.out, HasSubstr(sentence));
@@ -29,8 +29,9 @@ TEST_F(nExplainCommandOfPlugins, SaysThatTheHostCannotOpenItsPluginDirectory) {
 
 TEST_F(nExplainCommandOfPlugins, SaysThatTheSharedDirectoryIsUnknown) {
     const tSharedDirectory directory(nullptr);
-    EXPECT_THAT(tToolRun(with({"Transport"}, true, false)).out,
-                HasSubstr("The host cannot open its plug-in directory and starts no plug-in. Create "));
+    EXPECT_THAT(
+        tToolRun(with({"Transport"}, true, false)).out,
+        HasSubstr("The host cannot open its plug-in directory, so its next start will start no plug-in. Create "));
 }
 
 }  // namespace

@@ -99,12 +99,13 @@ TEST(nExplainPlugin, ExplainsAFailedStopAndCleanup) {
     EXPECT_THAT(explanation.first, HasSubstr("report it to the plug-in's maker"));
 }
 
-TEST(nExplainPlugin, NamesTheEntryThatReturnedACodeOfItsOwn) {
+TEST(nExplainPlugin, NamesTheEntryThatAnExceptionLeftWithACodeOfItsOwn) {
     nStatus::tPlugin plugin = shown("A", 0);
     plugin.calls.push_back({"AHalt", tPhase::stop, 0, -77});
     const auto explanation = explainPlugin("A", evidence(report({plugin})));
-    EXPECT_THAT(explanation.notes,
-                ElementsAre("Its Stop failed with -77 (0xFFFFFFB3): its entry point AHalt returned this code."));
+    EXPECT_THAT(
+        explanation.notes,
+        ElementsAre("Its Stop failed with -77 (0xFFFFFFB3): an exception with this code left its entry point AHalt."));
     EXPECT_EQ(explanation.first, "look it up in the plug-in's documentation");
 }
 
@@ -351,10 +352,13 @@ TEST(nExplainPlugin, KnowsNoPredictionIfTheHostCannotOpenItsPluginDirectory) {
         EXPECT_FALSE(known.prediction);
         return known.obstacles;
     };
-    EXPECT_THAT(obstaclesOf("C:\\p"),
-                ElementsAre("The host cannot open its plug-in directory, C:\\p, and starts no plug-in. Make it."));
-    EXPECT_THAT(obstaclesOf(""),
-                ElementsAre("The host cannot open its plug-in directory and starts no plug-in. Make it."));
+    EXPECT_THAT(
+        obstaclesOf("C:\\p"),
+        ElementsAre(
+            "The host cannot open its plug-in directory, C:\\p, so its next start will start no plug-in. Make it."));
+    EXPECT_THAT(
+        obstaclesOf(""),
+        ElementsAre("The host cannot open its plug-in directory, so its next start will start no plug-in. Make it."));
 }
 
 TEST(nExplainPlugin, UsesThePredictionOfADirectoryWithFindings) {
