@@ -14,6 +14,7 @@
 #include "tool/format.h"
 #include "tool/graph/graphCommand.h"
 #include "tool/plainText.h"
+#include "tool/run/runCommand.h"
 #include "tool/status/statusCommand.h"
 
 namespace {
@@ -27,6 +28,7 @@ void addCommands(CLI::App& program, tContext& context) {
     nExplain::addCommand(program, context);
     nStatus::addCommand(program, context);
     nGraph::addCommand(program, context);
+    nRun::addCommand(program, context);
     nCompletion::addCommand(program, context);
 }
 

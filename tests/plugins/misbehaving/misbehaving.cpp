@@ -1,0 +1,97 @@
+// One entry point for each way in which a plug-in can harm the service. Each can be used as any of the three entries.
+
+#include <windows.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+DWORD WINAPI faultSoon(void* /*unused*/) {
+    volatile int* volatile nowhere = nullptr;
+    *nowhere = 0;
+    return 0;
+}
+
+/// Uses all of the stack: the depth is never reached.
+int descend(const volatile char* caller, int depth) {
+    volatile char room[4096];
+    room[0] = *caller;
+    return depth == 0 ? 0 : descend(room, depth - 1) + room[0];
+}
+
+/// Runs the command line that this variable contains, and does not wait for it.
+void startChild() {
+    char line[1000];
+    GetEnvironmentVariableA("TEST_CHILD", line, sizeof line);
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION child{};
+    if (CreateProcessA(nullptr, line, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &child) == FALSE) return;
+    CloseHandle(child.hThread);
+    CloseHandle(child.hProcess);
+}
+
+/// The library beside this one.
+std::string neighbourPath() {
+    char path[MAX_PATH];
+    const std::string own(path, GetModuleFileNameA(GetModuleHandleA("misbehaving.dll"), path, MAX_PATH));
+    return own.substr(0, own.find_last_of('\\') + 1) + "neighbour.dll";
+}
+
+}  // namespace
+
+extern "C" {
+
+int Behaves() { return 0; }
+int Warns() { return 3; }
+int Fails() { return -7; }
+int Throws() { throw std::runtime_error("an exception of the standard library"); }
+int ThrowsAnything() { throw 7; }
+int Faults() { return static_cast<int>(faultSoon(nullptr)); }
+int OverflowsStack() {
+    constexpr int tooDeep = 1 << 20;
+    volatile char bottom = 0;
+    return descend(&bottom, tooDeep);
+}
+int RunsIllegalInstruction() { __builtin_trap(); }
+int Aborts() { std::abort(); }
+int Exits() { std::exit(5); }
+int EndsThread() { ExitThread(0); }
+int Hangs() {
+    Sleep(INFINITE);
+    return 0;
+}
+int OpensWindow() { return MessageBoxA(nullptr, "text", "A message box", MB_OK); }
+int LeavesThread() {
+    // It executes no code of this library, which is about to be unloaded.
+    const auto sleep = reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(Sleep));
+    CloseHandle(CreateThread(nullptr, 0, sleep, INVALID_HANDLE_VALUE, 0, nullptr));  // its low half is INFINITE
+    return 0;
+}
+int FaultsOnItsThread() {
+    WaitForSingleObject(CreateThread(nullptr, 0, faultSoon, nullptr, 0, nullptr), INFINITE);
+    return 0;
+}
+int LeavesHandle() { return CreateEventA(nullptr, TRUE, FALSE, nullptr) == nullptr ? -1 : 0; }
+int LeavesLibrary() { return LoadLibraryA(neighbourPath().c_str()) == nullptr ? -1 : 0; }
+int ChangesLocale() { return std::setlocale(LC_ALL, "German") == nullptr ? -1 : 0; }
+int ChangesThreadLocale() { return SetThreadLocale(MAKELCID(LANG_FRENCH, SORT_DEFAULT)) == FALSE ? -1 : 0; }
+int ChangesDirectory() { return SetCurrentDirectoryA("C:\\") == FALSE ? -1 : 0; }
+int ChangesEnvironment() { return SetEnvironmentVariableA("MISBEHAVING", "1") == FALSE ? -1 : 0; }
+int ChangesErrorMode() {
+    SetErrorMode(SEM_NOOPENFILEERRORBOX);
+    return 0;
+}
+int StartsChild() {
+    startChild();
+    return 0;
+}
+int Writes() {
+    std::puts("written by a plug-in");
+    return std::fflush(stdout);
+}
+}

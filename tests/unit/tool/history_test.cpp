@@ -1,0 +1,73 @@
+#include "tool/run/history.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/unit/tool/lifeEvents.h"
+
+namespace {
+
+using nRun::historyOf;
+using nRun::tHistory;
+using support::tLifeEvents;
+using testing::ElementsAre;
+using testing::Field;
+using testing::IsEmpty;
+using testing::Pointee;
+using tKind = tLifeEvents::tKind;
+using tPhase = tLifeEvents::tPhase;
+
+TEST(nRunHistory, DividesTheCallsIntoLives) {
+    tLifeEvents log(1);
+    log.calls(0).over().call(0, tPhase::initialize, 5, 7).finished();
+    const tHistory history = historyOf(1, log.events);
+    EXPECT_TRUE(history.ready);
+    EXPECT_TRUE(history.finished);
+    EXPECT_FALSE(history.running);
+    ASSERT_EQ(history.lives.size(), 2U);
+    EXPECT_NE(history.lives[0][0].returned[2], nullptr);
+    EXPECT_EQ(history.lives[1][0].returned[2], nullptr);
+    EXPECT_EQ(history.lives[1][0].returned[0]->code, 5);
+    EXPECT_EQ(history.lives[1][0].returned[0]->number, 7U);
+}
+
+TEST(nRunHistory, KnowsTheLastCallAndWhetherItHasReturned) {
+    tLifeEvents log(2);
+    log.calls(0).begin(1, tPhase::stop);
+    const tHistory history = historyOf(2, log.events);
+    ASSERT_NE(history.last, nullptr);
+    EXPECT_EQ(history.last->plugin, 1U);
+    EXPECT_EQ(history.last->phase, tPhase::stop);
+    EXPECT_TRUE(history.running);
+    EXPECT_EQ(history.end, nullptr);
+    EXPECT_FALSE(history.finished);
+}
+
+TEST(nRunHistory, KnowsTheFirstReasonForTheEnd) {
+    tLifeEvents log(1);
+    log.begin(0, tPhase::initialize).add(tKind::faulted, 1).add(tKind::aborted);
+    const tHistory history = historyOf(1, log.events);
+    ASSERT_NE(history.end, nullptr);
+    EXPECT_EQ(history.end->kind, tKind::faulted);
+}
+
+TEST(nRunHistory, CollectsWhatWasLeftInEachLife) {
+    tLifeEvents log(1);
+    log.calls(0).over().calls(0).left(0, 0, "a").left(1, 0, "b").left(0, 0, "c").finished();
+    const tHistory history = historyOf(1, log.events);
+    const auto hasText = [](const char* text) { return Pointee(Field(&nRun::tEvent::text, text)); };
+    EXPECT_THAT(history.lives[0][0].left, ElementsAre(hasText("a"), hasText("c")));
+    EXPECT_THAT(history.lives[1][0].left, ElementsAre(hasText("b")));
+}
+
+TEST(nRunHistory, IgnoresPlugInsAndLivesThatDoNotExist) {
+    tLifeEvents log(2);
+    log.events.push_back({tKind::returned, 0, tPhase::stop});
+    log.call(9, tPhase::initialize).left(3, 0, "a").add(tKind::finished);
+    const tHistory history = historyOf(1, log.events);
+    EXPECT_FALSE(history.ready) << "it has other plug-ins";
+    EXPECT_THAT(history.lives, IsEmpty());
+    EXPECT_EQ(history.last, nullptr);
+}
+
+}  // namespace

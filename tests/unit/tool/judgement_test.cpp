@@ -1,0 +1,221 @@
+#include "tool/run/judgement.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/unit/tool/lifeEvents.h"
+
+namespace {
+
+using nRun::judge;
+using nRun::passed;
+using nRun::tCannotRun;
+using nRun::tEnding;
+using nRun::tOutcome;
+using nRun::tPlugin;
+using nRun::tPluginLife;
+using nRun::tResult;
+using support::livingPlugin;
+using support::tLifeEvents;
+using testing::IsEmpty;
+using tKind = tLifeEvents::tKind;
+using tPhase = tLifeEvents::tPhase;
+
+const tEnding finished{0, 10'000};
+
+/// Returns what becomes of the only plug-in, "A", in its last life.
+tPluginLife judged(const tLifeEvents& log, const tEnding& ending = finished) {
+    return judge({livingPlugin("A")}, 9, log.events, ending).lives.back().at(0);
+}
+
+/// "OUTCOME: DETAIL"
+std::string text(const tPluginLife& life) { return std::string(outcomeName(life.outcome)) + ": " + life.detail; }
+
+/// The same after these codes of Initialize, Stop and Cleanup.
+std::string afterCodes(std::int32_t initialize, std::int32_t stop = 0, std::int32_t cleanup = 0) {
+    tLifeEvents log(1);
+    log.call(0, tPhase::initialize, initialize)
+        .call(0, tPhase::stop, stop)
+        .call(0, tPhase::cleanup, cleanup)
+        .finished();
+    return text(judged(log));
+}
+
+/// The same after the process has ended in, or after, this phase.
+std::string afterEnd(tKind kind, std::int32_t code = 0, const std::string& place = {}) {
+    tLifeEvents log(1);
+    log.begin(0, tPhase::initialize).add(kind, code, place);
+    return text(judged(log, {3, 10'000}));
+}
+
+TEST(nRunJudgement, ShowsCallsWithTheirTimesAndCodes) {
+    tLifeEvents log(1);
+    log.call(0, tPhase::initialize, 0, 12).call(0, tPhase::stop, 0, 3).call(0, tPhase::cleanup).finished();
+    const tPluginLife life = judged(log);
+    ASSERT_EQ(life.calls.size(), 3U);
+    EXPECT_EQ(life.calls[0].entry, "AInitialize");
+    EXPECT_EQ(life.calls[0].timeMs, 12U);
+    EXPECT_EQ(life.calls[1].entry, "AStop");
+    EXPECT_EQ(life.calls[2].phase, tPhase::cleanup);
+    EXPECT_EQ(life.outcome, tOutcome::ok);
+    EXPECT_THAT(life.detail, IsEmpty());
+}
+
+TEST(nRunJudgement, ShowsNoCallsOfEntriesThatThePlugInLacksUnlessTheyFail) {
+    tPlugin plugin = livingPlugin("A");
+    plugin.description.initialize = plugin.description.stop = plugin.description.cleanup = "";
+    tLifeEvents log(1);
+    log.call(0, tPhase::initialize).call(0, tPhase::cleanup, -52005).finished();
+    const tPluginLife life = judge({plugin}, 9, log.events, finished).lives.at(0).at(0);
+    ASSERT_EQ(life.calls.size(), 1U);
+    EXPECT_EQ(life.calls[0].entry, "Cleanup");
+    EXPECT_EQ(text(life), "failed: the library could not be unloaded; the service would stop nevertheless");
+}
+
+TEST(nRunJudgement, SaysWhatCodesMeanForTheService) {
+    EXPECT_EQ(afterCodes(0), "ok: ");
+    EXPECT_EQ(afterCodes(3), "ok: AInitialize returned the warning 3");
+    EXPECT_EQ(afterCodes(-7), "failed: AInitialize returned -7; the service would run without it");
+    EXPECT_EQ(afterCodes(-52000), "failed: AInitialize ran out of memory; the service would run without it");
+    EXPECT_EQ(afterCodes(-52003),
+              "failed: AInitialize threw an exception derived from std::exception; the service would run without it");
+    EXPECT_EQ(afterCodes(0, -52003),
+              "failed: AStop threw an exception derived from std::exception; the service would stop nevertheless");
+    EXPECT_EQ(afterCodes(0, 0, -52026),
+              "failed: ACleanup threw an exception with the code -52026; the service would stop nevertheless");
+    EXPECT_EQ(afterCodes(2, 0, -52000),
+              "failed: AInitialize returned the warning 2; ACleanup ran out of memory; the service would stop "
+              "nevertheless");
+}
+
+TEST(nRunJudgement, SaysWhyTheHostDidNotStartAPlugIn) {
+    EXPECT_EQ(afterCodes(-52002),
+              "notStarted: the machine allows none of the features that it requires (1); the service would run without "
+              "it");
+    EXPECT_EQ(afterCodes(-52005),
+              "notStarted: its library cannot be loaded or lacks an entry: 'ziptra check' says why; the service would "
+              "run without it");
+}
+
+/// Returns what becomes of the last of some plug-ins whose starts have these codes.
+std::string afterStarts(const std::vector<tPlugin>& plugins, const std::vector<std::int32_t>& codes) {
+    tLifeEvents log(plugins.size());
+    for (std::size_t i = 0; i < codes.size(); ++i) log.call(i, tPhase::initialize, codes[i]);
+    return text(judge(plugins, 9, log.finished().events, finished).lives.at(0).back());
+}
+
+TEST(nRunJudgement, NamesTheDependencyThatHasNotStarted) {
+    const tPlugin a = livingPlugin("A");
+    EXPECT_EQ(afterStarts({a, livingPlugin("B", {"A"})}, {-7, -52006}),
+              "notStarted: it depends on A, which has not started; the service would run without it");
+    EXPECT_EQ(afterStarts({a, livingPlugin("B", {"A", "X"})}, {0, -52006}),
+              "notStarted: it depends on X, which no description in its directory has as its name; the service would "
+              "run without it");
+    EXPECT_EQ(
+        afterStarts({a, livingPlugin("B", {"A", "A"})}, {0, -52006}),
+        "notStarted: a plug-in on which it depends comes later in the start order, or is named twice; the service "
+        "would run without it");
+}
+
+TEST(nRunJudgement, FindsWhatIsLeftBehind) {
+    tLifeEvents log(1);
+    log.calls(0).left(0, 0, "1 thread").left(0, 0, "2 handles").finished();
+    EXPECT_EQ(text(judged(log)),
+              "leaked: left behind after Cleanup: 1 thread, 2 handles; the service would keep that until it ends");
+    tLifeEvents failing(1);
+    failing.call(0, tPhase::initialize, -7).left(0, 0, "1 thread").finished();
+    EXPECT_EQ(text(judged(failing)),
+              "failed: AInitialize returned -7; the service would run without it; left behind after Cleanup: 1 thread; "
+              "the service would keep that until it ends");
+}
+
+TEST(nRunJudgement, SaysHowTheProcessEnded) {
+    EXPECT_EQ(afterEnd(tKind::faulted, static_cast<std::int32_t>(0xC0000005), "a.dll+0x10"),
+              "crashed: an access violation (0xC0000005) at a.dll+0x10 in AInitialize; this would have ended the "
+              "service");
+    EXPECT_EQ(afterEnd(tKind::faulted, 1),
+              "crashed: an exception (0x00000001) in AInitialize; this would have ended the service");
+    EXPECT_EQ(afterEnd(tKind::aborted), "crashed: a call of abort in AInitialize; this would have ended the service");
+    EXPECT_EQ(
+        afterEnd(tKind::threw),
+        "crashed: an exception not derived from std::exception in AInitialize; this would have ended the service");
+    EXPECT_EQ(afterEnd(tKind::endedThread),
+              "exited: the host's thread was ended in AInitialize; the service could no longer be stopped");
+}
+
+TEST(nRunJudgement, TakesTheExitCodeIfTheProcessCouldNotSayHowItEnded) {
+    tLifeEvents log(1);
+    log.begin(0, tPhase::initialize);
+    EXPECT_EQ(text(judged(log, {5, 10'000})),
+              "exited: the process ended with the exit code 5 in AInitialize; this would have ended the service");
+    EXPECT_EQ(text(judged(log, {0xC00000FD, 10'000})),
+              "crashed: a stack overflow (0xC00000FD) in AInitialize; this would have ended the service");
+    log.call(0, tPhase::cleanup).over();
+    EXPECT_EQ(text(judged(log, {0, 10'000})),
+              "exited: the process ended with the exit code 0 after ACleanup had returned; this would have ended the "
+              "service");
+}
+
+TEST(nRunJudgement, SaysInWhichEntryThePlugInHangsAndWhichWindowsAreOpen) {
+    tLifeEvents log(1);
+    log.begin(0, tPhase::initialize);
+    EXPECT_EQ(text(judged(log, {std::nullopt, 2'500})),
+              "hung: no return within 2500 ms in AInitialize; this would keep the service from starting the other "
+              "plug-ins, and from stopping");
+    log.call(0, tPhase::initialize).begin(0, tPhase::stop);
+    EXPECT_EQ(
+        text(judged(log, {std::nullopt, 10'000, {"Error", ""}})),
+        "hung: no return within 10.0 s in AStop, where the window \"Error\" is open, where the window \"\" is open; "
+        "this would keep the service from stopping");
+}
+
+TEST(nRunJudgement, DoesNotBlameTheOtherPlugInsForTheEnd) {
+    const std::vector<tPlugin> plugins{livingPlugin("A"), livingPlugin("B"), livingPlugin("C"), livingPlugin("D")};
+    tLifeEvents log(4);
+    log.call(0, tPhase::initialize).call(1, tPhase::initialize, -7).begin(2, tPhase::initialize);
+    const tResult result = judge(plugins, 9, log.events, {5, 10'000});
+    ASSERT_EQ(result.lives.size(), 1U);
+    EXPECT_EQ(text(result.lives[0][0]), "ok: it was not stopped and cleaned up, because the life ended in C");
+    EXPECT_EQ(text(result.lives[0][1]), "failed: BInitialize returned -7; the service would run without it");
+    EXPECT_EQ(result.lives[0][2].outcome, tOutcome::exited);
+    EXPECT_EQ(text(result.lives[0][3]), "notStarted: the life had ended before, in C");
+    EXPECT_FALSE(passed(result));
+}
+
+TEST(nRunJudgement, LeavesEarlierLivesAsTheyWere) {
+    tLifeEvents log(1);
+    log.calls(0).over().call(0, tPhase::initialize).begin(0, tPhase::stop).add(tKind::aborted);
+    const tResult result = judge({livingPlugin("A")}, 9, log.events, {3, 10'000});
+    ASSERT_EQ(result.lives.size(), 2U);
+    EXPECT_EQ(text(result.lives[0][0]), "ok: ");
+    EXPECT_EQ(text(result.lives[1][0]), "crashed: a call of abort in AStop; this would have ended the service");
+}
+
+TEST(nRunJudgement, LeavesOutALifeThatWasAddedUnlessTheProcessEndedInIt) {
+    tLifeEvents log(1);
+    log.calls(0).over().calls(0).left(0, 0, "1 handle").left(1, 0, "1 handle").over();
+    EXPECT_EQ(judge({livingPlugin("A")}, 1, log.events, {3, 10'000}).lives.size(), 2U);
+    const tResult result = judge({livingPlugin("A")}, 1, log.add(tKind::finished).events, finished);
+    ASSERT_EQ(result.lives.size(), 1U);
+    EXPECT_EQ(result.lives[0][0].outcome, tOutcome::leaked);
+}
+
+TEST(nRunJudgement, PassesIfAllPlugInsWereOkInAllLives) {
+    tLifeEvents good(1);
+    EXPECT_TRUE(passed(judge({livingPlugin("A")}, 9, good.calls(0).over().calls(0).finished().events, finished)));
+    tLifeEvents bad(1);
+    bad.calls(0).over().calls(0).left(0, 0, "1 thread").finished();
+    EXPECT_FALSE(passed(judge({livingPlugin("A")}, 9, bad.events, finished)));
+}
+
+TEST(nRunJudgement, IsImpossibleIfTheProcessDidNotComeToACall) {
+    const auto judgeAll = [](const tLifeEvents& log) {
+        static_cast<void>(judge({livingPlugin("A")}, 9, log.events, {std::nullopt, 10'000}));
+    };
+    EXPECT_THROW(judgeAll(tLifeEvents(1)), tCannotRun);
+    EXPECT_THROW(judgeAll(tLifeEvents(1).finished()), tCannotRun);
+    EXPECT_THROW(judgeAll(tLifeEvents(2).calls(0).finished()), tCannotRun) << "it has other plug-ins";
+    EXPECT_THROW(static_cast<void>(judge({livingPlugin("A")}, 1, {}, finished)), tCannotRun);
+}
+
+}  // namespace

@@ -1,0 +1,37 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/unit/tool/runResults.h"
+#include "tool/run/render.h"
+
+namespace {
+
+using nRun::toJunit;
+using testing::HasSubstr;
+
+TEST(nRunJunit, IsASuiteForEachLifeWithACaseForEachPlugIn) {
+    EXPECT_EQ(toJunit(support::sampleResult()),
+              R"(<?xml version="1.0" encoding="UTF-8"?>
+<testsuites name="ziptra run">
+  <testsuite name="life 1" tests="2" failures="1" errors="0" skipped="0" time="0.040">
+    <testcase classname="plugins/Settings.ini" name="Settings" time="0.007">
+      <failure type="leaked" message="left behind after Cleanup: 1 thread; the service would keep that until it ends"/>
+    </testcase>
+    <testcase classname="plugins/Transport.ini" name="Transport" time="0.033"/>
+  </testsuite>
+  <testsuite name="life 2" tests="2" failures="1" errors="0" skipped="0" time="0.023">
+    <testcase classname="plugins/Settings.ini" name="Settings" time="0.007"/>
+    <testcase classname="plugins/Transport.ini" name="Transport" time="0.016">
+      <failure type="hung" message="TransportInitialize returned the warning 3; no return within 2000 ms in TransportStop, where the window &quot;Error&quot; is open; this would keep the service from stopping"/>
+    </testcase>
+  </testsuite>
+</testsuites>
+)");
+}
+
+TEST(nRunJunit, ReplacesWhatXmlCannotContain) {
+    EXPECT_THAT(toJunit(support::resultOf("<a>&\"\x01\xEF\xBF\xBE\xEF\xBF\xBF\xFF\n")),
+                HasSubstr("name=\"&lt;a>&amp;&quot;\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""));
+}
+
+}  // namespace

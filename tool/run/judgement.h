@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tool/run/protocol.h"
+#include "tool/run/selection.h"
+
+namespace nRun {
+
+enum class tOutcome : std::uint8_t { ok, failed, crashed, hung, exited, leaked, notStarted };
+
+/// A call that has returned.
+struct tCall {
+    std::string entry;  ///< its name, or "Init", "Stop" or "Cleanup" if the plug-in has none but the host failed
+    nStatus::tPhase phase = nStatus::tPhase::initialize;
+    std::uint64_t timeMs = 0;
+    std::int32_t code = 0;
+};
+
+/// What became of a plug-in in one life.
+struct tPluginLife {
+    std::vector<tCall> calls;
+    tOutcome outcome = tOutcome::ok;
+    std::string detail;  ///< one sentence without a final stop; empty if there is nothing to say
+};
+
+using tLife = std::vector<tPluginLife>;  ///< one for each plug-in, in start order
+
+struct tResult {
+    std::vector<tPlugin> plugins;  ///< in start order
+    std::vector<tLife> lives;
+};
+
+/// How the process that runs the plug-ins ended, if it did not finish.
+struct tEnding {
+    std::optional<std::uint32_t> exitCode;  ///< none if it reported nothing for longer than the limit
+    std::uint64_t limitMs = 0;
+    std::vector<std::string> windows{};  ///< titles of the windows that were open then
+};
+
+/// Says what the events mean. A life beyond those that were asked for is left out if the process survived it. Throws
+/// tCannotRun if the process did not come to the first call.
+[[nodiscard]] tResult judge(std::vector<tPlugin> plugins, std::size_t times, const std::vector<tEvent>& events,
+                            const tEnding& ending);
+
+/// Returns the outcome as JSON shows it: "ok", "notStarted".
+[[nodiscard]] std::string_view outcomeName(tOutcome outcome) noexcept;
+
+/// Returns whether every plug-in was ok in every life.
+[[nodiscard]] bool passed(const tResult& result) noexcept;
+
+}  // namespace nRun

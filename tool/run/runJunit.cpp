@@ -1,0 +1,64 @@
+#include <algorithm>
+
+#include "tool/format.h"
+#include "tool/plainText.h"
+#include "tool/run/render.h"
+
+namespace nRun {
+namespace {
+
+/// Returns the text for an attribute. XML has no control characters, U+FFFE or U+FFFF, even if they are escaped.
+std::string escaped(std::string_view text) {
+    std::string result;
+    for (const char c : nPlainText::printable(text)) {
+        switch (c) {
+            case '&': result += "&amp;"; break;
+            case '<': result += "&lt;"; break;
+            case '"': result += "&quot;"; break;
+            default: result += c;
+        }
+        if (result.ends_with("\xEF\xBF\xBE") || result.ends_with("\xEF\xBF\xBF")) result.back() = '\xBD';
+    }
+    return result;
+}
+
+std::string seconds(std::uint64_t ms) { return fmt::format("{}.{:03}", ms / 1000, ms % 1000); }
+
+std::uint64_t duration(const tPluginLife& life) {
+    std::uint64_t ms = 0;
+    for (const tCall& call : life.calls) ms += call.timeMs;
+    return ms;
+}
+
+std::string testCase(const tPlugin& plugin, const tPluginLife& life) {
+    std::string text = fmt::format(R"(    <testcase classname="{}" name="{}" time="{}")", escaped(plugin.file),
+                                   escaped(plugin.description.name), seconds(duration(life)));
+    if (life.outcome == tOutcome::ok) return text + "/>\n";
+    return text + fmt::format(">\n      <failure type=\"{}\" message=\"{}\"/>\n    </testcase>\n",
+                              outcomeName(life.outcome), escaped(life.detail));
+}
+
+std::string suite(const tResult& result, std::size_t number) {
+    const tLife& life = result.lives[number];
+    std::string cases;
+    std::uint64_t ms = 0;
+    for (std::size_t i = 0; i < life.size(); ++i) {
+        cases += testCase(result.plugins[i], life[i]);
+        ms += duration(life[i]);
+    }
+    const auto failures = std::ranges::count_if(life, [](const tPluginLife& p) { return p.outcome != tOutcome::ok; });
+    return fmt::format(
+        "  <testsuite name=\"life {}\" tests=\"{}\" failures=\"{}\" errors=\"0\" skipped=\"0\" time=\"{}\">\n{}"
+        "  </testsuite>\n",
+        number + 1, life.size(), failures, seconds(ms), cases);
+}
+
+}  // namespace
+
+std::string toJunit(const tResult& result) {
+    std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites name=\"ziptra run\">\n";
+    for (std::size_t life = 0; life < result.lives.size(); ++life) text += suite(result, life);
+    return text + "</testsuites>\n";
+}
+
+}  // namespace nRun

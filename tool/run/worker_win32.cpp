@@ -1,0 +1,240 @@
+#include <windows.h>
+
+#include "tool/run/worker.h"
+// windows.h first: psapi.h needs its types.
+#include <io.h>
+#include <psapi.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "err/Exception.h"
+#include "quarks/closer.h"
+#include "source/nPluginStart.h"
+#include "source/tPluginManager.h"
+#include "tool/context.h"
+#include "tool/run/leftovers.h"
+#include "tool/run/order.h"
+#include "tool/run/processState.h"
+#include "tool/run/protocol.h"
+#include "tool/run/selection.h"
+
+namespace nRun {
+namespace {
+
+using nStatus::tPhase;
+
+using tHandle = std::unique_ptr<void, tCloser<CloseHandle>>;
+
+constexpr UINT abortCode = 3;  // of a process that calls abort
+
+/// Where the reports go. Global, because the handlers of faults know nothing else.
+HANDLE reports = nullptr;
+
+void sendLine(const char* line, std::size_t size) {
+    DWORD written = 0;
+    // Without the process that started it there is nothing to do here.
+    if (WriteFile(reports, line, static_cast<DWORD>(size), &written, nullptr) == FALSE) {
+        TerminateProcess(GetCurrentProcess(), exitCouldNotLook);
+    }
+}
+
+void send(const tEvent& event) {
+    const std::string line = toLine(event);
+    sendLine(line.data(), line.size());
+}
+
+/// Returns the file name of the library at the address, or an empty text. Takes no lock: a thread that has one may be
+/// stopped.
+std::string_view libraryName(void* address) {
+    static std::array<wchar_t, 1024> path;
+    static std::array<char, 3 * path.size()> name;
+    const DWORD size = K32GetMappedFileNameW(GetCurrentProcess(), address, path.data(), path.size());
+    const std::wstring_view whole(path.data(), size);
+    const std::wstring_view last = whole.substr(whole.find_last_of(L'\\') + 1);
+    const int bytes = WideCharToMultiByte(CP_UTF8, 0, last.data(), static_cast<int>(last.size()), name.data(),
+                                          static_cast<int>(name.size()), nullptr, nullptr);
+    return {name.data(), static_cast<std::size_t>(bytes)};
+}
+
+/// Reports an exception that nothing handles and ends the process, as the system would. Little of the stack may be left
+/// and the heap may be damaged, so this uses neither.
+LONG WINAPI reportFault(EXCEPTION_POINTERS* exception) {
+    static volatile LONG faults = 0;
+    if (InterlockedIncrement(&faults) > 1) Sleep(INFINITE);
+    static std::array<char, 4096> line;
+    const DWORD code = exception->ExceptionRecord->ExceptionCode;
+    void* const address = exception->ExceptionRecord->ExceptionAddress;
+    const std::string_view name = libraryName(address);
+    MEMORY_BASIC_INFORMATION memory{};
+    if (!name.empty()) VirtualQuery(address, &memory, sizeof memory);
+    const auto offset =
+        reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(memory.AllocationBase);
+    const int size =
+        std::snprintf(line.data(), line.size(), "%c 0 0 0 %ld %.*s%s0x%llx%s\n", static_cast<char>(tEventKind::faulted),
+                      static_cast<long>(code), static_cast<int>(name.size()), name.data(), name.empty() ? "" : "+",
+                      static_cast<unsigned long long>(offset), name.empty() ? ", outside all libraries" : "");
+    sendLine(line.data(), static_cast<std::size_t>(size));
+    TerminateProcess(GetCurrentProcess(), code);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+void reportAbort(int /*signal*/) {
+    static constexpr std::string_view line = "a 0 0 0 0 \n";  // made without the heap, which may be damaged
+    sendLine(line.data(), line.size());
+    TerminateProcess(GetCurrentProcess(), abortCode);
+}
+
+/// Lets no fault open a window, and reports all.
+void watchFaults() {
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    SetUnhandledExceptionFilter(reportFault);
+    std::signal(SIGABRT, reportAbort);
+}
+
+/// Runs the lives as the host would. Each plug-in has a manager of its own, so that each call can be reported; which
+/// plug-ins may start is the host's rule.
+class tLives {
+public:
+    explicit tLives(const tOrder& order)
+        : order_(order), descriptions_(describe(order.files)), leftovers_(descriptions_.size(), readProcessState()) {
+        send({tEventKind::ready, 0, {}, descriptions_.size()});
+    }
+
+    void run() {
+        for (std::size_t life = 0; life < order_.times || leftovers_.undecided(); ++life) {
+            runLife();
+            for (tLeft& left : leftovers_.afterLife(settledState())) {
+                send({tEventKind::left, left.plugin, {}, left.life, 0, std::move(left.text)});
+            }
+            send({tEventKind::lifeOver});
+        }
+        send({tEventKind::finished});
+    }
+
+private:
+    static std::vector<tPluginDescription> describe(const std::vector<std::string>& files) {
+        std::vector<tPluginDescription> descriptions;
+        for (tPlugin& plugin : select(files)) descriptions.push_back(std::move(plugin.description));
+        return descriptions;
+    }
+
+    /// Threads that a plug-in has told to end may take a moment.
+    [[nodiscard]] tProcessState settledState() const {
+        constexpr int attempts = 10;
+        constexpr DWORD pauseMs = 10;
+        tProcessState state = readProcessState();
+        for (int i = 0; i < attempts && leftovers_.hasNewThreads(state); ++i) {
+            Sleep(pauseMs);
+            state = readProcessState();
+        }
+        return state;
+    }
+
+    void runLife() {
+        nPluginStart::tStarted names = nPluginStart::noneStarted(descriptions_);
+        std::vector<tPluginManager> managers(descriptions_.size());
+        std::vector<std::size_t> started;
+        for (std::size_t plugin = 0; plugin < managers.size(); ++plugin) {
+            if (start(plugin, managers[plugin], names)) started.insert(started.begin(), plugin);
+        }
+        for (const std::size_t plugin : started) {
+            if (!descriptions_[plugin].stop.empty()) {
+                call(plugin, tPhase::stop, managers[plugin], [](tPluginManager& manager) { manager.stopAll(); });
+            }
+        }
+        for (const std::size_t plugin : started) {
+            call(plugin, tPhase::cleanup, managers[plugin], [](tPluginManager& manager) { manager.cleanupAll(); });
+        }
+    }
+
+    /// Returns whether the plug-in has started.
+    bool start(std::size_t plugin, tPluginManager& manager, nPluginStart::tStarted& names) {
+        tPluginDescription description = descriptions_[plugin];
+        // Its manager knows no other plug-in: it is told of dependencies only if they have not started.
+        if (nPluginStart::refusal(description, order_.allowedMask, names) == nullptr) description.dependencies.clear();
+        call(plugin, tPhase::initialize, manager,
+             [&](tPluginManager& own) { own.startAll({description}, order_.allowedMask); });
+        const bool started = manager.entries().front().initCode >= 0;
+        if (started) names.at(description.name) = true;
+        return started;
+    }
+
+    template <class Call>
+    void call(std::size_t plugin, tPhase phase, tPluginManager& manager, const Call& callEntry) {
+        send({tEventKind::called, plugin, phase});
+        try {
+            callEntry(manager);
+        } catch (...) {
+            send({tEventKind::threw, plugin, phase});
+            TerminateProcess(GetCurrentProcess(), abortCode);
+        }
+        const tPluginEntry& entry = manager.entries().front();
+        const std::array codes{entry.initCode, entry.stopCode, entry.cleanupCode};
+        const std::array times{entry.initTimeMs, entry.stopTimeMs, entry.cleanupTimeMs};
+        const auto index = static_cast<std::size_t>(phase);
+        send({tEventKind::returned, plugin, phase, times[index], codes[index]});
+        // To read the state takes longer than most calls. With a single plug-in it is clear who has changed it.
+        if (descriptions_.size() > 1) leftovers_.afterCall(plugin, readProcessState());
+    }
+
+    const tOrder& order_;
+    std::vector<tPluginDescription> descriptions_;
+    tLeftovers leftovers_;
+};
+
+/// Returns all of standard input.
+std::string readInput() {
+    std::string text;
+    std::array<char, 4096> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init): ReadFile fills it
+    DWORD size = 0;
+    while (ReadFile(GetStdHandle(STD_INPUT_HANDLE), bytes.data(), bytes.size(), &size, nullptr) != FALSE && size > 0) {
+        text.append(bytes.data(), size);
+    }
+    return text;
+}
+
+/// Keeps standard output for the reports. What plug-ins write there goes to standard error.
+bool takeOutput() {
+    const HANDLE process = GetCurrentProcess();
+    if (DuplicateHandle(process, GetStdHandle(STD_OUTPUT_HANDLE), process, &reports, 0, FALSE, DUPLICATE_SAME_ACCESS) ==
+        FALSE) {
+        return false;
+    }
+    return _dup2(2, 1) == 0 && SetStdHandle(STD_OUTPUT_HANDLE, GetStdHandle(STD_ERROR_HANDLE)) != FALSE;
+}
+
+/// The thread of the plug-ins. Like the service's, it is not the process's first.
+DWORD WINAPI runLives(void* order) {
+    ULONG stackForFaults = 0x10000;
+    SetThreadStackGuarantee(&stackForFaults);
+    // MinGW's runtime opens handles at a thread's first such query, which the host makes with each call.
+    static_cast<void>(zuerr::ExceptionIsPropagating());
+    try {
+        tLives(*static_cast<tOrder*>(order)).run();
+        return exitNothingFound;
+    } catch (const std::exception&) {
+        return exitCouldNotLook;
+    }
+}
+
+}  // namespace
+
+int runWorker() {
+    std::optional<tOrder> order = readOrder(readInput());
+    if (!order || !takeOutput()) return exitCouldNotLook;
+    watchFaults();
+    const tHandle thread(CreateThread(nullptr, 0, runLives, &*order, 0, nullptr));
+    if (thread == nullptr) return exitCouldNotLook;
+    WaitForSingleObject(thread.get(), INFINITE);
+    // Only if a plug-in ends the thread does this report come before that of the end, which is then missing.
+    send({tEventKind::endedThread});
+    return exitNothingFound;
+}
+
+}  // namespace nRun
