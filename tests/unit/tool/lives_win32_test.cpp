@@ -140,7 +140,7 @@ TEST_F(nRunLives, EndACallThatTakesLongerThanTheLimit) {
 
 TEST_F(nRunLives, NameTheWindowThatAPlugInWaitsFor) {
     add("A", "Behaves", "OpensWindow");
-    const tToolProcess tool(arguments(L"A", L"--limit 1"));
+    const tToolProcess tool(arguments(L"A", L"--limit 2"));
     EXPECT_EQ(tool.exitCode(), 1U);
     EXPECT_THAT(valuesOf(tool.out(), "outcome"), ElementsAre("hung"));
     EXPECT_THAT(tool.out(), HasSubstr(R"(in OpensWindow, where the window \"A message box\" is open; )"));
@@ -237,7 +237,7 @@ TEST(nRunLivesChild, Sleeps) {
 }
 
 TEST_F(nRunLivesWithChild, LeaveNoProcessOfAPlugInBehind) {
-    const tToolProcess tool(arguments(L"A", L"--limit 3"));
+    const tToolProcess tool(arguments(L"A", L"--limit 5"));
     EXPECT_TRUE(soon(childRuns, true));
     EXPECT_EQ(tool.exitCode(), 1U);
     EXPECT_FALSE(childRuns());
