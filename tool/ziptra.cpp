@@ -13,6 +13,7 @@
 #include "tool/explain/explainCommand.h"
 #include "tool/format.h"
 #include "tool/graph/graphCommand.h"
+#include "tool/install/installCommand.h"
 #include "tool/plainText.h"
 #include "tool/run/runCommand.h"
 #include "tool/status/statusCommand.h"
@@ -29,6 +30,7 @@ void addCommands(CLI::App& program, tContext& context) {
     nStatus::addCommand(program, context);
     nGraph::addCommand(program, context);
     nRun::addCommand(program, context);
+    nInstall::addCommands(program, context);
     nCompletion::addCommand(program, context);
 }
 

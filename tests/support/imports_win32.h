@@ -4,6 +4,7 @@
 // windows.h first: the others need its types.
 #include <aclapi.h>
 #include <io.h>
+#include <sddl.h>
 #include <shlobj.h>
 
 #include <cstdio>
@@ -88,53 +89,86 @@ private:
 };
 
 // The list must be a macro: its names become those of variables and of linker symbols.
-#define IMPORTS(IMPORT)                                  \
-    IMPORT(L"advapi32.dll", RegCloseKey)                 \
-    IMPORT(L"advapi32.dll", RegOpenKeyExW)               \
-    IMPORT(L"advapi32.dll", RegQueryValueExW)            \
-    IMPORT(L"advapi32.dll", RegisterServiceCtrlHandlerA) \
-    IMPORT(L"advapi32.dll", SetEntriesInAclA)            \
-    IMPORT(L"advapi32.dll", SetSecurityInfo)             \
-    IMPORT(L"advapi32.dll", SetServiceStatus)            \
-    IMPORT(L"advapi32.dll", StartServiceCtrlDispatcherA) \
-    IMPORT(L"kernel32.dll", CloseHandle)                 \
-    IMPORT(L"kernel32.dll", CreateEventA)                \
-    IMPORT(L"kernel32.dll", CreateFileW)                 \
-    IMPORT(L"kernel32.dll", FindClose)                   \
-    IMPORT(L"kernel32.dll", FindFirstFileW)              \
-    IMPORT(L"kernel32.dll", FormatMessageA)              \
-    IMPORT(L"kernel32.dll", FormatMessageW)              \
-    IMPORT(L"kernel32.dll", FreeLibrary)                 \
-    IMPORT(L"kernel32.dll", GetACP)                      \
-    IMPORT(L"kernel32.dll", GetCurrentProcessId)         \
-    IMPORT(L"kernel32.dll", GetCurrentThreadId)          \
-    IMPORT(L"kernel32.dll", GetLastError)                \
-    IMPORT(L"kernel32.dll", GetModuleFileNameW)          \
-    IMPORT(L"kernel32.dll", GetModuleHandleA)            \
-    IMPORT(L"kernel32.dll", GetModuleHandleW)            \
-    IMPORT(L"kernel32.dll", GetProcAddress)              \
-    IMPORT(L"kernel32.dll", GetSystemDirectoryW)         \
-    IMPORT(L"kernel32.dll", GetSystemTimeAdjustment)     \
-    IMPORT(L"kernel32.dll", GetTickCount64)              \
-    IMPORT(L"kernel32.dll", LoadLibraryExA)              \
-    IMPORT(L"kernel32.dll", LoadLibraryExW)              \
-    IMPORT(L"kernel32.dll", LocalFree)                   \
-    IMPORT(L"kernel32.dll", MultiByteToWideChar)         \
-    IMPORT(L"kernel32.dll", OpenProcess)                 \
-    IMPORT(L"kernel32.dll", OutputDebugStringA)          \
-    IMPORT(L"kernel32.dll", QueryPerformanceFrequency)   \
-    IMPORT(L"kernel32.dll", SetConsoleCtrlHandler)       \
-    IMPORT(L"kernel32.dll", SetEvent)                    \
-    IMPORT(L"kernel32.dll", SetLastError)                \
-    IMPORT(L"kernel32.dll", SetThreadErrorMode)          \
-    IMPORT(L"kernel32.dll", Sleep)                       \
-    IMPORT(L"kernel32.dll", WaitForSingleObject)         \
-    IMPORT(L"msvcrt.dll", _ctime64)                      \
-    IMPORT(L"msvcrt.dll", _time64)                       \
-    IMPORT(L"msvcrt.dll", _wfopen)                       \
-    IMPORT(L"msvcrt.dll", _wfsopen)                      \
-    IMPORT(L"msvcrt.dll", _wremove)                      \
-    IMPORT(L"msvcrt.dll", _wrename)                      \
+#define IMPORTS(IMPORT)                                                           \
+    IMPORT(L"advapi32.dll", ChangeServiceConfig2W)                                \
+    IMPORT(L"advapi32.dll", ChangeServiceConfigW)                                 \
+    IMPORT(L"advapi32.dll", CheckTokenMembership)                                 \
+    IMPORT(L"advapi32.dll", CloseServiceHandle)                                   \
+    IMPORT(L"advapi32.dll", ControlService)                                       \
+    IMPORT(L"advapi32.dll", ConvertSidToStringSidW)                               \
+    IMPORT(L"advapi32.dll", ConvertStringSecurityDescriptorToSecurityDescriptorW) \
+    IMPORT(L"advapi32.dll", CreateServiceW)                                       \
+    IMPORT(L"advapi32.dll", CreateWellKnownSid)                                   \
+    IMPORT(L"advapi32.dll", DeleteService)                                        \
+    IMPORT(L"advapi32.dll", GetAce)                                               \
+    IMPORT(L"advapi32.dll", GetNamedSecurityInfoW)                                \
+    IMPORT(L"advapi32.dll", GetSecurityDescriptorDacl)                            \
+    IMPORT(L"advapi32.dll", GetSecurityDescriptorOwner)                           \
+    IMPORT(L"advapi32.dll", GetTokenInformation)                                  \
+    IMPORT(L"advapi32.dll", LookupAccountSidW)                                    \
+    IMPORT(L"advapi32.dll", OpenProcessToken)                                     \
+    IMPORT(L"advapi32.dll", OpenSCManagerW)                                       \
+    IMPORT(L"advapi32.dll", OpenServiceW)                                         \
+    IMPORT(L"advapi32.dll", QueryServiceConfig2W)                                 \
+    IMPORT(L"advapi32.dll", QueryServiceConfigW)                                  \
+    IMPORT(L"advapi32.dll", QueryServiceStatus)                                   \
+    IMPORT(L"advapi32.dll", RegCloseKey)                                          \
+    IMPORT(L"advapi32.dll", RegCreateKeyExW)                                      \
+    IMPORT(L"advapi32.dll", RegDeleteTreeW)                                       \
+    IMPORT(L"advapi32.dll", RegDeleteValueW)                                      \
+    IMPORT(L"advapi32.dll", RegOpenKeyExW)                                        \
+    IMPORT(L"advapi32.dll", RegQueryValueExW)                                     \
+    IMPORT(L"advapi32.dll", RegSetValueExW)                                       \
+    IMPORT(L"advapi32.dll", RegisterServiceCtrlHandlerA)                          \
+    IMPORT(L"advapi32.dll", SetEntriesInAclA)                                     \
+    IMPORT(L"advapi32.dll", SetNamedSecurityInfoW)                                \
+    IMPORT(L"advapi32.dll", SetSecurityInfo)                                      \
+    IMPORT(L"advapi32.dll", SetServiceStatus)                                     \
+    IMPORT(L"advapi32.dll", StartServiceCtrlDispatcherA)                          \
+    IMPORT(L"advapi32.dll", StartServiceW)                                        \
+    IMPORT(L"kernel32.dll", CloseHandle)                                          \
+    IMPORT(L"kernel32.dll", CreateDirectoryW)                                     \
+    IMPORT(L"kernel32.dll", CreateEventA)                                         \
+    IMPORT(L"kernel32.dll", CreateFileW)                                          \
+    IMPORT(L"kernel32.dll", DeleteFileW)                                          \
+    IMPORT(L"kernel32.dll", ExpandEnvironmentStringsW)                            \
+    IMPORT(L"kernel32.dll", FindClose)                                            \
+    IMPORT(L"kernel32.dll", FindFirstFileW)                                       \
+    IMPORT(L"kernel32.dll", FormatMessageA)                                       \
+    IMPORT(L"kernel32.dll", FormatMessageW)                                       \
+    IMPORT(L"kernel32.dll", FreeLibrary)                                          \
+    IMPORT(L"kernel32.dll", GetACP)                                               \
+    IMPORT(L"kernel32.dll", GetCurrentProcessId)                                  \
+    IMPORT(L"kernel32.dll", GetCurrentThreadId)                                   \
+    IMPORT(L"kernel32.dll", GetFileAttributesW)                                   \
+    IMPORT(L"kernel32.dll", GetLastError)                                         \
+    IMPORT(L"kernel32.dll", GetModuleFileNameW)                                   \
+    IMPORT(L"kernel32.dll", GetModuleHandleA)                                     \
+    IMPORT(L"kernel32.dll", GetModuleHandleW)                                     \
+    IMPORT(L"kernel32.dll", GetProcAddress)                                       \
+    IMPORT(L"kernel32.dll", GetSystemDirectoryW)                                  \
+    IMPORT(L"kernel32.dll", GetSystemTimeAdjustment)                              \
+    IMPORT(L"kernel32.dll", GetTickCount64)                                       \
+    IMPORT(L"kernel32.dll", LoadLibraryExA)                                       \
+    IMPORT(L"kernel32.dll", LoadLibraryExW)                                       \
+    IMPORT(L"kernel32.dll", LocalFree)                                            \
+    IMPORT(L"kernel32.dll", MultiByteToWideChar)                                  \
+    IMPORT(L"kernel32.dll", OpenProcess)                                          \
+    IMPORT(L"kernel32.dll", OutputDebugStringA)                                   \
+    IMPORT(L"kernel32.dll", QueryPerformanceFrequency)                            \
+    IMPORT(L"kernel32.dll", RemoveDirectoryW)                                     \
+    IMPORT(L"kernel32.dll", SetConsoleCtrlHandler)                                \
+    IMPORT(L"kernel32.dll", SetEvent)                                             \
+    IMPORT(L"kernel32.dll", SetLastError)                                         \
+    IMPORT(L"kernel32.dll", SetThreadErrorMode)                                   \
+    IMPORT(L"kernel32.dll", Sleep)                                                \
+    IMPORT(L"kernel32.dll", WaitForSingleObject)                                  \
+    IMPORT(L"msvcrt.dll", _ctime64)                                               \
+    IMPORT(L"msvcrt.dll", _time64)                                                \
+    IMPORT(L"msvcrt.dll", _wfopen)                                                \
+    IMPORT(L"msvcrt.dll", _wfsopen)                                               \
+    IMPORT(L"msvcrt.dll", _wremove)                                               \
+    IMPORT(L"msvcrt.dll", _wrename)                                               \
     IMPORT(L"shell32.dll", SHGetFolderPathW)
 
 // The same for calls that the compiler treats as ordinary functions because the headers do not declare them dllimport.
