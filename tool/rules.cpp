@@ -171,6 +171,22 @@ constexpr std::array libraries{
           "Give each plug-in a library of its own, unless this is intended."},
 };
 
+constexpr std::array access{
+    tRule{"exposed-code", error, "code that others than administrators can change",
+          "The service runs it with its own rights, usually those of the system.",
+          "Run the command that the finding shows."},
+    tRule{"exposed-description", error, "descriptions that others than administrators can change",
+          "They name the code that the service runs with its own rights.", "Run the command that the finding shows."},
+    tRule{"exposed-setting", error, "settings of the service that others than administrators can change",
+          "They decide which program the service is, or where it looks for descriptions.",
+          "Run the command that the finding shows."},
+    tRule{"exposed-status", warning, "a status folder that others than administrators can change",
+          "Others can forge the status file, and may make the service overwrite another file through a link.",
+          "Run the command that the finding shows."},
+    tRule{"unreadable-access", warning, "an access list that cannot be read", "It has not been examined.",
+          "Run the audit in a console with administrator rights."},
+};
+
 template <std::size_t... sizes>
 constexpr auto join(const std::array<tRule, sizes>&... tables) {
     std::array<tRule, (sizes + ...)> all{};
@@ -179,7 +195,7 @@ constexpr auto join(const std::array<tRule, sizes>&... tables) {
     return all;
 }
 
-constexpr auto rules = join(files, lines, values, names, dependencies, libraries);
+constexpr auto rules = join(files, lines, values, names, dependencies, libraries, access);
 
 }  // namespace
 

@@ -16,7 +16,7 @@ struct tRule {
     std::string_view remedy;  ///< what to do
 };
 
-/// The table of all findings: `check` makes them, `explain` and the documents describe them.
+/// The table of all findings: `check` and `audit` make them, `explain` and the documents describe them.
 namespace nRules {
 
 [[nodiscard]] std::span<const tRule> all() noexcept;

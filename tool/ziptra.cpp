@@ -7,6 +7,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "tool/audit/auditCommand.h"
 #include "tool/check/checkCommand.h"
 #include "tool/completion/completionCommand.h"
 #include "tool/console.h"
@@ -31,6 +32,7 @@ void addCommands(CLI::App& program, tContext& context) {
     nGraph::addCommand(program, context);
     nRun::addCommand(program, context);
     nInstall::addCommands(program, context);
+    nAudit::addCommand(program, context);
     nCompletion::addCommand(program, context);
 }
 

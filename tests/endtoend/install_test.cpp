@@ -157,6 +157,44 @@ TEST_F(installation, IsRefusedWhileTheServiceRunsAnotherProgram) {
     EXPECT_FALSE(std::filesystem::exists(makerFolder()));
 }
 
+/// Lets everyone write to a file or folder. Wine derives access lists from the modes of files and does not set them.
+void letEveryoneWrite(const tPath& path) {
+    if (!isWine()) {
+        const tProcess icacls(L"C:\\Windows\\System32\\icacls.exe",
+                              L"icacls \"" + path.native() + L"\" /grant *S-1-1-0:M");
+        EXPECT_EQ(icacls.exitCode(), 0U);
+        return;
+    }
+    using tUnixName = char*(CDECL*)(const wchar_t*);
+    const auto unixName = reinterpret_cast<tUnixName>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+    const std::string name = unixName(path.c_str());
+    const tProcess chmod(L"\\\\?\\unix\\bin\\chmod", L"chmod o+w \"" + wide(name) + L"\"");
+}
+
+TEST_F(installation, IsAuditedByWhatOthersCanWrite) {
+    EXPECT_EQ(install().exitCode, 0U);
+    const tPath library = shared() / L"库.dll";
+    writeFile(library, "library");
+    writeFile(plugins() / L"a.ini", "[Service]\nName=A\nPath=" + utf8Path(library) + "\n");
+    const tRun nothing = ziptra(L"audit");
+    EXPECT_EQ(nothing.exitCode, 0U) << nothing.errors;
+    EXPECT_EQ(nothing.output, "Only administrators can change what the service trusts\n");
+
+    letEveryoneWrite(plugins());
+    letEveryoneWrite(library);
+    tRun found{};
+    EXPECT_TRUE(becomesTrue([&] {
+        found = ziptra(L"audit --json");
+        return found.output.find("exposed-code") != std::string::npos;
+    }));
+    EXPECT_EQ(found.exitCode, 1U);
+    EXPECT_THAT(found.output, HasSubstr("\"message\": \"Everyone can create files, create folders"));
+    EXPECT_THAT(found.output, HasSubstr("\"message\": \"Everyone can write, append"));
+    EXPECT_THAT(found.output, HasSubstr("\"plugin\": \"A\""));
+    EXPECT_THAT(found.output, HasSubstr("\"sid\": \"S-1-1-0\""));
+}
+
 TEST_F(installation, IsPrintedWithoutAChange) {
     const tRun run = ziptra(L"install --print");
     EXPECT_EQ(run.exitCode, 0U) << run.errors;

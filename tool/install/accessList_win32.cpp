@@ -26,11 +26,14 @@ SE_OBJECT_TYPE typeOf(tKind kind) noexcept {
 
 std::string utf8(const wchar_t* text) { return nStdPath::pathToUtf8(text); }
 
-std::string textOf(PSID sid) {
+std::string textOf(PSID sid, const char* otherwise) {
     wchar_t* text = nullptr;
-    if (ConvertSidToStringSidW(sid, &text) == FALSE) return {};
+    if (ConvertSidToStringSidW(sid, &text) == FALSE) return otherwise;
     return utf8(tText(text).get());
 }
+
+/// An account that the system cannot name must not pass for one that is trusted, or for none.
+std::string sidOf(PSID sid) { return textOf(sid, "an unknown account"); }
 
 /// Returns "DOMAIN\NAME", or the SID if the system knows no name.
 std::string nameOf(PSID sid) {
@@ -40,7 +43,7 @@ std::string nameOf(PSID sid) {
     auto domainSize = static_cast<DWORD>(domain.size());
     SID_NAME_USE use{};
     if (LookupAccountSidW(nullptr, sid, name.data(), &nameSize, domain.data(), &domainSize, &use) == FALSE) {
-        return textOf(sid);
+        return sidOf(sid);
     }
     return domain[0] == 0 ? utf8(name.data()) : utf8(domain.data()) + '\\' + utf8(name.data());
 }
@@ -70,7 +73,7 @@ void addEntry(tList& list, ACE_HEADER& header) {
     const PSID sid = reinterpret_cast<BYTE*>(&header) + offset;
     const bool denies = header.AceType == ACCESS_DENIED_ACE_TYPE || header.AceType == ACCESS_DENIED_OBJECT_ACE_TYPE;
     list.entries.push_back({!denies, (header.AceFlags & INHERIT_ONLY_ACE) != 0, (header.AceFlags & INHERITED_ACE) != 0,
-                            reinterpret_cast<const ACCESS_ALLOWED_ACE&>(header).Mask, textOf(sid), nameOf(sid)});
+                            reinterpret_cast<const ACCESS_ALLOWED_ACE&>(header).Mask, sidOf(sid), nameOf(sid)});
 }
 
 /// Returns null, with the thread's last error, on failure.
@@ -83,7 +86,7 @@ tDescriptor descriptorFrom(const std::string& text) {
 
 tList toList(PSID owner, PACL acl) {
     tList list;
-    if (owner != nullptr) list.ownerSid = textOf(owner);
+    if (owner != nullptr) list.ownerSid = sidOf(owner);
     if (owner != nullptr) list.ownerName = nameOf(owner);
     list.missing = acl == nullptr;
     for (DWORD i = 0; acl != nullptr && i < acl->AceCount; ++i) {
@@ -147,7 +150,7 @@ std::string administrator() {
     const tHandle token(opened);
     alignas(TOKEN_USER) std::array<BYTE, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> user{};
     if (GetTokenInformation(opened, TokenUser, user.data(), static_cast<DWORD>(user.size()), &size) == FALSE) return {};
-    return textOf(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid);
+    return textOf(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid, "");
 }
 
 }  // namespace nAccess

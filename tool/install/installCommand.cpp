@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,12 +20,9 @@ struct tArguments {
 
 void runCommand(const tArguments& arguments, tContext& context) {
     tAccess access = arguments.access;
-    std::optional<tProgress> progress;
+    tProgress progress(context, "waiting for the service", 0);
     access.readOnly = arguments.print;
-    access.onWait = [&] {
-        if (!progress) progress.emplace(context, "waiting for the service", 0);
-        progress->advance();
-    };
+    access.onWait = [&progress] { progress.advance(); };
     tOutput output = arguments.json ? tOutput::json : tOutput::text;
     if (arguments.print) output = tOutput::commandLines;
     run(arguments.request, output, thisSystem(access), context);

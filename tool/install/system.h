@@ -20,10 +20,10 @@ struct tSystem {
 
 /// How to treat the machine.
 struct tAccess {
-    std::string command;           ///< its name, for texts
-    bool readOnly = false;         ///< needs no administrator
-    unsigned limitSeconds = 0;     ///< for a service that starts or stops
-    std::function<void()> onWait;  ///< called several times a second meanwhile; optional
+    std::string command;                ///< its name, for texts
+    bool readOnly = false;              ///< needs no administrator
+    unsigned limitSeconds = 0;          ///< for a service that starts or stops
+    std::function<void()> onWait = {};  ///< called several times a second meanwhile; optional
 };
 
 /// Returns this machine.

@@ -75,9 +75,9 @@ TEST(repairOnWindows, SetsEverythingAgain) {
     EXPECT_EQ(tToolRun({"repair"}).exitCode, 0);
     EXPECT_EQ(machine.state.services, installed.services);
     EXPECT_EQ(machine.state.keys, installed.keys);
-    // 1 is the owner, 4 the list, and the last bit protects it. The stand-in does not show that bit again.
+    // 1 is the owner, 4 the list, and the last bit protects it.
     EXPECT_THAT(machine.log, testing::Contains("SetNamedSecurityInfoW F:\\Data\\Corvell, 1, 2147483653, "
-                                               "O:BAD:(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)"));
+                                               "O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)"));
     EXPECT_THAT(machine.log, testing::Contains("ChangeServiceConfigW -, -, -, " + quotedProgram()));
     EXPECT_THAT(machine.log, testing::Contains("ChangeServiceConfigW -, 2, -, -"));
 }

@@ -55,8 +55,10 @@ std::filesystem::path sources() {
 
 TEST(nRules, AreAllUsed) {
     std::string code;
-    for (const auto& file : std::filesystem::directory_iterator(sources() / "tool" / "check")) {
-        code += support::read(file.path());
+    for (const char* const folder : {"check", "audit"}) {
+        for (const auto& file : std::filesystem::directory_iterator(sources() / "tool" / folder)) {
+            code += support::read(file.path());
+        }
     }
     for (const tRule& rule : nRules::all()) {
         EXPECT_NE(code.find('"' + std::string(rule.id) + '"'), std::string::npos) << rule.id;

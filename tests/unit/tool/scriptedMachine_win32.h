@@ -38,7 +38,7 @@ public:
     };
 
     tScriptedMachine() {
-        state.folders = {{L"F:\\Common", usualAccess}, {L"F:\\Data", usualAccess}};
+        state.folders = {{L"F:\\", usualAccess}, {L"F:\\Common", usualAccess}, {L"F:\\Data", usualAccess}};
         scriptManager();
         scriptService();
         scriptSettings();
@@ -315,13 +315,14 @@ private:
     }
 
     void scriptAccessLists() {
-        imports::GetNamedSecurityInfoW.replace([this](const wchar_t* name, SE_OBJECT_TYPE type, SECURITY_INFORMATION,
+        imports::GetNamedSecurityInfoW.replace([this](const wchar_t* name, SE_OBJECT_TYPE, SECURITY_INFORMATION,
                                                       PSID* owner, PSID*, PACL* list, PACL*,
                                                       PSECURITY_DESCRIPTOR* descriptor) -> DWORD {
-            if (type != SE_FILE_OBJECT || !state.folders.contains(name)) return ERROR_FILE_NOT_FOUND;
+            const auto folder = state.folders.find(name);
+            const wchar_t* const text = folder == state.folders.end() ? usualAccess : folder->second.c_str();
             BOOL flag = FALSE;
-            imports::ConvertStringSecurityDescriptorToSecurityDescriptorW.real(state.folders[name].c_str(),
-                                                                               SDDL_REVISION_1, descriptor, nullptr);
+            imports::ConvertStringSecurityDescriptorToSecurityDescriptorW.real(text, SDDL_REVISION_1, descriptor,
+                                                                               nullptr);
             imports::GetSecurityDescriptorOwner.real(*descriptor, owner, &flag);
             imports::GetSecurityDescriptorDacl.real(*descriptor, &flag, list, &flag);
             return ERROR_SUCCESS;
@@ -332,6 +333,8 @@ private:
             InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
             SetSecurityDescriptorOwner(&descriptor, owner, FALSE);
             SetSecurityDescriptorDacl(&descriptor, TRUE, list, FALSE);
+            const bool isProtected = (what & PROTECTED_DACL_SECURITY_INFORMATION) != 0;
+            SetSecurityDescriptorControl(&descriptor, SE_DACL_PROTECTED, isProtected ? SE_DACL_PROTECTED : 0);
             state.folders[name] = textOf(&descriptor);
             note("SetNamedSecurityInfoW " + utf8(name) + ", " + std::to_string(type) + ", " + std::to_string(what) +
                  ", " + utf8(state.folders[name].c_str()) + (group == nullptr && audit == nullptr ? "" : ", others"));

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/unit/tool/toolRun.h"
+#include "tool/install/system.h"
 
 namespace {
 

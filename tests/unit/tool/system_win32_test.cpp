@@ -5,6 +5,7 @@
 #include <functional>
 #include <set>
 
+#include "tests/support/text.h"
 #include "tests/unit/tool/scriptedMachine_win32.h"
 #include "tests/unit/tool/toolRun.h"
 #include "tool/install/system.h"
@@ -107,6 +108,8 @@ const std::vector<tSweep>& sweeps() {
         {"install", {"install", "--crash-dumps", "F:\\d"}, [](tScriptedMachine&) {}},
         {"repair", {"repair"}, broken},
         {"uninstall", {"uninstall"}, installed},
+        {"audit", {"audit"}, broken},
+        {"auditAndFix", {"audit", "--fix"}, broken},
     };
     return all;
 }
@@ -135,6 +138,13 @@ tScriptedMachine::tState prepared(const tSweep& sweep) {
     return machine.state;
 }
 
+/// An audit that cannot read a list says so in place of what it would have found there.
+void expectNothingHidden(const std::string& seen, const std::string& usual) {
+    const int unreadable = support::occurrences(seen, " [unreadable-access]");
+    const int hidden = support::occurrences(usual, " [exposed-") - support::occurrences(seen, " [exposed-");
+    EXPECT_TRUE(hidden <= 0 || unreadable == 1) << seen;
+}
+
 TEST_P(systemCallsOfInstall, EachMayFailAndLeavesTheMachineAsBeforeOrAsRequestedSoFar) {
     const std::vector<std::string>& arguments = GetParam().arguments;
     const tScriptedMachine::tState before = prepared(GetParam());
@@ -148,12 +158,12 @@ TEST_P(systemCallsOfInstall, EachMayFailAndLeavesTheMachineAsBeforeOrAsRequested
         SCOPED_TRACE(faults.failed() + " fails, call " + std::to_string(nth));
         called.insert(faults.failed());
         EXPECT_EQ(seen.openHandles, 0);
-        if (seen.run.exitCode == 0) {
+        if (seen.run.exitCode != 2) {
             EXPECT_EQ(seen.run.error, "");
             EXPECT_EQ(seen.state, usual.state);
+            expectNothingHidden(seen.run.out, usual.run.out);
             continue;
         }
-        EXPECT_EQ(seen.run.exitCode, 2);
         EXPECT_THAT(seen.run.error,
                     testing::AnyOf(testing::MatchesRegex("ziptra: .+ could not be .+\\(1450\\).*\n"),
                                    testing::MatchesRegex("ziptra: This system has no folder for .+\n")));
@@ -161,7 +171,7 @@ TEST_P(systemCallsOfInstall, EachMayFailAndLeavesTheMachineAsBeforeOrAsRequested
         ASSERT_LE(seen.log.size(), usual.log.size());
         EXPECT_TRUE(std::equal(seen.log.begin(), seen.log.end(), usual.log.begin()));
         const tOutcome rest = runOn(seen.state, arguments, nullptr);
-        EXPECT_EQ(rest.run.exitCode, 0) << rest.run.error;
+        EXPECT_EQ(rest.run.exitCode, usual.run.exitCode) << rest.run.error;
         EXPECT_EQ(rest.state, usual.state);
     }
     std::printf("%s: %d calls of %zu functions failed in turn\n", GetParam().name, count, called.size());

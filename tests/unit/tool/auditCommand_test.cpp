@@ -1,0 +1,23 @@
+#include "tool/audit/auditCommand.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/unit/tool/toolRun.h"
+
+namespace {
+
+using support::tToolRun;
+using testing::HasSubstr;
+
+TEST(nAuditCommand, ShowsItsHelpWithAnExample) {
+    EXPECT_THAT(tToolRun({"audit", "--help"}).out, HasSubstr("Example: ziptra audit --fix\n"));
+}
+
+TEST(nAuditCommand, TakesNoPlaces) {
+    const tToolRun run({"audit", "C:\\"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.error, HasSubstr("; see 'ziptra audit --help'\n"));
+}
+
+}  // namespace

@@ -1,0 +1,59 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/unit/tool/scriptedMachine_win32.h"
+#include "tests/unit/tool/toolRun.h"
+
+namespace {
+
+using support::tScriptedMachine;
+using support::tToolRun;
+using testing::HasSubstr;
+
+constexpr const char* nothingFound = "Only administrators can change what the service trusts\n";
+
+TEST(auditOnWindows, FindsNothingOnAMachineAsInstallLeavesIt) {
+    tScriptedMachine machine;
+    ASSERT_EQ(tToolRun({"install"}).exitCode, 0);
+    const tToolRun run({"audit", "--strict"});
+    EXPECT_EQ(run.out, nothingFound);
+    EXPECT_EQ(run.exitCode, 0) << run.error;
+    EXPECT_EQ(machine.openHandles, 0);
+}
+
+TEST(auditOnWindows, FindsWhatOthersCanChange) {
+    tScriptedMachine machine;
+    ASSERT_EQ(tToolRun({"install"}).exitCode, 0);
+    const std::wstring users = tScriptedMachine::usualAccess + std::wstring(L"(A;;0x1301bf;;;BU)");
+    const std::wstring plugins = L"F:\\Common\\Corvell\\ZiptraRemoteService\\plugins";
+    for (const wchar_t* const path :
+         {L"F:\\Common", plugins.c_str(), L"MACHINE\\SOFTWARE\\Corvell\\Common\\Installer", L"zuZiptraRemoteService"}) {
+        machine.state.folders[path] = users;
+    }
+    const tToolRun run({"audit"});
+    EXPECT_EQ(run.exitCode, 1) << run.error;
+    for (const char* const line :
+         {"F:\\Common: error: ", "\\plugins: error: ", "Installer: error: ", "zuZiptraRemoteService: error: "}) {
+        EXPECT_THAT(run.out, HasSubstr(line));
+    }
+}
+
+TEST(auditOnWindows, SaysWhereOthersCouldCreateWhatIsMissing) {
+    tScriptedMachine machine;
+    machine.state.folders[L"F:\\Data"] = tScriptedMachine::usualAccess + std::wstring(L"(A;;0x120116;;;BU)");
+    EXPECT_THAT(tToolRun({"audit"}).out, HasSubstr("F:\\Data: warning: "));
+}
+
+TEST(auditOnWindows, SetsTheListsOfTheFoldersThatTheHostOwns) {
+    tScriptedMachine machine;
+    ASSERT_EQ(tToolRun({"install"}).exitCode, 0);
+    machine.state.folders[L"F:\\Data\\Corvell"] = L"O:BUD:(A;;FA;;;WD)";
+    const tToolRun run({"audit", "--fix"});
+    EXPECT_EQ(run.exitCode, 0) << run.error;
+    EXPECT_EQ(run.out, std::string("Set the access list of F:\\Data\\Corvell\n") + nothingFound);
+    EXPECT_EQ(machine.log.back(),
+              "SetNamedSecurityInfoW F:\\Data\\Corvell, 1, 2147483653, "
+              "O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)");
+}
+
+}  // namespace

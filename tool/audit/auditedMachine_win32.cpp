@@ -1,0 +1,109 @@
+#include <windows.h>
+
+#include <boost/filesystem/exception.hpp>
+
+#include "err/Exception.h"
+#include "source/nPluginData.h"
+#include "stdpath/folders.h"
+#include "stdpath/path.h"
+#include "stdpath/stdpath.h"
+#include "tool/audit/auditRun.h"
+#include "tool/install/lookAt.h"
+#include "tool/install/settings.h"
+#include "tool/pe/windowsPath.h"
+
+namespace nAudit {
+namespace {
+
+using nAccess::tKind;
+using tTargets = std::vector<tTarget>;
+
+/// Returns whether the error says so; what cannot be looked at for other reasons exists.
+bool isMissing(DWORD error) {
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_BAD_NETPATH ||
+           error == ERROR_BAD_NET_NAME || error == ERROR_INVALID_NAME || error == ERROR_BAD_PATHNAME;
+}
+
+bool exists(const std::string& path, tKind kind) {
+    if (kind == tKind::service) return true;
+    const std::wstring name = nStdPath::widePathFromUtf8(path);
+    if (kind != tKind::key) {
+        return GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES || !isMissing(GetLastError());
+    }
+    HKEY key = nullptr;
+    const LSTATUS error =
+        RegOpenKeyExW(HKEY_LOCAL_MACHINE, name.substr(name.find(L'\\') + 1).c_str(), 0, READ_CONTROL, &key);
+    if (error == ERROR_SUCCESS) RegCloseKey(key);
+    return !isMissing(static_cast<DWORD>(error));
+}
+
+/// Returns the descriptions that the host would read; none if there is no plug-in directory.
+std::vector<std::string> descriptionFiles() {
+    std::vector<std::string> files;
+    try {
+        nPluginData::listPlugins(files);
+    } catch (const zuerr::ExceptionBase&) {
+        return {};
+    } catch (const boost::filesystem::filesystem_error&) {
+        throw nInstall::tCannot("The plug-in directory cannot be read");
+    }
+    return files;
+}
+
+/// Adds the descriptions and their libraries. Where a relative path leads is not known; `check` complains about it.
+void addPlugins(tTargets& targets) {
+    for (const std::string& file : descriptionFiles()) {
+        tPluginDescription description;
+        try {
+            nPluginData::readDescription(file, description);
+        } catch (const zuerr::ExceptionBase&) {
+            description = {};  // the host rejects it, but whoever can change it can correct it
+        }
+        targets.push_back({file, tKind::file, "exposed-description", description.name});
+        if (description.path.empty() || nPe::isSearched(description.path)) continue;
+        targets.push_back({description.path, tKind::file, "exposed-code", description.name});
+    }
+}
+
+std::string systemFolder() { return nStdPath::pathToUtf8(nStdPath::systemFolder()); }
+
+void addProgram(const nInstall::tMachine& machine, tTargets& targets) {
+    const std::string program = machine.service ? nInstall::programOf(machine.service->commandLine) : machine.program;
+    targets.push_back({program, tKind::file, "exposed-code"});
+    targets.push_back({systemFolder(), tKind::folder, "exposed-code"});  // where zusysapi.dll is looked for, too
+    if (machine.service) targets.push_back({std::string(nInstall::serviceName), tKind::service, "exposed-setting"});
+    const std::string_view parameters = nInstall::parametersKey;
+    const std::string_view key = parameters.substr(0, parameters.rfind('\\'));
+    if (machine.service) targets.push_back({std::string(key), tKind::key, "exposed-setting"});
+}
+
+}  // namespace
+
+tMachine thisMachine() {
+    const nInstall::tMachine installed = nInstall::lookAt({"audit", true});
+    tMachine machine;
+    addProgram(installed, machine.targets);
+    machine.targets.push_back({std::string(nInstall::sharedDirectoryKey), tKind::key, "exposed-setting"});
+    const auto shared = installed.registryValue(nInstall::sharedDirectoryKey, nInstall::sharedDirectoryValue);
+    if (shared) {
+        std::string folder = *shared;
+        nStdPath::trimPath(folder);
+        machine.ownFolders = {folder + R"(\ZiptraRemoteService)", folder + R"(\ZiptraRemoteService\plugins)"};
+        machine.targets.push_back({folder, tKind::folder, "exposed-description"});
+        machine.targets.push_back({machine.ownFolders[0], tKind::folder, "exposed-description"});
+        machine.targets.push_back({machine.ownFolders[1], tKind::folder, "exposed-description"});
+        addPlugins(machine.targets);
+    }
+    machine.ownFolders.push_back(installed.statusDirectory);
+    machine.targets.push_back({installed.statusDirectory, tKind::folder, "exposed-status"});
+    machine.administrator = nAccess::administrator();
+    machine.exists = exists;
+    machine.read = nAccess::read;
+    machine.fix = [](const std::string& folder) {
+        return nAccess::setFolder(folder, std::string(nInstall::folderAccess));
+    };
+    machine.reason = nInstall::reasonOf;
+    return machine;
+}
+
+}  // namespace nAudit
