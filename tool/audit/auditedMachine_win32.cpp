@@ -61,20 +61,31 @@ void addPlugins(tTargets& targets) {
         }
         targets.push_back({file, tKind::file, "exposed-description", description.name});
         if (description.path.empty() || nPe::isSearched(description.path)) continue;
-        targets.push_back({description.path, tKind::file, "exposed-code", description.name});
+        targets.push_back({nPe::withExtension(description.path), tKind::file, "exposed-code", description.name});
     }
 }
 
 std::string systemFolder() { return nStdPath::pathToUtf8(nStdPath::systemFolder()); }
 
+/// Without quotes, Windows first looks for "C:\Program.exe" and then for the next part up to a blank.
+void addUnquoted(const nInstall::tService& service, tTargets& targets) {
+    if (service.commandLine.starts_with('"')) return;
+    const std::string& program = service.program;
+    for (std::size_t blank = program.find(' '); blank != std::string::npos; blank = program.find(' ', blank + 1)) {
+        targets.push_back({program.substr(0, blank) + ".exe", tKind::file, "exposed-code"});
+    }
+}
+
 void addProgram(const nInstall::tMachine& machine, tTargets& targets) {
-    const std::string program = machine.service ? nInstall::programOf(machine.service->commandLine) : machine.program;
+    const std::string& program = machine.service ? machine.service->program : machine.program;
     targets.push_back({program, tKind::file, "exposed-code"});
     targets.push_back({systemFolder(), tKind::folder, "exposed-code"});  // where zusysapi.dll is looked for, too
-    if (machine.service) targets.push_back({std::string(nInstall::serviceName), tKind::service, "exposed-setting"});
+    if (!machine.service) return;
+    addUnquoted(*machine.service, targets);
     const std::string_view parameters = nInstall::parametersKey;
     const std::string_view key = parameters.substr(0, parameters.rfind('\\'));
-    if (machine.service) targets.push_back({std::string(key), tKind::key, "exposed-setting"});
+    targets.push_back({std::string(nInstall::serviceName), tKind::service, "exposed-setting"});
+    targets.push_back({std::string(key), tKind::key, "exposed-setting"});
 }
 
 }  // namespace

@@ -63,14 +63,11 @@ std::string expanded(const wchar_t* text) {
     return nStdPath::pathToUtf8(result.data());
 }
 
-/// Returns the program that the command line runs, unless it is this one, or does not exist.
-std::string otherProgram(const wchar_t* commandLine, const std::string& program) {
-    const std::string other = programOf(expanded(commandLine));
-    const nFiles::path path = nStdPath::pathFromUtf8(other);
+/// Returns whether the service runs another program than this one. One that does not exist does not count.
+bool isOther(const std::string& running, const std::string& program) {
+    const nFiles::path path = nStdPath::pathFromUtf8(running);
     boost::system::error_code error;
-    const bool isOther =
-        nFiles::exists(path, error) && !nFiles::equivalent(path, nStdPath::pathFromUtf8(program), error);
-    return isOther ? other : "";
+    return nFiles::exists(path, error) && !nFiles::equivalent(path, nStdPath::pathFromUtf8(program), error);
 }
 
 void readConfiguration(SC_HANDLE handle, const std::string& program, tService& service) {
@@ -79,7 +76,8 @@ void readConfiguration(SC_HANDLE handle, const std::string& program, tService& s
     DWORD needed = 0;
     if (QueryServiceConfigW(handle, config, sizeof buffer, &needed) == FALSE) cannotLook(serviceText(), GetLastError());
     service.commandLine = nStdPath::pathToUtf8(config->lpBinaryPathName);
-    service.otherProgram = otherProgram(config->lpBinaryPathName, program);
+    service.program = programOf(expanded(config->lpBinaryPathName));
+    if (isOther(service.program, program)) service.otherProgram = service.program;
     service.start = startName(config->dwStartType);
 }
 

@@ -55,6 +55,9 @@ public:
 
     tSteps make() {
         if (!machine_.programExists) throw tCannot("There is no " + machine_.program + ", which the service would run");
+        if (machine_.program.starts_with(R"(\\)")) {
+            throw tCannot(machine_.program + " is on another machine: copy it to a drive of this one first");
+        }
         const std::string shared = sharedDirectory();
         addFolder(shared, folderAccess, false);
         addFolder(shared + R"(\ZiptraRemoteService)", folderAccess, true);

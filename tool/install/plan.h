@@ -31,6 +31,7 @@ struct tService {
     std::optional<std::string> recovery;  ///< as in settings.h
     std::optional<bool> recoveryOnError;
     std::string description;
+    std::string program = {};  ///< that the command line starts
 };
 
 enum class tFolder {

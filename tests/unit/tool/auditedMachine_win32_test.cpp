@@ -44,6 +44,17 @@ TEST(auditOnWindows, SaysWhereOthersCouldCreateWhatIsMissing) {
     EXPECT_THAT(tToolRun({"audit"}).out, HasSubstr("F:\\Data: warning: "));
 }
 
+TEST(auditOnWindows, FollowsACommandLineWithoutQuotesAsWindowsDoes) {
+    tScriptedMachine machine;
+    ASSERT_EQ(tToolRun({"install"}).exitCode, 0);
+    machine.state.folders[L"F:\\Common\\a b"] = tScriptedMachine::usualAccess;
+    machine.state.folders[L"F:\\Common"] = tScriptedMachine::usualAccess + std::wstring(L"(A;;0x120116;;;BU)");
+    machine.service().commandLine = LR"("F:\Common\a b\x.exe")";
+    EXPECT_EQ(tToolRun({"audit"}).exitCode, 0);
+    machine.service().commandLine = LR"(F:\Common\a b\x.exe)";
+    EXPECT_THAT(tToolRun({"audit"}).out, HasSubstr("F:\\Common: error: "));
+}
+
 TEST(auditOnWindows, SetsTheListsOfTheFoldersThatTheHostOwns) {
     tScriptedMachine machine;
     ASSERT_EQ(tToolRun({"install"}).exitCode, 0);

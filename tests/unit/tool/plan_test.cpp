@@ -159,6 +159,12 @@ TEST_F(nInstallPlan, RefusesWithoutTheProgram) {
               "which the service would run");
 }
 
+TEST_F(nInstallPlan, RefusesAProgramThatTheSystemCannotReachWhenItStarts) {
+    fake.machine.program = R"(\\server\share\zuZiptraRemoteService.exe)";
+    EXPECT_EQ(refusal(tRequest{}), R"(\\server\share\zuZiptraRemoteService.exe is on another machine: )"
+                                   "copy it to a drive of this one first");
+}
+
 TEST_F(nInstallPlan, RefusesAServiceThatIsBeingDeletedOrRunsAnotherProgram) {
     install();
     fake.machine.service->otherProgram = "D:\\other.exe";
