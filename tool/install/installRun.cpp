@@ -61,7 +61,7 @@ void run(const tRequest& request, tOutput output, const tSystem& system, tContex
     }
     const bool text = output == tOutput::text;
     const tResult result = performAll(steps, system, [&](const std::string& line) {
-        if (text) context.out << line << std::endl;  // at once: the next step may take a while
+        if (text) context.out << line << '\n' << std::flush;  // at once: the next step may take a while
     });
     if (!text) printJson(result, context.out);
     if (text && steps.empty()) context.out << "Nothing to do: everything is as requested\n";

@@ -79,7 +79,7 @@ private:
             const bool asked = !request_.sharedDirectory.empty();
             return asked ? fullPath(option, request_.sharedDirectory) : machine_.usualSharedDirectory;
         }
-        const std::string path = fullPath("The registry value ZUSHAREDDIR64", *present);
+        std::string path = fullPath("The registry value ZUSHAREDDIR64", *present);
         if (!request_.sharedDirectory.empty() && !sameText(fullPath(option, request_.sharedDirectory), path)) {
             throw tCannot("The shared directory of this machine is " + path +
                           ", which other programs may use: leave out --shared-dir, or change ZUSHAREDDIR64 first");
