@@ -7,23 +7,13 @@
 
 #include "quarks/closer.h"
 #include "stdpath/path.h"
-#include "stdpath/utf.h"
 #include "tool/outputFilePlatform.h"
+#include "tool/systemReason.h"
 
 namespace nOutputFile {
 namespace {
 
 using tHandle = std::unique_ptr<std::remove_pointer_t<HANDLE>, tCloser<CloseHandle>>;
-
-/// Returns the system's text for the last error, without its line break and final stop.
-std::string lastReason() {
-    const DWORD error = GetLastError();
-    wchar_t text[512];
-    DWORD size = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
-                                MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), text, 512, nullptr);
-    while (size > 0 && (text[size - 1] == '\n' || text[size - 1] == '\r' || text[size - 1] == '.')) --size;
-    return size > 0 ? nStdPath::fileNameToUtf8(std::u16string(text, text + size)) : "error " + std::to_string(error);
-}
 
 tHandle open(const std::wstring& path, DWORD access, DWORD disposition) {
     const HANDLE file = CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
@@ -56,7 +46,7 @@ bool isDevice(const std::wstring& path) {
 
 std::string writeDirectly(const std::wstring& path, std::string_view content) {
     const tHandle device = open(path, GENERIC_WRITE, OPEN_EXISTING);
-    return device != nullptr && writeAll(device.get(), content) ? std::string() : lastReason();
+    return device != nullptr && writeAll(device.get(), content) ? std::string() : nSystemReason::last();
 }
 
 /// Returns the path of a temporary file in the same folder. It does not contain the file's name, which can be as long
@@ -73,7 +63,7 @@ std::string fill(const std::wstring& temporary, std::string_view content) {
     const tHandle file = open(temporary, GENERIC_WRITE | DELETE, CREATE_NEW);
     const bool filled = file != nullptr && deleteOnClose(file.get(), true) && writeAll(file.get(), content) &&
                         FlushFileBuffers(file.get()) != FALSE && deleteOnClose(file.get(), false);
-    return filled ? std::string() : lastReason();
+    return filled ? std::string() : nSystemReason::last();
 }
 
 }  // namespace
@@ -87,7 +77,7 @@ std::string tryToReplace(const std::string& path, std::string_view content) {
     if (MoveFileExW(temporary.c_str(), wide.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE) {
         return {};
     }
-    reason = lastReason();
+    reason = nSystemReason::last();
     DeleteFileW(temporary.c_str());
     return reason;
 }

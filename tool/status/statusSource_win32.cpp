@@ -9,23 +9,14 @@
 #include "source/statusFile.h"
 #include "stdpath/path.h"
 #include "stdpath/stdpath.h"
-#include "stdpath/utf.h"
 #include "tool/status/statusSource.h"
+#include "tool/systemReason.h"
 
 namespace nStatus {
 namespace nPlatform {
 namespace {
 
 using tHandle = std::unique_ptr<std::remove_pointer_t<HANDLE>, tCloser<CloseHandle>>;
-
-/// Returns the system's text, without its line break and final stop.
-std::string reasonOf(DWORD error) {
-    wchar_t text[512];
-    DWORD size = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
-                                MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), text, 512, nullptr);
-    while (size > 0 && (text[size - 1] == '\n' || text[size - 1] == '\r' || text[size - 1] == '.')) --size;
-    return size > 0 ? nStdPath::fileNameToUtf8(std::u16string(text, text + size)) : "error " + std::to_string(error);
-}
 
 /// While the host replaces the file there is none, or one that is being deleted; or the host has it open.
 bool passes(DWORD error) {
@@ -35,7 +26,7 @@ bool passes(DWORD error) {
 
 tAttempt failure() {
     const DWORD error = GetLastError();
-    return {passes(error) ? tOutcome::tryAgain : tOutcome::failed, reasonOf(error)};
+    return {passes(error) ? tOutcome::tryAgain : tOutcome::failed, nSystemReason::of(error)};
 }
 
 tAttempt tooLarge() { return {tOutcome::failed, "it is larger than 1 GiB"}; }
