@@ -161,7 +161,7 @@ private:
             text.append("<marker id=\"").append(kindName(kind));
             text.append(R"(Head" viewBox="0 0 10 10" refX="1" refY="5" markerWidth="9" markerHeight="9" )"
                         R"(markerUnits="userSpaceOnUse" orient="auto-start-reverse"><path class=")");
-            text.append(kindName(kind)).append("\" d=\"M0 0.5L10 5L0 9.5z\"/></marker>");
+            text.append(kindName(kind)).append(R"(" d="M0 0.5L10 5L0 9.5z"/></marker>)");
         }
         return text.append("</defs>\n");
     }

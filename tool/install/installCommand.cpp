@@ -32,7 +32,7 @@ void runCommand(const tArguments& arguments, tContext& context) {
 std::shared_ptr<tArguments> addCommand(CLI::App& program, tContext& context, tKind kind, const std::string& name,
                                        const std::string& purpose) {
     CLI::App* const command = program.add_subcommand(name, purpose);
-    const auto arguments = std::make_shared<tArguments>();
+    auto arguments = std::make_shared<tArguments>();
     arguments->request.kind = kind;
     arguments->access.command = name;
     arguments->access.limitSeconds = 120;

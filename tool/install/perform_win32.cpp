@@ -74,7 +74,7 @@ DWORD setRecoveryOnError() {
 }
 
 DWORD setDelayed(const tStep& step) {
-    SERVICE_DELAYED_AUTO_START_INFO info{step.value == "delayed-auto"};
+    SERVICE_DELAYED_AUTO_START_INFO info{step.value == "delayed-auto" ? TRUE : FALSE};
     return changeSetting(SERVICE_CONFIG_DELAYED_AUTO_START_INFO, &info);
 }
 
