@@ -104,6 +104,16 @@ std::string printable(std::string_view text) {
     return replaced(text, [](const tCharacter& character) { return !contains(controls, character.codePoint); });
 }
 
+std::string printableInXml(std::string_view text) {
+    std::string result = printable(text);
+    for (const std::string_view excluded : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {  // U+FFFE and U+FFFF
+        for (std::size_t at = result.find(excluded); at != std::string::npos; at = result.find(excluded, at)) {
+            result.replace(at, excluded.size(), "\xEF\xBF\xBD");
+        }
+    }
+    return result;
+}
+
 std::size_t columns(std::string_view text) {
     if (isPlain(text)) return text.size();
     std::size_t count = 0;

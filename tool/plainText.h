@@ -16,6 +16,10 @@ namespace nPlainText {
 /// Returns valid UTF-8 without characters that control a terminal or the direction of writing: each becomes U+FFFD.
 [[nodiscard]] std::string printable(std::string_view text);
 
+/// Returns the same without U+FFFE and U+FFFF, which XML excludes even if they are escaped
+/// (https://www.w3.org/TR/xml/#charsets).
+[[nodiscard]] std::string printableInXml(std::string_view text);
+
 /// Returns how many columns of a terminal the text takes. Requires: a printable text.
 [[nodiscard]] std::size_t columns(std::string_view text);
 

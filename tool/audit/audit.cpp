@@ -63,7 +63,7 @@ private:
     std::unordered_map<std::string, std::size_t> positions_;
 };
 
-/// What Windows gives to a new service.
+/// The access list that Windows sets on a new service.
 constexpr std::string_view usualServiceAccess =
     "D:(A;;CCLCSWRPWPDTLOCRRC;;;SY)(A;;CCDCLCSWRPWPDTLOCRSDRCWDWO;;;BA)(A;;CCLCSWLOCRRC;;;IU)(A;;CCLCSWLOCRRC;;;SU)";
 

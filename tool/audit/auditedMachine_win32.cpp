@@ -57,7 +57,7 @@ void addPlugins(tTargets& targets) {
         try {
             nPluginData::readDescription(file, description);
         } catch (const zuerr::ExceptionBase&) {
-            description = {};  // the host rejects it, but whoever can change it can correct it
+            description = {};  // the host rejects it, but those who can change it can correct it
         }
         targets.push_back({file, tKind::file, "exposed-description", description.name});
         if (description.path.empty() || nPe::isSearched(description.path)) continue;

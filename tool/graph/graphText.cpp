@@ -11,7 +11,9 @@ constexpr std::size_t longestLabel = 60;
 
 std::string idOf(std::size_t index) { return fmt::format("p{}", index + 1); }
 
-std::string nameLabel(const tNode& node) { return nPlainText::shortened(presentable(node.name), longestLabel); }
+std::string nameLabel(const tNode& node) {
+    return nPlainText::shortened(nPlainText::printableInXml(node.name), longestLabel);
+}
 
 /// Graphviz reads backslashes as escapes and "&lt;" as a character.
 std::string escapeDot(const std::string& text) {

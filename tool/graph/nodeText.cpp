@@ -4,7 +4,6 @@
 
 #include "source/runMessages.h"
 #include "tool/format.h"
-#include "tool/plainText.h"
 
 namespace nGraph {
 namespace {
@@ -58,16 +57,6 @@ std::string counted(std::size_t count, std::string_view one, std::string_view ma
 }
 
 }  // namespace
-
-std::string presentable(std::string_view text) {
-    std::string result = nPlainText::printable(text);
-    for (const std::string_view excluded : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {  // U+FFFE and U+FFFF
-        for (std::size_t at = result.find(excluded); at != std::string::npos; at = result.find(excluded, at)) {
-            result.replace(at, excluded.size(), "\xEF\xBF\xBD");
-        }
-    }
-    return result;
-}
 
 std::string_view kindName(tLinkKind kind) noexcept {
     switch (kind) {

@@ -8,9 +8,6 @@
 /// The words that all drawings of a graph share.
 namespace nGraph {
 
-/// Returns a name or a path for one line of a drawing: printable, and without the characters that XML excludes.
-[[nodiscard]] std::string presentable(std::string_view text);
-
 /// Returns "fulfilled", "repeated", "failed", "late", "circular" or "missing".
 [[nodiscard]] std::string_view kindName(tLinkKind kind) noexcept;
 

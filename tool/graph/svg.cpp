@@ -63,7 +63,7 @@ marker path.circular[class] { fill: var(--circle) }
 marker path.late[class], marker path.missing[class] { fill: var(--warn) }
 )css";
 
-/// Returns the presentable text as the content or an attribute of an element.
+/// Returns the printable text as the content or an attribute of an element.
 std::string escapeMarkup(std::string_view text) {
     std::string result;
     for (const char character : text) {
@@ -112,13 +112,16 @@ struct tBoxText {
 class tPicture {
 public:
     tPicture(const tGraph& graph, const std::string& title)
-        : graph_(graph), title_(nPlainText::shortened(presentable(title), longestTitle)), summary_(summary(graph)) {
+        : graph_(graph),
+          title_(nPlainText::shortened(nPlainText::printableInXml(title), longestTitle)),
+          summary_(summary(graph)) {
         const std::vector<std::string> states = stateTexts(graph);
         for (std::size_t index = 0; index < graph.nodes.size(); ++index) {
             const tNode& node = graph.nodes[index];
             texts_.push_back({node.described ? std::to_string(index + 1) : "?",
-                              nPlainText::shortened(presentable(node.name), longestName), states[index]});
-            hintNames_.push_back(nPlainText::shortened(presentable(node.name), longestHint));
+                              nPlainText::shortened(nPlainText::printableInXml(node.name), longestName),
+                              states[index]});
+            hintNames_.push_back(nPlainText::shortened(nPlainText::printableInXml(node.name), longestHint));
         }
         measure();
         layout_ = arrange(graph, {boxWidth_, boxHeight});
@@ -222,7 +225,7 @@ private:
         const double y = layout_.boxes[index].y + margin + headerHeight;
         const tBoxText& text = texts_[index];
         std::string element = "<g" + std::string(styleOf(node)) + ">";
-        element += hint(presentable(node.file.empty() ? node.name : node.name + " (" + node.file + ")"));
+        element += hint(nPlainText::printableInXml(node.file.empty() ? node.name : node.name + " (" + node.file + ")"));
         element += R"(<rect class="box" rx="6")" + attribute("x", x) + attribute("y", y) +
                    attribute("width", boxWidth_) + attribute("height", boxHeight) + "/>";
         element += R"(<rect class="tab" rx="4")" + attribute("x", x + 4) + attribute("y", y + 4) +

@@ -15,7 +15,7 @@ constexpr std::array<std::string_view, 3> trusted{
 };
 constexpr std::string_view everyone = "S-1-1-0";
 constexpr std::string_view ownerRights = "S-1-3-4";
-// Stand for whoever creates something: nobody's token contains them.
+// Placeholders for the creator of a file or folder. No access token contains them.
 constexpr std::array<std::string_view, 2> creators{"S-1-3-0", "S-1-3-1"};
 
 constexpr std::uint32_t genericAll = 0x10000000;

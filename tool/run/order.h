@@ -19,7 +19,7 @@ struct tOrder {
 /// Returns the order as text.
 [[nodiscard]] std::string toText(const tOrder& order);
 
-/// Returns nullopt if the text is not a whole order: whoever wrote it was interrupted.
+/// Returns nullopt if the text is not a whole order, because its writer was interrupted.
 [[nodiscard]] std::optional<tOrder> readOrder(std::string_view text);
 
 }  // namespace nRun

@@ -7,17 +7,16 @@
 namespace nRun {
 namespace {
 
-/// Returns the text for an attribute. XML has no control characters, U+FFFE or U+FFFF, even if they are escaped.
+/// Returns the text for an attribute.
 std::string escaped(std::string_view text) {
     std::string result;
-    for (const char c : nPlainText::printable(text)) {
+    for (const char c : nPlainText::printableInXml(text)) {
         switch (c) {
             case '&': result += "&amp;"; break;
             case '<': result += "&lt;"; break;
             case '"': result += "&quot;"; break;
             default: result += c;
         }
-        if (result.ends_with("\xEF\xBF\xBE") || result.ends_with("\xEF\xBF\xBF")) result.back() = '\xBD';
     }
     return result;
 }

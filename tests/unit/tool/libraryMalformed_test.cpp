@@ -17,7 +17,7 @@ constexpr const char* overlapping = "its tables overlap";
 
 TEST(nPeLibraryMalformed, TablesAreOutOfTheImage) {
     for (const std::size_t number : {0U, 1U, 13U}) {
-        // Between headers and section, behind the section, and nowhere at all.
+        // Between headers and section, past the section, and nowhere at all.
         for (const std::uint32_t rva : {0x800U, 0x1FFFU, 0x2000U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
             tDamaged library;
             put32(library.bytes, library.file.directory(number), rva);

@@ -173,7 +173,7 @@ TEST(nPeLibrary, HasNoExportWhereThereIsNoFunction) {
     const std::size_t functions = table + 40;
     const std::size_t indexes = functions + 16 + 16;
     put32(bytes, functions, 0);    // A's
-    put16(bytes, indexes + 2, 3);  // B's index is behind the last one
+    put16(bytes, indexes + 2, 3);  // B's index is past the last one
     EXPECT_THAT(textsOf(readable(bytes).exports), ElementsAre("C#3", "#2"));
 }
 

@@ -67,14 +67,6 @@ TEST(nGraphNodeText, CountsTheDescriptionsThatTheHostRejects) {
     EXPECT_EQ(summary(graph), "1 plug-in; 2 descriptions rejected");
 }
 
-TEST(nGraphNodeText, ReplacesWhatADrawingMustNotContain) {
-    const std::string replacement = "\xEF\xBF\xBD";
-    EXPECT_EQ(presentable("a\n\xFF"
-                          "b\xEF\xBF\xBF\xEF\xBF\xBE\xEF\xBF\xBF"),
-              "a" + replacement + replacement + "b" + replacement + replacement + replacement);
-    EXPECT_EQ(presentable("漢字 \xEF\xBF\xBC"), "漢字 \xEF\xBF\xBC");
-}
-
 TEST(nGraphNodeText, NamesEachKindOfLink) {
     const std::vector<tLinkKind> kinds{tLinkKind::fulfilled, tLinkKind::repeated, tLinkKind::failed,
                                        tLinkKind::late,      tLinkKind::circular, tLinkKind::missing};

@@ -128,6 +128,13 @@ TEST(nPlainText, ShortensATextOfMarksThatTakeNoColumns) {
     EXPECT_EQ(nPlainText::shortened(marks, 10), marks.substr(0, 40) + "\xE2\x80\xA6");
 }
 
+TEST(nPlainText, ReplacesWhatXmlExcludesAsWell) {
+    EXPECT_EQ(nPlainText::printableInXml("a\n\xFF"
+                                         "b\xEF\xBF\xBF\xEF\xBF\xBE\xEF\xBF\xBF"),
+              "a" + replacement + replacement + "b" + replacement + replacement + replacement);
+    EXPECT_EQ(nPlainText::printableInXml("漢字 \xEF\xBF\xBC"), "漢字 \xEF\xBF\xBC");
+}
+
 TEST(nPlainText, CutsNoWideCharacterInTwo) {
     const std::string wide = "\xE6\x8F\x92";
     EXPECT_EQ(nPlainText::shortened(wide + wide + wide, 6), wide + wide + wide);
