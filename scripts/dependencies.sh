@@ -27,8 +27,21 @@ install_packages() {
     ((EUID == 0)) || fail "run this as root, or first: apt-get install $*"
     say "installing $* (a minute or two)"
     export DEBIAN_FRONTEND=noninteractive
-    quietly "$dependencies/apt-update.log" apt-get update
-    quietly "$dependencies/apt-install.log" apt-get install -y --no-install-recommends "$@"
+    (
+        start_no_services
+        quietly "$dependencies/apt-update.log" apt-get update
+        quietly "$dependencies/apt-install.log" apt-get install -y --no-install-recommends "$@"
+    ) || exit
+}
+
+# Until the subshell ends, no package's installation starts the service that it contains. A policy that the machine
+# already has stays as it is.
+start_no_services() {
+    local policy=/usr/sbin/policy-rc.d
+    [[ ! -e $policy ]] || return 0
+    trap 'rm -f /usr/sbin/policy-rc.d' EXIT
+    printf '%s\n' '#!/bin/sh' 'exit 101' >"$policy"
+    chmod 755 "$policy"
 }
 
 # Writes this machine's package sources again, as sources of source packages.
