@@ -26,8 +26,8 @@ The last line is the sum: N passed, N failed, N skipped. What each program print
              (CATALOGUES directories: 60, or 2,000 in \`all\`; from the seed CATALOGUE_SEED)
   endurance  plug-ins and service started over and over, killed at every step of a write, raced by stop requests
              (SOAK_CYCLES, SOAK_SECONDS, KILLS, RACE_SECONDS make it longer)
-  peers      other programs accept what \`ziptra\` writes (JSON schemas, promtool, Graphviz, a browser), and objdump sees
-             the same in every library
+  peers      other programs accept what \`ziptra\` writes (JSON schemas, promtool, Graphviz, a browser), objdump sees the
+             same in every library, and a real Prometheus raises the alerts of packaging/fleet
   tidy       static analysis by clang-tidy
   race       stop requests from many threads under the thread sanitizer (RACE_ROUNDS)
   coverage   lines and branches of the product that the unit tests reach, with floors

@@ -121,5 +121,7 @@ need_clang_tidy() {
 }
 
 need_peers() {
-    need chromium dot objdump promtool -- binutils chromium graphviz prometheus python3-jsonschema
+    need chromium dot objdump prometheus prometheus-node-exporter promtool -- \
+        binutils chromium graphviz prometheus prometheus-node-exporter python3-jsonschema \
+        python3-yaml
 }
