@@ -22,6 +22,7 @@ endif()
 zuziptra_check(clang-format scripts/lint-format)
 zuziptra_check(shellcheck scripts/lint-shell)
 zuziptra_check(pyflakes scripts/lint-python)
+zuziptra_check(github scripts/lint-github)
 # Each check covers the files that are compiled by this build and by none before it.
 foreach(build native-asan windows-release native-bench windows-bench)
     zuziptra_check(clang-tidy-${build} scripts/lint-tidy ${build})

@@ -113,7 +113,7 @@ need_wine() { need wine wineboot wineserver -- wine64 wine; }
 need_python() { need python3 -- python3; }
 
 need_linters() {
-    need clang-format shellcheck python3 pyflakes3 -- clang-format shellcheck python3 pyflakes3
+    need clang-format shellcheck python3 pyflakes3 -- clang-format shellcheck python3 python3-yaml pyflakes3
 }
 
 need_clang_tidy() {
