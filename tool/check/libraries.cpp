@@ -1,6 +1,7 @@
 #include "tool/check/libraries.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "source/zusysapi.h"
@@ -46,6 +47,13 @@ bool contains(const std::vector<nPe::tMissing>& list, const nPe::tMissing& missi
     return std::any_of(list.begin(), list.end(), [&missing](const nPe::tMissing& other) {
         return other.library == missing.library && other.symbol == missing.symbol;
     });
+}
+
+/// Returns a number that libraries have in common if they are the same file, and rarely otherwise.
+std::size_t likenessOf(const nPe::tLibrary& library) {
+    auto likeness = static_cast<std::size_t>(library.fileSize);
+    for (const nPe::tExport& entry : library.exports) likeness = 31 * likeness + std::hash<std::string>()(entry.name);
+    return likeness;
 }
 
 }  // namespace
@@ -124,14 +132,23 @@ tLoadVerdict tLibraries::examineFile(const nPe::tLocation& location, const tExam
     if (const auto* const unreadable = std::get_if<nPe::tUnreadable>(&content)) {
         return examineUnreadable(location.file, *unreadable, examined);
     }
-    findSecondUse(location.file, examined);
-    const tLoadVerdict library = examineLibrary(std::get<nPe::tLibrary>(content), examined);
-    return std::min(library, examineImports(location, examined));
+    const auto& library = std::get<nPe::tLibrary>(content);
+    findSecondUse(location.file, library, examined);
+    const tLoadVerdict verdict = examineLibrary(library, examined);
+    return std::min(verdict, examineImports(location, examined));
 }
 
-void tLibraries::findSecondUse(const std::string& file, const tExamined& examined) {
-    const std::string identity = machine_.identityOf(file);
-    const auto [user, isFirst] = users_.try_emplace(identity.empty() ? file : identity, examined.findings.file());
+/// Files are identified only if they look alike, because opening one again takes as long as reading it.
+void tLibraries::findSecondUse(const std::string& file, const nPe::tLibrary& library, const tExamined& examined) {
+    const tUse use{file, examined.findings.file()};
+    const auto [alike, isNew] = alike_.try_emplace(likenessOf(library), use);
+    if (isNew) return;
+    const auto addUser = [this](const tUse& added) {
+        const std::string identity = machine_.identityOf(added.library);
+        return users_.try_emplace(identity.empty() ? added.library : identity, added.description);
+    };
+    addUser(alike->second);
+    const auto [user, isFirst] = addUser(use);
     if (isFirst) return;
     examined.add(nKeys::path, "shared-library", "the library is also that of the plug-in in " + user->second);
 }

@@ -29,6 +29,12 @@ public:
 private:
     using tLoadedLibraries = std::unordered_map<std::string, std::string>;
 
+    /// A library's file and that of the description.
+    struct tUse {
+        std::string library;
+        std::string description;
+    };
+
     [[nodiscard]] bool isCovered(const std::string& path) const;
     [[nodiscard]] tLoadVerdict examineAbsolute(const tExamined& examined);
     [[nodiscard]] tLoadVerdict examineRelative(const tExamined& examined);
@@ -37,14 +43,15 @@ private:
     [[nodiscard]] bool borrows(const nPe::tLocation& location, const nPe::tLoad& load) const;
     [[nodiscard]] bool mayRefuse(const std::vector<std::string>& loaded) const;
     [[nodiscard]] std::vector<nPe::tMissing> missingIf(tLoadedLibraries& loaded, const nPe::tLocation& location);
-    void findSecondUse(const std::string& file, const tExamined& examined);
+    void findSecondUse(const std::string& file, const nPe::tLibrary& library, const tExamined& examined);
 
     bool runsHost_;
     nPe::tFolderMap folderMap_;
     nPe::tMachine machine_;                               ///< its loaded libraries are those that may be loaded
     tLoadedLibraries certainlyLoaded_;                    ///< and those that are for certain
     std::vector<std::string> lastLoaded_;                 ///< by the plug-in that was examined last
-    std::unordered_map<std::string, std::string> users_;  ///< the first description of each library, by its identity
+    std::unordered_map<std::size_t, tUse> alike_;         ///< the first of the libraries that look alike
+    std::unordered_map<std::string, std::string> users_;  ///< the first description of a library, by its identity
 };
 
 }  // namespace nCheck

@@ -103,6 +103,7 @@ std::variant<tLibrary, tUnreadable> read(std::span<const std::byte> bytes) {
         tImage image(bytes);
         refused = false;
         tLibrary library;
+        library.fileSize = bytes.size();
         library.machine = image.machine();
         library.pe32Plus = image.pe32Plus();
         library.isDll = image.isDll();

@@ -37,6 +37,7 @@ struct tLibrary {
     std::vector<tImport> imports;  ///< in the file's order, the delayed ones last
     bool hasEntryPoint = false;    ///< code of its own that runs when it is loaded, and may refuse that
     bool hasCode = false;          ///< or contains resources only, which the loader maps whatever the processor
+    std::uint64_t fileSize = 0;
 };
 
 /// Why a file is not a readable library: one phrase, for example "it has no MZ signature".

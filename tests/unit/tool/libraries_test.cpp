@@ -32,7 +32,10 @@ protected:
             ++reads_;
             return files_.at(path);
         };
-        machine_.identityOf = nPe::toLowerAscii;
+        machine_.identityOf = [this](const std::string& path) {
+            ++identified_;
+            return nPe::toLowerAscii(path);
+        };
         machine_.isSystemLibrary = [](const std::string& name) { return name == "KERNEL32.dll"; };
     }
 
@@ -60,6 +63,8 @@ protected:
     }
     [[nodiscard]] const std::vector<tFinding>& found() const { return found_; }
     [[nodiscard]] std::vector<std::string> ids() const { return idsOf(found_); }
+    /// Returns how often a file has been identified.
+    [[nodiscard]] int identified() const { return identified_; }
 
 private:
     [[nodiscard]] std::optional<std::string> find(const std::string& path) const {
@@ -71,6 +76,7 @@ private:
     std::optional<tLibraries> examined_;
     std::vector<tFinding> found_;
     int reads_ = 0;
+    int identified_ = 0;
 };
 
 TEST_F(libraries, LoadFromAnAbsolutePath) {
@@ -266,6 +272,30 @@ TEST_F(libraries, OfTwoPluginsAreShared) {
     static_cast<void>(examine(R"(c:\p\A.DLL)", tStart::yes, "second"));
     EXPECT_THAT(ids(), ElementsAre("3 shared-library"));
     EXPECT_EQ(found()[0].message, "the library is also that of the plug-in in first.ini");
+}
+
+TEST_F(libraries, ThatOnlyLookAlikeAreNotShared) {
+    for (const std::string name : {"a", "b", "c"}) {
+        add(R"(C:\P\)" + name + ".dll");
+        static_cast<void>(examine(R"(C:\P\)" + name + ".dll", tStart::yes, name));
+        EXPECT_THAT(found(), IsEmpty());
+    }
+    add(R"(c:\p\B.DLL)");
+    static_cast<void>(examine(R"(c:\p\B.DLL)", tStart::yes, "second"));
+    EXPECT_EQ(found().at(0).message, "the library is also that of the plug-in in b.ini");
+}
+
+TEST_F(libraries, AreIdentifiedOnlyIfTheyLookAlike) {
+    add(R"(C:\P\a.dll)");
+    add(R"(C:\P\longer.dll)").fileSize = 1;
+    add(R"(C:\P\other.dll)").exports.at(0).name = "g";
+    for (const std::string name : {"a", "longer", "other"}) {
+        static_cast<void>(examine(R"(C:\P\)" + name + ".dll", tStart::yes, name));
+    }
+    EXPECT_EQ(identified(), 0);
+    add(R"(C:\P\b.dll)");
+    static_cast<void>(examine(R"(C:\P\b.dll)", tStart::yes, "b"));
+    EXPECT_EQ(identified(), 2);
 }
 
 }  // namespace
