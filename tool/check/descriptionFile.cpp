@@ -6,11 +6,11 @@
 #include <filesystem>
 #include <utility>
 
-#include "ini/file.h"
 #include "ini/parser.h"
 #include "stdpath/path.h"
 #include "tool/check/descriptionLines.h"
 #include "tool/check/descriptionValues.h"
+#include "tool/check/placesPlatform.h"
 
 namespace nCheck {
 namespace {
@@ -60,9 +60,11 @@ void addUnreadable(tFileFindings& findings, int code) {
 /// Returns the parser's result, as the host's own reading would. Reads the file once: opening one takes longer than
 /// anything else that is done with a small file.
 int read(const std::string& path, tDescriptionFile& result) {
-    const std::wstring widePath = nStdPath::widePathFromUtf8(path);
-    const nIni::tFile file = nIni::openFile(widePath.c_str());
-    if (!file) return nIni::lastWriteTime(widePath.c_str()) ? nIni::fileNotOpened : nIni::fileNotFound;
+    const nIni::tFile file = openDescription(path);
+    if (!file) {
+        const bool exists = nIni::lastWriteTime(nStdPath::widePathFromUtf8(path).c_str()).has_value();
+        return exists ? nIni::fileNotOpened : nIni::fileNotFound;
+    }
     nIni::tDocument document;
     document.flags = nDescriptionFormat::documentFlags;
     const int code = nIni::parseStream(document, file.get());

@@ -9,7 +9,6 @@
 
 #include "ini/nameIndex.h"
 #include "source/descriptionFormat.h"
-#include "source/nPluginData.h"
 #include "stdpath/path.h"
 #include "tool/check/fileNameOrder.h"
 #include "tool/check/placesPlatform.h"
@@ -52,7 +51,7 @@ void addUnseen(const nFiles::path& path, const nFiles::file_status& status, tLis
 }
 
 void listDirectory(const nFiles::path& directory, tListing& listing) try {
-    nPluginData::listDescriptionFiles(directory, nDescriptionFormat::extension, listing.files);
+    listDescriptions(directory, listing.files);
     findUnseen(directory, listing);
 } catch (const std::exception&) {
     throw tCannotLook("The directory " + quoted(nStdPath::pathToUtf8(directory)) + " cannot be read");

@@ -3,6 +3,7 @@
 #include <boost/filesystem/exception.hpp>
 
 #include "err/Exception.h"
+#include "source/descriptionFormat.h"
 #include "source/nPluginData.h"
 #include "source/runMessages.h"
 #include "stdpath/path.h"
@@ -29,6 +30,14 @@ tListing listThisMachine() {
         throw tCannotLook("The directory " + nWording::quoted(listing.directory) + " cannot be read");
     }
     return listing;
+}
+
+void listDescriptions(const boost::filesystem::path& directory, std::vector<std::string>& files) {
+    nPluginData::listDescriptionFiles(directory, nDescriptionFormat::extension, files);
+}
+
+nIni::tFile openDescription(const std::string& file) {
+    return nIni::openFile(nStdPath::widePathFromUtf8(file).c_str());
 }
 
 std::optional<boost::filesystem::path> listedName(const boost::filesystem::path& file) {
