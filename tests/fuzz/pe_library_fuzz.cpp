@@ -185,13 +185,13 @@ private:
         }
     }
 
-    std::vector<nPe::tImportedSymbol> symbols(std::uint64_t table, std::uint64_t base) {
+    nPe::tImportedSymbols symbols(std::uint64_t table, std::uint64_t base) {
         const std::uint64_t width = library_.pe32Plus ? 8 : 4;
-        std::vector<nPe::tImportedSymbol> found;
+        nPe::tImportedSymbols found;
         while (const std::uint64_t value = number(table, width)) {
             const bool byNumber = value >> (8 * width - 1) != 0;
-            if (byNumber) found.push_back({"", static_cast<std::uint32_t>(value & 0xFFFF)});
-            if (!byNumber) found.push_back({text(value - base + 2), 0});
+            if (byNumber) found.add({"", static_cast<std::uint32_t>(value & 0xFFFF)});
+            if (!byNumber) found.add({text(value - base + 2), 0});
             table += width;
         }
         return found;
@@ -246,7 +246,8 @@ void compare(const nPe::tLibrary& library, const nPe::tLibrary& expected) {
         return a.name == b.name && a.ordinal == b.ordinal;
     };
     const auto sameImport = [&](const nPe::tImport& a, const nPe::tImport& b) {
-        return a.library == b.library && a.delayed == b.delayed && std::ranges::equal(a.symbols, b.symbols, sameSymbol);
+        return a.library == b.library && a.delayed == b.delayed &&
+               std::ranges::equal(a.symbols.list(), b.symbols.list(), sameSymbol);
     };
     check(std::ranges::equal(library.imports, expected.imports, sameImport), "imports");
 }

@@ -103,10 +103,11 @@ private:
     }
 
     std::uint32_t putSymbols(const nPe::tImport& import, std::uint64_t base) {
+        const std::vector<nPe::tImportedSymbol> symbols = import.symbols.list();
         const std::size_t width = pe32Plus ? 8 : 4;
-        const std::uint32_t table = reserve(width * (import.symbols.size() + 1));
+        const std::uint32_t table = reserve(width * (symbols.size() + 1));
         std::uint32_t at = table;
-        for (const nPe::tImportedSymbol& symbol : import.symbols) {
+        for (const nPe::tImportedSymbol& symbol : symbols) {
             const std::uint64_t byOrdinal = std::uint64_t{1} << (8 * width - 1);
             const std::uint64_t value = symbol.name.empty() ? byOrdinal | symbol.ordinal
                                                             : base + putText(symbol.name, std::string_view("\1\0", 2));

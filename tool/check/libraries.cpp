@@ -84,11 +84,11 @@ tLoadVerdict tLibraries::examine(const tExamined& examined) {
 
 tLoadVerdict tLibraries::examineAbsolute(const tExamined& examined) {
     const std::string& path = examined.description.path;
-    if (!isCovered(path)) {
+    std::optional<nPe::tLocation> location = nPe::locate(path, machine_);
+    if (!location && !isCovered(path)) {
         examined.add(nKeys::path, "unmapped-path", quoted(path) + " has not been looked for: no --map covers it");
         return tLoadVerdict::uncertain;
     }
-    std::optional<nPe::tLocation> location = nPe::locate(path, machine_);
     if (!location) {
         examined.add(nKeys::path, "missing-library", "there is no file " + quoted(nPe::withExtension(path)));
         return tLoadVerdict::fails;

@@ -81,6 +81,7 @@ void tImage::readDirectories(std::uint64_t at, std::uint64_t end) {
     const std::uint64_t first = at + 4;
     if (first > end) throw tUnreadable{"its header is too short"};
     const std::uint64_t count = std::min<std::uint64_t>(headerNumber<std::uint32_t>(file_, at), mostDirectories);
+    directories_.reserve(count);
     for (std::uint64_t i = 0; i < std::min(count, (end - first) / entrySize); ++i) {
         const std::uint64_t entry = first + i * entrySize;
         directories_.push_back(
@@ -96,6 +97,7 @@ void tImage::mapSections(std::uint64_t table, std::uint16_t count) {
         return;
     }
     const std::uint64_t size = std::min<std::uint64_t>(headersSize_, file_.size());
+    regions_.reserve(count + 1U);
     regions_.push_back({0, size, file_.first(size)});
     for (std::uint64_t i = 0; i < count; ++i) mapSection(table + i * sectionHeaderSize);
 }
@@ -124,15 +126,20 @@ tDirectory tImage::directory(tTable table) const noexcept {
     return number < directories_.size() ? directories_[number] : tDirectory{};
 }
 
-const tImage::tRegion& tImage::regionAt(std::uint64_t rva, std::uint64_t size) const {
+const tImage::tRegion& tImage::regionAt(std::uint64_t rva, std::uint64_t size) {
+    // Most tables and names are in the region of the previous one.
+    if (regions_[lastRegion_].contains(rva, size)) return regions_[lastRegion_];
     const auto next =
         std::upper_bound(regions_.begin(), regions_.end(), rva,
                          [](std::uint64_t address, const tRegion& region) { return address < region.rva; });
-    const tRegion& region = *std::prev(next);  // the first region begins at 0
-    if (rva - region.rva > region.size || region.size - (rva - region.rva) < size) {
-        throw tUnreadable{"a table or a name is outside its sections"};
-    }
-    return region;
+    const auto found = std::prev(next);  // the first region begins at 0
+    if (!found->contains(rva, size)) throw tUnreadable{"a table or a name is outside its sections"};
+    lastRegion_ = static_cast<std::size_t>(found - regions_.begin());
+    return *found;
+}
+
+bool tImage::tRegion::contains(std::uint64_t address, std::uint64_t length) const noexcept {
+    return address >= rva && address - rva <= size && size - (address - rva) >= length;
 }
 
 std::span<const std::byte> tImage::tRegion::from(std::uint64_t address) const {
@@ -161,7 +168,7 @@ std::uint16_t tImage::read16(std::uint64_t rva) { return read<std::uint16_t>(rva
 std::uint32_t tImage::read32(std::uint64_t rva) { return read<std::uint32_t>(rva); }
 std::uint64_t tImage::read64(std::uint64_t rva) { return read<std::uint64_t>(rva); }
 
-std::string tImage::readText(std::uint64_t rva) {
+std::string_view tImage::readText(std::uint64_t rva) {
     const tRegion& region = regionAt(rva, 1);
     const std::span<const std::byte> bytes = region.from(rva);
     const std::string_view readable(reinterpret_cast<const char*>(bytes.data()),
@@ -169,7 +176,7 @@ std::string tImage::readText(std::uint64_t rva) {
     const std::size_t length = std::min(readable.find('\0'), readable.size());
     spend(length + 1);
     if (length == bytes.size() && length == region.size - (rva - region.rva)) throw tUnreadable{"a name has no end"};
-    return std::string(readable.substr(0, length));
+    return readable.substr(0, length);
 }
 
 }  // namespace nPe

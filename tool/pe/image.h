@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "tool/pe/library.h"
@@ -41,8 +41,8 @@ public:
     [[nodiscard]] std::uint16_t read16(std::uint64_t rva);
     [[nodiscard]] std::uint32_t read32(std::uint64_t rva);
     [[nodiscard]] std::uint64_t read64(std::uint64_t rva);
-    /// Returns the bytes up to a zero.
-    [[nodiscard]] std::string readText(std::uint64_t rva);
+    /// Returns the bytes up to a zero. Borrows them.
+    [[nodiscard]] std::string_view readText(std::uint64_t rva);
 
 private:
     /// A part of the image: bytes of the file, followed by zeros.
@@ -51,6 +51,7 @@ private:
         std::uint64_t size = 0;
         std::span<const std::byte> bytes;  ///< at most `size` of them
 
+        [[nodiscard]] bool contains(std::uint64_t address, std::uint64_t length) const noexcept;
         /// Returns the bytes from an address inside the region.
         [[nodiscard]] std::span<const std::byte> from(std::uint64_t address) const;
     };
@@ -60,7 +61,7 @@ private:
     void mapSections(std::uint64_t table, std::uint16_t count);
     void mapSection(std::uint64_t header);
     /// Returns the region of the address. Throws tUnreadable if it does not contain `size` bytes from there.
-    [[nodiscard]] const tRegion& regionAt(std::uint64_t rva, std::uint64_t size) const;
+    [[nodiscard]] const tRegion& regionAt(std::uint64_t rva, std::uint64_t size);
     void spend(std::uint64_t bytes);
     template <class Number>
     [[nodiscard]] Number read(std::uint64_t rva);
@@ -78,6 +79,7 @@ private:
     std::uint64_t headersSize_ = 0;
     std::vector<tDirectory> directories_;
     std::vector<tRegion> regions_;  ///< in ascending order, without overlaps
+    std::size_t lastRegion_ = 0;
 };
 
 }  // namespace nPe

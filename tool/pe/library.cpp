@@ -24,7 +24,7 @@ std::vector<std::uint32_t> readFunctions(tImage& image, std::uint64_t table, std
 std::string readForwarder(tImage& image, std::uint32_t function) {
     const tDirectory table = image.directory(tTable::exports);
     const bool forwarded = function >= table.rva && function - table.rva < table.size;
-    return forwarded ? image.readText(function) : std::string();
+    return std::string(forwarded ? image.readText(function) : std::string_view());
 }
 
 void readExports(tImage& image, tLibrary& library) {
@@ -38,10 +38,10 @@ void readExports(tImage& image, tLibrary& library) {
     const std::uint64_t indexes = image.read32(table + 36);
     std::vector<bool> named(functions.size());
     for (std::uint64_t i = 0; i < nameCount; ++i) {
-        std::string name = image.readText(image.read32(names + 4 * i));
+        const std::string_view name = image.readText(image.read32(names + 4 * i));
         const std::uint16_t index = image.read16(indexes + 2 * i);
         if (name.empty() || index >= functions.size() || functions[index] == 0) continue;
-        library.exports.push_back({std::move(name), firstOrdinal + index, readForwarder(image, functions[index])});
+        library.exports.push_back({std::string(name), firstOrdinal + index, readForwarder(image, functions[index])});
         named[index] = true;
     }
     for (std::uint32_t i = 0; i < functions.size(); ++i) {
@@ -51,17 +51,17 @@ void readExports(tImage& image, tLibrary& library) {
 }
 
 /// Reads the functions that are imported from one library, up to a zero. Older files have addresses from `base` on.
-std::vector<tImportedSymbol> readSymbols(tImage& image, std::uint64_t table, std::uint64_t base) {
+tImportedSymbols readSymbols(tImage& image, std::uint64_t table, std::uint64_t base) {
     const std::uint64_t width = image.pe32Plus() ? 8 : 4;
     const std::uint64_t byOrdinal = std::uint64_t{1} << (8 * width - 1);
-    std::vector<tImportedSymbol> symbols;
+    tImportedSymbols symbols;
     for (std::uint64_t at = table;; at += width) {
         const std::uint64_t symbol = image.pe32Plus() ? image.read64(at) : image.read32(at);
         if (symbol == 0) return symbols;
         if ((symbol & byOrdinal) != 0) {
-            symbols.push_back({{}, static_cast<std::uint16_t>(symbol)});
+            symbols.add({{}, static_cast<std::uint16_t>(symbol)});
         } else {
-            symbols.push_back({image.readText(symbol - base + 2), 0});  // past the hint
+            symbols.add({image.readText(symbol - base + 2), 0});  // past the hint
         }
     }
 }
@@ -77,7 +77,7 @@ void readImports(tImage& image, tLibrary& library) {
         // Some linkers write the symbols only where the loader replaces them by addresses.
         const std::uint32_t symbols = image.read32(at);
         library.imports.push_back(
-            {image.readText(name), false, readSymbols(image, symbols != 0 ? symbols : addresses, 0)});
+            {std::string(image.readText(name)), false, readSymbols(image, symbols != 0 ? symbols : addresses, 0)});
     }
 }
 
@@ -91,11 +91,33 @@ void readDelayedImports(tImage& image, tLibrary& library) {
         if (name == 0) return;
         const std::uint64_t base = (image.read32(at) & relative) != 0 ? 0 : image.base();
         const std::uint32_t symbols = image.read32(at + 16);
-        library.imports.push_back({image.readText(name - base), true, readSymbols(image, symbols - base, base)});
+        library.imports.push_back(
+            {std::string(image.readText(name - base)), true, readSymbols(image, symbols - base, base)});
     }
 }
 
 }  // namespace
+
+void tImportedSymbols::add(const tImportedSymbol& symbol) {
+    text_.append(symbol.name) += '\0';
+    if (!symbol.name.empty()) return;
+    text_ += static_cast<char>(symbol.ordinal & 0xFF);
+    text_ += static_cast<char>(symbol.ordinal >> 8);
+}
+
+std::vector<tImportedSymbol> tImportedSymbols::list() const {
+    std::vector<tImportedSymbol> symbols;
+    for (std::string_view rest = text_; !rest.empty();) {
+        const std::string_view name = rest.substr(0, rest.find('\0'));
+        rest.remove_prefix(name.size() + 1);
+        symbols.push_back({name, 0});
+        if (!name.empty()) continue;
+        const auto byte = [rest](std::size_t i) { return static_cast<unsigned char>(rest[i]); };
+        symbols.back().ordinal = byte(0) | static_cast<std::uint32_t>(byte(1)) << 8;
+        rest.remove_prefix(2);
+    }
+    return symbols;
+}
 
 std::variant<tLibrary, tUnreadable> read(std::span<const std::byte> bytes) {
     bool refused = true;

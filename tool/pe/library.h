@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <span>
 #include <string>
 #include <string_view>
@@ -19,14 +20,33 @@ struct tExport {
 };
 
 struct tImportedSymbol {
-    std::string name;  ///< empty if imported by number
+    std::string_view name;  ///< empty if imported by number
     std::uint32_t ordinal = 0;
+};
+
+/// The functions that are imported from one library. There are many of them, and those that Windows provides are hardly
+/// ever asked for, so they share one text.
+class tImportedSymbols {
+public:
+    tImportedSymbols() = default;
+    tImportedSymbols(std::initializer_list<tImportedSymbol> symbols) {
+        for (const tImportedSymbol& symbol : symbols) add(symbol);
+    }
+
+    /// Requires: the name contains no zero, and the number has 16 bits.
+    void add(const tImportedSymbol& symbol);
+    [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
+    /// Returns the functions in their order. Borrows the names from this object.
+    [[nodiscard]] std::vector<tImportedSymbol> list() const;
+
+private:
+    std::string text_;  ///< of each function its name and a zero; if the name is empty, the number's two bytes follow
 };
 
 struct tImport {
     std::string library;   ///< as written in the file, for example "KERNEL32.dll"
     bool delayed = false;  ///< loaded at its first call instead of with the library
-    std::vector<tImportedSymbol> symbols;
+    tImportedSymbols symbols;
 };
 
 struct tLibrary {

@@ -22,7 +22,8 @@ tHandle openFile(const std::string& path) {
 }
 
 std::variant<tLibrary, tUnreadable> readBuffered(HANDLE file, std::size_t size) {
-    const auto buffer = std::make_unique_for_overwrite<std::byte[]>(size);
+    // Kept for the next file: memory that is used for the first time is slow. What no file fills takes none.
+    static thread_local const auto buffer = std::make_unique_for_overwrite<std::byte[]>(largestBuffer);
     std::size_t done = 0;
     while (done < size) {
         DWORD count = 0;

@@ -20,15 +20,19 @@ public:
     /// Returns the path of the entry of this name, whatever the case of its letters. An exact match comes first.
     std::optional<std::string> find(const std::string& folder, const std::string& name) {
         const tNames& names = list(folder);
-        auto found = names.find(name);
-        if (found == names.end()) found = names.find(toLowerAscii(name));
+        const std::string lower = toLowerAscii(name);
+        const auto found = names.find(lower);
         if (found == names.end()) return std::nullopt;
-        return joined(folder, found->second);
+        const std::vector<std::string>& actual = found->second;
+        for (const std::string& spelling : {name, lower}) {
+            if (std::ranges::find(actual, spelling) != actual.end()) return joined(folder, spelling);
+        }
+        return joined(folder, actual.front());
     }
 
 private:
-    /// The actual names, by themselves and in lower case.
-    using tNames = std::unordered_map<std::string, std::string>;
+    /// The actual names, by their form in lower case.
+    using tNames = std::unordered_map<std::string, std::vector<std::string>>;
 
     const tNames& list(const std::string& folder) {
         const auto [entry, isNew] = folders_.try_emplace(folder);
@@ -36,9 +40,8 @@ private:
         boost::system::error_code error;
         boost::filesystem::directory_iterator file(nStdPath::pathFromUtf8(folder.empty() ? "." : folder), error);
         for (; !error && file != boost::filesystem::directory_iterator(); file.increment(error)) {
-            const std::string name = nStdPath::pathToUtf8(file->path().filename());
-            entry->second.insert_or_assign(name, name);
-            entry->second.try_emplace(toLowerAscii(name), name);
+            std::string name = nStdPath::pathToUtf8(file->path().filename());
+            entry->second[toLowerAscii(name)].push_back(std::move(name));
         }
         return entry->second;
     }

@@ -17,10 +17,10 @@ namespace {
 constexpr int mostForwards = 32;
 
 std::string textOf(const tImportedSymbol& symbol) {
-    return symbol.name.empty() ? std::string("#").append(std::to_string(symbol.ordinal)) : symbol.name;
+    return symbol.name.empty() ? '#' + std::to_string(symbol.ordinal) : std::string(symbol.name);
 }
 
-/// Where an export is forwarded to.
+/// Where an export is forwarded to. Borrows the export's text.
 struct tForward {
     std::string library;
     tImportedSymbol symbol;
@@ -126,7 +126,7 @@ void tWalk::followImport(const tImport& import, std::size_t importer) {
     if (place.provided) return;
     if (place.library == nullptr) return report(name, {}, place.reason, importer);
     load(place, importer);
-    for (const tImportedSymbol& symbol : import.symbols) {
+    for (const tImportedSymbol& symbol : import.symbols.list()) {
         const tExport* const found = find(*place.library, symbol);
         if (found == nullptr) {
             report(name, textOf(symbol), {}, importer);
@@ -156,7 +156,7 @@ tWalk::tPlace tWalk::search(const std::string& name) const {
     }
     if (!lookInto(folder_, name, place)) return place;
     for (const std::string& folder : machine_.searchFolders) {
-        if (!lookInto(folder, name, place)) return place;
+        if (folder != folder_ && !lookInto(folder, name, place)) return place;
     }
     place.provided = place.reason.empty() && machine_.isSystemLibrary(name);
     return place;

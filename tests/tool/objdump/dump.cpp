@@ -15,8 +15,8 @@ void print(const nPe::tLibrary& library) {
     }
     for (const nPe::tImport& import : library.imports) {
         std::printf("%s %s\n", import.delayed ? "delayed" : "import", import.library.c_str());
-        for (const nPe::tImportedSymbol& symbol : import.symbols) {
-            std::printf("symbol %s %u\n", symbol.name.c_str(), symbol.ordinal);
+        for (const nPe::tImportedSymbol& symbol : import.symbols.list()) {
+            std::printf("symbol %s %u\n", std::string(symbol.name).c_str(), symbol.ordinal);
         }
     }
 }

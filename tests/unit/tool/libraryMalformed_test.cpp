@@ -119,7 +119,8 @@ TEST(nPeLibraryMalformed, ImportsShareTheirSymbols) {
     constexpr std::size_t count = 1000;
     tPeFile file;
     file.imports.assign(count, {"x.dll", false, {{"", 1}}});
-    file.imports.push_back({"y.dll", false, std::vector<tImportedSymbol>(10'000, {"", 2})});
+    tImport& numbers = file.imports.emplace_back(tImport{"y.dll", false, {}});
+    for (int i = 0; i < 10'000; ++i) numbers.symbols.add({"", 2});
     std::string bytes = file.bytes();
     EXPECT_EQ(readable(bytes).imports.size(), count + 1);
     const std::size_t last = tPeFile::offsetOf(file.importTable) + 20 * count;

@@ -43,8 +43,8 @@ inline std::string textOf(const tExport& entry) {
 /// Returns "LIBRARY: NAME #NUMBER", with "delayed " in front.
 inline std::string textOf(const tImport& import) {
     std::string text = (import.delayed ? "delayed " : "") + import.library + ':';
-    for (const tImportedSymbol& symbol : import.symbols) {
-        text += ' ' + (symbol.name.empty() ? '#' + std::to_string(symbol.ordinal) : symbol.name);
+    for (const tImportedSymbol& symbol : import.symbols.list()) {
+        text += ' ' + (symbol.name.empty() ? '#' + std::to_string(symbol.ordinal) : std::string(symbol.name));
     }
     return text;
 }
@@ -66,7 +66,7 @@ inline std::vector<tExport> named(const std::vector<std::string>& names) {
 /// Returns an import of functions by name.
 inline tImport importOf(std::string library, const std::vector<std::string>& names, bool delayed = false) {
     tImport import{std::move(library), delayed, {}};
-    for (const std::string& name : names) import.symbols.push_back({name, 0});
+    for (const std::string& name : names) import.symbols.add({name, 0});
     return import;
 }
 

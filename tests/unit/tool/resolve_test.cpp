@@ -303,7 +303,7 @@ TEST(nPeResolve, FollowsNoMoreThanThirtyTwoForwardsInARow) {
 
 TEST(nPeResolve, StopsAtTheThousandthMissingImport) {
     tInvented world;
-    tImport import{"b.dll", false, std::vector<tImportedSymbol>(2000, {"gone", 0})};
+    const tImport import = importOf("b.dll", std::vector<std::string>(2000, "gone"));
     world.add("dir/a.dll", {import});
     world.add("dir/b.dll", {});
     EXPECT_EQ(world.missing("dir/a.dll").size(), mostMissing);
