@@ -35,6 +35,11 @@ void addCommand(CLI::App& program, tContext& context) {
         ->type_name("");
     nRequest::addAllowedOption(*command, options->request);
     nRequest::addMapOption(*command, options->request);
+    command
+        ->add_option("--assume", options->request.assumed,
+                     "A plug-in that is described elsewhere: dependencies on it count as started; may be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
     command->add_flag("--json", options->json, "Print one JSON document");
     command->add_flag("--strict", options->strict, "Let warnings count for the exit code, too");
     command->footer(

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "tool/check/chainRemedy.h"
 #include "tool/check/circles.h"
@@ -64,11 +65,12 @@ std::string describeCircle(const std::vector<std::size_t>& circle, const tCatalo
 /// Examines one plug-in after another.
 class tExamination {
 public:
-    tExamination(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes)
+    tExamination(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes, const std::vector<std::string>& assumed)
         : catalogue_(catalogue),
           circles_(catalogue, mayStart(outcomes)),
           names_(allNames(catalogue)),
-          remedies_(catalogue, corrections(catalogue, names_)) {
+          remedies_(catalogue, corrections(catalogue, names_)),
+          assumed_(assumed.begin(), assumed.end()) {
         for (const tDescriptionFile& file : catalogue.files()) {
             if (!file.rejectedName.empty()) rejected_.emplace(file.rejectedName, file.findings.file());
         }
@@ -93,6 +95,7 @@ private:
     tCircles circles_;
     nSimilarNames::tNames names_;
     tChainRemedies remedies_;
+    std::unordered_set<std::string> assumed_;
     std::unordered_map<std::string, std::string> rejected_;  ///< the files that the host rejects, by the plug-in's name
     std::unordered_map<std::string_view, std::size_t> firstStart_;  ///< of each name that may start, the first rank
 };
@@ -113,10 +116,10 @@ void tExamination::examine(std::size_t plugin) {
             continue;
         }
         const tNamed* const named = catalogue_.named(name);
-        if (named == nullptr) {
-            examineUnknown(plugin, name);
-        } else {
+        if (named != nullptr) {
             examineKnown(plugin, name, *named);
+        } else if (assumed_.count(name) == 0) {
+            examineUnknown(plugin, name);
         }
     }
 }
@@ -174,8 +177,9 @@ void tExamination::reportCircle(std::size_t plugin, const std::vector<std::size_
 
 }  // namespace
 
-void findInDependencies(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes) {
-    tExamination examination(catalogue, outcomes);
+void findInDependencies(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes,
+                        const std::vector<std::string>& assumed) {
+    tExamination examination(catalogue, outcomes, assumed);
     for (const std::size_t plugin : catalogue.order()) examination.examine(plugin);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "tool/check/catalogue.h"
@@ -7,7 +8,9 @@
 
 namespace nCheck {
 
-/// Finds dependencies because of which a plug-in does not start. `outcomes` is by position. Throws std::bad_alloc.
-void findInDependencies(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes);
+/// Finds dependencies because of which a plug-in does not start. `outcomes` is by position. Names in `assumed` need no
+/// description. Throws std::bad_alloc.
+void findInDependencies(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes,
+                        const std::vector<std::string>& assumed = {});
 
 }  // namespace nCheck

@@ -4,8 +4,11 @@
 
 namespace nCheck {
 
-tPredictedStarts::tPredictedStarts(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask)
-    : allowedMask_(allowedMask), certain_(nPluginStart::noneStarted(descriptions)), possible_(certain_) {}
+tPredictedStarts::tPredictedStarts(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask,
+                                   const std::vector<std::string>& assumed)
+    : allowedMask_(allowedMask), certain_(nPluginStart::noneStarted(descriptions)), possible_(certain_) {
+    for (const std::string& name : assumed) possible_.emplace(name, true);
+}
 
 tOutcome tPredictedStarts::start(const tPluginDescription& description, tLoadVerdict load) {
     // The more plug-ins have started, the fewer are refused.

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "source/nPluginData.h"
@@ -21,8 +22,10 @@ struct tOutcome {
 /// Goes through the plug-ins as the host does when it starts them.
 class tPredictedStarts {
 public:
-    /// The descriptions are all those that follow, in any order.
-    tPredictedStarts(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask);
+    /// The descriptions are all those that follow, in any order. Plug-ins of the names in `assumed` that have no
+    /// description may have started.
+    tPredictedStarts(const std::vector<tPluginDescription>& descriptions, std::uint32_t allowedMask,
+                     const std::vector<std::string>& assumed = {});
 
     /// Call in start order. `load` is what loading the library and looking up its entries brings about.
     tOutcome start(const tPluginDescription& description, tLoadVerdict load);

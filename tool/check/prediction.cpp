@@ -41,7 +41,7 @@ void decideAllowed(const tRequest& request, tPrediction& prediction) {
 /// Returns what becomes of each plug-in, by position, and finds what is wrong with the libraries.
 std::vector<tOutcome> startAll(const tRequest& request, std::uint32_t allowedMask, tCatalogue& catalogue) {
     tLibraries libraries(request.folderMap);
-    tPredictedStarts starts(catalogue.descriptions(), allowedMask);
+    tPredictedStarts starts(catalogue.descriptions(), allowedMask, request.assumed);
     std::vector<tOutcome> outcomes(catalogue.size());
     for (const std::size_t plugin : catalogue.order()) {
         const tPluginDescription& description = catalogue.descriptions()[plugin];
@@ -76,7 +76,7 @@ tPrediction predict(const tRequest& request) {
     findInNames(catalogue);
     findWithoutEntries(catalogue);
     findInFeatures(catalogue, prediction.allowedMask);
-    findInDependencies(catalogue, outcomes);
+    findInDependencies(catalogue, outcomes, request.assumed);
     for (const std::size_t plugin : catalogue.order()) {
         prediction.plugins.push_back({catalogue.path(plugin), catalogue.descriptions()[plugin], outcomes[plugin].code,
                                       outcomes[plugin].start != tStart::no});

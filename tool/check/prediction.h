@@ -24,6 +24,8 @@ struct tRequest {
     std::optional<std::uint32_t> allowedMask;
     /// Replaces a leading part of a Windows path: {"C:\\Program Files\\X", "dist"}.
     std::vector<std::pair<std::string, std::string>> folderMap;
+    /// Names of plug-ins that are described elsewhere. A dependency on one of them may have started.
+    std::vector<std::string> assumed;
     /// Called after each plug-in, with the number of all plug-ins. Optional.
     std::function<void(std::size_t total)> onPlugin;
 };
