@@ -5,7 +5,7 @@ source scripts/common.sh
 source scripts/dependencies.sh
 source scripts/search.sh
 
-default_layers=(lint unit replay sweep endtoend catalogues endurance)
+default_layers=(lint unit replay sweep endtoend catalogues endurance sdk)
 all_layers=("${default_layers[@]}" peers tidy race coverage fuzz bench)
 results=build/test
 search_options=(20)
@@ -26,6 +26,7 @@ The last line is the sum: N passed, N failed, N skipped. What each program print
              (CATALOGUES directories: 60, or 2,000 in \`all\`; from the seed CATALOGUE_SEED)
   endurance  plug-ins and service started over and over, killed at every step of a write, raced by stop requests
              (SOAK_CYCLES, SOAK_SECONDS, KILLS, RACE_SECONDS make it longer)
+  sdk        authors' projects in C, C++ and Rust, built, checked and run with nothing but the installed SDK
   peers      other programs accept what \`ziptra\` writes (JSON schemas, promtool, Graphviz, a browser), objdump sees the
              same in every library, and a real Prometheus raises the alerts of packaging/fleet
   tidy       static analysis by clang-tidy
@@ -103,7 +104,8 @@ while (($#)); do
             layers+=("${all_layers[@]}")
             export CATALOGUES=${CATALOGUES:-2000}
             ;;
-        lint | tidy | unit | replay | sweep | endtoend | catalogues | peers | endurance | race | coverage | fuzz | bench)
+        lint | tidy | unit | replay | sweep | endtoend | catalogues | endurance | sdk | peers | race | coverage | fuzz | \
+            bench)
             layers+=("$1")
             ;;
         --long)
@@ -141,6 +143,16 @@ fi
 if ((${#windows[@]})); then
     need_wine
     record builds windows-release ./build.sh windows-release && run 3 windows-release "${windows[@]}"
+fi
+if wanted sdk; then
+    need_wine
+    need_clang
+    need_rust
+    record builds "ziptra for the SDK" ./build.sh native-release ziptra &&
+        record builds "ziptra.exe for the SDK" ./build.sh windows-release ziptra &&
+        for check in $(tests/sdk/run list); do
+            record sdk "SDK $check" tests/sdk/run "$check" || true
+        done
 fi
 if wanted race; then
     record builds native-tsan ./build.sh native-tsan thread_tests && run 1 native-tsan race

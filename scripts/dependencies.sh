@@ -100,6 +100,9 @@ need_native_compiler() {
 
 need_clang() { need clang clang++ -- clang libclang-rt-14-dev; }
 
+# Another rustc may come first in PATH; the SDK finds the one that builds for Windows.
+need_rust() { need rustc -- rustc libstd-rust-dev-windows; }
+
 need_benchmarks() {
     local peer
     need pkg-config -- libbenchmark-dev pkg-config

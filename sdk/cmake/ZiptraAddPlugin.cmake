@@ -102,7 +102,7 @@ endfunction()
 # Sets plugin_check, the command that examines the plug-in. No feature is forbidden: the machine of the build says
 # nothing about that of the service.
 function(_ziptra_set_check_command name)
-    set(arguments check --allowed 0xFFFFFFFF)
+    set(arguments check --quiet --allowed 0xFFFFFFFF)
     foreach(other IN LISTS plugin_assumed)
         list(APPEND arguments --assume "${other}")
     endforeach()

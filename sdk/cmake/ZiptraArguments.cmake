@@ -55,7 +55,8 @@ endfunction()
 # CMake counts an unknown keyword among the values of the one before it.
 function(_ziptra_check_keywords name keywords)
     foreach(argument IN LISTS plugin_UNPARSED_ARGUMENTS plugin_SOURCES plugin_DEPENDS plugin_ENTRIES)
-        if(argument MATCHES "^(SOUR|DEPE|REQU|LANG|ENTR|VERS|DEST)[A-Z_]*$" OR "${argument}" IN_LIST plugin_UNPARSED_ARGUMENTS)
+        if(argument MATCHES "^(SOUR|DEPE|REQU|LANG|ENTR|VERS|DEST)[A-Z_]*$"
+           OR argument IN_LIST plugin_UNPARSED_ARGUMENTS)
             string(REPLACE ";" ", " keywords "${keywords}")
             _ziptra_fail(${name} "unknown keyword \"${argument}\"; there are ${keywords}")
         endif()

@@ -15,7 +15,7 @@ if(NOT TARGET ZiptraRemoteService::headers)
 endif()
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Windows")
-    # For the version resource. With clang, and in a project without C and C++, CMake does not know the tool's prefix.
+    # For the version resource. Without C and C++, CMake does not know the prefix of the cross-compiler's tools.
     if(CMAKE_CROSSCOMPILING AND NOT CMAKE_RC_COMPILER)
         find_program(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
     endif()

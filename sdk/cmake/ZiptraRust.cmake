@@ -1,13 +1,14 @@
 # The library of a plug-in in Rust: one call of rustc, without cargo.
 
-# Sets ZIPTRA_RUSTC, a rustc that can build for Windows: there may be several, and the first in PATH may have no standard
-# library for it.
+# Sets ZIPTRA_RUSTC, a rustc that can build for Windows: there may be several, and the first one in PATH may have no
+# standard library for it.
 function(_ziptra_find_rustc name target)
-    if(ZIPTRA_RUSTC)
-        return()
+    set(candidates ${ZIPTRA_RUSTC})
+    if(NOT candidates)
+        find_program(ZIPTRA_RUSTC_IN_PATH rustc)
+        set(candidates "${ZIPTRA_RUSTC_IN_PATH}" /usr/bin/rustc "$ENV{HOME}/.cargo/bin/rustc")
     endif()
-    find_program(ZIPTRA_RUSTC_IN_PATH rustc)
-    foreach(candidate "${ZIPTRA_RUSTC_IN_PATH}" /usr/bin/rustc "$ENV{HOME}/.cargo/bin/rustc")
+    foreach(candidate IN LISTS candidates)
         execute_process(COMMAND "${candidate}" --print target-libdir ${target}
             OUTPUT_VARIABLE folder OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE result)
         if(result EQUAL 0 AND IS_DIRECTORY "${folder}")
@@ -24,6 +25,9 @@ function(_ziptra_add_rust_library name library)
     if(NOT EXISTS "${root}")
         _ziptra_fail(${name} "there is no file ${root}; in Rust, SOURCES is one file, the root")
     endif()
+    if(NOT CMAKE_GENERATOR MATCHES "Ninja|Makefiles")
+        _ziptra_fail(${name} "Rust needs the generator Ninja (cmake -G Ninja)")
+    endif()
     set(target "")
     set(runtime -C target-feature=+crt-static)
     if(CMAKE_CROSSCOMPILING)
@@ -37,7 +41,8 @@ function(_ziptra_add_rust_library name library)
     set_target_properties(${name}_version PROPERTIES LINKER_LANGUAGE RC)
     add_custom_command(OUTPUT "${library}"
         COMMAND "${ZIPTRA_RUSTC}" --crate-type cdylib --crate-name ${name} --edition 2021 -A non_snake_case ${target}
-            ${runtime} -C panic=unwind -C opt-level=$<IF:$<CONFIG:Debug>,0,2> -C strip=$<IF:$<CONFIG:Debug>,none,symbols>
+            ${runtime} -C panic=unwind
+            -C opt-level=$<IF:$<CONFIG:Debug>,0,2> -C strip=$<IF:$<CONFIG:Debug>,none,symbols>
             "--remap-path-prefix=${CMAKE_CURRENT_SOURCE_DIR}=." -C "link-arg=$<TARGET_OBJECTS:${name}_version>"
             "--emit=link=${library},dep-info=${CMAKE_CURRENT_BINARY_DIR}/${name}.d" "${root}"
         COMMAND ${plugin_check}

@@ -15,11 +15,16 @@ struct tOptions {
     tRequest request;
     bool json = false;
     bool strict = false;
+    bool quiet = false;
 };
 
 void run(const tOptions& options, tContext& context) {
     const tPrediction prediction = nRequest::predict(options.request, context);
-    context.out << (options.json ? toJson(prediction) : toText(prediction, context.colour));
+    if (options.json) {
+        context.out << toJson(prediction);
+    } else if (!options.quiet || !prediction.findings.empty() || !prediction.messages.empty()) {
+        context.out << toText(prediction, context.colour);
+    }
     context.exitCode = nFinding::matter(prediction.findings, options.strict) ? exitFindings : exitNothingFound;
 }
 
@@ -42,6 +47,7 @@ void addCommand(CLI::App& program, tContext& context) {
         ->allow_extra_args(false);
     command->add_flag("--json", options->json, "Print one JSON document");
     command->add_flag("--strict", options->strict, "Let warnings count for the exit code, too");
+    command->add_flag("--quiet", options->quiet, "Print nothing if there is nothing to report, as builds like it");
     command->footer(
         "Example: ziptra check plugins\n"
         "Example, on a build server: ziptra check --strict --map \"C:\\Program Files\\X=dist\" plugins\n"

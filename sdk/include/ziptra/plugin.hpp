@@ -299,12 +299,14 @@ namespace detail {
 
 /// Whether the class has a member of the name, public or not: it is then ambiguous in a class that inherits another
 /// one.
+/// A final class cannot be inherited, and is not examined.
 struct Names {
     int start;
     int stop;
 };
+struct Other {};
 template <class Class>
-struct Both : Class, Names {};
+struct Both : std::conditional_t<std::is_final_v<Class>, Other, Class>, Names {};
 template <class Class, class = void>
 struct NamesStart : std::true_type {};
 template <class Class>
@@ -379,9 +381,9 @@ private:
 
     static_assert(std::is_default_constructible_v<Class>,
                   "a plug-in's class needs a public constructor without parameters, and a public destructor");
-    static_assert(HasStart<Class>::value || std::is_final_v<Class> || !NamesStart<Class>::value,
+    static_assert(HasStart<Class>::value || !NamesStart<Class>::value,
                   "start() of a plug-in's class must be public and callable without arguments");
-    static_assert(HasStop<Class>::value || std::is_final_v<Class> || !NamesStop<Class>::value,
+    static_assert(HasStop<Class>::value || !NamesStop<Class>::value,
                   "stop() of a plug-in's class must be public and callable without arguments");
     static_assert(Unexpected<Class>::value < 0, "`unexpected` of a plug-in's class must be negative");
 

@@ -59,6 +59,26 @@ TEST_F(checkCommand, LetsWarningsCountOnlyIfItIsStrict) {
     EXPECT_THAT(run({}).out, HasSubstr("warning.ini:3: warning:"));
 }
 
+TEST_F(checkCommand, AssumesPluginsThatAreDescribedElsewhere) {
+    folder().add("a.ini", "[Service]\nName=A\nDependencies=Far, Away\nPath=" + folder().library("a.dll") +
+                              "\nInitialize=Start\n");
+    EXPECT_EQ(run({"--assume", "Far", "--assume", "Away"}).exitCode, 0);
+    const tToolRun result = run({"--assume", "Far"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.out, HasSubstr("no description has the name \"Away\""));
+}
+
+TEST_F(checkCommand, PrintsNothingIfItIsQuietAndThereIsNothingToReport) {
+    addGood();
+    EXPECT_THAT(run({"--quiet"}).out, IsEmpty());
+    EXPECT_THAT(run({"--quiet", "--json"}).out, HasSubstr("\"schema\""));
+    const std::string rejected = folder().add("rejected.ini", "\n");
+    EXPECT_EQ(run({"--quiet"}).out, run({}).out);
+    std::filesystem::remove(rejected);
+    addWarning();
+    EXPECT_EQ(run({"--quiet"}).out, run({}).out);
+}
+
 TEST_F(checkCommand, Returns2WithASentenceIfItCannotLook) {
     const tToolRun result({"check", "no such place"});
     EXPECT_EQ(result.exitCode, 2);

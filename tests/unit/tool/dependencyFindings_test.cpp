@@ -58,6 +58,12 @@ TEST(dependencyFindings, SayThatNoDescriptionHasTheName) {
     EXPECT_EQ(findings[0].plugin, "A");
 }
 
+TEST(dependencyFindings, DoNotExistForAPluginThatIsAssumedToBeDescribedElsewhere) {
+    nCheck::tCatalogue catalogue(filesOf({described("A", {"Far"})}));
+    nCheck::findInDependencies(catalogue, std::vector<tOutcome>(1), {"Near", "Far"});
+    EXPECT_THAT(catalogue.takeFindings(), IsEmpty());
+}
+
 TEST(dependencyFindings, NameASimilarPlugin) {
     EXPECT_EQ(messageOf(findingsFor({described("A", {"Setings"}), described("Settings")}), "unknown-dependency"),
               "no description has the name \"Setings\"; there is \"Settings\"");

@@ -44,6 +44,19 @@ TEST_F(predictedStarts, AreOpenIfThePluginsOwnCodeDecides) {
     expect(described("B"), tLoadVerdict::uncertain, std::nullopt, tStart::perhaps);
 }
 
+TEST_F(predictedStarts, AreOpenIfADependencyIsAssumedToBeDescribedElsewhere) {
+    nCheck::tPredictedStarts starts({described("A", {"Far"})}, 1, {"Far"});
+    const tOutcome outcome = starts.start(described("A", {"Far"}), tLoadVerdict::succeeds);
+    EXPECT_EQ(outcome.code, std::nullopt);
+    EXPECT_EQ(outcome.start, tStart::perhaps);
+}
+
+TEST_F(predictedStarts, AreThoseOfTheDescriptionIfAnAssumedPluginHasOne) {
+    nCheck::tPredictedStarts starts({described("A"), described("B", {"A"})}, 1, {"A"});
+    EXPECT_EQ(starts.start(described("A"), tLoadVerdict::fails).start, tStart::no);
+    EXPECT_EQ(starts.start(described("B", {"A"}), tLoadVerdict::succeeds).code, -52006);
+}
+
 TEST_F(predictedStarts, FailIfTheLibraryDoesNotLoad) {
     describe({described("A")});
     expect(withInitialize(described("A")), tLoadVerdict::fails, -52005, tStart::no);

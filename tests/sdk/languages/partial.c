@@ -1,0 +1,2 @@
+#include <ziptra/plugin.h>
+ZIPTRA_EXPORT int32_t PartialInitialize(void) { return ZIPTRA_OK; }

@@ -1,0 +1,3 @@
+pub fn start() -> i32 {
+    0
+}

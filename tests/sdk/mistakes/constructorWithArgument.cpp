@@ -1,0 +1,6 @@
+#include <ziptra/plugin.hpp>
+class Mistaken {
+public:
+    explicit Mistaken(int) {}
+};
+ZIPTRA_PLUGIN(Mistaken)

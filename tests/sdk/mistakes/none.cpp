@@ -1,0 +1,3 @@
+#include <ziptra/plugin.hpp>
+class Mistaken {};
+ZIPTRA_PLUGIN(Mistaken)

@@ -1,0 +1,5 @@
+#include <ziptra/plugin.hpp>
+class Mistaken {
+    void stop() {}
+};
+ZIPTRA_PLUGIN(Mistaken)

@@ -1,0 +1,6 @@
+#include <ziptra/plugin.hpp>
+class Mistaken {
+public:
+    bool start() { return true; }
+};
+ZIPTRA_PLUGIN(Mistaken)

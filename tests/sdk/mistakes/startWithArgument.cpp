@@ -1,0 +1,6 @@
+#include <ziptra/plugin.hpp>
+class Mistaken {
+public:
+    void start(int) {}
+};
+ZIPTRA_PLUGIN(Mistaken)

@@ -1,0 +1,10 @@
+#include <ziptra/plugin.hpp>
+class Mistaken {
+    ziptra::Worker worker_;
+
+public:
+    Mistaken() {
+        worker_.start([] {});
+    }
+};
+ZIPTRA_PLUGIN(Mistaken)
