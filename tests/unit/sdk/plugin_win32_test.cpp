@@ -37,8 +37,8 @@ public:
     Simple(const Simple&) = delete;
     Simple& operator=(const Simple&) = delete;
     ~Simple() noexcept(false) { act("destroy ", actions.destroy); }
-    void start() { act("start ", actions.start); }
-    void stop() { act("stop ", actions.stop); }
+    static void start() { act("start ", actions.start); }
+    static void stop() { act("stop ", actions.stop); }
 };
 ZIPTRA_PLUGIN(Simple)
 
@@ -49,7 +49,7 @@ public:
     WithResult(const WithResult&) = delete;
     WithResult& operator=(const WithResult&) = delete;
     ~WithResult() { act("destroy ", {}); }
-    [[nodiscard]] std::int32_t start() {
+    [[nodiscard]] static std::int32_t start() {
         act("start ", actions.start);
         return actions.result;
     }

@@ -29,7 +29,7 @@ public:
     Working(const Working&) = delete;
     Working& operator=(const Working&) = delete;
     ~Working() { act(inDestructor); }
-    void stop() const { act(inStop); }
+    static void stop() { act(inStop); }
 
 private:
     static void act(const std::function<void()>& action) {
@@ -46,16 +46,11 @@ void waitForStop(const StopRequest& stop) { (void)stop.wait(forever); }
 
 class worker : public testing::Test {
 protected:
-    worker() {
+    void SetUp() override {
         systemCalls::resetAll();
         inConstructor = inStop = inDestructor = nullptr;
     }
-    ~worker() override {
-        EXPECT_EQ(systemCalls::openHandles(), 0);
-        inConstructor = inStop = inDestructor = nullptr;
-    }
-    worker(const worker&) = delete;
-    worker& operator=(const worker&) = delete;
+    void TearDown() override { EXPECT_EQ(systemCalls::openHandles(), 0); }
 };
 
 TEST_F(worker, RunsItsFunctionOnAThreadOfItsOwn) {
