@@ -25,7 +25,7 @@ include("${_ZIPTRA_CMAKE}/ZiptraDescribe.cmake")
 include("${_ZIPTRA_CMAKE}/ZiptraRust.cmake")
 
 function(ziptra_add_plugin name)
-    _ziptra_read_arguments(${name} ${ARGN})
+    _ziptra_read_arguments("${name}" ${ARGN})
     _ziptra_require_platform(${name} ${plugin_LANGUAGE})
     _ziptra_find_dependencies(${name})
     set(library "${CMAKE_BINARY_DIR}/plugins/${name}.dll")

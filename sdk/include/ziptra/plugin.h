@@ -1,7 +1,7 @@
 #ifndef ZIPTRA_PLUGIN_H
 #define ZIPTRA_PLUGIN_H
 
-/* What a plug-in of the ZU-Ziptra remote service is made of. C11 and C++17; nothing to link.
+/* The contract between the ZU-Ziptra remote service and its plug-ins. For C11 and C++17; there is nothing to link.
 
    A plug-in is a 64-bit Windows library and a description file that names it. The host loads the library and calls up
    to three functions of it:
@@ -52,12 +52,16 @@
        - Never call FreeLibrary or FreeLibraryAndExitThread on your own library: the host unloads it.
        - Never call ExitThread in the three functions: it would end the host's only thread. A thread of your own ends by
          returning from its function.
-       - The host's thread is lent. If you change its priority, locale or error mode, or initialise COM on it, undo that
-         before you return. COM is not initialised on it: let a thread of your own do so, and uninitialise it there.
-       - The current directory, the environment, the search path of libraries, the console handlers, the C library's
-         locale, umask and _fmode belong to all plug-ins: leave them alone.
-       - Code that runs while the library is loaded or unloaded (DllMain, constructors and destructors of global
-   objects) holds the loader's lock: it must neither start a thread nor wait for one.
+       - The host's thread is lent. If you change its priority, locale or error mode (SetThreadErrorMode), or initialise
+         COM on it, undo that before you return. COM is not initialised on it; a thread of your own is the better place.
+       - The current directory, the environment, the error mode of the process, the search path of libraries, the
+         console handlers, the C library's locale, umask and _fmode belong to all plug-ins: leave them alone.
+       - A child process that inherits handles may inherit the host's status file, which is then not replaced until the
+         child ends: list the handles to inherit (PROC_THREAD_ATTRIBUTE_HANDLE_LIST).
+       - Functions of Windows that take narrow text (CreateFileA) use UTF-8 from Windows 10 version 1903 on, and the
+         code page of the machine before: call the wide ones.
+       - Code that runs while the library is loaded or unloaded (DllMain, constructors and destructors of globals)
+         holds the loader's lock: it must neither start a thread nor wait for one.
 
    Ownership: the host passes nothing and takes nothing. What the plug-in allocates it frees, with the same runtime.
    Each library has its own C and C++ runtime; between plug-ins pass plain C types, and let the one that allocates free.

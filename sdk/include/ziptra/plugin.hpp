@@ -170,8 +170,8 @@ inline unsigned long ZIPTRA_DETAIL_CALL runTask(void* argument) noexcept {
     return 0;
 }
 
-/// What Stop and Cleanup do with the threads of this library. Null until a Worker is started, so that a plug-in without
-/// one does not contain the code for it.
+/// The calls that Stop and Cleanup make to end the threads of this library. Null until a Worker is started, so that a
+/// plug-in without one does not contain the code for it.
 struct ThreadCalls {
     void (*requestStop)() noexcept;
     void (*join)() noexcept;
@@ -211,7 +211,7 @@ public:
     }
 
 private:
-    /// What it protects takes a few instructions, so that another thread is hardly ever in there.
+    /// It is held for a few instructions only, so it hardly ever has to wait.
     class Lock {
     public:
         explicit Lock(std::atomic_flag& flag) noexcept : flag_(flag) {
