@@ -25,7 +25,6 @@
 ///     void stop();               called in Stop, after every Worker has been asked to stop. Needs no waiting.
 ///     static constexpr std::int32_t unexpected = -2;
 ///                                the code of exceptions other than Failure; otherwise -1.
-///
 /// All of them must be public; a start or stop that cannot be called does not compile.
 
 #include <atomic>
@@ -47,25 +46,22 @@
     ZIPTRA_EXPORT void CLASS##Stop() noexcept { ::ziptra::detail::Life<CLASS>::stop(); }                            \
     ZIPTRA_EXPORT void CLASS##Cleanup() noexcept { ::ziptra::detail::Life<CLASS>::cleanup(); }
 
-// The few functions of Windows that this header calls, as <windows.h> declares them: that header would bring macros
-// with names such as min and max into every plug-in.
+// The functions of Windows that this header calls, as <windows.h> declares them: that header would bring macros with
+// names such as min and max into every plug-in.
 #if defined(_WIN32)
 #define ZIPTRA_DETAIL_SYSTEM extern "C" __declspec(dllimport)
-#define ZIPTRA_DETAIL_CALL __stdcall
 #else
 #define ZIPTRA_DETAIL_SYSTEM extern "C"  // for tools that analyse the source elsewhere
-#define ZIPTRA_DETAIL_CALL
 #endif
 struct _SECURITY_ATTRIBUTES;
-ZIPTRA_DETAIL_SYSTEM void* ZIPTRA_DETAIL_CALL CreateEventW(_SECURITY_ATTRIBUTES*, int, int, const wchar_t*);
-ZIPTRA_DETAIL_SYSTEM void* ZIPTRA_DETAIL_CALL CreateThread(_SECURITY_ATTRIBUTES*, std::size_t,
-                                                           unsigned long(ZIPTRA_DETAIL_CALL*)(void*), void*,
-                                                           unsigned long, unsigned long*);
-ZIPTRA_DETAIL_SYSTEM int ZIPTRA_DETAIL_CALL SetEvent(void*);
-ZIPTRA_DETAIL_SYSTEM unsigned long ZIPTRA_DETAIL_CALL WaitForSingleObject(void*, unsigned long);
-ZIPTRA_DETAIL_SYSTEM int ZIPTRA_DETAIL_CALL CloseHandle(void*);
-ZIPTRA_DETAIL_SYSTEM void ZIPTRA_DETAIL_CALL OutputDebugStringA(const char*);
-ZIPTRA_DETAIL_SYSTEM void ZIPTRA_DETAIL_CALL Sleep(unsigned long);
+ZIPTRA_DETAIL_SYSTEM void* CreateEventW(_SECURITY_ATTRIBUTES*, int, int, const wchar_t*);
+ZIPTRA_DETAIL_SYSTEM void* CreateThread(_SECURITY_ATTRIBUTES*, std::size_t, unsigned long (*)(void*), void*,
+                                        unsigned long, unsigned long*);
+ZIPTRA_DETAIL_SYSTEM int SetEvent(void*);
+ZIPTRA_DETAIL_SYSTEM unsigned long WaitForSingleObject(void*, unsigned long);
+ZIPTRA_DETAIL_SYSTEM int CloseHandle(void*);
+ZIPTRA_DETAIL_SYSTEM void OutputDebugStringA(const char*);
+ZIPTRA_DETAIL_SYSTEM void Sleep(unsigned long);
 #undef ZIPTRA_DETAIL_SYSTEM
 
 namespace ziptra {
@@ -80,7 +76,6 @@ public:
     /// The code is the class's `unexpected`.
     explicit Failure(const char* why) noexcept : Failure(0, why) {}
 
-    /// Returns 0 if none was specified.
     [[nodiscard]] std::int32_t code() const noexcept { return code_; }
     [[nodiscard]] const char* what() const noexcept override { return why_; }
 
@@ -103,8 +98,7 @@ public:
         return waitMs(static_cast<unsigned long>(count));
     }
 
-    /// Returns the event that the request sets, for functions of Windows that wait for several things. It belongs to
-    /// the Worker.
+    /// Returns the event that the request sets, for functions that wait for several. It belongs to the Worker.
     [[nodiscard]] void* event() const noexcept { return event_; }
 
 private:
@@ -129,6 +123,12 @@ std::int32_t contain(std::int32_t unexpected, const Function& function) noexcept
         OutputDebugStringA("exception of unknown type");
     }
     return unexpected;
+}
+
+/// Calls the function and drops its result, or the exception that it throws.
+template <class Function>
+void drop(const Function& function) noexcept {
+    contain(0, [&function] { return static_cast<void>(function()), 0; });
 }
 
 /// A thread with its function and the event that asks it to stop. Owned by its Worker, and by a call of join while it
@@ -158,15 +158,15 @@ template <class Function>
 class TaskOf final : public Task {
 public:
     explicit TaskOf(Function function) : function_(std::move(function)) {}
-    void run(const StopRequest& stop) override { function_(stop); }
+    void run(const StopRequest& stop) override { static_cast<void>(function_(stop)); }
 
 private:
     Function function_;
 };
 
-inline unsigned long ZIPTRA_DETAIL_CALL runTask(void* argument) noexcept {
+inline unsigned long runTask(void* argument) noexcept {
     Task& task = *static_cast<Task*>(argument);
-    contain(0, [&task] { return task.run(StopRequest(task.event)), 0; });
+    drop([&task] { task.run(StopRequest(task.event)); });
     return 0;
 }
 
@@ -298,11 +298,9 @@ private:
 namespace detail {
 
 /// Whether the class has a member of the name, public or not: it is then ambiguous in a class that inherits another
-/// one.
-/// A final class cannot be inherited, and is not examined.
+/// one. A final class cannot be inherited, and is not examined.
 struct Names {
-    int start;
-    int stop;
+    int start, stop;
 };
 struct Other {};
 template <class Class>
@@ -348,7 +346,7 @@ public:
     static void stop() noexcept {
         if (const ThreadCalls* const threads = threadCalls.load()) threads->requestStop();
         if constexpr (HasStop<Class>::value) {
-            if (object_ != nullptr) contain(0, [] { return object_->stop(), 0; });
+            if (object_ != nullptr) drop([] { return object_->stop(); });
         }
     }
 
@@ -356,7 +354,7 @@ public:
     static void cleanup() noexcept {
         endThreads();
         if (object_ == nullptr) return;
-        contain(0, [] { return std::exchange(object_, nullptr)->~Class(), 0; });
+        drop([] { std::exchange(object_, nullptr)->~Class(); });
         endThreads();
     }
 
@@ -366,8 +364,11 @@ private:
             using Result = decltype(object_->start());
             static_assert(std::is_void_v<Result> || std::is_same_v<Result, std::int32_t>,
                           "start() of a plug-in's class returns void or std::int32_t");
-            if constexpr (!std::is_void_v<Result>) return object_->start();
-            if constexpr (std::is_void_v<Result>) object_->start();
+            if constexpr (std::is_void_v<Result>) {
+                object_->start();
+            } else {
+                return object_->start();
+            }
         }
         return 0;
     }
@@ -395,5 +396,4 @@ private:
 
 }  // namespace ziptra
 
-#undef ZIPTRA_DETAIL_CALL
 #endif
