@@ -6,33 +6,16 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <csignal>
 #include <cstdlib>
 #include <system_error>
 
+#include "tool/interruption.h"
 #include "tool/outputFilePlatform.h"
 
 namespace nOutputFile {
 namespace {
 
 std::string lastReason() { return std::generic_category().message(errno); }
-
-/// While it exists, signals that would end the process wait, so that no temporary file is left behind.
-class tSignalsWait {
-public:
-    tSignalsWait() noexcept {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) sigaddset(&signals, signal);
-        pthread_sigmask(SIG_BLOCK, &signals, &before_);
-    }
-    ~tSignalsWait() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    tSignalsWait(const tSignalsWait&) = delete;
-    tSignalsWait& operator=(const tSignalsWait&) = delete;
-
-private:
-    sigset_t before_{};
-};
 
 bool writeAll(int file, std::string_view content) noexcept {
     while (!content.empty()) {
@@ -72,14 +55,19 @@ bool fill(int file, mode_t rights, std::string_view content) noexcept {
 /// Returns what precedes the file's name.
 std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
 
-std::string replaceFile(const std::string& path, mode_t rights, std::string_view content) {
-    const tSignalsWait signalsWait;
+std::string replaceUninterrupted(const std::string& path, mode_t rights, std::string_view content) {
     std::string temporary = folderOf(path) + ".ziptra.XXXXXX";  // the file's own name can be as long as names may be
     const int file = mkstemp(temporary.data());
     if (file < 0) return lastReason();
     if (fill(file, rights, content) && rename(temporary.c_str(), path.c_str()) == 0) return {};
     std::string reason = lastReason();
     unlink(temporary.c_str());
+    return reason;
+}
+
+std::string replaceFile(const std::string& path, mode_t rights, std::string_view content) {
+    std::string reason;
+    nInterruption::withhold([&] { reason = replaceUninterrupted(path, rights, content); });
     return reason;
 }
 
