@@ -15,6 +15,7 @@
 #include "tool/format.h"
 #include "tool/graph/graphCommand.h"
 #include "tool/install/installCommand.h"
+#include "tool/new/newCommand.h"
 #include "tool/plainText.h"
 #include "tool/run/runCommand.h"
 #include "tool/status/statusCommand.h"
@@ -31,6 +32,7 @@ void addCommands(CLI::App& program, tContext& context) {
     nStatus::addCommand(program, context);
     nGraph::addCommand(program, context);
     nRun::addCommand(program, context);
+    nNew::addCommand(program, context);
     nInstall::addCommands(program, context);
     nAudit::addCommand(program, context);
     nCompletion::addCommand(program, context);

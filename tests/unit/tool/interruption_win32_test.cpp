@@ -11,21 +11,21 @@
 namespace {
 
 /// Keeps the handlers that are set.
-class tInterruptionTest : public testing::Test {
+class nInterruptionWin32 : public testing::Test {
 protected:
-    tInterruptionTest() {
+    void SetUp() override {
         imports::SetConsoleCtrlHandler.replace([this](PHANDLER_ROUTINE handler, BOOL add) {
             if (add != FALSE) handlers.push_back(handler);
             if (add == FALSE) std::erase(handlers, handler);
             return TRUE;
         });
     }
-    ~tInterruptionTest() override { imports::ImportBase::restoreAll(); }
+    void TearDown() override { imports::ImportBase::restoreAll(); }
 
     std::vector<PHANDLER_ROUTINE> handlers;
 };
 
-TEST_F(tInterruptionTest, IsIgnoredDuringTheAction) {
+TEST_F(nInterruptionWin32, IsIgnoredDuringTheAction) {
     BOOL handled[3] = {};
     nInterruption::withhold([&] {
         ASSERT_EQ(handlers.size(), 1U);
@@ -39,7 +39,7 @@ TEST_F(tInterruptionTest, IsIgnoredDuringTheAction) {
     EXPECT_TRUE(handlers.empty());
 }
 
-TEST_F(tInterruptionTest, IsNotIgnoredAfterAnActionThatThrows) {
+TEST_F(nInterruptionWin32, IsNotIgnoredAfterAnActionThatThrows) {
     EXPECT_THROW(nInterruption::withhold([] { throw std::runtime_error(""); }), std::runtime_error);
     EXPECT_TRUE(handlers.empty());
 }

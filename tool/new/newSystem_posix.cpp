@@ -1,0 +1,59 @@
+// The service never ships with this: the files of a new project on systems other than Windows.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <system_error>
+
+#include "tool/new/newSystem.h"
+
+namespace nNew {
+namespace {
+
+std::string lastReason() { return std::generic_category().message(errno); }
+
+std::string createFolder(const std::string& folder) { return mkdir(folder.c_str(), 0777) == 0 ? "" : lastReason(); }
+
+bool writeAll(int file, std::string_view content) noexcept {
+    while (!content.empty()) {
+        const ssize_t written = write(file, content.data(), content.size());
+        if (written < 0) return false;
+        content.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+std::string createFile(const std::string& path, std::string_view content) {
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (file < 0) return lastReason();
+    std::string reason = writeAll(file, content) ? "" : lastReason();
+    if (close(file) != 0 && reason.empty()) reason = lastReason();
+    if (!reason.empty()) unlink(path.c_str());
+    return reason;
+}
+
+/// A link counts as it is, wherever it leads.
+bool exists(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0;
+}
+
+std::string programFolder() {
+    std::array<char, PATH_MAX> path{};
+    const ssize_t size = readlink("/proc/self/exe", path.data(), path.size());
+    const std::string_view program(path.data(), size < 0 ? 0 : static_cast<std::size_t>(size));
+    return std::string(program.substr(0, program.rfind('/')));
+}
+
+}  // namespace
+
+tSystem thisSystem() {
+    const auto remove = [](const std::string& path) { return std::remove(path.c_str()) == 0; };
+    return {createFolder, createFile, remove, exists, programFolder(), false};
+}
+
+}  // namespace nNew
