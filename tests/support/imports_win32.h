@@ -4,8 +4,10 @@
 // windows.h first: the others need its types.
 #include <aclapi.h>
 #include <io.h>
+#include <psapi.h>
 #include <sddl.h>
 #include <shlobj.h>
+#include <tlhelp32.h>
 
 #include <cstdio>
 #include <ctime>
@@ -126,44 +128,82 @@ private:
     IMPORT(L"advapi32.dll", SetServiceStatus)                                     \
     IMPORT(L"advapi32.dll", StartServiceCtrlDispatcherA)                          \
     IMPORT(L"advapi32.dll", StartServiceW)                                        \
+    IMPORT(L"kernel32.dll", AssignProcessToJobObject)                             \
     IMPORT(L"kernel32.dll", CloseHandle)                                          \
+    IMPORT(L"kernel32.dll", CompareStringOrdinal)                                 \
     IMPORT(L"kernel32.dll", CreateDirectoryW)                                     \
     IMPORT(L"kernel32.dll", CreateEventA)                                         \
     IMPORT(L"kernel32.dll", CreateFileW)                                          \
+    IMPORT(L"kernel32.dll", CreateJobObjectW)                                     \
+    IMPORT(L"kernel32.dll", CreatePipe)                                           \
+    IMPORT(L"kernel32.dll", CreateProcessW)                                       \
+    IMPORT(L"kernel32.dll", CreateThread)                                         \
     IMPORT(L"kernel32.dll", DeleteFileW)                                          \
+    IMPORT(L"kernel32.dll", DuplicateHandle)                                      \
     IMPORT(L"kernel32.dll", ExpandEnvironmentStringsW)                            \
     IMPORT(L"kernel32.dll", FindClose)                                            \
     IMPORT(L"kernel32.dll", FindFirstFileW)                                       \
     IMPORT(L"kernel32.dll", FormatMessageA)                                       \
     IMPORT(L"kernel32.dll", FormatMessageW)                                       \
+    IMPORT(L"kernel32.dll", FreeEnvironmentStringsW)                              \
     IMPORT(L"kernel32.dll", FreeLibrary)                                          \
     IMPORT(L"kernel32.dll", GetACP)                                               \
+    IMPORT(L"kernel32.dll", GetConsoleCP)                                         \
+    IMPORT(L"kernel32.dll", GetConsoleOutputCP)                                   \
+    IMPORT(L"kernel32.dll", GetCurrentDirectoryW)                                 \
     IMPORT(L"kernel32.dll", GetCurrentProcessId)                                  \
     IMPORT(L"kernel32.dll", GetCurrentThreadId)                                   \
+    IMPORT(L"kernel32.dll", GetDriveTypeW)                                        \
+    IMPORT(L"kernel32.dll", GetEnvironmentStringsW)                               \
+    IMPORT(L"kernel32.dll", GetExitCodeProcess)                                   \
     IMPORT(L"kernel32.dll", GetFileAttributesW)                                   \
     IMPORT(L"kernel32.dll", GetLastError)                                         \
     IMPORT(L"kernel32.dll", GetModuleFileNameW)                                   \
     IMPORT(L"kernel32.dll", GetModuleHandleA)                                     \
+    IMPORT(L"kernel32.dll", GetModuleHandleExW)                                   \
     IMPORT(L"kernel32.dll", GetModuleHandleW)                                     \
     IMPORT(L"kernel32.dll", GetProcAddress)                                       \
+    IMPORT(L"kernel32.dll", GetProcessHandleCount)                                \
+    IMPORT(L"kernel32.dll", GetStdHandle)                                         \
     IMPORT(L"kernel32.dll", GetSystemDirectoryW)                                  \
     IMPORT(L"kernel32.dll", GetSystemTimeAdjustment)                              \
+    IMPORT(L"kernel32.dll", GetSystemWindowsDirectoryW)                           \
+    IMPORT(L"kernel32.dll", GetThreadPriority)                                    \
     IMPORT(L"kernel32.dll", GetTickCount64)                                       \
     IMPORT(L"kernel32.dll", LoadLibraryExA)                                       \
     IMPORT(L"kernel32.dll", LoadLibraryExW)                                       \
+    IMPORT(L"kernel32.dll", LoadLibraryW)                                         \
     IMPORT(L"kernel32.dll", LocalFree)                                            \
     IMPORT(L"kernel32.dll", MultiByteToWideChar)                                  \
     IMPORT(L"kernel32.dll", OpenProcess)                                          \
+    IMPORT(L"kernel32.dll", OpenThread)                                           \
     IMPORT(L"kernel32.dll", OutputDebugStringA)                                   \
+    IMPORT(L"kernel32.dll", PeekNamedPipe)                                        \
+    IMPORT(L"kernel32.dll", QueryInformationJobObject)                            \
     IMPORT(L"kernel32.dll", QueryPerformanceFrequency)                            \
+    IMPORT(L"kernel32.dll", ReadFile)                                             \
     IMPORT(L"kernel32.dll", RemoveDirectoryW)                                     \
+    IMPORT(L"kernel32.dll", SetConsoleCP)                                         \
     IMPORT(L"kernel32.dll", SetConsoleCtrlHandler)                                \
+    IMPORT(L"kernel32.dll", SetConsoleOutputCP)                                   \
+    IMPORT(L"kernel32.dll", SetErrorMode)                                         \
     IMPORT(L"kernel32.dll", SetEvent)                                             \
+    IMPORT(L"kernel32.dll", SetHandleInformation)                                 \
+    IMPORT(L"kernel32.dll", SetInformationJobObject)                              \
     IMPORT(L"kernel32.dll", SetLastError)                                         \
+    IMPORT(L"kernel32.dll", SetStdHandle)                                         \
     IMPORT(L"kernel32.dll", SetThreadErrorMode)                                   \
+    IMPORT(L"kernel32.dll", SetThreadStackGuarantee)                              \
+    IMPORT(L"kernel32.dll", SetUnhandledExceptionFilter)                          \
     IMPORT(L"kernel32.dll", Sleep)                                                \
+    IMPORT(L"kernel32.dll", TerminateJobObject)                                   \
+    IMPORT(L"kernel32.dll", TerminateProcess)                                     \
+    IMPORT(L"kernel32.dll", VirtualQuery)                                         \
     IMPORT(L"kernel32.dll", WaitForSingleObject)                                  \
+    IMPORT(L"kernel32.dll", WideCharToMultiByte)                                  \
+    IMPORT(L"kernel32.dll", WriteFile)                                            \
     IMPORT(L"msvcrt.dll", _ctime64)                                               \
+    IMPORT(L"msvcrt.dll", _dup2)                                                  \
     IMPORT(L"msvcrt.dll", _time64)                                                \
     IMPORT(L"msvcrt.dll", _wfopen)                                                \
     IMPORT(L"msvcrt.dll", _wfsopen)                                               \
@@ -173,10 +213,15 @@ private:
 
 // The same for calls that the compiler treats as ordinary functions because the headers do not declare them dllimport.
 // They reach their import pointer through a jump instruction, which the test program defines too.
-#define IMPORTS_BEHIND_A_JUMP(IMPORT) \
-    IMPORT(L"msvcrt.dll", fclose)     \
-    IMPORT(L"msvcrt.dll", ferror)     \
-    IMPORT(L"msvcrt.dll", fread)      \
+#define IMPORTS_BEHIND_A_JUMP(IMPORT)                 \
+    IMPORT(L"kernel32.dll", CreateToolhelp32Snapshot) \
+    IMPORT(L"kernel32.dll", K32EnumProcessModules)    \
+    IMPORT(L"kernel32.dll", K32GetMappedFileNameW)    \
+    IMPORT(L"kernel32.dll", Thread32First)            \
+    IMPORT(L"kernel32.dll", Thread32Next)             \
+    IMPORT(L"msvcrt.dll", fclose)                     \
+    IMPORT(L"msvcrt.dll", ferror)                     \
+    IMPORT(L"msvcrt.dll", fread)                      \
     IMPORT(L"msvcrt.dll", fwrite)
 
 #define DECLARE_IMPORT(library, name) extern Import<decltype(::name)> name;

@@ -106,7 +106,7 @@ private:
                                description.requiresMask);
         }
         if (code == zuerr::invalidParameter.code) {
-            return "its library cannot be loaded or lacks an entry: 'ziptra check' says why";
+            return "its library cannot be loaded or unloaded, or lacks an entry: 'ziptra check' may say why";
         }
         if (code != zuerr::resourceNotFound.code) return {};
         for (const std::string& name : description.dependencies) {
@@ -153,8 +153,11 @@ private:
         if (!ending_.exitCode) return {tOutcome::hung, hang()};
         constexpr std::uint32_t error = 0xC0000000;  // of the system's codes for exceptions
         if ((*ending_.exitCode & error) == error) return {tOutcome::crashed, crash(*ending_.exitCode, {})};
-        return {tOutcome::exited,
-                fmt::format("the process ended with the exit code {} {}; {}", *ending_.exitCode, where(), endsService)};
+        constexpr std::uint32_t abortCode = 3;  // also of an abort in another C library, which reports nothing
+        const std::string code = *ending_.exitCode == abortCode
+                                     ? "exited with code 3, as abort does,"
+                                     : fmt::format("ended with the exit code {}", *ending_.exitCode);
+        return {tOutcome::exited, fmt::format("the process {} {}; {}", code, where(), endsService)};
     }
 
     [[nodiscard]] std::pair<tOutcome, std::string> reportedEnd(const tEvent& event) const {
@@ -167,6 +170,11 @@ private:
             case tEventKind::endedThread:
                 return {tOutcome::exited,
                         fmt::format("the host's thread was ended {}; the service could no longer be stopped", where())};
+            case tEventKind::keptLibrary:
+                return {tOutcome::failed,
+                        fmt::format("{} failed, and the library could not be unloaded; this would have ended the "
+                                    "service's run",
+                                    entryName(plugins_[history_.last->plugin], history_.last->phase))};
             default: return {tOutcome::crashed, crash(static_cast<std::uint32_t>(event.code), event.text)};
         }
     }
@@ -194,14 +202,30 @@ private:
     const tEnding& ending_;
 };
 
+/// Returns why the result would say nothing about the plug-ins, or an empty text if it does.
+std::string whyUseless(const std::vector<tPlugin>& plugins, const tHistory& history, const tEnding& ending) {
+    std::string reason;
+    if (history.end != nullptr && history.end->kind == tEventKind::gaveUp) {
+        reason = "their process gave up: " + history.end->text;
+    } else if (ending.exitCode == lostReportsCode) {
+        reason = "their process could not report";
+    } else if (!history.ready || history.last == nullptr) {
+        if (!ending.exitCode) return "their process hung before it called one";
+        return fmt::format("their process ended with the exit code {} before it called one", *ending.exitCode);
+    }
+    if (reason.empty() || history.last == nullptr) return reason;
+    const tPlugin& plugin = plugins[history.last->plugin];
+    return fmt::format("{}, in life {}; its last call was that of {} of {}", reason, history.lives.size(),
+                       entryName(plugin, history.last->phase), plugin.description.name);
+}
+
 }  // namespace
 
 tResult judge(std::vector<tPlugin> plugins, std::size_t times, const std::vector<tEvent>& events,
               const tEnding& ending) {
     const tHistory history = historyOf(plugins.size(), events);
-    if (!history.ready || history.last == nullptr) {
-        throw tCannotRun("The process that runs the plug-ins ended, or hung, before it called one");
-    }
+    const std::string useless = whyUseless(plugins, history, ending);
+    if (!useless.empty()) throw tCannotRun("The plug-ins cannot be run: " + useless);
     tResult result{std::move(plugins), {}};
     const tJudge judge(result.plugins, history, ending);
     const std::size_t lives = history.lives.size();

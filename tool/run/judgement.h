@@ -35,6 +35,9 @@ struct tResult {
     std::vector<tLife> lives;
 };
 
+/// The exit code of the process that runs the plug-ins if it cannot report. No plug-in is likely to use it.
+inline constexpr std::uint32_t lostReportsCode = 0x2A57'0001;
+
 /// How the process that runs the plug-ins ended, if it did not finish.
 struct tEnding {
     std::optional<std::uint32_t> exitCode;  ///< none if it reported nothing for longer than the limit
@@ -43,7 +46,7 @@ struct tEnding {
 };
 
 /// Says what the events mean. A life beyond those that were asked for is left out if the process survived it. Throws
-/// tCannotRun if the process did not come to the first call.
+/// tCannotRun if the process did not come to the first call, or could not go on through no fault of a plug-in's call.
 [[nodiscard]] tResult judge(std::vector<tPlugin> plugins, std::size_t times, const std::vector<tEvent>& events,
                             const tEnding& ending);
 

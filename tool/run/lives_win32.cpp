@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -19,7 +18,6 @@ namespace nRun {
 namespace {
 
 using tHandle = std::unique_ptr<void, tCloser<CloseHandle>>;
-using tClock = std::chrono::steady_clock;
 
 constexpr DWORD pollMs = 5;
 constexpr std::uint64_t patienceMs = 30'000;  // with the process itself, while no call is running
@@ -40,7 +38,8 @@ public:
                 "there is no job object for them");
     }
     ~tJob() {
-        TerminateJobObject(job_.get(), 1);
+        // If this fails, the system ends them when the handle is closed.
+        if (TerminateJobObject(job_.get(), 1) == FALSE) return;
         constexpr int attempts = 1000;
         for (int i = 0; i < attempts && !isEmpty(); ++i) Sleep(pollMs);
     }
@@ -100,15 +99,17 @@ BOOL WINAPI endInterrupted(DWORD /*event*/) { return TerminateProcess(GetCurrent
 std::wstring ownPath() {
     std::wstring path(0x8000, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    require(!path.empty(), "the path of this program is unknown");
     return path;
 }
 
 /// Returns a handle for a child's output and errors: that of this process, or of nothing if it has none.
 tHandle inheritableError() {
     const HANDLE process = GetCurrentProcess();
+    const HANDLE own = GetStdHandle(STD_ERROR_HANDLE);  // if it is invalid, it is also that of this process
     HANDLE error = nullptr;
-    if (DuplicateHandle(process, GetStdHandle(STD_ERROR_HANDLE), process, &error, 0, TRUE, DUPLICATE_SAME_ACCESS) !=
-        FALSE) {
+    if (own != INVALID_HANDLE_VALUE &&
+        DuplicateHandle(process, own, process, &error, 0, TRUE, DUPLICATE_SAME_ACCESS) != FALSE) {
         return tHandle(error);
     }
     SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
@@ -170,23 +171,22 @@ public:
 
     /// Reads until the process finishes, ends, or reports nothing for too long.
     [[nodiscard]] tEnding watch(std::uint64_t limitMs, tReader& reader, const std::function<void()>& onLife) const {
-        auto heard = tClock::now();
+        std::uint64_t heardMs = GetTickCount64();
         for (;;) {
-            const bool over = WaitForSingleObject(process_.get(), pollMs) == WAIT_OBJECT_0;
+            const DWORD wait = WaitForSingleObject(process_.get(), pollMs);
+            require(wait != WAIT_FAILED, "their process cannot be watched");
             const std::vector<tEvent>& events = reader.events();
             const std::size_t before = events.size();
             read(reader);
-            if (events.size() > before) heard = tClock::now();
+            if (events.size() > before) heardMs = GetTickCount64();
             for (std::size_t i = before; i < events.size(); ++i) {
                 if (events[i].kind == tEventKind::lifeOver) onLife();
                 if (events[i].kind == tEventKind::finished) return {0, limitMs};
             }
-            if (over) return {exitCode(), limitMs};
+            if (wait == WAIT_OBJECT_0) return {exitCode(), limitMs};
             const bool calling = !events.empty() && events.back().kind == tEventKind::called;
             const std::uint64_t silenceMs = calling ? limitMs : std::max(limitMs, patienceMs);
-            if (tClock::now() - heard > std::chrono::milliseconds(silenceMs)) {
-                return {std::nullopt, limitMs, windowTitles()};
-            }
+            if (GetTickCount64() - heardMs > silenceMs) return {std::nullopt, limitMs, windowTitles()};
         }
     }
 
@@ -213,15 +213,17 @@ private:
         reports_.childs.reset();
     }
 
-    /// Reads what has arrived.
+    /// Reads what has arrived. The pipe breaks when the process ends.
     void read(tReader& reader) const {
         std::array<char, 0x10000> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init): ReadFile fills it
-        DWORD available = 0;
-        while (PeekNamedPipe(reports_.ours.get(), nullptr, 0, nullptr, &available, nullptr) != FALSE && available > 0) {
-            DWORD size = 0;
-            if (ReadFile(reports_.ours.get(), bytes.data(), bytes.size(), &size, nullptr) == FALSE) return;
+        const HANDLE pipe = reports_.ours.get();
+        DWORD size = 0;
+        while (PeekNamedPipe(pipe, nullptr, 0, nullptr, &size, nullptr) != FALSE) {
+            if (size == 0) return;
+            if (ReadFile(pipe, bytes.data(), bytes.size(), &size, nullptr) == FALSE) break;
             reader.add({bytes.data(), size});
         }
+        require(GetLastError() == ERROR_BROKEN_PIPE, "what their process reports cannot be read");
     }
 
     [[nodiscard]] std::uint32_t exitCode() const {

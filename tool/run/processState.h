@@ -4,8 +4,8 @@
 
 namespace nRun {
 
-/// Returns the state of this process and of the thread that calls it. A part that the system does not tell is empty.
-/// Throws std::bad_alloc.
+/// Returns the state of this process and of the thread that calls it. Throws tCannotRun if the system does not tell all
+/// of it: a part that is missing once would look like a change.
 [[nodiscard]] tProcessState readProcessState();
 
 }  // namespace nRun

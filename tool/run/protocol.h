@@ -22,6 +22,8 @@ enum class tEventKind : char {
     aborted = 'a',      ///< something called abort
     threw = 't',        ///< the call threw something that the host does not catch
     endedThread = 'e',  ///< the call ended the host's thread
+    keptLibrary = 'k',  ///< the call failed, and the library of `plugin` cannot be unloaded, which ends the host's run
+    gaveUp = 'g',       ///< the process cannot go on, through no fault of a plug-in's call; `text` is the reason
 };
 
 struct tEvent {

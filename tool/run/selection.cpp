@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/filesystem/operations.hpp>
 #include <map>
+#include <new>
 #include <set>
 #include <utility>
 
@@ -22,6 +23,18 @@ tPlugin readNamed(const std::string& file) {
         throw tCannotRun(fmt::format("The host cannot read '{}' as a description: 'ziptra check' says why", file));
     }
     return plugin;
+}
+
+std::vector<std::string> descriptionsIn(const boost::filesystem::path& directory) {
+    std::vector<std::string> files;
+    try {
+        nPluginData::listDescriptionFiles(directory, nDescriptionFormat::extension, files);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        throw tCannotRun(fmt::format("The directory '{}' cannot be read", nStdPath::pathToUtf8(directory)));
+    }
+    return files;
 }
 
 bool isSameFile(const std::string& one, const std::string& other) {
@@ -46,9 +59,7 @@ private:
     /// The host skips a file that it cannot read.
     void readAll(const boost::filesystem::path& directory, const std::string& key) {
         plugins_[key];
-        std::vector<std::string> files;
-        nPluginData::listDescriptionFiles(directory, nDescriptionFormat::extension, files);
-        for (const std::string& file : files) {
+        for (const std::string& file : descriptionsIn(directory)) {
             try {
                 const tPlugin plugin = readNamed(file);
                 plugins_[key + plugin.description.name].push_back(plugin);

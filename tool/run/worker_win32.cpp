@@ -5,11 +5,14 @@
 #include <io.h>
 #include <psapi.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <memory>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -18,11 +21,14 @@
 #include "source/nPluginStart.h"
 #include "source/tPluginManager.h"
 #include "tool/context.h"
+#include "tool/format.h"
+#include "tool/run/judgement.h"
 #include "tool/run/leftovers.h"
 #include "tool/run/order.h"
 #include "tool/run/processState.h"
 #include "tool/run/protocol.h"
 #include "tool/run/selection.h"
+#include "tool/systemReason.h"
 
 namespace nRun {
 namespace {
@@ -36,17 +42,36 @@ constexpr UINT abortCode = 3;  // of a process that calls abort
 /// Where the reports go. Global, because the handlers of faults know nothing else.
 HANDLE reports = nullptr;
 
+/// Ends the process without any code of its libraries.
+[[noreturn]] void endProcess(UINT code) {
+    TerminateProcess(GetCurrentProcess(), code);
+    std::_Exit(static_cast<int>(code));
+}
+
 void sendLine(const char* line, std::size_t size) {
     DWORD written = 0;
     // Without the process that started it there is nothing to do here.
-    if (WriteFile(reports, line, static_cast<DWORD>(size), &written, nullptr) == FALSE) {
-        TerminateProcess(GetCurrentProcess(), exitCouldNotLook);
-    }
+    if (WriteFile(reports, line, static_cast<DWORD>(size), &written, nullptr) == FALSE) endProcess(lostReportsCode);
 }
 
 void send(const tEvent& event) {
     const std::string line = toLine(event);
     sendLine(line.data(), line.size());
+}
+
+/// Reports that the plug-ins cannot be run any further, and ends the process. Uses no memory, which may have run out.
+[[noreturn]] void giveUp(std::string_view reason) {
+    std::array<char, 1024> line;  // NOLINT(cppcoreguidelines-pro-type-member-init): snprintf fills it
+    constexpr std::size_t longest = line.size() - 20;
+    const int size = std::snprintf(line.data(), line.size(), "%c 0 0 0 0 %.*s\n", static_cast<char>(tEventKind::gaveUp),
+                                   static_cast<int>(std::min(reason.size(), longest)), reason.data());
+    sendLine(line.data(), static_cast<std::size_t>(size));
+    endProcess(exitCouldNotLook);
+}
+
+/// Gives up with the system's reason.
+[[noreturn]] void giveUpAfter(std::string_view failure) {
+    giveUp(fmt::format("{}: {}", failure, nSystemReason::last()));
 }
 
 /// Returns the file name of the library at the address, or an empty text. Takes no lock: a thread that has one may be
@@ -70,24 +95,23 @@ LONG WINAPI reportFault(EXCEPTION_POINTERS* exception) {
     static std::array<char, 4096> line;
     const DWORD code = exception->ExceptionRecord->ExceptionCode;
     void* const address = exception->ExceptionRecord->ExceptionAddress;
-    const std::string_view name = libraryName(address);
     MEMORY_BASIC_INFORMATION memory{};
-    if (!name.empty()) VirtualQuery(address, &memory, sizeof memory);
-    const auto offset =
-        reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(memory.AllocationBase);
-    const int size =
-        std::snprintf(line.data(), line.size(), "%c 0 0 0 %ld %.*s%s0x%llx%s\n", static_cast<char>(tEventKind::faulted),
-                      static_cast<long>(code), static_cast<int>(name.size()), name.data(), name.empty() ? "" : "+",
-                      static_cast<unsigned long long>(offset), name.empty() ? ", outside all libraries" : "");
+    const bool known = VirtualQuery(address, &memory, sizeof memory) != 0;
+    const std::string_view name = known && memory.Type == MEM_IMAGE ? libraryName(address) : "";
+    const void* const base = name.empty() ? nullptr : memory.AllocationBase;
+    const auto offset = reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(base);
+    const int size = std::snprintf(
+        line.data(), line.size(), "%c 0 0 0 %ld %.*s%s0x%llx%s\n", static_cast<char>(tEventKind::faulted),
+        static_cast<long>(code), static_cast<int>(name.size()), name.data(), name.empty() ? "" : "+",
+        static_cast<unsigned long long>(offset), known && memory.Type != MEM_IMAGE ? ", outside all libraries" : "");
     sendLine(line.data(), static_cast<std::size_t>(size));
-    TerminateProcess(GetCurrentProcess(), code);
-    return EXCEPTION_CONTINUE_SEARCH;
+    endProcess(code);
 }
 
 void reportAbort(int /*signal*/) {
     static constexpr std::string_view line = "a 0 0 0 0 \n";  // made without the heap, which may be damaged
     sendLine(line.data(), line.size());
-    TerminateProcess(GetCurrentProcess(), abortCode);
+    endProcess(abortCode);
 }
 
 /// Lets no fault open a window, and reports all.
@@ -170,9 +194,15 @@ private:
         send({tEventKind::called, plugin, phase});
         try {
             callEntry(manager);
+        } catch (const zuerr::ExceptionBase&) {
+            // The host's own, the only one that its manager lets pass; a plug-in's exceptions become codes.
+            send({tEventKind::keptLibrary, plugin, phase});
+            endProcess(exitCouldNotLook);
+        } catch (const std::exception&) {
+            throw;
         } catch (...) {
             send({tEventKind::threw, plugin, phase});
-            TerminateProcess(GetCurrentProcess(), abortCode);
+            endProcess(abortCode);
         }
         const tPluginEntry& entry = manager.entries().front();
         const std::array codes{entry.initCode, entry.stopCode, entry.cleanupCode};
@@ -188,7 +218,7 @@ private:
     tLeftovers leftovers_;
 };
 
-/// Returns all of standard input.
+/// Returns all of standard input: a pipe, which breaks at its end.
 std::string readInput() {
     std::string text;
     std::array<char, 4096> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init): ReadFile fills it
@@ -196,17 +226,23 @@ std::string readInput() {
     while (ReadFile(GetStdHandle(STD_INPUT_HANDLE), bytes.data(), bytes.size(), &size, nullptr) != FALSE && size > 0) {
         text.append(bytes.data(), size);
     }
+    if (size > 0 || GetLastError() != ERROR_BROKEN_PIPE) giveUpAfter("it cannot read what to do");
     return text;
 }
 
 /// Keeps standard output for the reports. What plug-ins write there goes to standard error.
-bool takeOutput() {
+void takeOutput() {
     const HANDLE process = GetCurrentProcess();
-    if (DuplicateHandle(process, GetStdHandle(STD_OUTPUT_HANDLE), process, &reports, 0, FALSE, DUPLICATE_SAME_ACCESS) ==
-        FALSE) {
-        return false;
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    HANDLE own = nullptr;
+    reports = output;
+    if (DuplicateHandle(process, output, process, &own, 0, FALSE, DUPLICATE_SAME_ACCESS) == FALSE) {
+        giveUpAfter("it cannot keep its output for itself");
     }
-    return _dup2(2, 1) == 0 && SetStdHandle(STD_OUTPUT_HANDLE, GetStdHandle(STD_ERROR_HANDLE)) != FALSE;
+    reports = own;
+    if (_dup2(2, 1) != 0 || SetStdHandle(STD_OUTPUT_HANDLE, GetStdHandle(STD_ERROR_HANDLE)) == FALSE) {
+        giveUpAfter("it cannot redirect what plug-ins write");
+    }
 }
 
 /// The thread of the plug-ins. Like the service's, it is not the process's first.
@@ -218,20 +254,23 @@ DWORD WINAPI runLives(void* order) {
     try {
         tLives(*static_cast<tOrder*>(order)).run();
         return exitNothingFound;
-    } catch (const std::exception&) {
-        return exitCouldNotLook;
+    } catch (const std::bad_alloc&) {
+        giveUp("it ran out of memory");
+    } catch (const std::exception& failure) {
+        giveUp(failure.what());
     }
 }
 
 }  // namespace
 
 int runWorker() {
+    takeOutput();
     std::optional<tOrder> order = readOrder(readInput());
-    if (!order || !takeOutput()) return exitCouldNotLook;
+    if (!order) giveUp("it was not told what to do");
     watchFaults();
     const tHandle thread(CreateThread(nullptr, 0, runLives, &*order, 0, nullptr));
-    if (thread == nullptr) return exitCouldNotLook;
-    WaitForSingleObject(thread.get(), INFINITE);
+    if (thread == nullptr) giveUpAfter("no thread starts for the plug-ins");
+    if (WaitForSingleObject(thread.get(), INFINITE) != WAIT_OBJECT_0) giveUpAfter("it cannot wait for their thread");
     // Only if a plug-in ends the thread does this report come before that of the end, which is then missing.
     send({tEventKind::endedThread});
     return exitNothingFound;

@@ -60,6 +60,7 @@ int OverflowsStack() {
 int RunsIllegalInstruction() { __builtin_trap(); }
 int Aborts() { std::abort(); }
 int Exits() { std::exit(5); }
+int ExitsAsAbort() { std::_Exit(3); }  // as abort of a C library that the host does not use
 int EndsThread() { ExitThread(0); }
 int Hangs() {
     Sleep(INFINITE);
@@ -86,6 +87,8 @@ int ChangesErrorMode() {
     SetErrorMode(SEM_NOOPENFILEERRORBOX);
     return 0;
 }
+int ChangesPriority() { return SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL) == FALSE ? -1 : 0; }
+int ChangesCodePage() { return SetConsoleOutputCP(GetConsoleOutputCP() == 437 ? 850 : 437) == FALSE ? -1 : 0; }
 int StartsChild() {
     startChild();
     return 0;

@@ -93,7 +93,8 @@ TEST(nRunJudgement, SaysWhyTheHostDidNotStartAPlugIn) {
               "notStarted: the machine allows none of the features that it requires (1); the service would run without "
               "it");
     EXPECT_EQ(afterCodes(-52005),
-              "notStarted: its library cannot be loaded or lacks an entry: 'ziptra check' says why; the service would "
+              "notStarted: its library cannot be loaded or unloaded, or lacks an entry: 'ziptra check' may say why; "
+              "the service would "
               "run without it");
 }
 
@@ -141,6 +142,9 @@ TEST(nRunJudgement, SaysHowTheProcessEnded) {
         "crashed: an exception not derived from std::exception in AInitialize; this would have ended the service");
     EXPECT_EQ(afterEnd(tKind::endedThread),
               "exited: the host's thread was ended in AInitialize; the service could no longer be stopped");
+    EXPECT_EQ(
+        afterEnd(tKind::keptLibrary),
+        "failed: AInitialize failed, and the library could not be unloaded; this would have ended the service's run");
 }
 
 TEST(nRunJudgement, TakesTheExitCodeIfTheProcessCouldNotSayHowItEnded) {
@@ -148,6 +152,12 @@ TEST(nRunJudgement, TakesTheExitCodeIfTheProcessCouldNotSayHowItEnded) {
     log.begin(0, tPhase::initialize);
     EXPECT_EQ(text(judged(log, {5, 10'000})),
               "exited: the process ended with the exit code 5 in AInitialize; this would have ended the service");
+    EXPECT_EQ(
+        text(judged(log, {3, 10'000})),
+        "exited: the process exited with code 3, as abort does, in AInitialize; this would have ended the service");
+    EXPECT_EQ(
+        text(judged(log, {0xBFFFFFFF, 10'000})),
+        "exited: the process ended with the exit code 3221225471 in AInitialize; this would have ended the service");
     EXPECT_EQ(text(judged(log, {0xC00000FD, 10'000})),
               "crashed: a stack overflow (0xC00000FD) in AInitialize; this would have ended the service");
     log.call(0, tPhase::cleanup).over();
@@ -208,14 +218,42 @@ TEST(nRunJudgement, PassesIfAllPlugInsWereOkInAllLives) {
     EXPECT_FALSE(passed(judge({livingPlugin("A")}, 9, bad.events, finished)));
 }
 
+/// Returns why there is no result.
+std::string refusal(const tLifeEvents& log, const tEnding& ending) {
+    try {
+        static_cast<void>(judge({livingPlugin("A")}, 9, log.events, ending));
+        return "a result";
+    } catch (const tCannotRun& failure) {
+        return failure.what();
+    }
+}
+
 TEST(nRunJudgement, IsImpossibleIfTheProcessDidNotComeToACall) {
-    const auto judgeAll = [](const tLifeEvents& log) {
-        static_cast<void>(judge({livingPlugin("A")}, 9, log.events, {std::nullopt, 10'000}));
-    };
-    EXPECT_THROW(judgeAll(tLifeEvents(1)), tCannotRun);
-    EXPECT_THROW(judgeAll(tLifeEvents(1).finished()), tCannotRun);
-    EXPECT_THROW(judgeAll(tLifeEvents(2).calls(0).finished()), tCannotRun) << "it has other plug-ins";
+    const std::string ended =
+        "The plug-ins cannot be run: their process ended with the exit code 0 before it called one";
+    EXPECT_EQ(refusal(tLifeEvents(1), {std::nullopt, 10'000}),
+              "The plug-ins cannot be run: their process hung before it called one");
+    EXPECT_EQ(refusal(tLifeEvents(1).finished(), finished), ended);
+    EXPECT_EQ(refusal(tLifeEvents(2).calls(0).finished(), finished), ended) << "it has other plug-ins";
     EXPECT_THROW(static_cast<void>(judge({livingPlugin("A")}, 1, {}, finished)), tCannotRun);
+}
+
+TEST(nRunJudgement, IsImpossibleIfTheProcessGaveUpThroughNoFaultOfACall) {
+    tLifeEvents log(1);
+    EXPECT_EQ(refusal(tLifeEvents(1).add(tKind::gaveUp, 0, "it is ill"), {2, 10'000}),
+              "The plug-ins cannot be run: their process gave up: it is ill");
+    log.calls(0).over().call(0, tPhase::initialize).add(tKind::gaveUp, 0, "it is ill");
+    EXPECT_EQ(refusal(log, {2, 10'000}),
+              "The plug-ins cannot be run: their process gave up: it is ill, in life 2; its last call was that of "
+              "AInitialize of A");
+}
+
+TEST(nRunJudgement, IsImpossibleIfTheProcessCouldNotReport) {
+    EXPECT_EQ(refusal(tLifeEvents(1), {nRun::lostReportsCode, 10'000}),
+              "The plug-ins cannot be run: their process could not report");
+    EXPECT_EQ(refusal(tLifeEvents(1).begin(0, tPhase::stop), {nRun::lostReportsCode, 10'000}),
+              "The plug-ins cannot be run: their process could not report, in life 1; its last call was that of AStop "
+              "of A");
 }
 
 }  // namespace

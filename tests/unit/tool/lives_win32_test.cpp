@@ -101,6 +101,7 @@ TEST_F(nRunLives, SayWhatEachMisbehaviourDoesToTheService) {
         {"FaultsOnItsThread", "crashed", "an access violation (0xC0000005) at misbehaving.dll+0x"},
         {"Aborts", "crashed", "a call of abort in Aborts; this would have ended the service"},
         {"Exits", "exited", "the process ended with the exit code 5 in Exits; this would have ended the service"},
+        {"ExitsAsAbort", "exited", "the process exited with code 3, as abort does, in ExitsAsAbort; this would have"},
         {"EndsThread", "exited", "the host's thread was ended in EndsThread"},
         {"LeavesThread", "leaked", "left behind after Cleanup: 1 thread"},
         {"LeavesHandle", "leaked", "left behind after Cleanup: 1 handle"},
@@ -110,7 +111,8 @@ TEST_F(nRunLives, SayWhatEachMisbehaviourDoesToTheService) {
         {"ChangesDirectory", "leaked", "left behind after Cleanup: another current directory"},
         {"ChangesEnvironment", "leaked", "left behind after Cleanup: another environment"},
         {"ChangesErrorMode", "leaked", "left behind after Cleanup: another error mode"},
-        {"Missing", "notStarted", "its library cannot be loaded or lacks an entry"},
+        {"ChangesPriority", "leaked", "left behind after Cleanup: another priority of the host's thread"},
+        {"Missing", "notStarted", "its library cannot be loaded or unloaded, or lacks an entry"},
     };
     for (const tBehaviour& behaviour : behaviours) {
         add("A", behaviour.initialize);
@@ -120,6 +122,14 @@ TEST_F(nRunLives, SayWhatEachMisbehaviourDoesToTheService) {
         EXPECT_THAT(valuesOf(tool.out(), "detail"), ElementsAre(HasSubstr(behaviour.detail))) << behaviour.initialize;
         EXPECT_EQ(countTools(), 0) << behaviour.initialize;
     }
+}
+
+TEST_F(nRunLives, FindAChangedCodePageOfTheConsole) {
+    add("A", "ChangesCodePage");
+    const tToolProcess tool(arguments(L"A", L""), CREATE_NO_WINDOW);  // with a console of its own
+    EXPECT_EQ(tool.exitCode(), 1U);
+    EXPECT_THAT(valuesOf(tool.out(), "detail"),
+                ElementsAre(StartsWith("left behind after Cleanup: another code page of the console; ")));
 }
 
 TEST_F(nRunLives, EndACallThatTakesLongerThanTheLimit) {

@@ -12,7 +12,7 @@ namespace support {
 /// The program itself, ziptra.exe, which is in the same folder as this one. Destruction ends it.
 class tToolProcess {
 public:
-    explicit tToolProcess(const std::wstring& arguments) {
+    explicit tToolProcess(const std::wstring& arguments, DWORD flags = 0) {
         const HANDLE out = openForChild("out");
         const HANDLE error = openForChild("error");
         STARTUPINFOW start{};
@@ -21,7 +21,7 @@ public:
         start.hStdOutput = out;
         start.hStdError = error;
         std::wstring line = L"\"" + (ownFolder() / "ziptra.exe").wstring() + L"\" " + arguments;
-        CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process_);
+        CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &start, &process_);
         CloseHandle(out);
         CloseHandle(error);
     }
