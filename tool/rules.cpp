@@ -185,6 +185,9 @@ constexpr std::array access{
           "Run the command that the finding shows."},
     tRule{"unreadable-access", warning, "an access list that cannot be read", "It has not been examined.",
           "Run the audit in a console with administrator rights."},
+    tRule{"unexamined-path", warning, "a path whose end is not examined",
+          "It leads to another machine, or through a link, or is searched for: others may be able to change the end.",
+          "Use an absolute path on a drive of this machine, without links, or examine the end by hand."},
 };
 
 template <std::size_t... sizes>

@@ -90,7 +90,23 @@ std::string fixOf(const tTarget& target, const tGrant& grant, bool everything) {
     return target.kind == tKind::key ? fixOfKey(target.path, grant) : fixOfFile(target.path, grant, everything);
 }
 
+tAuditFinding unexamined(const tTarget& target, const std::string& message) {
+    return {nRules::finding("unexamined-path", target.path, std::nullopt, target.plugin, message), "", "", "", ""};
+}
+
+/// Adds a finding if the target is not on a drive of this machine.
+void addRemote(const tTarget& target, const tMachine& machine, std::vector<tAuditFinding>& findings) {
+    if (target.kind != tKind::file && target.kind != tKind::folder) return;
+    if (machine.placeOf(target.path) != tPlace::elsewhere) return;
+    findings.push_back(
+        unexamined(target, "this is on no drive of this machine; not all who can change it are examined"));
+}
+
 void addFindings(const tTarget& target, const tMachine& machine, std::vector<tAuditFinding>& findings) {
+    const bool isFile = target.kind != tKind::key && target.kind != tKind::service;
+    if (isFile && machine.placeOf(target.path) == tPlace::linked) {
+        findings.push_back(unexamined(target, "this is a link; what it leads to is not examined"));
+    }
     const nAccess::tReading reading = machine.read(target.path, target.kind);
     if (reading.error != 0) {
         const std::string message = "the access list cannot be read: " + machine.reason(reading.error);
@@ -109,6 +125,21 @@ void addFindings(const tTarget& target, const tMachine& machine, std::vector<tAu
 
 }  // namespace
 
+void addPlugin(tMachine& machine, const std::string& file, const tPluginDescription& description,
+               const std::string& systemFolder) {
+    machine.targets.push_back({file, tKind::file, "exposed-description", description.name});
+    const std::string& path = description.path;
+    if (nPe::isSearched(path)) {
+        const std::string message = fmt::format("the loader searches for {} in several folders", path);
+        machine.unexamined.push_back(nRules::finding("unexamined-path", file, std::nullopt, description.name, message));
+    } else if (!path.empty()) {
+        std::string library = nPe::absolutePath(nPe::withExtension(path), systemFolder);
+        constexpr std::string_view prefix = R"(\\?\)";  // of a path that Windows takes literally
+        if (library.starts_with(prefix) && library.find(':') == prefix.size() + 1) library.erase(0, prefix.size());
+        machine.targets.push_back({library, tKind::file, "exposed-code", description.name});
+    }
+}
+
 std::vector<tTarget> withPassages(const std::vector<tTarget>& targets, const tMachine& machine) {
     tCollection collection(machine);
     for (const tTarget& target : targets) collection.add(target);
@@ -117,6 +148,8 @@ std::vector<tTarget> withPassages(const std::vector<tTarget>& targets, const tMa
 
 std::vector<tAuditFinding> findings(const tMachine& machine) {
     std::vector<tAuditFinding> findings;
+    for (const tFinding& finding : machine.unexamined) findings.push_back({finding, "", "", "", ""});
+    for (const tTarget& target : machine.targets) addRemote(target, machine, findings);
     for (const tTarget& target : withPassages(machine.targets, machine)) addFindings(target, machine, findings);
     return findings;
 }

@@ -50,8 +50,29 @@ std::vector<std::string> descriptionFiles() {
     return files;
 }
 
-/// Adds the descriptions and their libraries. Where a relative path leads is not known; `check` complains about it.
-void addPlugins(tTargets& targets) {
+/// Returns whether it leads to another place. Not every file with a reparse point does: one that is stored compressed
+/// has one, too.
+bool isLink(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return false;
+    WIN32_FIND_DATAW data{};
+    const HANDLE search = FindFirstFileW(path.c_str(), &data);
+    if (search == INVALID_HANDLE_VALUE) return true;
+    FindClose(search);
+    return IsReparseTagNameSurrogate(data.dwReserved0);
+}
+
+tPlace placeOf(const std::string& path) {
+    const std::wstring name = nStdPath::widePathFromUtf8(path);
+    if (name.size() < 2 || name[1] != L':') return tPlace::elsewhere;
+    const UINT drive = GetDriveTypeW((name.substr(0, 2) + L'\\').c_str());
+    if (drive == DRIVE_REMOTE || drive == DRIVE_UNKNOWN || drive == DRIVE_NO_ROOT_DIR) return tPlace::elsewhere;
+    constexpr std::size_t rootSize = 3;  // a root is no link, even where the system says so, as Wine does
+    return name.size() > rootSize && isLink(name) ? tPlace::linked : tPlace::here;
+}
+
+/// Adds the descriptions and their libraries.
+void addPlugins(tMachine& machine, const std::string& systemFolder) {
     for (const std::string& file : descriptionFiles()) {
         tPluginDescription description;
         try {
@@ -59,9 +80,7 @@ void addPlugins(tTargets& targets) {
         } catch (const zuerr::ExceptionBase&) {
             description = {};  // the host rejects it, but those who can change it can correct it
         }
-        targets.push_back({file, tKind::file, "exposed-description", description.name});
-        if (description.path.empty() || nPe::isSearched(description.path)) continue;
-        targets.push_back({nPe::withExtension(description.path), tKind::file, "exposed-code", description.name});
+        addPlugin(machine, file, description, systemFolder);
     }
 }
 
@@ -103,13 +122,14 @@ tMachine thisMachine() {
         machine.targets.push_back({folder, tKind::folder, "exposed-description"});
         machine.targets.push_back({machine.ownFolders[0], tKind::folder, "exposed-description"});
         machine.targets.push_back({machine.ownFolders[1], tKind::folder, "exposed-description"});
-        addPlugins(machine.targets);
+        addPlugins(machine, systemFolder());
     }
     machine.ownFolders.push_back(installed.statusDirectory);
     machine.targets.push_back({installed.statusDirectory, tKind::folder, "exposed-status"});
     machine.administrator = nAccess::administrator();
     machine.exists = exists;
     machine.read = nAccess::read;
+    machine.placeOf = placeOf;
     machine.fix = [](const std::string& folder) {
         return nAccess::setFolder(folder, std::string(nInstall::folderAccess));
     };

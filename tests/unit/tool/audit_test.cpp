@@ -93,6 +93,85 @@ TEST(nAuditFindings, SayThatAListCannotBeRead) {
     EXPECT_EQ(findings[0].fix, "");
 }
 
+/// Returns "FILE (PLUG-IN): MESSAGE" for each finding, all of which must be about what is not examined.
+std::vector<std::string> unexamined(const tAuditedMachine& fake) {
+    std::vector<std::string> texts;
+    for (const auto& [finding, principal, sid, right, fix] : nAudit::findings(fake.machine)) {
+        EXPECT_EQ(finding.id, "unexamined-path");
+        EXPECT_EQ(finding.severity, tSeverity::warning);
+        EXPECT_EQ(principal + sid + right + fix, "");
+        texts.push_back(finding.file + " (" + finding.plugin.value_or("") + "): " + finding.message);
+    }
+    return texts;
+}
+
+TEST(nAuditFindings, SayThatAPathLeadsToNoDriveOfThisMachine) {
+    tAuditedMachine fake;
+    fake.machine.targets = {{"\\\\server\\share\\x.dll", tKind::file, "exposed-code", "A"},
+                            {"N:\\plugins", tKind::folder, "exposed-description"},
+                            {"HKLM\\x", tKind::key, "exposed-setting"},
+                            {"x", tKind::service, "exposed-setting"}};
+    for (const tTarget& target : fake.machine.targets) fake.places[target.path] = nAudit::tPlace::elsewhere;
+    const std::string message = "this is on no drive of this machine; not all who can change it are examined";
+    EXPECT_THAT(unexamined(fake),
+                ElementsAre("\\\\server\\share\\x.dll (A): " + message, "N:\\plugins (): " + message));
+}
+
+TEST(nAuditFindings, SayThatALinkOnTheWayIsNotFollowed) {
+    tAuditedMachine fake;
+    fake.exist({"C:\\", "C:\\a", "C:\\a\\b", "C:\\a\\b\\x.dll", "HKLM\\x", "x"});
+    fake.machine.targets = {{"C:\\a\\b\\x.dll", tKind::file, "exposed-code", "A"},
+                            {"HKLM\\x", tKind::key, "exposed-setting"},
+                            {"x", tKind::service, "exposed-setting"}};
+    for (const char* const path : {"C:\\a", "C:\\a\\b\\x.dll", "HKLM\\x", "x"}) {
+        fake.places[path] = nAudit::tPlace::linked;
+    }
+    EXPECT_THAT(unexamined(fake), ElementsAre("C:\\a\\b\\x.dll (A): this is a link; what it leads to is not examined",
+                                              "C:\\a (A): this is a link; what it leads to is not examined"));
+}
+
+/// Returns the targets after the description "f.ini" of the plug-in "A", whose library has this path.
+std::vector<std::string> targetsOf(const std::string& path, tAuditedMachine& fake) {
+    tPluginDescription description;
+    description.name = "A";
+    description.path = path;
+    nAudit::addPlugin(fake.machine, "f.ini", description, "C:\\windows\\system32");
+    std::vector<std::string> paths;
+    for (const tTarget& target : fake.machine.targets) {
+        EXPECT_EQ(target.plugin, "A");
+        EXPECT_EQ(target.rule, paths.empty() ? "exposed-description" : "exposed-code");
+        EXPECT_EQ(target.kind, tKind::file);
+        paths.push_back(target.path);
+    }
+    return paths;
+}
+
+/// Returns the library that is examined.
+std::string libraryOf(const std::string& path) {
+    tAuditedMachine fake;
+    const std::vector<std::string> paths = targetsOf(path, fake);
+    EXPECT_THAT(unexamined(fake), IsEmpty());
+    EXPECT_EQ(paths.at(0), "f.ini");
+    return paths.size() == 2 ? paths[1] : "";
+}
+
+TEST(nAuditPlugins, AreTheDescriptionAndTheLibraryAsTheServiceFindsIt) {
+    EXPECT_EQ(libraryOf(""), "");
+    EXPECT_EQ(libraryOf("C:\\p\\x"), "C:\\p\\x.dll");
+    EXPECT_EQ(libraryOf("\\p\\x.dll"), "C:\\p\\x.dll");
+    EXPECT_EQ(libraryOf("c:x.dll"), "C:\\windows\\system32\\x.dll");
+    EXPECT_EQ(libraryOf("\\\\server\\share\\x.dll"), "\\\\server\\share\\x.dll");
+    EXPECT_EQ(libraryOf("\\\\?\\D:\\x.dll"), "D:\\x.dll");
+    EXPECT_EQ(libraryOf("\\??\\D:\\x.dll"), "D:\\x.dll");
+    EXPECT_EQ(libraryOf("\\\\?\\UNC\\s\\x.dll"), "\\\\?\\UNC\\s\\x.dll");
+}
+
+TEST(nAuditPlugins, AreNotAllExaminedIfTheLibraryIsSearchedFor) {
+    tAuditedMachine fake;
+    EXPECT_THAT(targetsOf("bin\\x.dll", fake), ElementsAre("f.ini"));
+    EXPECT_THAT(unexamined(fake), ElementsAre("f.ini (A): the loader searches for bin\\x.dll in several folders"));
+}
+
 /// Returns the fixes of the findings about one object with this list.
 std::vector<std::string> fixesOf(const std::string& path, tKind kind, const nAccess::tList& list) {
     tAuditedMachine fake;

@@ -18,6 +18,7 @@ struct tAuditedMachine {
     nAudit::tMachine machine;
     std::set<std::string> existing;
     std::map<std::string, nAccess::tList> lists;
+    std::map<std::string, nAudit::tPlace> places;
     std::uint32_t error = 0;  ///< of reading a list
     std::uint32_t fixError = 0;
 
@@ -27,6 +28,10 @@ struct tAuditedMachine {
             if (error != 0) return {error, {}};
             const auto list = lists.find(path);
             return {0, list == lists.end() ? administrators() : list->second};
+        };
+        machine.placeOf = [this](const std::string& path) {
+            const auto place = places.find(path);
+            return place == places.end() ? nAudit::tPlace::here : place->second;
         };
         machine.fix = [this](const std::string& folder) {
             if (fixError == 0) lists[folder] = administrators();

@@ -55,6 +55,25 @@ TEST(auditOnWindows, FollowsACommandLineWithoutQuotesAsWindowsDoes) {
     EXPECT_THAT(tToolRun({"audit"}).out, HasSubstr("F:\\Common: error: "));
 }
 
+TEST(auditOnWindows, SaysThatAFolderIsALink) {
+    tScriptedMachine machine;
+    ASSERT_EQ(tToolRun({"install"}).exitCode, 0);
+    machine.links = {L"F:\\Common\\Corvell"};
+    EXPECT_EQ(tToolRun({"audit"}).out,
+              "F:\\Common\\Corvell: warning: this is a link; what it leads to is not examined [unexamined-path]\n");
+    EXPECT_EQ(tToolRun({"audit", "--strict"}).exitCode, 1);
+}
+
+TEST(auditOnWindows, SaysThatAFolderIsOnADriveOfAnotherMachineOrOfNone) {
+    tScriptedMachine machine;
+    ASSERT_EQ(tToolRun({"install"}).exitCode, 0);
+    for (const UINT type : {DRIVE_REMOTE, DRIVE_NO_ROOT_DIR, DRIVE_UNKNOWN}) {
+        machine.driveType = type;
+        EXPECT_THAT(tToolRun({"audit"}).out,
+                    HasSubstr("F:\\Data\\Corvell: warning: this is on no drive of this machine; "));
+    }
+}
+
 TEST(auditOnWindows, SetsTheListsOfTheFoldersThatTheHostOwns) {
     tScriptedMachine machine;
     ASSERT_EQ(tToolRun({"install"}).exitCode, 0);

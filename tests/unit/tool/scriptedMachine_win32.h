@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -65,6 +66,8 @@ public:
     DWORD exitCode = 0;  ///< of a service that stops
     DWORD stateAfterStop = SERVICE_STOPPED;
     DWORD controlError = 0;  ///< of the first control
+    UINT driveType = DRIVE_FIXED;
+    std::set<std::wstring> links;  ///< folders that lead elsewhere
 
 private:
     static std::string utf8(const wchar_t* text) { return text == nullptr ? "-" : nStdPath::pathToUtf8(text); }
@@ -282,10 +285,13 @@ private:
         });
         imports::GetFileAttributesW.replace([this](const wchar_t* path) -> DWORD {
             if (!isScripted(path)) return imports::GetFileAttributesW.real(path);
-            if (state.folders.contains(path)) return FILE_ATTRIBUTE_DIRECTORY;
+            const DWORD link = links.contains(path) ? FILE_ATTRIBUTE_REPARSE_POINT : 0;
+            if (state.folders.contains(path)) return FILE_ATTRIBUTE_DIRECTORY | link;
             imports::SetLastError.real(ERROR_FILE_NOT_FOUND);
             return INVALID_FILE_ATTRIBUTES;
         });
+        imports::GetDriveTypeW.replace(
+            [this](const wchar_t* path) { return isScripted(path) ? driveType : imports::GetDriveTypeW.real(path); });
         imports::CreateDirectoryW.replace([this](const wchar_t* path, SECURITY_ATTRIBUTES* attributes) {
             if (!isScripted(path)) return imports::CreateDirectoryW.real(path, attributes);
             state.folders[path] = textOf(attributes->lpSecurityDescriptor);

@@ -75,6 +75,7 @@ private:
         FAULT(CreateDirectoryW, FALSE);
         FAULT(RemoveDirectoryW, FALSE);
         FAULT(GetFileAttributesW, INVALID_FILE_ATTRIBUTES);
+        FAULT(GetDriveTypeW, DRIVE_UNKNOWN);
         FAULT(ExpandEnvironmentStringsW, 0);
         FAULT(SHGetFolderPathW, E_FAIL);
         FAULT(GetModuleFileNameW, 0);
