@@ -136,7 +136,7 @@ if wanted peers; then
     need_peers
 fi
 mapfile -t native < <(chosen lint tidy unit replay sweep peers)
-mapfile -t windows < <(chosen lint unit replay sweep endtoend catalogues endurance)
+mapfile -t windows < <(chosen lint unit replay sweep endtoend catalogues peers endurance)
 if ((${#native[@]})); then
     record builds native-asan ./build.sh native-asan && run 2 native-asan "${native[@]}"
 fi
