@@ -170,13 +170,14 @@ private:
             case tEventKind::endedThread:
                 return {tOutcome::exited,
                         fmt::format("the host's thread was ended {}; the service could no longer be stopped", where())};
-            case tEventKind::keptLibrary:
-                return {tOutcome::failed,
-                        fmt::format("{} failed, and the library could not be unloaded; this would have ended the "
-                                    "service's run",
-                                    entryName(plugins_[history_.last->plugin], history_.last->phase))};
+            case tEventKind::keptLibrary: return {tOutcome::failed, unloading()};
             default: return {tOutcome::crashed, crash(static_cast<std::uint32_t>(event.code), event.text)};
         }
+    }
+
+    [[nodiscard]] std::string unloading() const {
+        return entryName(plugins_[history_.last->plugin], history_.last->phase) +
+               " failed, and the library could not be unloaded; this would have ended the service's run";
     }
 
     [[nodiscard]] std::string crash(std::uint32_t code, const std::string& place) const {

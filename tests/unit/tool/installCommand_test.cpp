@@ -16,6 +16,26 @@ TEST(nInstallCommand, ShowsTheHelpOfEachCommandWithAnExample) {
     EXPECT_THAT(tToolRun({"uninstall", "--help"}).out, HasSubstr("Example: ziptra uninstall --limit 30\n"));
 }
 
+/// Returns which of all options the help of a command shows.
+std::vector<std::string> optionsOf(const std::string& command) {
+    std::vector<std::string> options;
+    const std::string help = tToolRun({command, "--help"}).out;
+    for (const char* const option : {"--print ", "--json ", "--shared-dir DIR ", "--start WHEN:{auto,delayed,demand}\n",
+                                     "--crash-dumps DIR ", "--limit SECONDS:UINT in [1 - 86400]=120\n"}) {
+        if (help.find(std::string("\n  ") + option) != std::string::npos) options.emplace_back(option);
+    }
+    return options;
+}
+
+TEST(nInstallCommand, HasTheSettingsForWhatMakesTheServiceAndALimitForWhatWaitsForIt) {
+    using testing::ElementsAre;
+    using testing::StartsWith;
+    EXPECT_EQ(optionsOf("install").size(), 6U);
+    EXPECT_THAT(optionsOf("repair"), ElementsAre("--print ", "--json ", "--shared-dir DIR ", StartsWith("--start WHEN"),
+                                                 "--crash-dumps DIR "));
+    EXPECT_THAT(optionsOf("uninstall"), ElementsAre("--print ", "--json ", StartsWith("--limit SECONDS")));
+}
+
 TEST(nInstallCommand, RefusesBadArgumentsBeforeItLooksAtTheMachine) {
     const std::vector<std::vector<std::string>> rows = {
         {"install", "--start", "never"},

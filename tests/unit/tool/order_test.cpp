@@ -11,6 +11,13 @@ using nRun::toText;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+TEST(nRunOrder, IsOneLifeWithAllFeaturesUnlessItSaysOtherwise) {
+    const auto order = nRun::readOrder(nRun::toText({{"a.ini"}}));
+    ASSERT_TRUE(order);
+    EXPECT_EQ(order->times, 1U);
+    EXPECT_EQ(order->allowedMask, 0xFFFFFFFFU);
+}
+
 TEST(nRunOrder, IsReadAsItWasWritten) {
     const auto order = readOrder(toText({{"C:\\p\\a b.ini", "\xE6\x8F\x92.ini"}, 100, 0xFFFFFFFD}));
     ASSERT_TRUE(order);

@@ -42,6 +42,14 @@ TEST(nRunCommand, CannotLookWithoutTheDescription) {
     }
 }
 
+TEST(nRunCommand, ShowsItsOptionsInItsHelp) {
+    const std::string help = tToolRun({"run", "--help"}).out;
+    for (const char* const option : {"\n  DESCRIPTION ... REQUIRED ", "\n  --times N ", "\n  --limit SECONDS ",
+                                     "\n  --junit FILE ", "\n  --allowed MASK ", "\n  --json "}) {
+        EXPECT_THAT(help, HasSubstr(option));
+    }
+}
+
 TEST(nRunCommand, ShowsAnExampleInItsHelp) {
     EXPECT_THAT(tToolRun({"run", "--help"}).out, HasSubstr("ziptra run plugins\\transport.ini --times 100"));
 }

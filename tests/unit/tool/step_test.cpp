@@ -108,6 +108,12 @@ TEST(nInstallStep, IsDescribedOnceDoneAndIfItFails) {
     }
 }
 
+TEST(nInstallStep, BeginsWithACapitalLetterIfItBeginsWithALetter) {
+    EXPECT_EQ(notDone({tAction::deleteRegistryKey, "a"}), "A could not be deleted");
+    EXPECT_EQ(notDone({tAction::deleteRegistryKey, "z"}), "Z could not be deleted");
+    EXPECT_EQ(notDone({tAction::deleteRegistryKey, "{a}"}), "{a} could not be deleted");
+}
+
 TEST(nInstallStep, HasLinesForPowershell) {
     for (const tRow& row : rows) EXPECT_EQ(commandLines(row.step), row.lines) << row.done;
 }

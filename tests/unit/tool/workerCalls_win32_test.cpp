@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cwchar>
+#include <fstream>
 #include <new>
 #include <set>
 #include <sstream>
@@ -151,6 +152,28 @@ INSTANTIATE_TEST_SUITE_P(Of, systemCallsOfWorker,
                                                     "SetUnhandledExceptionFilter", "TerminateProcess", "VirtualQuery",
                                                     "WideCharToMultiByte", "WriteFile"}}),
                          [](const auto& scenario) { return std::string(scenario.param.entry); });
+
+/// What cannot fail, or is asked whether something exists; the texts for errors; and what Boost's headers bring along.
+const std::set<std::string> unswept{"FormatMessageA",      "FormatMessageW", "GetCurrentProcess", "GetCurrentProcessId",
+                                    "GetCurrentThread",    "GetErrorMode",   "GetLastError",      "GetThreadErrorMode",
+                                    "GetThreadLocale",     "GetTickCount64", "LocalFree",         "Sleep",
+                                    "GetHandleInformation"};
+
+TEST(systemCallsOfRun, AreAllInTheSweep) {
+    std::ifstream listing(support::tToolProcess::ownFolder() / "run.calls");
+    if (!listing) GTEST_SKIP() << "only GNU tools list what is called";
+    std::set<std::string> calls;
+    for (std::string line; std::getline(listing, line);) {
+        std::string name = line.substr(line.find_last_of(' ') + 1);
+        std::erase(name, '\r');
+        if (name.starts_with("__imp_")) name.erase(0, 6);
+        // The C and C++ runtimes' names begin otherwise.
+        if (!name.empty() && name[0] >= 'A' && name[0] <= 'Z') calls.insert(name);
+    }
+    const std::vector<std::string> swept = functions();
+    for (const std::string& name : swept) calls.erase(name);
+    EXPECT_EQ(calls, unswept);
+}
 
 class workerCalls : public systemCallsOfWorker {};
 
