@@ -17,7 +17,7 @@ using testing::IsEmpty;
 class nAuditTargets : public testing::Test {
 protected:
     /// Returns "KIND PATH" for each target and what leads to it; the kinds are f, d (folder), p (passage), k, s.
-    std::vector<std::string> withPassages(std::vector<tTarget> targets) {
+    [[nodiscard]] std::vector<std::string> withPassages(const std::vector<tTarget>& targets) const {
         std::vector<std::string> texts;
         for (const tTarget& target : nAudit::withPassages(targets, fake.machine)) {
             texts.push_back("fdpks"[static_cast<int>(target.kind)] + (' ' + target.path));
@@ -29,7 +29,7 @@ protected:
 };
 
 TEST_F(nAuditTargets, OfAFileIncludeItsFolderAndTheWayToIt) {
-    fake.exist({"C:\\", "C:\\a", "C:\\a\\b", "C:\\a\\b\\x.exe"});
+    fake.exist({"C:\\", "C:\\a", "C:\\a\\b", R"(C:\a\b\x.exe)"});
     EXPECT_THAT(withPassages({{"C:\\a\\b\\x.exe", tKind::file, "exposed-code"}}),
                 ElementsAre("f C:\\a\\b\\x.exe", "d C:\\a\\b", "p C:\\a", "p C:\\"));
 }
@@ -55,7 +55,7 @@ TEST_F(nAuditTargets, AreTheFolderInWhichOthersCouldCreateWhatIsMissing) {
 }
 
 TEST_F(nAuditTargets, DoNotIncludeWhatIsNowhereOrCannotBeFollowed) {
-    fake.exist({"\\\\server\\share\\a", "service"});
+    fake.exist({R"(\\server\share\a)", "service"});
     EXPECT_THAT(withPassages({{"D:\\x.dll", tKind::file, "exposed-code"},
                               {"x.dll", tKind::file, "exposed-code"},
                               {"\\\\server\\share\\a", tKind::folder, "exposed-code"},
@@ -107,7 +107,7 @@ std::vector<std::string> unexamined(const tAuditedMachine& fake) {
 
 TEST(nAuditFindings, SayThatAPathLeadsToNoDriveOfThisMachine) {
     tAuditedMachine fake;
-    fake.machine.targets = {{"\\\\server\\share\\x.dll", tKind::file, "exposed-code", "A"},
+    fake.machine.targets = {{R"(\\server\share\x.dll)", tKind::file, "exposed-code", "A"},
                             {"N:\\plugins", tKind::folder, "exposed-description"},
                             {"HKLM\\x", tKind::key, "exposed-setting"},
                             {"x", tKind::service, "exposed-setting"}};
@@ -119,11 +119,11 @@ TEST(nAuditFindings, SayThatAPathLeadsToNoDriveOfThisMachine) {
 
 TEST(nAuditFindings, SayThatALinkOnTheWayIsNotFollowed) {
     tAuditedMachine fake;
-    fake.exist({"C:\\", "C:\\a", "C:\\a\\b", "C:\\a\\b\\x.dll", "HKLM\\x", "x"});
-    fake.machine.targets = {{"C:\\a\\b\\x.dll", tKind::file, "exposed-code", "A"},
+    fake.exist({"C:\\", "C:\\a", "C:\\a\\b", R"(C:\a\b\x.dll)", "HKLM\\x", "x"});
+    fake.machine.targets = {{R"(C:\a\b\x.dll)", tKind::file, "exposed-code", "A"},
                             {"HKLM\\x", tKind::key, "exposed-setting"},
                             {"x", tKind::service, "exposed-setting"}};
-    for (const char* const path : {"C:\\a", "C:\\a\\b\\x.dll", "HKLM\\x", "x"}) {
+    for (const char* const path : {"C:\\a", R"(C:\a\b\x.dll)", "HKLM\\x", "x"}) {
         fake.places[path] = nAudit::tPlace::linked;
     }
     EXPECT_THAT(unexamined(fake), ElementsAre("C:\\a\\b\\x.dll (A): this is a link; what it leads to is not examined",

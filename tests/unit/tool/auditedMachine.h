@@ -39,6 +39,7 @@ struct tAuditedMachine {
         };
         machine.reason = [](std::uint32_t code) { return "Reason (" + std::to_string(code) + ")"; };
     }
+    ~tAuditedMachine() = default;
     tAuditedMachine(const tAuditedMachine&) = delete;
     tAuditedMachine& operator=(const tAuditedMachine&) = delete;
 

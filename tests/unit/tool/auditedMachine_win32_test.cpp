@@ -67,8 +67,8 @@ TEST(auditOnWindows, SaysThatAFolderIsALink) {
 TEST(auditOnWindows, SaysThatAFolderIsOnADriveOfAnotherMachineOrOfNone) {
     tScriptedMachine machine;
     ASSERT_EQ(tToolRun({"install"}).exitCode, 0);
-    for (const UINT type : {DRIVE_REMOTE, DRIVE_NO_ROOT_DIR, DRIVE_UNKNOWN}) {
-        machine.driveType = type;
+    for (const int type : {DRIVE_REMOTE, DRIVE_NO_ROOT_DIR, DRIVE_UNKNOWN}) {
+        machine.driveType = static_cast<UINT>(type);
         EXPECT_THAT(tToolRun({"audit"}).out,
                     HasSubstr("F:\\Data\\Corvell: warning: this is on no drive of this machine; "));
     }

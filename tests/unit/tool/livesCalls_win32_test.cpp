@@ -48,7 +48,7 @@ protected:
         imports::SetConsoleCtrlHandler.replace([](auto...) { return TRUE; });  // this process keeps its own
         const tCallFaults faults(fault, counts_);
         functions_ = faults.functions();
-        const std::string result = tRunLife::run(description_, GetParam().limitMs);
+        std::string result = tRunLife::run(description_, GetParam().limitMs);
         imports::ImportBase::restoreAll();
         return result;
     }

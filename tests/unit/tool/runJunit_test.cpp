@@ -29,6 +29,13 @@ TEST(nRunJunit, IsASuiteForEachLifeWithACaseForEachPlugIn) {
 )");
 }
 
+TEST(nRunJunit, ShowsSecondsWithTheirThousandths) {
+    nRun::tResult result = support::resultOf("A");
+    ASSERT_FALSE(result.lives.at(0).at(0).calls.empty());
+    result.lives[0][0].calls[0].timeMs = 3'661'005;
+    EXPECT_THAT(toJunit(result), HasSubstr("name=\"A\" time=\"3661.005\""));
+}
+
 TEST(nRunJunit, ReplacesWhatXmlCannotContain) {
     EXPECT_THAT(toJunit(support::resultOf("<a>&\"\x01\xEF\xBF\xBE\xEF\xBF\xBF\xFF\n")),
                 HasSubstr("name=\"&lt;a>&amp;&quot;\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""));

@@ -102,7 +102,7 @@ private:
         });
         imports::CreateServiceW.replace([this](SC_HANDLE, const wchar_t* name, const wchar_t* display, DWORD access,
                                                DWORD type, DWORD start, DWORD error, const wchar_t* commandLine,
-                                               const wchar_t* group, DWORD* tag, const wchar_t* dependencies,
+                                               const wchar_t* group, const DWORD* tag, const wchar_t* dependencies,
                                                const wchar_t* account, const wchar_t* password) {
             note("CreateServiceW " + utf8(name) + ", " + utf8(display) + ", " + number(access) + ", " + number(type) +
                  ", " + number(start) + ", " + number(error) + ", " + utf8(commandLine) + ", " + utf8(group) + ", " +
@@ -144,7 +144,7 @@ private:
             return TRUE;
         });
         imports::ChangeServiceConfigW.replace([this](SC_HANDLE handle, DWORD type, DWORD start, DWORD error,
-                                                     const wchar_t* commandLine, const wchar_t* group, DWORD* tag,
+                                                     const wchar_t* commandLine, const wchar_t* group, const DWORD* tag,
                                                      const wchar_t* dependencies, const wchar_t* account,
                                                      const wchar_t* password, const wchar_t* display) {
             tService& service = serviceOf(handle);
@@ -219,6 +219,7 @@ private:
     }
 
     HKEY openKey(const wchar_t* path) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle is a number
         const HKEY key = reinterpret_cast<HKEY>(nextKey_++);
         openKeys_[key] = path;
         ++openHandles;

@@ -49,7 +49,9 @@ private:
     tCallCounts* counts_;
 };
 
-LONG WINAPI failingQuery(HANDLE, ULONG, void*, ULONG, ULONG*) { return -1; }
+LONG WINAPI failingQuery(HANDLE /*thread*/, ULONG /*kind*/, void* /*value*/, ULONG /*size*/, ULONG* /*needed*/) {
+    return -1;
+}
 
 /// What cannot be described as a system call that fails.
 void damage(const std::string& function) {
