@@ -242,6 +242,7 @@ TEST(nInstallProgramOf, FindsTheProgramInACommandLine) {
     EXPECT_EQ(programOf(R"("C:\x y)"), R"(C:\x y)");
     EXPECT_EQ(programOf(""), "");
     EXPECT_EQ(programOf("\""), "");
+    EXPECT_EQ(programOf("\"\" \"x\""), "");
 }
 
 }  // namespace
