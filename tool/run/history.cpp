@@ -1,7 +1,16 @@
 #include "tool/run/history.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace nRun {
 namespace {
+
+bool isAboutHandles(const tEvent& event) { return event.kind == tEventKind::leftHandles; }
+
+bool isFinished(const std::vector<tEvent>& events) {
+    return std::ranges::any_of(events, [](const tEvent& event) { return event.kind == tEventKind::finished; });
+}
 
 void add(tHistory& history, std::size_t plugins, bool& lifeOver, const tEvent& event) {
     auto& lives = history.lives;
@@ -18,6 +27,7 @@ void add(tHistory& history, std::size_t plugins, bool& lifeOver, const tEvent& e
             history.running = false;
             break;
         case tEventKind::left:
+        case tEventKind::leftHandles:
             if (event.number < lives.size()) lives[event.number][event.plugin].left.push_back(&event);
             break;
         case tEventKind::lifeOver: lifeOver = true; break;
@@ -28,6 +38,17 @@ void add(tHistory& history, std::size_t plugins, bool& lifeOver, const tEvent& e
 }
 
 }  // namespace
+
+bool leftHandles(const std::vector<tEvent>& events) {
+    return isFinished(events) && std::ranges::any_of(events, isAboutHandles);
+}
+
+std::vector<tEvent> withHandlesOf(std::vector<tEvent> events, const std::vector<tEvent>& other) {
+    if (!isFinished(other)) return events;
+    std::erase_if(events, isAboutHandles);
+    std::ranges::copy_if(other, std::back_inserter(events), isAboutHandles);
+    return events;
+}
 
 tHistory historyOf(std::size_t plugins, const std::vector<tEvent>& events) {
     tHistory history;

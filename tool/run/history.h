@@ -24,6 +24,12 @@ struct tHistory {
     bool finished = false;
 };
 
+/// Returns whether handles were left open in lives that all came to their end.
+[[nodiscard]] bool leftHandles(const std::vector<tEvent>& events);
+
+/// Returns the events with those about handles replaced by those of another process, unless that did not finish.
+[[nodiscard]] std::vector<tEvent> withHandlesOf(std::vector<tEvent> events, const std::vector<tEvent>& other);
+
 /// Ignores events of plug-ins or lives that do not exist. The events must outlive the result.
 [[nodiscard]] tHistory historyOf(std::size_t plugins, const std::vector<tEvent>& events);
 

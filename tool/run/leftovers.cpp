@@ -37,7 +37,7 @@ std::vector<tLeft> tLeftovers::afterLife(const tProcessState& now) {
     afterCall(lastPlugin_, now);
     tTexts texts(opened_.size());
     std::vector<tLeft> left;
-    addHandles(now, texts, left);
+    addHandles(now, left);
     addThings(now, texts);
     for (std::size_t plugin = 0; plugin < texts.size(); ++plugin) {
         for (std::string& text : texts[plugin]) left.push_back({life_, plugin, std::move(text)});
@@ -63,7 +63,7 @@ void tLeftovers::addThings(const tProcessState& now, tTexts& texts) const {
     }
 }
 
-void tLeftovers::addHandles(const tProcessState& now, tTexts& texts, std::vector<tLeft>& left) {
+void tLeftovers::addHandles(const tProcessState& now, std::vector<tLeft>& left) {
     grew_ = now.handles > atStart_.handles;
     if (life_ == 0) {
         firstOpened_ = opened_;
@@ -71,8 +71,8 @@ void tLeftovers::addHandles(const tProcessState& now, tTexts& texts, std::vector
         for (std::size_t plugin = 0; plugin < opened_.size(); ++plugin) {
             if (opened_[plugin] <= 0) continue;
             const std::string text = counted(opened_[plugin], "handle");
-            texts[plugin].push_back(text);
-            if (life_ == 1 && firstOpened_[plugin] >= opened_[plugin]) left.push_back({0, plugin, text});
+            if (life_ == 1 && firstOpened_[plugin] >= opened_[plugin]) left.push_back({0, plugin, text, true});
+            left.push_back({life_, plugin, text, true});
         }
     }
     mostHandles_ = std::max(mostHandles_, now.handles);

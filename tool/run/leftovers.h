@@ -23,6 +23,7 @@ struct tLeft {
     std::size_t life = 0;    ///< from 0
     std::size_t plugin = 0;  ///< its position
     std::string text;        ///< "2 threads"
+    bool isHandles = false;
 };
 
 /// Finds out what plug-ins leave behind, and which plug-in it was, from the states of the process after each call and
@@ -50,7 +51,7 @@ private:
     using tTexts = std::vector<std::vector<std::string>>;  // of each plug-in
 
     void addThings(const tProcessState& now, tTexts& texts) const;
-    void addHandles(const tProcessState& now, tTexts& texts, std::vector<tLeft>& left);
+    void addHandles(const tProcessState& now, std::vector<tLeft>& left);
 
     std::size_t life_ = 0;
     bool grew_ = false;  // whether more handles are open than before the last life

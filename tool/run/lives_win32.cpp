@@ -10,6 +10,7 @@
 #include "stdpath/utf.h"
 #include "tool/context.h"
 #include "tool/format.h"
+#include "tool/run/history.h"
 #include "tool/run/lives.h"
 #include "tool/run/worker.h"
 #include "tool/systemReason.h"
@@ -248,6 +249,16 @@ private:
     DWORD id_ = 0;
 };
 
+/// Runs the lives once more with libraries that stay loaded. A C++ runtime within a library may open handles once and
+/// never close them; GCC's for POSIX threads does at the first exception. In the service, which loads each library
+/// once, these do not add up, and the plug-in's author can do nothing about them.
+std::vector<tEvent> eventsOfLoaded(tOrder order, std::uint64_t limitMs) {
+    order.keepLoaded = true;
+    tReader reader;
+    static_cast<void>(tWorker(toText(order)).watch(limitMs, reader, [] {}));
+    return reader.events();
+}
+
 }  // namespace
 
 tResult run(const tOrder& order, std::uint64_t limitMs, const std::function<void()>& onLife) {
@@ -256,7 +267,9 @@ tResult run(const tOrder& order, std::uint64_t limitMs, const std::function<void
     const tConsoleCodePages restored;
     tReader reader;
     const tEnding ending = tWorker(toText(order)).watch(limitMs, reader, onLife);
-    return judge(std::move(plugins), order.times, reader.events(), ending);
+    std::vector<tEvent> events = reader.events();
+    if (leftHandles(events)) events = withHandlesOf(std::move(events), eventsOfLoaded(order, limitMs));
+    return judge(std::move(plugins), order.times, events, ending);
 }
 
 }  // namespace nRun

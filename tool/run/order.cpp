@@ -29,17 +29,21 @@ bool takeNumber(std::string_view& text, Number& number) {
 }  // namespace
 
 std::string toText(const tOrder& order) {
-    std::string text = fmt::format("{}\n{}\n{}\n", order.times, order.allowedMask, order.files.size());
+    std::string text =
+        fmt::format("{}\n{}\n{:d}\n{}\n", order.times, order.allowedMask, order.keepLoaded, order.files.size());
     for (const std::string& file : order.files) text += file + '\n';
     return text;
 }
 
 std::optional<tOrder> readOrder(std::string_view text) {
     tOrder order;
+    std::uint32_t keepLoaded = 0;
     std::size_t count = 0;
-    if (!takeNumber(text, order.times) || !takeNumber(text, order.allowedMask) || !takeNumber(text, count)) {
+    if (!takeNumber(text, order.times) || !takeNumber(text, order.allowedMask) || !takeNumber(text, keepLoaded) ||
+        !takeNumber(text, count)) {
         return std::nullopt;
     }
+    order.keepLoaded = keepLoaded != 0;
     for (; count > 0; --count) {
         const auto file = takeLine(text);
         if (!file) return std::nullopt;

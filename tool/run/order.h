@@ -14,6 +14,7 @@ struct tOrder {
     std::vector<std::string> files;  ///< descriptions (UTF-8 paths)
     std::size_t times = 1;           ///< how many lives
     std::uint32_t allowedMask = 0xFFFFFFFF;
+    bool keepLoaded = false;  ///< the libraries are loaded before the first life and stay loaded after each
 };
 
 /// Returns the order as text.

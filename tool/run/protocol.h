@@ -15,7 +15,8 @@ enum class tEventKind : char {
     ready = 'r',        ///< it is about to run so many (`number`) plug-ins
     called = 'c',       ///< a call of `plugin` begins: `phase`
     returned = 'd',     ///< it has returned after `number` milliseconds with `code`
-    left = 'l',         ///< in the life `number`, `plugin` left something behind: `text`
+    left = 'l',         ///< in the life `number`, `plugin` left something behind other than handles: `text`
+    leftHandles = 'h',  ///< in the life `number`, `plugin` left handles open: `text`
     lifeOver = 'o',     ///< all plug-ins have been cleaned up
     finished = 'z',     ///< all lives are over
     faulted = 'f',      ///< nothing handles the structured exception `code`; `text` is the place

@@ -18,6 +18,7 @@
 
 #include "err/Exception.h"
 #include "quarks/closer.h"
+#include "quarks/library.h"
 #include "source/nPluginStart.h"
 #include "source/tPluginManager.h"
 #include "tool/context.h"
@@ -126,7 +127,9 @@ void watchFaults() {
 class tLives {
 public:
     explicit tLives(const tOrder& order)
-        : order_(order), descriptions_(describe(order.files)), leftovers_(descriptions_.size(), readProcessState()) {
+        : order_(order),
+          descriptions_(describe(order.files, order.keepLoaded)),
+          leftovers_(descriptions_.size(), readProcessState()) {
         send({tEventKind::ready, 0, {}, descriptions_.size()});
     }
 
@@ -134,7 +137,8 @@ public:
         for (std::size_t life = 0; life < order_.times || leftovers_.undecided(); ++life) {
             runLife();
             for (tLeft& left : leftovers_.afterLife(settledState())) {
-                send({tEventKind::left, left.plugin, {}, left.life, 0, std::move(left.text)});
+                const tEventKind kind = left.isHandles ? tEventKind::leftHandles : tEventKind::left;
+                send({kind, left.plugin, {}, left.life, 0, std::move(left.text)});
             }
             send({tEventKind::lifeOver});
         }
@@ -142,9 +146,13 @@ public:
     }
 
 private:
-    static std::vector<tPluginDescription> describe(const std::vector<std::string>& files) {
+    static std::vector<tPluginDescription> describe(const std::vector<std::string>& files, bool load) {
         std::vector<tPluginDescription> descriptions;
-        for (tPlugin& plugin : select(files)) descriptions.push_back(std::move(plugin.description));
+        for (tPlugin& plugin : select(files)) {
+            std::uint32_t ignored = 0;  // a library that cannot be loaded is not loaded in a life, either
+            if (load) static_cast<void>(nLibrary::load(plugin.description.path.c_str(), ignored));
+            descriptions.push_back(std::move(plugin.description));
+        }
         return descriptions;
     }
 

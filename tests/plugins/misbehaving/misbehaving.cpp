@@ -51,6 +51,13 @@ int Warns() { return 3; }
 int Fails() { return -7; }
 int Throws() { throw std::runtime_error("an exception of the standard library"); }
 int ThrowsAnything() { throw 7; }
+int CatchesException() {
+    try {
+        throw std::runtime_error("it is caught");
+    } catch (const std::exception&) {
+        return 0;
+    }
+}
 int Faults() { return static_cast<int>(faultSoon(nullptr)); }
 int OverflowsStack() {
     constexpr int tooDeep = 1 << 20;

@@ -51,6 +51,32 @@ TEST(nRunHistory, KnowsTheFirstReasonForTheEnd) {
     EXPECT_EQ(history.end->kind, tKind::faulted);
 }
 
+TEST(nRunHistory, SaysWhetherHandlesWereLeftOnlyIfAllLivesWereLed) {
+    tLifeEvents log(1);
+    log.calls(0).over();
+    EXPECT_FALSE(nRun::leftHandles(log.events));
+    log.leftHandles(0, 0, "1 handle");
+    EXPECT_FALSE(nRun::leftHandles(log.events)) << "the process ended early";
+    log.finished();
+    EXPECT_TRUE(nRun::leftHandles(log.events));
+    EXPECT_FALSE(nRun::leftHandles(tLifeEvents(1).calls(0).left(0, 0, "1 thread").finished().events));
+}
+
+TEST(nRunHistory, TakesTheHandlesFromAnotherProcessThatFinished) {
+    const auto first = tLifeEvents(1).calls(0).left(0, 0, "1 thread").leftHandles(0, 0, "3 handles").finished();
+    const auto texts = [&](const std::vector<nRun::tEvent>& other) {
+        const auto events = nRun::withHandlesOf(first.events, other);
+        const tHistory history = historyOf(1, events);
+        std::vector<std::string> result;
+        for (const auto* const left : history.lives[0][0].left) result.push_back(left->text);
+        return result;
+    };
+    const auto second = tLifeEvents(1).calls(0).left(0, 0, "2 threads").leftHandles(0, 0, "1 handle");
+    EXPECT_THAT(texts(second.events), ElementsAre("1 thread", "3 handles")) << "it did not finish";
+    EXPECT_THAT(texts(tLifeEvents(second).finished().events), ElementsAre("1 thread", "1 handle"));
+    EXPECT_THAT(texts(tLifeEvents(1).calls(0).finished().events), ElementsAre("1 thread"));
+}
+
 TEST(nRunHistory, CollectsWhatWasLeftInEachLife) {
     tLifeEvents log(1);
     log.calls(0).over().calls(0).left(0, 0, "a").left(1, 0, "b").left(0, 0, "c").finished();

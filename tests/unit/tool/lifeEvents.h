@@ -32,6 +32,10 @@ public:
         events.push_back({tKind::left, plugin, {}, life, 0, std::move(text)});
         return *this;
     }
+    tLifeEvents& leftHandles(std::size_t life, std::size_t plugin, std::string text) {
+        events.push_back({tKind::leftHandles, plugin, {}, life, 0, std::move(text)});
+        return *this;
+    }
     tLifeEvents& add(tKind kind, std::int32_t code = 0, std::string text = {}) {
         events.push_back({kind, 0, {}, 0, code, std::move(text)});
         return *this;

@@ -95,6 +95,7 @@ TEST_F(nRunLives, SayWhatEachMisbehaviourDoesToTheService) {
         {"Throws", "failed", "Throws threw an exception derived from std::exception"},
         {"ThrowsAnything", "crashed",
          "an exception not derived from std::exception in ThrowsAnything; this would have"},
+        {"CatchesException", "ok", ""},  // the library's runtime keeps handles that it opens then
         {"Faults", "crashed", "an access violation (0xC0000005) at misbehaving.dll+0x"},
         {"OverflowsStack", "crashed", "a stack overflow (0xC00000FD)"},
         {"RunsIllegalInstruction", "crashed", "(0xC000001D) at misbehaving.dll+0x"},
@@ -162,6 +163,14 @@ TEST_F(nRunLives, FindAHandleThatEachOfAHundredLivesLeavesBehind) {
     EXPECT_EQ(tool.exitCode(), 1U);
     EXPECT_THAT(valuesOf(tool.out(), "outcome"), AllOf(SizeIs(100), Each("leaked")));
     EXPECT_THAT(valuesOf(tool.out(), "detail"), Each(HasSubstr("left behind after Cleanup: 1 handle;")));
+}
+
+TEST_F(nRunLives, FindTheHandleThatIsLeftBehindBesideThoseOfTheRuntime) {
+    add("A", "LeavesHandle", "CatchesException");
+    const tToolProcess tool(arguments(L"A", L"--times 3"));
+    EXPECT_EQ(tool.exitCode(), 1U);
+    EXPECT_THAT(valuesOf(tool.out(), "detail"),
+                AllOf(SizeIs(3), Each(HasSubstr("left behind after Cleanup: 1 handle;"))));
 }
 
 TEST_F(nRunLives, FindThePlugInThatLeavesSomethingBehind) {

@@ -16,14 +16,16 @@ TEST(nRunOrder, IsOneLifeWithAllFeaturesUnlessItSaysOtherwise) {
     ASSERT_TRUE(order);
     EXPECT_EQ(order->times, 1U);
     EXPECT_EQ(order->allowedMask, 0xFFFFFFFFU);
+    EXPECT_FALSE(order->keepLoaded);
 }
 
 TEST(nRunOrder, IsReadAsItWasWritten) {
-    const auto order = readOrder(toText({{"C:\\p\\a b.ini", "\xE6\x8F\x92.ini"}, 100, 0xFFFFFFFD}));
+    const auto order = readOrder(toText({{"C:\\p\\a b.ini", "\xE6\x8F\x92.ini"}, 100, 0xFFFFFFFD, true}));
     ASSERT_TRUE(order);
     EXPECT_THAT(order->files, ElementsAre("C:\\p\\a b.ini", "\xE6\x8F\x92.ini"));
     EXPECT_EQ(order->times, 100U);
     EXPECT_EQ(order->allowedMask, 0xFFFFFFFD);
+    EXPECT_TRUE(order->keepLoaded);
     EXPECT_THAT(readOrder(toText({}))->files, IsEmpty());
 }
 
@@ -33,7 +35,8 @@ TEST(nRunOrder, IsNoOrderIfItIsCutOffAnywhere) {
 }
 
 TEST(nRunOrder, IsNoOrderWithAnythingElseInPlaceOfANumber) {
-    for (const char* const text : {"x\n1\n0\n", "1\n-1\n0\n", "1\n1\n0x\n", "\n\n\n", "1\n4294967296\n0\n"}) {
+    for (const char* const text :
+         {"x\n1\n0\n0\n", "1\n-1\n0\n0\n", "1\n1\n-\n0\n", "1\n1\n0\n0x\n", "\n\n\n\n", "1\n4294967296\n0\n0\n"}) {
         EXPECT_FALSE(readOrder(text)) << text;
     }
 }
