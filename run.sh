@@ -85,7 +85,7 @@ fi
 
 trap 'exit 130' INT TERM
 alone "$run"
-./build.sh windows-release zuZiptraRemoteService zusysapi Settings Transport Deployment
+./build.sh windows-release zuZiptraRemoteService zusysapi ziptra
 prepare_prefix
 install_host
 if ((own_plugins)); then

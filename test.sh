@@ -134,25 +134,21 @@ fi
 if wanted peers; then
     need_wine
     need_peers
+    need_clang
+    need_rust
 fi
 mapfile -t native < <(chosen lint tidy unit replay sweep peers)
-mapfile -t windows < <(chosen lint unit replay sweep endtoend catalogues peers endurance)
+mapfile -t windows < <(chosen lint unit replay sweep endtoend catalogues sdk peers endurance)
 if ((${#native[@]})); then
     record builds native-asan ./build.sh native-asan && run 2 native-asan "${native[@]}"
+fi
+if wanted sdk; then
+    need_rust
+    ((${#native[@]})) || record builds native-asan ./build.sh native-asan ziptra
 fi
 if ((${#windows[@]})); then
     need_wine
     record builds windows-release ./build.sh windows-release && run 3 windows-release "${windows[@]}"
-fi
-if wanted sdk; then
-    need_wine
-    need_clang
-    need_rust
-    record builds "ziptra for the SDK" ./build.sh native-release ziptra &&
-        record builds "ziptra.exe for the SDK" ./build.sh windows-release ziptra &&
-        for check in $(tests/sdk/run list); do
-            record sdk "SDK $check" tests/sdk/run "$check" || true
-        done
 fi
 if wanted race; then
     record builds native-tsan ./build.sh native-tsan thread_tests && run 1 native-tsan race

@@ -30,7 +30,7 @@ std::vector<std::string> dependenciesOf(int plugin) {
 }
 
 std::string readExample() {
-    std::ifstream file("build/windows-bench/bin/examples/Settings.dll", std::ios::binary);
+    std::ifstream file("build/windows-bench/bin/Settings.dll", std::ios::binary);
     demand(file.good(), "the example plug-in Settings is not in build/windows-bench");
     return {std::istreambuf_iterator<char>(file), {}};
 }

@@ -47,15 +47,20 @@ share() {
         fail "the registry value cannot be written; see $run/reg.log"
 }
 
+# The examples are built as their author would, with the installed SDK.
 install_examples() {
-    local built=build/windows-release/bin/examples name text
     share examples
-    mkdir -p "$plugins"
-    copy $built/*.dll $built/*.txt "$plugins"
-    for name in Settings Transport Deployment; do
-        text=$(<"$built/$name.ini.in")
-        printf '%s\n' "${text//@folder@/C:\\Corvell\\examples\\ZiptraRemoteService\\plugins}" >"$plugins/$name.ini"
-    done
+    need_rust
+    say "building the example plug-ins with the SDK"
+    quietly "$run/sdk.log" cmake --install build/windows-release --component sdk --prefix "$run/sdk"
+    quietly "$run/examples-configure.log" cmake -S examples --preset cross -B "$run/examples" \
+        -D "ZiptraRemoteService_ROOT=$PWD/$run/sdk" \
+        -D 'ZIPTRA_INSTALL_FOLDER=C:\Corvell\examples\ZiptraRemoteService\plugins'
+    # Otherwise Wine's services, started by the first Windows program of the build, keep its output open for ever.
+    quietly "$run/wine.log" wine cmd /c exit
+    quietly "$run/examples-build.log" cmake --build "$run/examples"
+    rm -f "$plugins"/*.{ini,dll} # of an earlier version
+    quietly "$run/examples-install.log" cmake --install "$run/examples" --prefix "$(dirname "$plugins")"
 }
 
 # link_plugins DIRECTORY: uses it in place.

@@ -32,3 +32,23 @@ leave_prefix() {
     wineserver --kill 2>/dev/null || true
     wineserver --wait 2>/dev/null || true
 }
+
+# The prefix build/wine/base is made once and copied for each program, so that programs can run at the same time.
+make_base_prefix() {
+    writable build/wine
+    exec 9>build/wine/lock
+    flock 9
+    use_prefix build/wine/base
+    make_prefix
+    flock --unlock 9
+    exec 9>&-
+}
+
+# use_copy_of_base_prefix NAME: what Wine starts from here on uses a fresh copy, build/wine/NAME.
+use_copy_of_base_prefix() {
+    make_base_prefix
+    use_prefix "build/wine/$1"
+    leave_prefix
+    rm -rf "build/wine/$1"
+    cp -a build/wine/base "build/wine/$1"
+}

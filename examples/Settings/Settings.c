@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <string.h>
 #include <windows.h>
+#include <ziptra/plugin.h>
 
 /* Results of SettingsInitialize. A positive one is a warning: the plug-in counts as started, and the status file shows
    the number. A negative one is an error: neither the plug-in nor those that depend on it are started. */
@@ -53,24 +54,26 @@ static int readAll(FILE* file) {
     return started;
 }
 
-int SettingsInitialize(void) {
+static void release(void) {
+    free(text);
+    text = NULL;
+    end = NULL;
+}
+
+ZIPTRA_EXPORT int32_t SettingsInitialize(void) {
     static wchar_t path[longestPath];
     if (!findFile(path)) return cannotFindItself;
     FILE* const file = _wfopen(path, L"rb");
     if (file == NULL) return GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES ? startedWithoutFile : cannotReadFile;
     const int result = readAll(file);
     fclose(file);
-    if (result < 0) SettingsCleanup(); /* the host calls no Cleanup after a failed Initialize */
+    if (result < 0) release(); /* the host calls no Cleanup after a failed Initialize */
     return result;
 }
 
-void SettingsCleanup(void) {
-    free(text);
-    text = NULL;
-    end = NULL;
-}
+ZIPTRA_EXPORT void SettingsCleanup(void) { release(); }
 
-const char* SettingsValue(const char* name, const char* fallback) {
+ZIPTRA_EXPORT const char* SettingsValue(const char* name, const char* fallback) {
     const size_t length = strlen(name);
     for (const char* line = text; line < end; line += strlen(line) + 1) {
         if (strncmp(line, name, length) == 0 && line[length] == '=') return line + length + 1;
@@ -78,4 +81,4 @@ const char* SettingsValue(const char* name, const char* fallback) {
     return fallback;
 }
 
-const char* SettingsFolder(void) { return folder; }
+ZIPTRA_EXPORT const char* SettingsFolder(void) { return folder; }

@@ -4,26 +4,16 @@
    has already loaded it, so all of them use the instance that it started. Both functions may be called on any thread.
    The strings that they return are valid until SettingsCleanup, which runs after the Cleanup of every dependant. */
 
-#ifdef Settings_EXPORTS
-#define SETTINGS_API __declspec(dllexport)
-#else
-#define SETTINGS_API __declspec(dllimport)
-#endif
-
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /* Returns the value of `name` in Settings.txt, as UTF-8, or `fallback` if there is none. If a name occurs twice, the
    first one counts. */
-SETTINGS_API const char* SettingsValue(const char* name, const char* fallback);
+const char* SettingsValue(const char* name, const char* fallback);
 
 /* Returns the folder that contains Settings.dll and Settings.txt, as UTF-8. */
-SETTINGS_API const char* SettingsFolder(void);
-
-/* Called by the host. */
-SETTINGS_API int SettingsInitialize(void);
-SETTINGS_API void SettingsCleanup(void);
+const char* SettingsFolder(void);
 
 #ifdef __cplusplus
 }

@@ -14,7 +14,7 @@
 #
 # `ziptra check` examines the library as soon as it is linked, and an error that it finds fails the build. The tests
 # NAME.check and NAME.run (a whole life, under the emulator when cross-building) exist if the project enables testing;
-# NAME.run needs all dependencies in the same build.
+# NAME.run needs all dependencies in the same build. The test all-plugins.check examines all plug-ins of the build together.
 #
 # Set ZIPTRA_INSTALL_FOLDER to the folder that will contain the libraries on the machine of the service, such as
 # C:\Program Files\Example, if it is not the one to which `cmake --install` copies them.
@@ -31,7 +31,7 @@ function(ziptra_add_plugin name)
     set(library "${CMAKE_BINARY_DIR}/plugins/${name}.dll")
     _ziptra_write_description(${name} "${library}")
     _ziptra_write_version(${name})
-    _ziptra_set_check_command(${name})
+    _ziptra_set_check_command()
 
     if(plugin_LANGUAGE STREQUAL "rust")
         _ziptra_add_rust_library(${name} "${library}")
@@ -99,9 +99,9 @@ function(_ziptra_write_version name)
     configure_file("${_ZIPTRA_CMAKE}/plugin.rc.in" "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc" @ONLY)
 endfunction()
 
-# Sets plugin_check, the command that examines the plug-in. No feature is forbidden: the machine of the build says
+# Sets plugin_check, the command that examines plugin_descriptions. No feature is forbidden: the machine of the build says
 # nothing about that of the service.
-function(_ziptra_set_check_command name)
+function(_ziptra_set_check_command)
     set(arguments check --quiet --allowed 0xFFFFFFFF)
     foreach(other IN LISTS plugin_assumed)
         list(APPEND arguments --assume "${other}")
@@ -153,6 +153,25 @@ function(_ziptra_add_tests name)
     if(NOT plugin_assumed AND (CMAKE_CROSSCOMPILING_EMULATOR OR NOT CMAKE_CROSSCOMPILING))
         _ziptra_windows_ziptra(run run --allowed 0xFFFFFFFF "${CMAKE_BINARY_DIR}/plugins/${name}.ini")
         add_test(NAME ${name}.run COMMAND ${run})
+    endif()
+    get_property(others GLOBAL PROPERTY ZIPTRA_PLUGINS)
+    if(NOT others)
+        cmake_language(DEFER DIRECTORY "${CMAKE_SOURCE_DIR}" CALL _ziptra_add_common_test "${ZIPTRA_SDK}")
+    endif()
+    set_property(GLOBAL APPEND PROPERTY ZIPTRA_PLUGINS ${name})
+endfunction()
+
+# Called when all plug-ins of the build are known. Each can be right by itself, and yet one comes too early in the start
+# order of all.
+function(_ziptra_add_common_test ZIPTRA_SDK)
+    get_property(plugins GLOBAL PROPERTY ZIPTRA_PLUGINS)
+    get_property(plugin_assumed GLOBAL PROPERTY ZIPTRA_ASSUMED)
+    list(LENGTH plugins count)
+    if(count GREATER 1)
+        list(TRANSFORM plugins REPLACE "(.+)" "${CMAKE_BINARY_DIR}/plugins/\\1.ini" OUTPUT_VARIABLE plugin_descriptions)
+        list(REMOVE_DUPLICATES plugin_assumed)
+        _ziptra_set_check_command()
+        add_test(NAME all-plugins.check COMMAND ${plugin_check})
     endif()
 endfunction()
 

@@ -17,7 +17,8 @@ endfunction()
 # _ziptra_describe_installed(NAME TEMPLATE DESTINATION FOLDER): the same for the installed library NAME.dll, which Windows
 # will see in this folder; otherwise in the one to which it is installed.
 function(_ziptra_describe_installed name template destination folder)
-    get_filename_component(destination "${destination}" ABSOLUTE BASE_DIR "${CMAKE_INSTALL_PREFIX}")
+    get_filename_component(prefix "${CMAKE_INSTALL_PREFIX}" ABSOLUTE)
+    get_filename_component(destination "${destination}" ABSOLUTE BASE_DIR "${prefix}")
     if(NOT folder)
         set(folder "${destination}")
     endif()

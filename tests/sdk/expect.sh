@@ -30,9 +30,13 @@ version() {
         sed -nE 's/^ *VALUE "(FileVersion|OriginalFilename)", "(.*)"/\2/p' | paste -sd ' '
 }
 
+# The path of a folder as Windows sees it.
+windows() { printf '%s' "Z:${1//\//\\}"; }
+
 # description NAME FOLDER DEPENDENCIES REQUIRES ENTRY...: what it should be, for a library in this folder.
 description() {
-    local name=$1 folder=Z:${2//\//\\} dependencies=$3 requires=$4 entry
+    local name=$1 folder dependencies=$3 requires=$4 entry
+    folder=$(windows "$2")
     shift 4
     printf '%s\n' '[Service]' "Name=$name"
     [[ -z $dependencies ]] || printf '%s\n' "Dependencies=$dependencies"

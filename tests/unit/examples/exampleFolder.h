@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "tests/support/folder.h"
-#include "tests/support/plugins.h"
 
 namespace support {
 
@@ -16,8 +15,8 @@ namespace support {
 class tExampleFolder : public tFolder {
 public:
     tExampleFolder() : tFolder(L"plug-ins 插件 ") {
-        for (const char* name : {"Settings.dll", "Transport.dll", "Deployment.dll"}) {
-            copy_file(std::filesystem::path(testProgramFolder()) / "examples" / name, path() / name);
+        for (const char* name : {"Settings.dll", "Transport.dll", "Deployment.dll", "Beacon.dll"}) {
+            copy_file(std::filesystem::path(u8"" EXAMPLES) / name, path() / name);
         }
     }
 };

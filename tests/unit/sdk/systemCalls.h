@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// The calls of Windows that ziptra/plugin.hpp makes, to watch them and to make them fail.
+/// The calls of Windows that ziptra/worker.hpp makes, to watch them and to make them fail.
 namespace systemCalls {
 
 /// What the next tests expect; reset by resetAll.
