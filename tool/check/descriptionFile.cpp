@@ -1,11 +1,10 @@
 #include "tool/check/descriptionFile.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <utility>
 
+#include "ini/file.h"
 #include "ini/parser.h"
 #include "stdpath/path.h"
 #include "tool/check/descriptionLines.h"
@@ -20,17 +19,6 @@ namespace nKeys = nDescriptionFormat::nKeys;
 /// Returns an index of nKeys::all.
 std::size_t indexOf(std::string_view key) noexcept {
     return static_cast<std::size_t>(std::find(nKeys::all.begin(), nKeys::all.end(), key) - nKeys::all.begin());
-}
-
-std::string readAll(std::FILE* file) {
-    std::rewind(file);
-    std::string text;
-    std::array<char, 4096> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): fread fills it
-    for (std::size_t count = chunk.size(); count == chunk.size();) {
-        count = std::fread(chunk.data(), 1, chunk.size(), file);
-        text.append(chunk.data(), count);
-    }
-    return text;
 }
 
 tKeyLines findLines(nIni::tDocument& document) {
@@ -60,15 +48,15 @@ void addUnreadable(tFileFindings& findings, int code) {
 /// Returns the parser's result, as the host's own reading would. Reads the file once: opening one takes longer than
 /// anything else that is done with a small file.
 int read(const std::string& path, tDescriptionFile& result) {
-    const nIni::tFile file = openDescription(path);
-    if (!file) {
+    nIni::tDocument document;
+    document.flags = nDescriptionFormat::documentFlags;
+    std::string text;
+    const std::optional<int> code = parseDescription(path, document, text);
+    if (!code) {
         const bool exists = nIni::lastWriteTime(nStdPath::widePathFromUtf8(path).c_str()).has_value();
         return exists ? nIni::fileNotOpened : nIni::fileNotFound;
     }
-    nIni::tDocument document;
-    document.flags = nDescriptionFormat::documentFlags;
-    const int code = nIni::parseStream(document, file.get());
-    if (code < 0) return code;
+    if (*code < 0) return *code;
     const bool rejected = document.firstErrorLine != -1;
     tPluginDescription description = nPluginData::describe(document);
     if (rejected) {
@@ -77,9 +65,9 @@ int read(const std::string& path, tDescriptionFile& result) {
         result.description = std::move(description);
     }
     result.lines = findLines(document);
-    findInLines(readAll(file.get()), rejected, result.lines, result.findings);
+    findInLines(text, rejected, result.lines, result.findings);
     if (result.description) findInValues(document, *result.description, result.findings);
-    return code;
+    return *code;
 }
 
 /// A file whose name is not UTF-8, as only systems other than Windows have them, cannot be opened by the host's code.

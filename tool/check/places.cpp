@@ -1,7 +1,6 @@
 #include "tool/check/places.h"
 
 #include <algorithm>
-#include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <unordered_map>
 #include <unordered_set>
@@ -50,9 +49,14 @@ void addUnseen(const nFiles::path& path, const nFiles::file_status& status, tLis
     listing.findings.push_back(std::move(finding));
 }
 
+void sortFindings(tListing& listing) {
+    std::sort(listing.findings.begin(), listing.findings.end(),
+              [](const tFinding& a, const tFinding& b) { return a.file < b.file; });
+}
+
 void listDirectory(const nFiles::path& directory, tListing& listing) try {
-    listDescriptions(directory, listing.files);
-    findUnseen(directory, listing);
+    listDescriptions(directory, listing);
+    sortFindings(listing);
 } catch (const std::exception&) {
     throw tCannotLook("The directory " + quoted(nStdPath::pathToUtf8(directory)) + " cannot be read");
 }
@@ -110,20 +114,18 @@ void removeRepeated(tListing& listing) {
 
 }  // namespace
 
-void findUnseen(const boost::filesystem::path& directory, tListing& listing) {
-    const std::unordered_set<std::string_view> seen(listing.files.begin(), listing.files.end());
-    for (const nFiles::directory_entry& entry : nFiles::directory_iterator(directory)) {
-        if (seen.contains(nStdPath::pathToUtf8(entry.path())) || !looksLikeDescription(entry.path())) continue;
-        boost::system::error_code error;
-        addUnseen(entry.path(), entry.status(error), listing);
-    }
-    std::sort(listing.findings.begin(), listing.findings.end(),
-              [](const tFinding& a, const tFinding& b) { return a.file < b.file; });
+void addIfUnseen(const boost::filesystem::path& path, tListing& listing) {
+    boost::system::error_code error;
+    if (looksLikeDescription(path)) addUnseen(path, nFiles::status(path, error), listing);
 }
 
 tListing listPlaces(const std::vector<std::string>& places) {
-    if (places.empty()) return listThisMachine();
     tListing listing;
+    if (places.empty()) {
+        listing = listThisMachine();
+        sortFindings(listing);
+        return listing;
+    }
     listing.directory = places.front();
     for (const std::string& place : places) listPlace(place, listing);
     // Windows lists a folder in the order of the names.

@@ -1,8 +1,15 @@
 #include <windows.h>
 
+#include <array>
+#include <boost/filesystem/directory.hpp>
 #include <boost/filesystem/exception.hpp>
+#include <cstdio>
+#include <string_view>
+#include <unordered_set>
 
 #include "err/Exception.h"
+#include "ini/file.h"
+#include "ini/parser.h"
 #include "source/descriptionFormat.h"
 #include "source/nPluginData.h"
 #include "source/runMessages.h"
@@ -14,6 +21,28 @@
 #include "tool/rules.h"
 
 namespace nCheck {
+namespace {
+
+std::string readAll(std::FILE* file) {
+    std::rewind(file);
+    std::string text;
+    std::array<char, 4096> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): fread fills it
+    for (std::size_t count = chunk.size(); count == chunk.size();) {
+        count = std::fread(chunk.data(), 1, chunk.size(), file);
+        text.append(chunk.data(), count);
+    }
+    return text;
+}
+
+/// Requires: the files that the host sees are listed.
+void findUnseen(const boost::filesystem::path& directory, tListing& listing) {
+    const std::unordered_set<std::string_view> seen(listing.files.begin(), listing.files.end());
+    for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(directory)) {
+        if (!seen.contains(nStdPath::pathToUtf8(entry.path()))) addIfUnseen(entry.path(), listing);
+    }
+}
+
+}  // namespace
 
 tListing listThisMachine() {
     tListing listing;
@@ -32,12 +61,17 @@ tListing listThisMachine() {
     return listing;
 }
 
-void listDescriptions(const boost::filesystem::path& directory, std::vector<std::string>& files) {
-    nPluginData::listDescriptionFiles(directory, nDescriptionFormat::extension, files);
+void listDescriptions(const boost::filesystem::path& directory, tListing& listing) {
+    nPluginData::listDescriptionFiles(directory, nDescriptionFormat::extension, listing.files);
+    findUnseen(directory, listing);
 }
 
-nIni::tFile openDescription(const std::string& file) {
-    return nIni::openFile(nStdPath::widePathFromUtf8(file).c_str());
+std::optional<int> parseDescription(const std::string& file, nIni::tDocument& document, std::string& text) {
+    const nIni::tFile stream = nIni::openFile(nStdPath::widePathFromUtf8(file).c_str());
+    if (stream == nullptr) return std::nullopt;
+    const int code = nIni::parseStream(document, stream.get());
+    if (code >= 0) text = readAll(stream.get());
+    return code;
 }
 
 std::optional<boost::filesystem::path> listedName(const boost::filesystem::path& file) {

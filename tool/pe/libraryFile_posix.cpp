@@ -1,5 +1,4 @@
 // The service never ships with this: the mapping of files on systems other than Windows.
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,26 +7,11 @@
 #include <memory>
 #include <span>
 
+#include "tool/fileDescriptor.h"
 #include "tool/pe/libraryFile.h"
 
 namespace nPe {
 namespace {
-
-class tDescriptor {
-public:
-    /// Does not wait for the other end of a pipe.
-    explicit tDescriptor(const std::string& path) : number_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
-    ~tDescriptor() {
-        if (number_ >= 0) close(number_);
-    }
-    tDescriptor(const tDescriptor&) = delete;
-    tDescriptor& operator=(const tDescriptor&) = delete;
-
-    [[nodiscard]] int number() const { return number_; }
-
-private:
-    int number_;
-};
 
 std::variant<tLibrary, tUnreadable> readBuffered(int file, std::size_t size) {
     // Kept for the next file: memory that is used for the first time is slow. What no file fills takes none.
@@ -53,7 +37,7 @@ std::variant<tLibrary, tUnreadable> readMapped(int file, std::size_t size) {
 }  // namespace
 
 std::variant<tLibrary, tUnreadable> readFile(const std::string& path) {
-    const tDescriptor file(path);
+    const tFileDescriptor file(path);
     struct stat status {};
     if (file.number() < 0 || fstat(file.number(), &status) != 0) return tUnreadable{"it cannot be opened"};
     if (!S_ISREG(status.st_mode)) return tUnreadable{"it is not a file"};

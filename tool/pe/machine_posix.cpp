@@ -1,12 +1,11 @@
 // The service never ships with this: the libraries of a Windows machine, seen from another system.
 #include <algorithm>
-#include <boost/filesystem/operations.hpp>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
 
-#include "stdpath/path.h"
 #include "tool/fileIdentity.h"
+#include "tool/folderEntries.h"
 #include "tool/pe/machine.h"
 #include "tool/pe/systemLibraries.h"
 #include "tool/pe/windowsPath.h"
@@ -37,12 +36,9 @@ private:
     const tNames& list(const std::string& folder) {
         const auto [entry, isNew] = folders_.try_emplace(folder);
         if (!isNew) return entry->second;
-        boost::system::error_code error;
-        boost::filesystem::directory_iterator file(nStdPath::pathFromUtf8(folder.empty() ? "." : folder), error);
-        for (; !error && file != boost::filesystem::directory_iterator(); file.increment(error)) {
-            std::string name = nStdPath::pathToUtf8(file->path().filename());
-            entry->second[toLowerAscii(name)].push_back(std::move(name));
-        }
+        auto files = nFolderEntries::list(folder.empty() ? "." : folder);
+        if (!files) return entry->second;
+        for (auto& [name, isFile] : *files) entry->second[toLowerAscii(name)].push_back(std::move(name));
         return entry->second;
     }
 
