@@ -58,9 +58,21 @@ void arrange(std::vector<std::size_t>& members, const std::vector<tPluginDescrip
     members.swap(arranged);
 }
 
+/// Returns whether each plug-in comes after all those on which it depends, so that there are no circles.
+bool isInOrder(const tCatalogue& catalogue) {
+    for (const std::size_t plugin : catalogue.order()) {
+        for (const std::string& name : catalogue.descriptions()[plugin].dependencies) {
+            const tNamed* const named = catalogue.named(name);
+            if (named != nullptr && catalogue.rank(named->plugins.back()) >= catalogue.rank(plugin)) return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 tCircles::tCircles(const tCatalogue& catalogue, const std::vector<bool>& mayStart) : circleOf_(catalogue.size()) {
+    if (isInOrder(catalogue)) return;
     for (std::vector<std::size_t>& members : nComponents::find(makeGraph(catalogue))) {
         std::erase_if(members, [&](std::size_t node) { return node >= catalogue.size(); });
         const bool harmless = std::any_of(members.begin(), members.end(), [&](std::size_t p) { return mayStart[p]; });

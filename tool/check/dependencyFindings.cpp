@@ -1,6 +1,7 @@
 #include "tool/check/dependencyFindings.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -69,7 +70,6 @@ public:
         : catalogue_(catalogue),
           circles_(catalogue, mayStart(outcomes)),
           names_(allNames(catalogue)),
-          remedies_(catalogue, corrections(catalogue, names_)),
           assumed_(assumed.begin(), assumed.end()) {
         for (const tDescriptionFile& file : catalogue.files()) {
             if (!file.rejectedName.empty()) rejected_.emplace(file.rejectedName, file.findings.file());
@@ -90,11 +90,12 @@ private:
     void examineUnknown(std::size_t plugin, const std::string& name);
     void examineKnown(std::size_t plugin, const std::string& name, const tNamed& named);
     void reportCircle(std::size_t plugin, const std::vector<std::size_t>& circle);
+    [[nodiscard]] tChainRemedies& remedies();
 
     tCatalogue& catalogue_;
     tCircles circles_;
     nSimilarNames::tNames names_;
-    tChainRemedies remedies_;
+    std::optional<tChainRemedies> remedies_;  ///< none until one is needed
     std::unordered_set<std::string> assumed_;
     std::unordered_map<std::string, std::string> rejected_;  ///< the files that the host rejects, by the plug-in's name
     std::unordered_map<std::string_view, std::size_t> firstStart_;  ///< of each name that may start, the first rank
@@ -159,8 +160,13 @@ void tExamination::examineKnown(std::size_t plugin, const std::string& name, con
         add(plugin, "dependency-fails", "its dependency " + quoted(name) + " does not start");
     } else {
         add(plugin, "chain-order", "the plug-in comes before its dependency " + quoted(name) + " in the start order",
-            remedies_.remedyFor(plugin));
+            remedies().remedyFor(plugin));
     }
+}
+
+tChainRemedies& tExamination::remedies() {
+    if (!remedies_) remedies_.emplace(catalogue_, corrections(catalogue_, names_));
+    return *remedies_;
 }
 
 /// Lists a large circle only once.

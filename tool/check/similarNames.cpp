@@ -75,11 +75,12 @@ bool hasOtherSeparator(std::string_view text) {
            text.find("\u3001") != std::string_view::npos || text.find("\uFF1B") != std::string_view::npos;
 }
 
-tNames::tNames(std::vector<std::string_view> names) : names_(std::move(names)) {
-    for (const std::string_view name : names_) byLowerCase_.emplace(withoutCase(name), name);
-}
+tNames::tNames(std::vector<std::string_view> names) : names_(std::move(names)) {}
 
 std::optional<std::string_view> tNames::differingInCase(const std::string& name) const {
+    if (byLowerCase_.empty()) {
+        for (const std::string_view known : names_) byLowerCase_.emplace(withoutCase(known), known);
+    }
     const auto found = byLowerCase_.find(withoutCase(name));
     return found == byLowerCase_.end() ? std::nullopt : std::optional(found->second);
 }

@@ -36,7 +36,7 @@ public:
     [[nodiscard]] std::optional<std::string_view> similarTo(std::string_view name);
 
 private:
-    std::unordered_map<std::string, std::string_view> byLowerCase_;
+    mutable std::unordered_map<std::string, std::string_view> byLowerCase_;  ///< empty until the first search
     std::vector<std::string_view> names_;
     std::size_t comparisonsLeft_ = 200'000;
 };
