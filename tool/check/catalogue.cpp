@@ -9,6 +9,8 @@
 namespace nCheck {
 
 tCatalogue::tCatalogue(std::vector<tDescriptionFile> files) : files_(std::move(files)) {
+    descriptions_.reserve(files_.size());
+    fileIndexes_.reserve(files_.size());
     for (std::size_t i = 0; i < files_.size(); ++i) {
         if (!files_[i].description) continue;
         descriptions_.push_back(std::move(*files_[i].description));

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "tool/check/descriptionFile.h"
@@ -46,6 +47,9 @@ public:
 
     /// Returns the findings of all files, in the order of files and lines, and removes them.
     [[nodiscard]] std::vector<tFinding> takeFindings();
+
+    /// Returns a plug-in's description and removes it, after which none of the other functions may ask for its name.
+    [[nodiscard]] tPluginDescription takeDescription(std::size_t plugin) { return std::move(descriptions_[plugin]); }
 
 private:
     [[nodiscard]] tDescriptionFile& fileOf(std::size_t plugin) noexcept { return files_[fileIndexes_[plugin]]; }

@@ -162,11 +162,11 @@ bool looksWide(std::string_view text) {
     return isZero(0) != isZero(1) && isZero(0) == isZero(2) && isZero(1) == isZero(3);
 }
 
-/// Reports bytes that are no text.
-void checkBytes(std::string_view line, bool endsWithZero, int number, bool& isUtf8, tFileFindings& findings) {
+/// Reports bytes that are no text: zeros, and the first others while `lookForBytes` is true.
+void checkBytes(std::string_view line, bool endsWithZero, int number, bool& lookForBytes, tFileFindings& findings) {
     if (endsWithZero) findings.add("zero-byte", number, [] { return tWords{"a zero byte ends the line"}; });
-    if (!isUtf8 || nWording::isUtf8(line)) return;
-    isUtf8 = false;
+    if (!lookForBytes || nWording::isUtf8(line)) return;
+    lookForBytes = false;
     findings.add("not-utf-8", number, "the text is not valid UTF-8 from here on");
 }
 
@@ -183,10 +183,10 @@ void findInLines(std::string_view text, bool rejected, const tKeyLines& counting
     nIni::tLineReader reader;
     reader.setBlock(content, true);
     tLines lines(counting, findings);
-    bool isUtf8 = true;
+    bool lookForBytes = !nWording::isUtf8(content);
     while (const std::optional<std::string_view> line = reader.next()) {
         const char* const lineEnd = line->data() + line->size();
-        checkBytes(*line, lineEnd < end && *lineEnd == 0, reader.lineNumber(), isUtf8, findings);
+        checkBytes(*line, lineEnd < end && *lineEnd == 0, reader.lineNumber(), lookForBytes, findings);
         lines.read(*line, reader.lineNumber());
     }
     lines.finish(rejected);

@@ -77,12 +77,13 @@ tPrediction predict(const tRequest& request) {
     findWithoutEntries(catalogue);
     findInFeatures(catalogue, prediction.allowedMask);
     findInDependencies(catalogue, outcomes, request.assumed);
-    for (const std::size_t plugin : catalogue.order()) {
-        prediction.plugins.push_back({catalogue.path(plugin), catalogue.descriptions()[plugin], outcomes[plugin].code,
-                                      outcomes[plugin].start != tStart::no});
-    }
     std::vector<tFinding> findings = catalogue.takeFindings();
     std::move(findings.begin(), findings.end(), std::back_inserter(prediction.findings));
+    prediction.plugins.reserve(catalogue.size());
+    for (const std::size_t plugin : catalogue.order()) {
+        prediction.plugins.push_back({catalogue.path(plugin), catalogue.takeDescription(plugin), outcomes[plugin].code,
+                                      outcomes[plugin].start != tStart::no});
+    }
     return prediction;
 }
 

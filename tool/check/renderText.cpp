@@ -83,7 +83,8 @@ std::string toText(const tPrediction& prediction, bool colour) {
     appendFindings(text, prediction, colour);
     appendMessages(text, prediction);
     appendOrder(text, prediction, colour);
-    return text + summary(prediction);
+    text += summary(prediction);
+    return text;
 }
 
 }  // namespace nCheck

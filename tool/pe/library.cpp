@@ -37,6 +37,7 @@ void readExports(tImage& image, tLibrary& library) {
     const std::uint64_t names = image.read32(table + 32);
     const std::uint64_t indexes = image.read32(table + 36);
     std::vector<bool> named(functions.size());
+    library.exports.reserve(std::min<std::size_t>(nameCount, functions.size()));
     for (std::uint64_t i = 0; i < nameCount; ++i) {
         const std::string_view name = image.readText(image.read32(names + 4 * i));
         const std::uint16_t index = image.read16(indexes + 2 * i);
@@ -51,10 +52,11 @@ void readExports(tImage& image, tLibrary& library) {
 }
 
 /// Reads the functions that are imported from one library, up to a zero. Older files have addresses from `base` on.
-tImportedSymbols readSymbols(tImage& image, std::uint64_t table, std::uint64_t base) {
+/// They replace those in `symbols`, which it returns: a copy takes no more memory than it needs.
+const tImportedSymbols& readSymbols(tImage& image, std::uint64_t table, std::uint64_t base, tImportedSymbols& symbols) {
     const std::uint64_t width = image.pe32Plus() ? 8 : 4;
     const std::uint64_t byOrdinal = std::uint64_t{1} << (8 * width - 1);
-    tImportedSymbols symbols;
+    symbols.clear();
     for (std::uint64_t at = table;; at += width) {
         const std::uint64_t symbol = image.pe32Plus() ? image.read64(at) : image.read32(at);
         if (symbol == 0) return symbols;
@@ -70,14 +72,15 @@ void readImports(tImage& image, tLibrary& library) {
     constexpr std::uint64_t descriptorSize = 20;
     std::uint64_t at = image.directory(tTable::imports).rva;
     if (at == 0) return;
+    tImportedSymbols functions;
     for (;; at += descriptorSize) {
         const std::uint32_t name = image.read32(at + 12);
         const std::uint32_t addresses = image.read32(at + 16);
         if (name == 0 || addresses == 0) return;
         // Some linkers write the symbols only where the loader replaces them by addresses.
         const std::uint32_t symbols = image.read32(at);
-        library.imports.push_back(
-            {std::string(image.readText(name)), false, readSymbols(image, symbols != 0 ? symbols : addresses, 0)});
+        library.imports.push_back({std::string(image.readText(name)), false,
+                                   readSymbols(image, symbols != 0 ? symbols : addresses, 0, functions)});
     }
 }
 
@@ -86,13 +89,14 @@ void readDelayedImports(tImage& image, tLibrary& library) {
     constexpr std::uint32_t relative = 1;
     std::uint64_t at = image.directory(tTable::delayedImports).rva;
     if (at == 0) return;
+    tImportedSymbols functions;
     for (;; at += descriptorSize) {
         const std::uint32_t name = image.read32(at + 4);
         if (name == 0) return;
         const std::uint64_t base = (image.read32(at) & relative) != 0 ? 0 : image.base();
         const std::uint32_t symbols = image.read32(at + 16);
         library.imports.push_back(
-            {std::string(image.readText(name - base)), true, readSymbols(image, symbols - base, base)});
+            {std::string(image.readText(name - base)), true, readSymbols(image, symbols - base, base, functions)});
     }
 }
 

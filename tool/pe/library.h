@@ -35,6 +35,7 @@ public:
 
     /// Requires: the name contains no zero, and the number has 16 bits.
     void add(const tImportedSymbol& symbol);
+    void clear() noexcept { text_.clear(); }
     [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
     /// Returns the functions in their order. Borrows the names from this object.
     [[nodiscard]] std::vector<tImportedSymbol> list() const;

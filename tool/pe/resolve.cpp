@@ -66,7 +66,8 @@ private:
     void load(const tPlace& place, std::size_t importer);
     void followImport(const tImport& import, std::size_t importer);
     [[nodiscard]] const tPlace& locate(const std::string& name);
-    [[nodiscard]] tPlace search(const std::string& name) const;
+    /// `key` is the name in lower case.
+    [[nodiscard]] tPlace search(const std::string& name, const std::string& key) const;
     /// Returns false if the search ends here.
     bool lookInto(const std::string& folder, const std::string& name, tPlace& place) const;
     [[nodiscard]] const tExport* find(const tLibrary& library, const tImportedSymbol& symbol);
@@ -139,18 +140,17 @@ void tWalk::followImport(const tImport& import, std::size_t importer) {
 
 const tWalk::tPlace& tWalk::locate(const std::string& name) {
     const auto [entry, isNew] = places_.try_emplace(toLowerAscii(name));
-    if (isNew) entry->second = search(name);
+    if (isNew) entry->second = search(name, entry->first);
     return entry->second;
 }
 
-tWalk::tPlace tWalk::search(const std::string& name) const {
+tWalk::tPlace tWalk::search(const std::string& name, const std::string& key) const {
     tPlace place;
-    if (const auto loaded = machine_.loadedLibraries.find(toLowerAscii(name));
-        loaded != machine_.loadedLibraries.end()) {
+    if (const auto loaded = machine_.loadedLibraries.find(key); loaded != machine_.loadedLibraries.end()) {
         const auto* const library = std::get_if<tLibrary>(&machine_.readLibrary(loaded->second));
         return {loaded->second, library, library == nullptr, {}};
     }
-    if (std::ranges::find(machine_.knownLibraries, toLowerAscii(name)) != machine_.knownLibraries.end()) {
+    if (std::ranges::find(machine_.knownLibraries, key) != machine_.knownLibraries.end()) {
         lookInto(machine_.systemFolder, name, place);
         return place;
     }

@@ -5,17 +5,19 @@
 namespace nPe {
 namespace {
 
-constexpr std::string_view separators = "\\/";
 constexpr std::size_t prefixLength = 4;
 
-char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+constexpr char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-bool isSeparator(char c) { return separators.find(c) != std::string_view::npos; }
+constexpr bool isSeparator(char c) { return c == '\\' || c == '/'; }
 
 bool hasDrive(std::string_view path) { return path.size() >= 2 && path[1] == ':'; }
 
 /// Returns the position after the last separator.
-std::size_t nameStart(std::string_view path) { return path.find_last_of(separators) + 1; }
+std::size_t nameStart(std::string_view path) {
+    const auto separator = std::find_if(path.rbegin(), path.rend(), isSeparator);
+    return static_cast<std::size_t>(path.rend() - separator);
+}
 
 }  // namespace
 
@@ -43,8 +45,9 @@ std::string joined(std::string_view folder, std::string_view name) {
 std::vector<std::string> partsOf(std::string_view path) {
     if (path.starts_with(R"(\\?\)") || isNative(path)) path.remove_prefix(prefixLength);
     std::vector<std::string> parts;
+    parts.reserve(static_cast<std::size_t>(std::ranges::count_if(path, isSeparator)) + 1);
     while (!path.empty()) {
-        const std::size_t end = std::min(path.find_first_of(separators), path.size());
+        const auto end = static_cast<std::size_t>(std::ranges::find_if(path, isSeparator) - path.begin());
         const std::string_view part = path.substr(0, end);
         path.remove_prefix(std::min(end + 1, path.size()));
         if (part == "..") {
@@ -58,7 +61,9 @@ std::vector<std::string> partsOf(std::string_view path) {
 }
 
 bool isInside(const std::vector<std::string>& parts, const std::vector<std::string>& folder) {
-    const auto isSame = [](const std::string& a, const std::string& b) { return toLowerAscii(a) == toLowerAscii(b); };
+    const auto isSame = [](const std::string& a, const std::string& b) {
+        return std::ranges::equal(a, b, {}, toLower, toLower);
+    };
     return parts.size() >= folder.size() && std::equal(folder.begin(), folder.end(), parts.begin(), isSame);
 }
 
