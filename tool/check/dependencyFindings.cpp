@@ -119,7 +119,7 @@ void tExamination::examine(std::size_t plugin) {
         const tNamed* const named = catalogue_.named(name);
         if (named != nullptr) {
             examineKnown(plugin, name, *named);
-        } else if (assumed_.count(name) == 0) {
+        } else if (!assumed_.contains(name)) {
             examineUnknown(plugin, name);
         }
     }

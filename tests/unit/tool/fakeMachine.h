@@ -29,6 +29,7 @@ struct tFakeMachine {
             return value == values.end() ? std::nullopt : std::optional(value->second);
         };
     }
+    ~tFakeMachine() = default;
     tFakeMachine(const tFakeMachine&) = delete;
     tFakeMachine& operator=(const tFakeMachine&) = delete;
 

@@ -19,7 +19,7 @@ const std::string access(folderAccess);
 
 class nInstallPlan : public testing::Test {
 protected:
-    std::vector<tStep> planFor(const tRequest& request) { return plan(request, fake.machine); }
+    std::vector<tStep> planFor(const tRequest& request) const { return plan(request, fake.machine); }
     void install(const tRequest& request = tRequest{}) { fake.perform(planFor(request)); }
 
     /// Returns why there is no plan.
@@ -113,7 +113,7 @@ TEST_F(nInstallPlan, RefusesToChangeTheSharedDirectoryOfTheMachine) {
 }
 
 TEST_F(nInstallPlan, RefusesPathsThatAreNoFoldersOnADrive) {
-    for (const char* const path : {"D:", "D:\\", "Shared", "\\\\server\\share", "D:Shared", "", " ", "\\Shared"}) {
+    for (const char* const path : {"D:", "D:\\", "Shared", R"(\\server\share)", "D:Shared", "", " ", "\\Shared"}) {
         fake.setValue(sharedDirectoryKey, sharedDirectoryValue, path);
         EXPECT_THAT(refusal(tRequest{}), HasSubstr("The registry value ZUSHAREDDIR64, \"")) << path;
     }
