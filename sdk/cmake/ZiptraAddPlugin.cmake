@@ -135,12 +135,16 @@ function(_ziptra_add_library name)
         target_compile_features(${name} PRIVATE cxx_std_17)
     endif()
     set_target_properties(${name} PROPERTIES
-        PREFIX "" OUTPUT_NAME ${name} DEBUG_POSTFIX ""
-        # The expression, which is empty, keeps CMake from adding a folder for each configuration.
-        RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/plugins$<0:>"
+        PREFIX "" OUTPUT_NAME ${name} RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/plugins"
         MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>"
         # Another description needs another check.
         LINK_DEPENDS "${CMAKE_BINARY_DIR}/plugins/${name}.ini")
+    # A project may have other settings for a configuration, and CMake a folder.
+    foreach(configuration IN LISTS CMAKE_BUILD_TYPE CMAKE_CONFIGURATION_TYPES)
+        string(TOUPPER "${configuration}" configuration)
+        set_target_properties(${name} PROPERTIES
+            RUNTIME_OUTPUT_DIRECTORY_${configuration} "${CMAKE_BINARY_DIR}/plugins" ${configuration}_POSTFIX "")
+    endforeach()
     if(MINGW)
         target_link_options(${name} PRIVATE -static -Wl,--exclude-all-symbols,--no-insert-timestamp
             $<$<CONFIG:Release,MinSizeRel>:-s>)
