@@ -183,7 +183,7 @@ endfunction()
 function(_ziptra_install name library)
     install(FILES "${library}" DESTINATION "${plugin_DESTINATION}")
     install(CODE "
-        include([[${_ZIPTRA_CMAKE}/ZiptraDescribe.cmake]])
-        _ziptra_describe_installed(${name} [[${CMAKE_CURRENT_BINARY_DIR}/${name}.ini.in]]
-            [[${plugin_DESTINATION}]] [[${ZIPTRA_INSTALL_FOLDER}]])")
+        include([==[${_ZIPTRA_CMAKE}/ZiptraDescribe.cmake]==])
+        _ziptra_describe_installed(${name} [==[${CMAKE_CURRENT_BINARY_DIR}/${name}.ini.in]==]
+            [==[${plugin_DESTINATION}]==] [==[${ZIPTRA_INSTALL_FOLDER}]==])")
 endfunction()
