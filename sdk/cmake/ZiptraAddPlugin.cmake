@@ -160,14 +160,15 @@ function(_ziptra_add_tests name)
     endif()
     get_property(others GLOBAL PROPERTY ZIPTRA_PLUGINS)
     if(NOT others)
-        cmake_language(DEFER DIRECTORY "${CMAKE_SOURCE_DIR}" CALL _ziptra_add_common_test "${ZIPTRA_SDK}")
+        cmake_language(DEFER DIRECTORY "${CMAKE_SOURCE_DIR}" CALL _ziptra_add_common_test)
     endif()
     set_property(GLOBAL APPEND PROPERTY ZIPTRA_PLUGINS ${name})
 endfunction()
 
-# Called when all plug-ins of the build are known. Each can be right by itself, and yet one comes too early in the start
-# order of all.
-function(_ziptra_add_common_test ZIPTRA_SDK)
+# Called when all plug-ins of the build are known, from the top folder of the project, which may not have found the
+# package itself. Each can be right by itself, and yet one comes too early in the start order of all.
+function(_ziptra_add_common_test)
+    get_filename_component(ZIPTRA_SDK "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../../.." ABSOLUTE)
     get_property(plugins GLOBAL PROPERTY ZIPTRA_PLUGINS)
     get_property(plugin_assumed GLOBAL PROPERTY ZIPTRA_ASSUMED)
     list(LENGTH plugins count)
