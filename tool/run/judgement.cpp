@@ -37,6 +37,14 @@ std::string joinedTexts(const std::vector<const tEvent*>& events) {
     return result;
 }
 
+/// Returns whether a process with this exit code was probably ended by an exception. Above the codes of exceptions are
+/// those of programs that exit with a small negative number, such as -1.
+bool isException(std::uint32_t exitCode) {
+    constexpr std::uint32_t lowest = 0xC0000000;
+    constexpr std::uint32_t highest = 0xEFFFFFFF;
+    return exitCode >= lowest && exitCode <= highest;
+}
+
 /// Turns what was observed into outcomes.
 class tJudge {
 public:
@@ -151,12 +159,12 @@ private:
     [[nodiscard]] std::pair<tOutcome, std::string> end() const {
         if (history_.end != nullptr) return reportedEnd(*history_.end);
         if (!ending_.exitCode) return {tOutcome::hung, hang()};
-        constexpr std::uint32_t error = 0xC0000000;  // of the system's codes for exceptions
-        if ((*ending_.exitCode & error) == error) return {tOutcome::crashed, crash(*ending_.exitCode, {})};
+        if (isException(*ending_.exitCode)) return {tOutcome::crashed, crash(*ending_.exitCode, {})};
         constexpr std::uint32_t abortCode = 3;  // also of an abort in another C library, which reports nothing
-        const std::string code = *ending_.exitCode == abortCode
-                                     ? "exited with code 3, as abort does,"
-                                     : fmt::format("ended with the exit code {}", *ending_.exitCode);
+        const std::string code =
+            *ending_.exitCode == abortCode
+                ? "exited with code 3, as abort does,"
+                : fmt::format("ended with the exit code {}", static_cast<std::int32_t>(*ending_.exitCode));
         return {tOutcome::exited, fmt::format("the process {} {}; {}", code, where(), endsService)};
     }
 

@@ -157,13 +157,25 @@ TEST(nRunJudgement, TakesTheExitCodeIfTheProcessCouldNotSayHowItEnded) {
         "exited: the process exited with code 3, as abort does, in AInitialize; this would have ended the service");
     EXPECT_EQ(
         text(judged(log, {0xBFFFFFFF, 10'000})),
-        "exited: the process ended with the exit code 3221225471 in AInitialize; this would have ended the service");
+        "exited: the process ended with the exit code -1073741825 in AInitialize; this would have ended the service");
     EXPECT_EQ(text(judged(log, {0xC00000FD, 10'000})),
               "crashed: a stack overflow (0xC00000FD) in AInitialize; this would have ended the service");
     log.call(0, tPhase::cleanup).over();
     EXPECT_EQ(text(judged(log, {0, 10'000})),
               "exited: the process ended with the exit code 0 after ACleanup had returned; this would have ended the "
               "service");
+}
+
+TEST(nRunJudgement, TakesASmallNegativeExitCodeForAnExitAndNoException) {
+    tLifeEvents log(1);
+    log.begin(0, tPhase::initialize);
+    EXPECT_EQ(text(judged(log, {0xFFFFFFFF, 10'000})),
+              "exited: the process ended with the exit code -1 in AInitialize; this would have ended the service");
+    EXPECT_EQ(text(judged(log, {0xF0000000, 10'000})),
+              "exited: the process ended with the exit code -268435456 in AInitialize; this would have ended the "
+              "service");
+    EXPECT_EQ(text(judged(log, {0xEFFFFFFF, 10'000})),
+              "crashed: an exception (0xEFFFFFFF) in AInitialize; this would have ended the service");
 }
 
 TEST(nRunJudgement, SaysInWhichEntryThePlugInHangsAndWhichWindowsAreOpen) {
