@@ -214,15 +214,18 @@ private:
         reports_.childs.reset();
     }
 
-    /// Reads what has arrived. The pipe breaks when the process ends.
+    /// Reads what has arrived, but no more than the pipe can contain: a plug-in that writes there all the time would
+    /// otherwise never reach its limit. The pipe breaks when the process ends.
     void read(tReader& reader) const {
         std::array<char, 0x10000> bytes;  // NOLINT(cppcoreguidelines-pro-type-member-init): ReadFile fills it
         const HANDLE pipe = reports_.ours.get();
         DWORD size = 0;
+        std::size_t total = 0;
         while (PeekNamedPipe(pipe, nullptr, 0, nullptr, &size, nullptr) != FALSE) {
-            if (size == 0) return;
+            if (size == 0 || total > reportsSize) return;
             if (ReadFile(pipe, bytes.data(), bytes.size(), &size, nullptr) == FALSE) break;
             reader.add({bytes.data(), size});
+            total += size;
         }
         require(GetLastError() == ERROR_BROKEN_PIPE, "what their process reports cannot be read");
     }

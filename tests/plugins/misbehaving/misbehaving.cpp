@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <clocale>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -13,6 +14,14 @@ namespace {
 DWORD WINAPI faultSoon(void* /*unused*/) {
     volatile int* volatile nowhere = nullptr;
     *nowhere = 0;
+    return 0;
+}
+
+DWORD WINAPI writeForever(void* pipe) {
+    static char bytes[0x100000];
+    DWORD written = 0;
+    while (WriteFile(pipe, bytes, sizeof bytes, &written, nullptr) != FALSE) {
+    }
     return 0;
 }
 
@@ -72,6 +81,19 @@ int EndsThread() { ExitThread(0); }
 int Hangs() {
     Sleep(INFINITE);
     return 0;
+}
+int FloodsReports() {
+    constexpr int threads = 4;
+    for (std::uintptr_t value = 4; value < 0x400; value += 4) {
+        const auto handle = reinterpret_cast<HANDLE>(value);  // NOLINT(performance-no-int-to-ptr): a handle is a number
+        // Only that of the reports is so large.
+        constexpr DWORD large = 0x100000;
+        DWORD out = 0;
+        DWORD in = 0;
+        if (GetNamedPipeInfo(handle, nullptr, &out, &in, nullptr) == FALSE || (out < large && in < large)) continue;
+        for (int i = 0; i < threads; ++i) CloseHandle(CreateThread(nullptr, 0, writeForever, handle, 0, nullptr));
+    }
+    return Hangs();
 }
 int OpensWindow() { return MessageBoxA(nullptr, "text", "A message box", MB_OK); }
 int LeavesThread() {

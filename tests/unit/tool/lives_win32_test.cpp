@@ -149,6 +149,13 @@ TEST_F(nRunLives, EndACallThatTakesLongerThanTheLimit) {
     }
 }
 
+TEST_F(nRunLives, EndACallThatWritesToThePipeOfTheReportsWithoutPause) {
+    add("A", "FloodsReports");
+    const tToolProcess tool(arguments(L"A", L"--limit 2"));
+    EXPECT_EQ(tool.exitCode(), 1U);
+    EXPECT_THAT(valuesOf(tool.out(), "outcome"), ElementsAre("hung"));
+}
+
 TEST_F(nRunLives, NameTheWindowThatAPlugInWaitsFor) {
     add("A", "Behaves", "OpensWindow");
     const tToolProcess tool(arguments(L"A", L"--limit 2"));
