@@ -11,6 +11,7 @@
 #include "tool/check/wording.h"
 #include "tool/format.h"
 #include "tool/install/settings.h"
+#include "tool/pe/windowsPath.h"
 
 namespace nInstall {
 namespace {
@@ -20,14 +21,24 @@ using tSteps = std::vector<tStep>;
 
 bool sameText(std::string_view a, std::string_view b) { return nIni::sameName(a, b, false); }
 
-/// Returns the path as the host uses it. Throws tCannot unless it is one of a folder on a drive.
+/// Returns the path as the host uses it, without "..", "." and repeated separators. Throws tCannot unless it is one of
+/// a folder on a drive.
 std::string fullPath(const std::string& what, const std::string& path) {
-    std::string full = path;
-    std::replace(full.begin(), full.end(), '/', '\\');
-    nStdPath::trimPath(full);
-    const bool onDrive = full.size() > 3 && full[1] == ':' && full[2] == '\\';
+    std::string trimmed = path;
+    std::replace(trimmed.begin(), trimmed.end(), '/', '\\');
+    nStdPath::trimPath(trimmed);
+    const std::vector<std::string> parts = nPe::partsOf(trimmed);
+    const bool onDrive = trimmed.size() > 3 && trimmed[1] == ':' && trimmed[2] == '\\' && parts.size() > 1;
     if (!onDrive) throw tCannot(fmt::format("{}, {}, is not the full path of a folder on a drive", what, quoted(path)));
+    std::string full = parts[0];
+    for (std::size_t i = 1; i < parts.size(); ++i) full += '\\' + parts[i];
     return full;
+}
+
+/// Throws tCannot if the path looks as if it contained a variable: Windows replaces them in some settings.
+void refuseVariables(const std::string& path) {
+    if (std::count(path.begin(), path.end(), '%') < 2) return;
+    throw tCannot(path + " contains '%' twice, between which Windows would look for the name of a variable");
 }
 
 /// What all commands need of a service that exists.
@@ -58,6 +69,7 @@ public:
         if (machine_.program.starts_with(R"(\\)")) {
             throw tCannot(machine_.program + " is on another machine: copy it to a drive of this one first");
         }
+        refuseVariables(machine_.program);
         const std::string shared = sharedDirectory();
         addFolder(shared, folderAccess, false);
         addFolder(shared + R"(\ZiptraRemoteService)", folderAccess, true);
@@ -140,6 +152,7 @@ private:
 
     void addCrashDumps() {
         const std::string folder = fullPath("The argument of --crash-dumps", request_.crashDumps);
+        refuseVariables(folder);
         addFolder(folder, dumpsAccess, false);
         setValue(dumpsKey, "DumpFolder", "REG_EXPAND_SZ", folder);
         setValue(dumpsKey, "DumpCount", "REG_DWORD", "10");

@@ -113,7 +113,8 @@ TEST_F(nInstallPlan, RefusesToChangeTheSharedDirectoryOfTheMachine) {
 }
 
 TEST_F(nInstallPlan, RefusesPathsThatAreNoFoldersOnADrive) {
-    for (const char* const path : {"D:", "D:\\", "Shared", R"(\\server\share)", "D:Shared", "", " ", "\\Shared"}) {
+    for (const char* const path :
+         {"D:", "D:\\", "Shared", R"(\\server\share)", "D:Shared", "", " ", "\\Shared", "D:\\x\\.."}) {
         fake.setValue(sharedDirectoryKey, sharedDirectoryValue, path);
         EXPECT_THAT(refusal(tRequest{}), HasSubstr("The registry value ZUSHAREDDIR64, \"")) << path;
     }
@@ -122,6 +123,25 @@ TEST_F(nInstallPlan, RefusesPathsThatAreNoFoldersOnADrive) {
               "The argument of --shared-dir, \"Shared\", is not the full path of a folder on a drive");
     EXPECT_EQ(refusal(tRequest{tKind::install, "delayed", "", "D:\\"}),
               "The argument of --crash-dumps, \"D:\\\", is not the full path of a folder on a drive");
+}
+
+TEST_F(nInstallPlan, CreatesEachFolderOfAPathWithRepeatedSeparatorsOnce) {
+    const std::vector<tStep> steps = planFor(tRequest{tKind::install, "delayed", "", "D:/Dumps\\\\.\\x\\..\\Service"});
+    std::vector<std::string> folders;
+    for (const tStep& step : steps) {
+        if (step.action == tAction::createFolder && step.target.starts_with("D:")) folders.push_back(step.target);
+    }
+    EXPECT_THAT(folders, ElementsAre(R"(D:\Dumps)", R"(D:\Dumps\Service)"));
+    EXPECT_THAT(steps, testing::Contains(tStep{tAction::setRegistryValue, std::string(dumpsKey), R"(D:\Dumps\Service)",
+                                               "DumpFolder", "REG_EXPAND_SZ"}));
+}
+
+TEST_F(nInstallPlan, RefusesAPathInWhichWindowsWouldReplaceAVariable) {
+    constexpr const char* reason = " contains '%' twice, between which Windows would look for the name of a variable";
+    EXPECT_EQ(refusal(tRequest{tKind::install, "delayed", "", "D:\\%OS%"}), R"(D:\%OS%)" + std::string(reason));
+    EXPECT_EQ(refusal(tRequest{tKind::install, "delayed", "", "D:\\100%"}), "");
+    fake.machine.program = R"(C:\%OS%\zuZiptraRemoteService.exe)";
+    EXPECT_EQ(refusal(tRequest{}), fake.machine.program + reason);
 }
 
 TEST_F(nInstallPlan, SetsTheAccessListsOfItsFoldersThatOthersCanChange) {
