@@ -15,6 +15,7 @@
 #include "tool/install/accessList.h"
 #include "tool/install/lookAt.h"
 #include "tool/install/settings.h"
+#include "tool/pe/windowsPath.h"
 
 namespace nInstall {
 namespace {
@@ -77,6 +78,10 @@ void readConfiguration(SC_HANDLE handle, const std::string& program, tService& s
     if (QueryServiceConfigW(handle, config, sizeof buffer, &needed) == FALSE) cannotLook(serviceText(), GetLastError());
     service.commandLine = nStdPath::pathToUtf8(config->lpBinaryPathName);
     service.program = programOf(expanded(config->lpBinaryPathName));
+    // The service manager, which starts it, is in the system folder.
+    if (nPe::isSearched(service.program)) {
+        service.program = nPe::joined(nStdPath::pathToUtf8(nStdPath::systemFolder()), service.program);
+    }
     if (isOther(service.program, program)) service.otherProgram = service.program;
     service.start = startName(config->dwStartType);
 }

@@ -195,6 +195,18 @@ tSteps uninstallPlan(const tMachine& machine) {
     return steps;
 }
 
+/// Returns what precedes the arguments.
+std::string firstPart(const std::string& commandLine) {
+    if (commandLine.starts_with('"')) return commandLine.substr(1, commandLine.find('"', 1) - 1);
+    constexpr std::string_view extension = ".exe";
+    for (std::size_t at = 0; at + extension.size() <= commandLine.size(); ++at) {
+        const std::size_t end = at + extension.size();
+        const bool ends = end == commandLine.size() || commandLine[end] == ' ';
+        if (ends && sameText(commandLine.substr(at, extension.size()), extension)) return commandLine.substr(0, end);
+    }
+    return commandLine.substr(0, commandLine.find(' '));
+}
+
 }  // namespace
 
 std::vector<tStep> plan(const tRequest& request, const tMachine& machine) {
@@ -207,14 +219,9 @@ std::vector<tStep> plan(const tRequest& request, const tMachine& machine) {
 }
 
 std::string programOf(const std::string& commandLine) {
-    if (commandLine.starts_with('"')) return commandLine.substr(1, commandLine.find('"', 1) - 1);
-    constexpr std::string_view extension = ".exe";
-    for (std::size_t at = 0; at + extension.size() <= commandLine.size(); ++at) {
-        const std::size_t end = at + extension.size();
-        const bool ends = end == commandLine.size() || commandLine[end] == ' ';
-        if (ends && sameText(commandLine.substr(at, extension.size()), extension)) return commandLine.substr(0, end);
-    }
-    return commandLine.substr(0, commandLine.find(' '));
+    const std::string program = firstPart(commandLine);
+    const std::string name = nPe::fileNameOf(program);
+    return name.empty() || name.find('.') != std::string::npos ? program : program + ".exe";
 }
 
 }  // namespace nInstall

@@ -64,7 +64,8 @@ struct tCannot : std::runtime_error {
 /// Returns the steps in their order; none if everything is as requested. Throws tCannot.
 [[nodiscard]] std::vector<tStep> plan(const tRequest& request, const tMachine& machine);
 
-/// Returns the path of the program that the command line of a service starts, or an empty text.
+/// Returns the path of the program that the command line of a service starts, or an empty text. Windows looks for a
+/// name without a dot with ".exe".
 [[nodiscard]] std::string programOf(const std::string& commandLine);
 
 }  // namespace nInstall

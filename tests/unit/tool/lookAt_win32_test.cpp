@@ -59,10 +59,14 @@ TEST_P(refusalOnWindows, SaysThatTheServiceIsMarkedForDeletion) {
 TEST_P(refusalOnWindows, NamesTheOtherProgramThatTheServiceRuns) {
     tScriptedMachine machine;
     EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
-    machine.service().commandLine = LR"("%SystemRoot%\system32\services.exe" -k)";
-    EXPECT_THAT(refusalOf(machine, GetParam()),
-                testing::MatchesRegex("ziptra: The service zuZiptraRemoteService runs another program, "
-                                      ".:.*.system32.services.exe: use .*\n"));
+    for (const wchar_t* const line : {LR"("%SystemRoot%\system32\services.exe" -k)",
+                                      LR"(%SystemRoot%\system32\services -k)", L"services.exe", L"services"}) {
+        machine.service().commandLine = line;
+        EXPECT_THAT(refusalOf(machine, GetParam()),
+                    testing::MatchesRegex("ziptra: The service zuZiptraRemoteService runs another program, "
+                                          ".:.*.system32.services.exe: use .*\n"))
+            << testing::PrintToString(line);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, refusalOnWindows, testing::Values("install", "repair", "uninstall"));

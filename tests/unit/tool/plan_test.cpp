@@ -258,8 +258,11 @@ TEST(nInstallProgramOf, FindsTheProgramInACommandLine) {
     EXPECT_EQ(programOf(R"("C:\a b\x.exe" -k "y")"), R"(C:\a b\x.exe)");
     EXPECT_EQ(programOf(R"(C:\a b\x.EXE -k)"), R"(C:\a b\x.EXE)");
     EXPECT_EQ(programOf(R"(C:\a.exe.d\x.exe)"), R"(C:\a.exe.d\x.exe)");
-    EXPECT_EQ(programOf(R"(C:\x y)"), R"(C:\x)");
-    EXPECT_EQ(programOf(R"("C:\x y)"), R"(C:\x y)");
+    EXPECT_EQ(programOf(R"(C:\x y)"), R"(C:\x.exe)");
+    EXPECT_EQ(programOf(R"("C:\x y)"), R"(C:\x y.exe)");
+    EXPECT_EQ(programOf(R"("C:\a.b\x" -k)"), R"(C:\a.b\x.exe)");
+    EXPECT_EQ(programOf(R"("C:\x.com")"), R"(C:\x.com)");
+    EXPECT_EQ(programOf("x"), "x.exe");
     EXPECT_EQ(programOf(""), "");
     EXPECT_EQ(programOf("\""), "");
     EXPECT_EQ(programOf("\"\" \"x\""), "");
