@@ -57,11 +57,16 @@ public:
 
     [[nodiscard]] bool requested() const noexcept { return waitMs(0); }
 
-    /// Waits that long, but only until a stop is requested. Returns whether it is. More than 49 days are forever.
-    [[nodiscard]] bool wait(std::chrono::milliseconds time) const noexcept {
-        constexpr std::chrono::milliseconds::rep forever = 0xFFFFFFFF;
-        const auto count = time.count() < 0 ? 0 : time.count() < forever ? time.count() : forever;
-        return waitMs(static_cast<unsigned long>(count));
+    /// Waits that long, but only until a stop is requested. Returns whether it is. More than 49 days are forever, and
+    /// parts of a millisecond count as one.
+    template <class Rep, class Period>
+    [[nodiscard]] bool wait(std::chrono::duration<Rep, Period> time) const noexcept {
+        // As a floating-point number, because the longest times overflow when they are converted to milliseconds.
+        const double ms = std::chrono::duration<double, std::milli>(time).count();
+        constexpr double forever = 0xFFFFFFFF;
+        if (!(ms < forever)) return waitMs(0xFFFFFFFF);
+        const auto whole = static_cast<unsigned long>(ms > 0 ? ms : 0);
+        return waitMs(static_cast<double>(whole) < ms ? whole + 1 : whole);
     }
 
     /// Returns the event that the request sets, for functions that wait for several. It belongs to the Worker.

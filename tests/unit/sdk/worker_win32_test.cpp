@@ -261,7 +261,7 @@ protected:
 TEST_F(stopRequest, LimitsTheTimeToWhatWindowsAccepts) {
     const HANDLE event = CreateEventW(nullptr, TRUE, TRUE, nullptr);
     const StopRequest stop(event);
-    const auto waited = [&](std::chrono::milliseconds time) {
+    const auto waited = [&](auto time) {
         EXPECT_TRUE(stop.wait(time));
         return systemCalls::lastWaitMs();
     };
@@ -269,6 +269,9 @@ TEST_F(stopRequest, LimitsTheTimeToWhatWindowsAccepts) {
     EXPECT_EQ(waited(std::chrono::milliseconds(-1)), 0U);
     EXPECT_EQ(waited(std::chrono::milliseconds(0xFFFFFFFE)), 0xFFFFFFFE);
     EXPECT_EQ(waited(std::chrono::milliseconds::max()), INFINITE);
+    EXPECT_EQ(waited(std::chrono::hours::max()), INFINITE);
+    EXPECT_EQ(waited(std::chrono::hours::min()), 0U);
+    EXPECT_EQ(waited(std::chrono::microseconds(1)), 1U) << "a wait of 0 ms in a loop would keep a processor busy";
     CloseHandle(event);
 }
 
