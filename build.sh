@@ -13,7 +13,8 @@ windows-release, which produces zuZiptraRemoteService.exe and its companion
 ziptra.exe in build/windows-release/bin; native-release produces ziptra for this
 machine in build/native-release/bin.
 
-Presets: windows-release windows-debug windows-trace windows-coverage windows-bench
+Presets: windows-release windows-package windows-debug windows-trace
+         windows-coverage windows-bench
          native-release native-asan native-tsan native-coverage native-fuzz
          native-bench
 TXT
@@ -25,7 +26,7 @@ case $preset in
         usage
         exit 0
         ;;
-    windows-release | windows-debug | windows-trace | windows-coverage | windows-bench) ;;
+    windows-release | windows-package | windows-debug | windows-trace | windows-coverage | windows-bench) ;;
     native-release | native-asan | native-tsan | native-coverage | native-fuzz | native-bench) ;;
     *)
         usage >&2

@@ -27,7 +27,7 @@ function(zuziptra_link_product target)
         # Page-aligned sections can be mapped from the file; others may have to be read completely.
         target_link_options(${target} PRIVATE
             -static -Wl,--dynamicbase,--nxcompat,--tsaware,--high-entropy-va,--no-insert-timestamp,--gc-sections,--file-alignment,4096
-            $<$<CONFIG:Release>:-s>)
+            $<$<CONFIG:Release>:$<IF:$<BOOL:${ZUZIPTRA_SYMBOLS}>,-Wl$<COMMA>--build-id,-s>>)
     elseif(MSVC)
         # The manifest is among the resources; the linker's own would be a second one with the same name.
         target_link_options(${target} PRIVATE /MANIFEST:NO)

@@ -78,6 +78,7 @@ build_boost_for_windows() {
         -DCMAKE_CXX_FLAGS="-D_WIN32_WINNT=0x0601 -ffile-prefix-map=$root/$work/=" \
         "-DBOOST_INCLUDE_LIBRARIES=filesystem;system;function;algorithm"
     quietly "$work/build.log" cmake --build "$work/build" --target install
+    basename "$work"/boost1.81_*.dsc .dsc | sed 's/^[^_]*_//' | tr -d '\n' >"$prefix/version"
     rm -rf "$work"
     printf '%s' "$kind" >"$prefix/complete"
 }
@@ -109,6 +110,13 @@ need_benchmarks() {
     for peer in libinih-dev libsimpleini-dev libglib2.0-dev rapidjson-dev; do
         (need -- "$peer") || say "continuing without $peer: its rows are missing from the table"
     done
+}
+
+# The bill of materials names Boost's version. A folder made before it was recorded is made anew.
+need_packaging() {
+    need faketime msibuild msiinfo openssl osslsigncode python3 wixl -- \
+        faketime msitools openssl osslsigncode python3 wixl
+    [[ -e $dependencies/windows/version ]] || rm -f "$dependencies/windows/complete"
 }
 
 need_wine() { need wine wineboot wineserver -- wine64 wine; }
