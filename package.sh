@@ -10,11 +10,11 @@ usage() {
     cat <<TXT
 Usage: ./package.sh [--sign CERTIFICATE KEY]
 
-Fills dist/ with the archives of the product and its symbols, the bill of
-materials and SHA256SUMS. The same commit produces the same files. If
+Fills dist/ with the MSI, the archives of the product and its symbols, the
+bill of materials and SHA256SUMS. The same commit produces the same files. If
 something fails, the previous dist/ stays.
 
-  --sign CERTIFICATE KEY   sign the programs; both are files in PEM form, and the
+  --sign CERTIFICATE KEY   sign the programs and the MSI; both are files in PEM form, and the
                            certificates of its issuers may follow the first one
 
 DIST names another folder than dist.
@@ -70,22 +70,28 @@ separate() {
 
 fill() {
     local name=zuZiptraRemoteService-$version program
-    for program in "${programs[@]}"; do
+    for program in "${programs[@]}" ziptraActions.dll; do
         separate "$program"
     done
     cp LICENSE "$stage/product"
+    cp -r "$stage/product" "$stage/msi"
+    rm "$stage/product/ziptraActions.dll"
+    quietly build/package/msi.log packaging/msi "$new/$name.msi" "$stage/msi" "$version"
+    sign "$new/$name.msi"
     packaging/zip "$new/$name.zip" "$stage/product"
     packaging/zip "$new/$name-symbols.zip" "$stage/symbols"
     packaging/sbom "$version" "${programs[@]/#/$stage/product/}" >"$new/$name.cdx.json"
     (cd "$new" && sha256sum -- * >../SHA256SUMS && mv ../SHA256SUMS .)
 }
 
-# Whatever ends this, no unfinished folder remains.
+# Whatever ends this, no unfinished folder remains. Not every tool says that there is no space left.
 clean_up() {
     local code=$?
-    ((code == 0)) || [[ ! -d $new ]] || (writable "$new") || true
+    if ((code)); then
+        ! { [[ -d $new ]] && ! head -c 8000000 /dev/zero >"$new/probe" 2>/dev/null; } || say "no space left for $dist" >&2
+        say "$dist is as before" >&2
+    fi
     rm -rf "$new" "$stage"
-    ((code == 0)) || say "$dist is as before" >&2
 }
 
 # Puts the complete folder in place. An interruption between the two moves leaves the old one as dist.old.
@@ -116,7 +122,7 @@ done
 alone build/package
 need_packaging
 [[ -z $certificate ]] || check_certificate
-./build.sh windows-package zuZiptraRemoteService ziptra
+./build.sh windows-package zuZiptraRemoteService ziptra ziptraActions
 
 export TZ=UTC LC_ALL=C.UTF-8 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(source_date)}
 umask 022
@@ -132,4 +138,4 @@ fill
 replace
 say "filled: $dist"
 (cd "$dist" && ls -l)
-[[ -n $certificate ]] || say "the files are unsigned: --sign CERTIFICATE KEY signs them"
+[[ -n $certificate ]] || say "the programs and the MSI are unsigned: --sign CERTIFICATE KEY signs them"

@@ -242,7 +242,7 @@ std::string usualSharedDirectory() {
 }  // namespace
 
 tMachine lookAt(const tAccess& access) {
-    const std::wstring folder = nStdPath::applicationFolder();
+    const std::wstring folder = access.folder.empty() ? nStdPath::applicationFolder() : wide(access.folder);
     if (folder.empty()) cannotLook("The folder of this program", GetLastError());
     tMachine machine;
     machine.program = nStdPath::pathToUtf8(folder) + '\\' + std::string(programName);

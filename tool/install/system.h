@@ -24,6 +24,7 @@ struct tAccess {
     bool readOnly = false;              ///< needs no administrator
     unsigned limitSeconds = 0;          ///< for a service that starts or stops
     std::function<void()> onWait = {};  ///< called several times a second meanwhile; optional
+    std::string folder = {};            ///< of the service's program, if not that of the running one
 };
 
 /// Returns this machine.

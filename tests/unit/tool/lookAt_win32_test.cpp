@@ -71,4 +71,11 @@ TEST_P(refusalOnWindows, NamesTheOtherProgramThatTheServiceRuns) {
 
 INSTANTIATE_TEST_SUITE_P(Commands, refusalOnWindows, testing::Values("install", "repair", "uninstall"));
 
+TEST(lookAtMachine, ExpectsTheServiceWhereTheInstallerPutsIt) {
+    const tScriptedMachine machine;
+    nInstall::tAccess access{"install"};
+    access.folder = R"(C:\Elsewhere)";
+    EXPECT_EQ(nInstall::lookAt(access).program, R"(C:\Elsewhere\zuZiptraRemoteService.exe)");
+}
+
 }  // namespace
