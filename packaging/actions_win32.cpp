@@ -139,6 +139,8 @@ extern "C" __declspec(dllexport) UINT __stdcall CheckMachine(MSIHANDLE install) 
     return failingWithALine(install, [=] {
         tSettings settings{property(install, "INSTALLDIR"), property(install, "START"), property(install, "SHAREDDIR")};
         if (settings.folder.ends_with('\\')) settings.folder.pop_back();
+        // Windows lets users repair what is installed: they must not choose where the plug-ins are.
+        if (!property(install, "Installed").empty()) settings.sharedDirectory.clear();
         for (const char* const action : deferredActions) setProperty(install, action, textOf(settings));
         const nInstall::tMachine machine = nInstall::thisSystem(accessTo(settings, true)).lookAt();
         if (machine.service && !machine.service->stopped) setProperty(install, "SERVICERUNS", "1");

@@ -16,10 +16,10 @@ INSERT INTO `Environment` (`Environment`, `Name`, `Value`, `Component_`) VALUES 
 INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('RemoveEnvironmentStrings', 3300)
 INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('WriteEnvironmentStrings', 5200)
 
--- The start and the place on PATH stay as they are, unless something else is asked for.
-INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('KeepDemand', 'NOT START AND PRESENTSTART="#3"', 110)
-INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('KeepAuto', 'NOT START AND PRESENTSTART="#2" AND NOT PRESENTDELAY="#1"', 111)
-INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('UseDelayed', 'NOT START', 112)
+-- The start and the place on PATH stay as they are, unless something else is asked for. Windows lets users repair what is installed: they must not change the start.
+INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('KeepDemand', '(NOT START OR Installed) AND PRESENTSTART="#3"', 110)
+INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('KeepAuto', '(NOT START OR Installed) AND PRESENTSTART="#2" AND NOT PRESENTDELAY="#1"', 111)
+INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('UseDelayed', 'NOT START OR (Installed AND NOT PRESENTSTART="#3" AND (NOT PRESENTSTART="#2" OR PRESENTDELAY="#1"))', 112)
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('KeepPath', 'NOT ADDTOPATH AND PRESENTPATH', 113)
 
 -- First of all, the machine is examined: neither a request that cannot be met nor a service that others have made changes anything.
@@ -30,6 +30,9 @@ UPDATE `CustomAction` SET `Type` = 3393 WHERE `Action` = 'RestartService'
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('RestartService', 'SERVICERUNS AND ($Service=2 OR $Service=3)', 1511)
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('StopService', 'SERVICERUNS AND ($Service=2 OR $Service=3)', 1512)
 
+-- What has been prepared so far is done here. So if the service does not stop, there is nothing else to take back, which Wine would do without having done it.
+INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('InstallExecute', 'SERVICERUNS AND ($Service=2 OR $Service=3)', 1513)
+
 -- A removal continues with the tool's, unless a newer version is in place and removes this one.
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('RemoveService', 'REMOVE="ALL" AND PRESENTVERSION=ProductVersion', 1811)
 
@@ -39,5 +42,5 @@ INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES 
 
 -- The service is complete, and the older version removed, before the service starts.
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('RepairService', 'NOT REMOVE="ALL"', 5802)
-INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('InstallExecute', 5810)
+INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('InstallExecuteAgain', 5810)
 UPDATE `InstallExecuteSequence` SET `Sequence` = 5820 WHERE `Action` = 'RemoveExistingProducts'
