@@ -6,7 +6,7 @@ source scripts/dependencies.sh
 source scripts/search.sh
 
 default_layers=(lint unit replay sweep endtoend catalogues endurance sdk)
-all_layers=("${default_layers[@]}" peers tidy race coverage fuzz bench)
+all_layers=("${default_layers[@]}" peers tidy race coverage fuzz bench package)
 results=build/test
 search_options=(20)
 usage() {
@@ -33,6 +33,8 @@ The last line is the sum: N passed, N failed, N skipped. What each program print
   race       stop requests from many threads under the thread sanitizer (RACE_ROUNDS)
   coverage   lines and branches of the product that the unit tests reach, with floors
   bench      small benchmarks: their results are checked, not their times
+  package    two builds of the package are equal, its tables and its bill of materials are right, and the MSI installs,
+             upgrades and removes under Wine (needs root)
   fuzz       every fuzzer searches for new inputs, ${search_options[0]} seconds each
   default    those that run when none is named
   all        all of these
@@ -105,7 +107,7 @@ while (($#)); do
             export CATALOGUES=${CATALOGUES:-2000}
             ;;
         lint | tidy | unit | replay | sweep | endtoend | catalogues | endurance | sdk | peers | race | coverage | fuzz | \
-            bench)
+            bench | package)
             layers+=("$1")
             ;;
         --long)
@@ -173,5 +175,14 @@ if wanted bench; then
         record bench "bench $group" ./bench.sh "$group" --quick || continue
         skip_unmeasured "bench $group"
     done
+fi
+if wanted package; then
+    need_wine
+    need_packaging
+    if record package "package twice" tests/packaging/twice; then
+        record package "package contents" tests/packaging/contents build/test/package/first || true
+        record package "package life" tests/packaging/life || true
+    fi
+    record package "package refusals" tests/packaging/refusals || true
 fi
 scripts/results "$results"
