@@ -10,8 +10,8 @@ usage() {
     cat <<TXT
 Usage: ./package.sh [--sign CERTIFICATE KEY]
 
-Fills dist/ with the MSI, the archives of the product and its symbols, the
-bill of materials and SHA256SUMS. The same commit produces the same files. If
+Fills dist/ with the MSI, the archives of the product, the SDK and the symbols,
+the bill of materials and SHA256SUMS. The same commit produces the same files. If
 something fails, the previous dist/ stays.
 
   --sign CERTIFICATE KEY   sign the programs and the MSI; both are files in PEM form, and the
@@ -78,7 +78,10 @@ fill() {
     rm "$stage/product/ziptraActions.dll"
     quietly build/package/msi.log packaging/msi "$new/$name.msi" "$stage/msi" "$version"
     sign "$new/$name.msi"
+    quietly build/package/sdk.log cmake --install build/windows-package --component sdk --prefix "$stage/sdk"
+    cp "$stage/product/ziptra.exe" "$stage/sdk/bin/"
     packaging/zip "$new/$name.zip" "$stage/product"
+    packaging/zip "$new/$name-sdk.zip" "$stage/sdk"
     packaging/zip "$new/$name-symbols.zip" "$stage/symbols"
     packaging/sbom "$version" "${programs[@]/#/$stage/product/}" >"$new/$name.cdx.json"
     (cd "$new" && sha256sum -- * >../SHA256SUMS && mv ../SHA256SUMS .)
