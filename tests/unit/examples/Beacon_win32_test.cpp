@@ -22,8 +22,8 @@ fs::path statusFolder() {
 
 class BeaconExample : public testing::Test {
 protected:
-    BeaconExample() { fs::create_directories(status.parent_path()); }
-    ~BeaconExample() override {
+    void SetUp() override { fs::create_directories(status.parent_path()); }
+    void TearDown() override {
         beacon.reset();
         fs::remove_all(status.parent_path());
     }
