@@ -148,8 +148,8 @@ constexpr std::array libraries{
           "Build the plug-in as a DLL."},
     tRule{"missing-entry", error, "an entry point that the library does not export",
           "The host unloads the library again (-52005).",
-          "Export the function under exactly this name (extern \"C\", __declspec(dllexport)), or correct the "
-          "description."},
+          "Export the function under exactly this name (ZIPTRA_PLUGIN or ZIPTRA_EXPORT, or extern \"C\" and "
+          "__declspec(dllexport)), or correct the description."},
     tRule{"no-entries", warning, "a plug-in without entry points",
           "The host loads the library but never calls a function of it.",
           "Name the functions: Initialize=, Stop=, Cleanup=."},

@@ -52,7 +52,16 @@ void addCommand(CLI::App& program, tContext& context) {
         "Example: ziptra check plugins\n"
         "Example, on a build server: ziptra check --strict --map \"C:\\Program Files\\X=dist\" plugins\n"
         "Exit code: 0 if there is no error, 1 if there is one, 2 if the command could not look.\n"
-        "'ziptra explain ID' says more about a finding, such as chain-order.");
+        "'ziptra explain ID' says more about a finding, such as chain-order.\n"
+        "The service reads the descriptions when it starts: restart it after a correction.\n"
+        "A description, for example scheduler.ini (a blank line is an error):\n"
+        "  [Service]\n"
+        "  Name=Scheduler\n"
+        "  Dependencies=Transport, Settings\n"
+        "  Path=C:\\Program Files\\X\\scheduler.dll\n"
+        "  Initialize=SchedulerInitialize\n"
+        "  Stop=SchedulerStop\n"
+        "  Cleanup=SchedulerCleanup");
     command->callback([options, &context] { run(*options, context); });
 }
 

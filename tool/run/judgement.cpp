@@ -121,7 +121,8 @@ private:
             const auto isMeant = [&name](const tPlugin& other) { return other.description.name == name; };
             const auto found = std::ranges::find_if(plugins_, isMeant);
             if (found == plugins_.end()) {
-                return fmt::format("it depends on {}, which no description in its directory has as its name", name);
+                return fmt::format("it depends on {}, which no readable description in its directory has as its name",
+                                   name);
             }
             const tEvent* const start =
                 history_.lives[life][static_cast<std::size_t>(found - plugins_.begin())].returned[0];

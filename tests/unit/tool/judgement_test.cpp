@@ -110,8 +110,8 @@ TEST(nRunJudgement, NamesTheDependencyThatHasNotStarted) {
     EXPECT_EQ(afterStarts({a, livingPlugin("B", {"A"})}, {-7, -52006}),
               "notStarted: it depends on A, which has not started; the service would run without it");
     EXPECT_EQ(afterStarts({a, livingPlugin("B", {"A", "X"})}, {0, -52006}),
-              "notStarted: it depends on X, which no description in its directory has as its name; the service would "
-              "run without it");
+              "notStarted: it depends on X, which no readable description in its directory has as its name; the "
+              "service would run without it");
     EXPECT_EQ(
         afterStarts({a, livingPlugin("B", {"A", "A"})}, {0, -52006}),
         "notStarted: a plug-in on which it depends comes later in the start order, or is named twice; the service "

@@ -89,8 +89,8 @@ TEST_F(mistakes, AMissingExternC) {
     expectSaid(
         "transport.ini:4: error: the library does not export \"TransportInitialize\"; it exports "
         "\"_Z19TransportInitializev\" [missing-entry]\n"
-        "    Export the function under exactly this name (extern \"C\", __declspec(dllexport)), or correct the "
-        "description.\n");
+        "    Export the function under exactly this name (ZIPTRA_PLUGIN or ZIPTRA_EXPORT, or extern \"C\" and "
+        "__declspec(dllexport)), or correct the description.\n");
 }
 
 TEST_F(mistakes, A32BitLibrary) {
