@@ -17,7 +17,7 @@ Runs the layers named, or: ${default_layers[*]}.
 The last line is the sum: N passed, N failed, N skipped. What each program printed is in $results/*.xml (JUnit);
 \`ctest --preset PRESET -R NAME\` runs one of them again.
 
-  lint       format, project rules, imports and reproducibility of the executable
+  lint       format, project rules, and what the executables import
   unit       natively under the sanitizers, and on Windows (here: under Wine)
   replay     every fuzzer's code over the inputs that are known
   sweep      every system call and every allocation fails in turn (SWEEP_ALL=1: at every occurrence)

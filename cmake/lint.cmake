@@ -15,7 +15,6 @@ if(WIN32)
     zuziptra_check(tool-imports-system-libraries-only scripts/lint-executable imports ${tool})
     zuziptra_check(tool-can-be-relocated-and-protected scripts/lint-executable flags ${tool})
     zuziptra_check(tool-has-its-functions-in-ascending-order scripts/lint-executable functions ${tool})
-    zuziptra_check(executables-have-the-same-bytes-from-another-folder scripts/lint-reproducible ${executable} ${tool})
     return()
 endif()
 
