@@ -1,6 +1,7 @@
 #include "tests/support/allocations.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -15,7 +16,7 @@ constinit std::size_t smallestRefused = SIZE_MAX;
 constinit int refusals = 0;
 
 // In static memory, because all of this may be called before any constructor has run.
-constinit bool counting = false;
+constinit const int* watchedThread = nullptr;  // the address of its errno, or null while nothing is counted
 constinit int failingRequest = 0;
 constinit tHowLong duration = tHowLong::once;
 constinit bool newOnly = false;
@@ -67,7 +68,9 @@ private:
 
 constinit tBlocks blocks;
 
-bool isWatched() noexcept { return counting && tPause::count == 0; }
+bool isThisThreadWatched() noexcept { return watchedThread == &errno; }
+
+bool isWatched() noexcept { return isThisThreadWatched() && tPause::count == 0; }
 
 bool refuses(std::size_t bytes) noexcept {
     if (bytes >= smallestRefused) {
@@ -93,7 +96,7 @@ void fail(int nth, tHowLong howLong, bool requestsByNewOnly) noexcept {
     counts = {0, 0};
     failingRequest = nth;
     duration = howLong;
-    counting = true;
+    watchedThread = &errno;
 }
 
 /// On a thread's first exception, and on the first one for which no memory is left, the runtime libraries allocate
@@ -133,7 +136,7 @@ void startFailingNew(int nth, tHowLong howLong) noexcept {
 }
 
 tCounts stopFailing() noexcept {
-    counting = false;
+    watchedThread = nullptr;
     newOnly = false;
     return counts;
 }
@@ -141,10 +144,10 @@ tCounts stopFailing() noexcept {
 std::size_t held() noexcept { return blocks.size(); }
 
 void* requestByNew(std::size_t bytes) noexcept {
-    // Written only while `new` is made to fail, which happens in one thread.
-    if (newOnly) isNew = true;
+    const bool matters = newOnly && isThisThreadWatched();
+    if (matters) isNew = true;
     void* const block = std::malloc(bytes == 0 ? 1 : bytes);
-    if (newOnly) isNew = false;
+    if (matters) isNew = false;
     return block;
 }
 

@@ -25,8 +25,8 @@ int refused(std::size_t bytes, Action action) {
 
 enum class tHowLong { once, forEver };
 
-/// From now on, requests are counted, their blocks are recorded, and the `nth` request, counted from 1, is refused,
-/// with all later ones if `howLong` says so. If `nth` is 0, none is refused.
+/// From now on, this thread's requests are counted, their blocks are recorded, and the `nth` request, counted from 1,
+/// is refused, with all later ones if `howLong` says so. If `nth` is 0, none is refused.
 void startFailing(int nth, tHowLong howLong) noexcept;
 
 struct tCounts {

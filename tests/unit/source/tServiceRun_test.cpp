@@ -62,6 +62,7 @@ TEST_F(tServiceRun, ReturnsAtOnceWithAMessageIfTheSharedDirectoryIsUnknown) {
 
 TEST_F(tServiceRun, RunningOutOfMemoryDuringTheListingEndsTheRunWithoutAMessage) {
     world.removeStatus();
+    signalServiceStop();  // a run that has enough memory ends as well, but not before it has written its status
     allocations::startFailingNew(1, allocations::tHowLong::once);
     runService();
     EXPECT_TRUE(allocations::stopFailingNew());
