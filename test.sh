@@ -159,7 +159,10 @@ if wanted coverage; then
     for build in native-coverage windows-coverage; do
         programs=(unit_tests trace_tests sweep_tests)
         # Building the tool's tests for Windows once more would take longer than all the rest.
-        [[ $build != native-coverage ]] || programs+=(tool_tests)
+        case $build in
+            native-coverage) programs+=(tool_tests) ;;
+            windows-coverage) programs+=(sdk_tests) ;;
+        esac
         find "build/$build" -name '*.gcda' -delete 2>/dev/null || true
         record builds "$build" ./build.sh "$build" "${programs[@]}" && run 2 "$build" unit sweep
     done
