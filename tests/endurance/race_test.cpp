@@ -43,7 +43,7 @@ protected:
         const int withMany = (lives + 1) / 2;
         EXPECT_EQ(backwards_, 0);
         // A service that ends without its last report looks the same, but would do so in every life.
-        EXPECT_LE(endedByManager_, 2 + withMany * 3 / 4);
+        EXPECT_LE(endedByManager_, 2 + withMany / 2);
         figure(what + ": lives", lives);
         figure(what + ": of these with many stop controls", withMany);
         figure(what + ": controls sent", sent_.load());
