@@ -1,6 +1,7 @@
 #include "tool/run/leftovers.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "tool/format.h"
@@ -15,7 +16,12 @@ std::string counted(std::int64_t count, std::string_view what) {
 }  // namespace
 
 tLeftovers::tLeftovers(std::size_t plugins, tProcessState before)
-    : atStart_(std::move(before)), last_(atStart_), opened_(plugins), firstOpened_(plugins) {}
+    : atStart_(std::move(before)),
+      last_(atStart_),
+      opened_(plugins),
+      firstOpened_(plugins),
+      suspicions_(plugins),
+      suspected_(plugins) {}
 
 void tLeftovers::afterCall(std::size_t plugin, tProcessState now) {
     lastPlugin_ = plugin;
@@ -64,19 +70,29 @@ void tLeftovers::addThings(const tProcessState& now, tTexts& texts) const {
 }
 
 void tLeftovers::addHandles(const tProcessState& now, std::vector<tLeft>& left) {
-    grew_ = now.handles > atStart_.handles;
+    undecided_ = life_ == 0 && now.handles > atStart_.handles;
     if (life_ == 0) {
         firstOpened_ = opened_;
     } else if (now.handles > mostHandles_) {
         for (std::size_t plugin = 0; plugin < opened_.size(); ++plugin) {
-            if (opened_[plugin] <= 0) continue;
-            const std::string text = counted(opened_[plugin], "handle");
-            if (life_ == 1 && firstOpened_[plugin] >= opened_[plugin]) left.push_back({0, plugin, text, true});
-            left.push_back({life_, plugin, text, true});
+            if (opened_[plugin] > 0) suspect(plugin, left);
         }
     }
     mostHandles_ = std::max(mostHandles_, now.handles);
     std::ranges::fill(opened_, 0);
+}
+
+void tLeftovers::suspect(std::size_t plugin, std::vector<tLeft>& left) {
+    std::vector<tLeft>& suspected = suspected_[plugin];
+    const std::string text = counted(opened_[plugin], "handle");
+    if (life_ == 1 && firstOpened_[plugin] >= opened_[plugin]) suspected.push_back({0, plugin, text, true});
+    suspected.push_back({life_, plugin, text, true});
+    if (++suspicions_[plugin] == 1) {
+        undecided_ = true;
+    } else {
+        std::ranges::move(suspected, std::back_inserter(left));
+        suspected.clear();
+    }
 }
 
 }  // namespace nRun

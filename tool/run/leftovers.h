@@ -29,8 +29,10 @@ struct tLeft {
 /// Finds out what plug-ins leave behind, and which plug-in it was, from the states of the process after each call and
 /// after each life.
 ///
-/// Handles may remain open after the first life, because libraries of the system keep some. Plug-ins leak handles if
-/// more are open after a later life than after all lives before it; the first life did, too, if the second does.
+/// Handles may remain open after the first life, because libraries of the system keep some, and after another one,
+/// because runtimes open some when a thread first has to wait, which may not happen in every life. A plug-in therefore
+/// leaks handles if it has left some open after two later lives, and more were open after each of these than after all
+/// lives before; the first life did, too, if the second does.
 class tLeftovers {
 public:
     tLeftovers(std::size_t plugins, tProcessState before);
@@ -45,22 +47,25 @@ public:
     [[nodiscard]] std::vector<tLeft> afterLife(const tProcessState& now);
 
     /// Returns whether only another life can tell if handles have been leaked.
-    [[nodiscard]] bool undecided() const noexcept { return life_ == 1 && grew_; }
+    [[nodiscard]] bool undecided() const noexcept { return undecided_; }
 
 private:
     using tTexts = std::vector<std::vector<std::string>>;  // of each plug-in
 
     void addThings(const tProcessState& now, tTexts& texts) const;
     void addHandles(const tProcessState& now, std::vector<tLeft>& left);
+    void suspect(std::size_t plugin, std::vector<tLeft>& left);
 
     std::size_t life_ = 0;
-    bool grew_ = false;  // whether more handles are open than before the last life
+    bool undecided_ = false;
     std::size_t mostHandles_ = 0;
     std::size_t lastPlugin_ = 0;
     tProcessState atStart_;  // of the life
     tProcessState last_;
     std::vector<std::int64_t> opened_;           // handles that each plug-in has opened in this life, and not closed
     std::vector<std::int64_t> firstOpened_;      // the same of the first life
+    std::vector<int> suspicions_;                // of each plug-in: how many lives seem to have leaked
+    std::vector<std::vector<tLeft>> suspected_;  // and what, as long as it may have been the only time
     std::map<std::string, std::size_t> owners_;  // the plug-in after whose call each thing was there for the first time
 };
 

@@ -55,9 +55,24 @@ TEST(tLeftovers, AreTheHandlesThatEachLaterLifeAdds) {
     std::size_t handles = 10;
     tLeftovers leftovers(2, withHandles(handles));
     EXPECT_THAT(life(leftovers, handles, {2, 0}), IsEmpty());
-    EXPECT_THAT(life(leftovers, handles, {1, 0}), ElementsAre("0 0: 1 handle", "1 0: 1 handle"));
-    EXPECT_THAT(life(leftovers, handles, {2, 0}), ElementsAre("2 0: 2 handles"));
+    EXPECT_THAT(life(leftovers, handles, {1, 0}), IsEmpty());
+    EXPECT_TRUE(leftovers.undecided()) << "a third life will tell";
+    EXPECT_THAT(life(leftovers, handles, {2, 0}), ElementsAre("0 0: 1 handle", "1 0: 1 handle", "2 0: 2 handles"));
+    EXPECT_FALSE(leftovers.undecided());
+    EXPECT_THAT(life(leftovers, handles, {3, 0}), ElementsAre("3 0: 3 handles"));
     EXPECT_THAT(life(leftovers, handles, {0, 0}), IsEmpty());
+}
+
+TEST(tLeftovers, LetOneLaterLifeOfEachPluginKeepHandlesOpen) {
+    std::size_t handles = 10;
+    tLeftovers leftovers(2, withHandles(handles));
+    EXPECT_THAT(life(leftovers, handles, {3, 0}), IsEmpty());
+    EXPECT_THAT(life(leftovers, handles, {2, 0}), IsEmpty());
+    EXPECT_TRUE(leftovers.undecided());
+    EXPECT_THAT(life(leftovers, handles, {0, 2}), IsEmpty());
+    EXPECT_TRUE(leftovers.undecided());
+    EXPECT_THAT(life(leftovers, handles, {0, 0}), IsEmpty());
+    EXPECT_FALSE(leftovers.undecided());
 }
 
 TEST(tLeftovers, AreNotAddedToTheFirstLifeIfItLeftFewerHandles) {
@@ -65,7 +80,8 @@ TEST(tLeftovers, AreNotAddedToTheFirstLifeIfItLeftFewerHandles) {
     tLeftovers leftovers(1, withHandles(handles));
     EXPECT_THAT(life(leftovers, handles, {0}), IsEmpty());
     EXPECT_FALSE(leftovers.undecided());
-    EXPECT_THAT(life(leftovers, handles, {1}), ElementsAre("1 0: 1 handle"));
+    EXPECT_THAT(life(leftovers, handles, {1}), IsEmpty());
+    EXPECT_THAT(life(leftovers, handles, {1}), ElementsAre("1 0: 1 handle", "2 0: 1 handle"));
 }
 
 TEST(tLeftovers, AreNoHandlesThatOnlyReplaceClosedOnes) {
@@ -74,7 +90,9 @@ TEST(tLeftovers, AreNoHandlesThatOnlyReplaceClosedOnes) {
     EXPECT_THAT(life(leftovers, handles, {3, 0}), IsEmpty());
     EXPECT_THAT(life(leftovers, handles, {-2, 0}), IsEmpty());
     EXPECT_THAT(life(leftovers, handles, {0, 2}), IsEmpty());
-    EXPECT_THAT(life(leftovers, handles, {-1, 2}), ElementsAre("3 1: 2 handles"));
+    EXPECT_FALSE(leftovers.undecided());
+    EXPECT_THAT(life(leftovers, handles, {-1, 2}), IsEmpty());
+    EXPECT_THAT(life(leftovers, handles, {-1, 2}), ElementsAre("3 1: 2 handles", "4 1: 2 handles"));
 }
 
 TEST(tLeftovers, AreTheLastPluginsIfHandlesAppearBetweenTheCalls) {
@@ -84,7 +102,10 @@ TEST(tLeftovers, AreTheLastPluginsIfHandlesAppearBetweenTheCalls) {
     EXPECT_THAT(leftovers.afterLife(withHandles(1)), IsEmpty());
     leftovers.afterCall(1, withHandles(1));
     leftovers.afterCall(0, withHandles(1));
-    EXPECT_THAT(texts(leftovers.afterLife(withHandles(4))), ElementsAre("1 0: 3 handles"));
+    EXPECT_THAT(leftovers.afterLife(withHandles(4)), IsEmpty());
+    leftovers.afterCall(1, withHandles(4));
+    leftovers.afterCall(0, withHandles(4));
+    EXPECT_THAT(texts(leftovers.afterLife(withHandles(8))), ElementsAre("1 0: 3 handles", "2 0: 4 handles"));
 }
 
 /// A state with threads of these ids.
