@@ -77,16 +77,13 @@ void tImage::readOptionalHeader(std::uint64_t at, std::uint64_t size) {
 }
 
 void tImage::readDirectories(std::uint64_t at, std::uint64_t end) {
-    constexpr std::uint64_t entrySize = 8;
+    constexpr std::uint64_t entrySize = sizeof(tDirectory);
     const std::uint64_t first = at + 4;
     if (first > end) throw tUnreadable{"its header is too short"};
     const std::uint64_t count = std::min<std::uint64_t>(headerNumber<std::uint32_t>(file_, at), mostDirectories);
-    directories_.reserve(count);
-    for (std::uint64_t i = 0; i < std::min(count, (end - first) / entrySize); ++i) {
-        const std::uint64_t entry = first + i * entrySize;
-        directories_.push_back(
-            {headerNumber<std::uint32_t>(file_, entry), headerNumber<std::uint32_t>(file_, entry + 4)});
-    }
+    const std::uint64_t size = std::min(count, (end - first) / entrySize) * entrySize;
+    if (first > file_.size() || file_.size() - first < size) throw tUnreadable{"its headers are incomplete"};
+    directories_ = file_.subspan(first, size);
 }
 
 void tImage::mapSections(std::uint64_t table, std::uint16_t count) {
@@ -122,51 +119,20 @@ void tImage::mapSection(std::uint64_t header) {
 }
 
 tDirectory tImage::directory(tTable table) const noexcept {
-    const auto number = static_cast<std::size_t>(table);
-    return number < directories_.size() ? directories_[number] : tDirectory{};
+    const std::size_t at = static_cast<std::size_t>(table) * sizeof(tDirectory);
+    tDirectory directory;
+    if (at < directories_.size()) std::memcpy(&directory, directories_.data() + at, sizeof directory);
+    return directory;
 }
 
-const tImage::tRegion& tImage::regionAt(std::uint64_t rva, std::uint64_t size) {
-    // Most tables and names are in the region of the previous one.
-    if (regions_[lastRegion_].contains(rva, size)) return regions_[lastRegion_];
+const tImage::tRegion& tImage::findRegion(std::uint64_t rva, std::uint64_t size) {
     const auto next =
         std::upper_bound(regions_.begin(), regions_.end(), rva,
                          [](std::uint64_t address, const tRegion& region) { return address < region.rva; });
-    const auto found = std::prev(next);  // the first region begins at 0
-    if (!found->contains(rva, size)) throw tUnreadable{"a table or a name is outside its sections"};
-    lastRegion_ = static_cast<std::size_t>(found - regions_.begin());
-    return *found;
+    const tRegion& found = *std::prev(next);  // the first region begins at 0
+    if (!found.contains(rva, size)) throw tUnreadable{"a table or a name is outside its sections"};
+    return lastRegion_ = found;
 }
-
-bool tImage::tRegion::contains(std::uint64_t address, std::uint64_t length) const noexcept {
-    return address >= rva && address - rva <= size && size - (address - rva) >= length;
-}
-
-std::span<const std::byte> tImage::tRegion::from(std::uint64_t address) const {
-    return bytes.subspan(std::min<std::uint64_t>(address - rva, bytes.size()));
-}
-
-void tImage::spend(std::uint64_t bytes) {
-    if (bytes > unspent_) throw tUnreadable{"its tables overlap"};
-    unspent_ -= bytes;
-}
-
-template <class Number>
-Number tImage::read(std::uint64_t rva) {
-    spend(sizeof(Number));
-    const std::span<const std::byte> bytes = regionAt(rva, sizeof(Number)).from(rva);
-    Number number{};
-    if (bytes.size() >= sizeof number) {
-        std::memcpy(&number, bytes.data(), sizeof number);
-    } else {
-        std::ranges::copy(bytes, std::as_writable_bytes(std::span(&number, 1)).begin());
-    }
-    return number;
-}
-
-std::uint16_t tImage::read16(std::uint64_t rva) { return read<std::uint16_t>(rva); }
-std::uint32_t tImage::read32(std::uint64_t rva) { return read<std::uint32_t>(rva); }
-std::uint64_t tImage::read64(std::uint64_t rva) { return read<std::uint64_t>(rva); }
 
 std::string_view tImage::readText(std::uint64_t rva) {
     const tRegion& region = regionAt(rva, 1);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -38,9 +40,9 @@ public:
 
     /// These return what is in memory at the address, where the end of a section without bytes in the file is zero.
     /// Throw tUnreadable if the address is outside the image, and if the tables overlap.
-    [[nodiscard]] std::uint16_t read16(std::uint64_t rva);
-    [[nodiscard]] std::uint32_t read32(std::uint64_t rva);
-    [[nodiscard]] std::uint64_t read64(std::uint64_t rva);
+    [[nodiscard]] std::uint16_t read16(std::uint64_t rva) { return read<std::uint16_t>(rva); }
+    [[nodiscard]] std::uint32_t read32(std::uint64_t rva) { return read<std::uint32_t>(rva); }
+    [[nodiscard]] std::uint64_t read64(std::uint64_t rva) { return read<std::uint64_t>(rva); }
     /// Returns the bytes up to a zero. Borrows them.
     [[nodiscard]] std::string_view readText(std::uint64_t rva);
 
@@ -51,9 +53,13 @@ private:
         std::uint64_t size = 0;
         std::span<const std::byte> bytes;  ///< at most `size` of them
 
-        [[nodiscard]] bool contains(std::uint64_t address, std::uint64_t length) const noexcept;
+        [[nodiscard]] bool contains(std::uint64_t address, std::uint64_t length) const noexcept {
+            return address >= rva && address - rva <= size && size - (address - rva) >= length;
+        }
         /// Returns the bytes from an address inside the region.
-        [[nodiscard]] std::span<const std::byte> from(std::uint64_t address) const;
+        [[nodiscard]] std::span<const std::byte> from(std::uint64_t address) const noexcept {
+            return bytes.subspan(std::min<std::uint64_t>(address - rva, bytes.size()));
+        }
     };
 
     void readOptionalHeader(std::uint64_t at, std::uint64_t size);
@@ -61,8 +67,15 @@ private:
     void mapSections(std::uint64_t table, std::uint16_t count);
     void mapSection(std::uint64_t header);
     /// Returns the region of the address. Throws tUnreadable if it does not contain `size` bytes from there.
-    [[nodiscard]] const tRegion& regionAt(std::uint64_t rva, std::uint64_t size);
-    void spend(std::uint64_t bytes);
+    [[nodiscard]] const tRegion& regionAt(std::uint64_t rva, std::uint64_t size) {
+        // Most tables and names are in the region of the previous one.
+        return lastRegion_.contains(rva, size) ? lastRegion_ : findRegion(rva, size);
+    }
+    [[nodiscard]] const tRegion& findRegion(std::uint64_t rva, std::uint64_t size);
+    void spend(std::uint64_t bytes) {
+        if (bytes > unspent_) throw tUnreadable{"its tables overlap"};
+        unspent_ -= bytes;
+    }
     template <class Number>
     [[nodiscard]] Number read(std::uint64_t rva);
 
@@ -77,9 +90,22 @@ private:
     std::uint32_t sectionAlignment_ = 0;
     std::uint64_t imageSize_ = 0;
     std::uint64_t headersSize_ = 0;
-    std::vector<tDirectory> directories_;
+    std::span<const std::byte> directories_;
     std::vector<tRegion> regions_;  ///< in ascending order, without overlaps
-    std::size_t lastRegion_ = 0;
+    tRegion lastRegion_;
 };
+
+template <class Number>
+Number tImage::read(std::uint64_t rva) {
+    spend(sizeof(Number));
+    const std::span<const std::byte> bytes = regionAt(rva, sizeof(Number)).from(rva);
+    Number number{};
+    if (bytes.size() >= sizeof number) {
+        std::memcpy(&number, bytes.data(), sizeof number);
+    } else if (!bytes.empty()) {
+        std::memcpy(&number, bytes.data(), bytes.size());
+    }
+    return number;
+}
 
 }  // namespace nPe

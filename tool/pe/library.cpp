@@ -102,13 +102,6 @@ void readDelayedImports(tImage& image, tLibrary& library) {
 
 }  // namespace
 
-void tImportedSymbols::add(const tImportedSymbol& symbol) {
-    text_.append(symbol.name) += '\0';
-    if (!symbol.name.empty()) return;
-    text_ += static_cast<char>(symbol.ordinal & 0xFF);
-    text_ += static_cast<char>(symbol.ordinal >> 8);
-}
-
 std::vector<tImportedSymbol> tImportedSymbols::list() const {
     std::vector<tImportedSymbol> symbols;
     for (std::string_view rest = text_; !rest.empty();) {

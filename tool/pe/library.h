@@ -34,7 +34,12 @@ public:
     }
 
     /// Requires: the name contains no zero, and the number has 16 bits.
-    void add(const tImportedSymbol& symbol);
+    void add(const tImportedSymbol& symbol) {
+        text_.append(symbol.name) += '\0';
+        if (!symbol.name.empty()) return;
+        text_ += static_cast<char>(symbol.ordinal & 0xFF);
+        text_ += static_cast<char>(symbol.ordinal >> 8);
+    }
     void clear() noexcept { text_.clear(); }
     [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
     /// Returns the functions in their order. Borrows the names from this object.
