@@ -80,7 +80,12 @@ tMachine thisMachine(const tFolderMap& folderMap, const tHostFolders& host) {
     machine.findPath = [folders, map](const std::string& path) { return findPath(map, path, *folders); };
     machine.readLibrary = cachedLibraries();
     machine.identityOf = nFileIdentity::of;
-    machine.isSystemLibrary = [](const std::string& name) { return isApiSet(name) || isInEveryWindows(name); };
+    // The libraries of one folder import the same ones again and again.
+    machine.isSystemLibrary = [answers = std::unordered_map<std::string, bool>()](const std::string& name) mutable {
+        const auto [answer, isNew] = answers.try_emplace(name);
+        if (isNew) answer->second = isApiSet(name) || isInEveryWindows(name);
+        return answer->second;
+    };
     machine.mayBeSystemLibrary = looksLikeWindows;
     machine.systemFolder = machine.findPath(R"(C:\Windows\System32)").value_or(std::string());
     machine.applicationFolder = host.application;

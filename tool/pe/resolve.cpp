@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <map>
+#include <set>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "tool/pe/windowsPath.h"
@@ -78,8 +79,9 @@ private:
     std::string folder_;
     std::uint16_t processor_ = 0;
     std::vector<tNode> nodes_;  ///< in the order in which they were met
-    std::unordered_set<std::string> met_;
-    std::unordered_map<std::string, tPlace> places_;  ///< by name in lower case
+    // Of most libraries, so few others are needed that a hash table takes longer.
+    std::set<std::string> met_;
+    std::map<std::string, tPlace> places_;  ///< by name in lower case
     std::unordered_map<const tLibrary*, std::unordered_map<std::uint32_t, const tExport*>> byOrdinal_;
     std::vector<tMissing> missing_;
 };
@@ -88,10 +90,10 @@ tWalk::tWalk(const tLocation& location, const tMachine& machine) : machine_(mach
     const auto* const library = std::get_if<tLibrary>(&machine.readLibrary(location.file));
     if (library == nullptr) return;
     processor_ = library->machine;
-    const tPlace place{location.file, library, false, {}};
+    tPlace place{location.file, library, false, {}};
     load(place, 0);
     const std::string name = toLowerAscii(fileNameOf(location.file));
-    if (!machine.loadedLibraries.contains(name)) places_[name] = place;
+    if (!machine.loadedLibraries.contains(name)) places_.emplace(name, std::move(place));
 }
 
 tLoad tWalk::run() && {
