@@ -21,15 +21,13 @@ std::size_t indexOf(std::string_view key) noexcept {
     return static_cast<std::size_t>(std::find(nKeys::all.begin(), nKeys::all.end(), key) - nKeys::all.begin());
 }
 
-tKeyLines findLines(nIni::tDocument& document) {
-    tKeyLines lines;
+tKeys findKeys(nIni::tDocument& document) {
+    tKeys keys{};
     nIni::tSection* const service = nIni::findSection(document, nDescriptionFormat::section);
-    if (service == nullptr) return lines;
-    for (const std::string_view name : nKeys::all) {
-        const nIni::tKey* const key = nIni::findKey(*service, document.caseSensitive != 0, name);
-        if (key != nullptr) lines.set(name, key->line);
-    }
-    return lines;
+    if (service == nullptr) return keys;
+    std::transform(nKeys::all.begin(), nKeys::all.end(), keys.begin(),
+                   [&](std::string_view name) { return nIni::findKey(*service, document.caseSensitive != 0, name); });
+    return keys;
 }
 
 /// Describes a file that the host cannot read at all.
@@ -64,9 +62,10 @@ int read(const std::string& path, tDescriptionFile& result) {
     } else {
         result.description = std::move(description);
     }
-    result.lines = findLines(document);
+    const tKeys keys = findKeys(document);
+    result.lines = tKeyLines(keys);
     findInLines(text, rejected, result.lines, result.findings);
-    if (result.description) findInValues(document, *result.description, result.findings);
+    if (result.description) findInValues(keys, *result.description, result.findings);
     return *code;
 }
 
@@ -78,6 +77,12 @@ int readIfNamed(const std::string& path, tDescriptionFile& result) try {
 }
 
 }  // namespace
+
+tKeyLines::tKeyLines(const tKeys& keys) noexcept {
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        if (keys[i] != nullptr) lines_[i] = keys[i]->line;
+    }
+}
 
 std::optional<int> tKeyLines::of(std::string_view key) const noexcept { return lines_[indexOf(key)]; }
 

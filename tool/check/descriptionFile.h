@@ -7,6 +7,7 @@
 
 #include "source/descriptionFormat.h"
 #include "source/nPluginData.h"
+#include "tool/check/descriptionValues.h"
 #include "tool/check/fileFindings.h"
 
 namespace nCheck {
@@ -14,6 +15,9 @@ namespace nCheck {
 /// The lines of the keys that count, in the order of nDescriptionFormat::nKeys::all.
 class tKeyLines {
 public:
+    tKeyLines() = default;  ///< of a file without keys
+    explicit tKeyLines(const tKeys& keys) noexcept;
+
     /// Returns nullopt if the file has no such key. Requires: the name is one of nKeys.
     [[nodiscard]] std::optional<int> of(std::string_view key) const noexcept;
     void set(std::string_view key, int line) noexcept;

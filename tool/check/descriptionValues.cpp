@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "source/descriptionFormat.h"
 #include "tool/check/requiresValue.h"
 #include "tool/check/wording.h"
 
@@ -64,11 +63,10 @@ void checkValue(const nIni::tKey& key, std::string_view name, const tPluginDescr
 
 }  // namespace
 
-void findInValues(nIni::tDocument& document, tPluginDescription& description, tFileFindings& findings) {
-    nIni::tSection* const service = nIni::findSection(document, nDescriptionFormat::section);
-    if (service == nullptr) return;
-    for (const std::string_view name : nKeys::all) {
-        const nIni::tKey* const key = nIni::findKey(*service, document.caseSensitive != 0, name);
+void findInValues(const tKeys& keys, tPluginDescription& description, tFileFindings& findings) {
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const nIni::tKey* const key = keys[i];
+        const std::string_view name = nKeys::all[i];
         if (key == nullptr) continue;
         if (name == nKeys::requiresMask) {
             findInRequires(key->value, key->line, description.requiresMask, findings);
