@@ -64,8 +64,10 @@ std::optional<int> parseDescription(const std::string& file, nIni::tDocument& do
     const tFileDescriptor opened(file);
     if (opened.number() < 0) return std::nullopt;
     if (!readAll(opened.number(), text)) return nIni::fileNotRead;
+    std::array<char, 4096> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): the stream fills it
     const nIni::tFile stream(fmemopen(text.data(), text.size(), "rb"));
     if (stream == nullptr) throw std::bad_alloc();
+    std::setvbuf(stream.get(), buffer.data(), _IOFBF, buffer.size());
     return nIni::parseStream(document, stream.get());
 }
 
