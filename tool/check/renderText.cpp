@@ -13,8 +13,13 @@ using nPlainText::printable;
 constexpr std::size_t widestName = 40;
 
 std::string codeText(const tPredictedPlugin& plugin) {
-    if (plugin.code) return fmt::format("{}", *plugin.code);
+    if (plugin.code) return std::to_string(*plugin.code);
     return plugin.mayStart ? "-" : "fails";
+}
+
+/// Returns the text with so many blanks in front of it that it takes this many columns. Requires: ASCII text.
+std::string rightAligned(const std::string& text, std::size_t columns) {
+    return std::string(columns - std::min(columns, text.size()), ' ') + text;
 }
 
 void appendFindings(std::string& text, const tPrediction& prediction, bool colour) {
@@ -41,10 +46,11 @@ void appendOrder(std::string& text, const tPrediction& prediction, bool colour) 
     text += "Start order, and the code of each start (-: the plug-in's own code decides, or it is unknown):\n";
     std::size_t number = 0;
     for (const tPredictedPlugin& plugin : prediction.plugins) {
-        const std::string code = fmt::format("{:>7}", codeText(plugin));
-        text += fmt::format("{:>5}  {:<{}}  {}  {}\n", ++number, printable(plugin.description.name), width,
-                            !plugin.mayStart && colour ? fmt::format("\x1B[1;31m{}\x1B[0m", code) : code,
-                            printable(plugin.file));
+        const bool red = colour && !plugin.mayStart;
+        const std::string name = printable(plugin.description.name);
+        text += rightAligned(std::to_string(++number), 5) + "  " + name;
+        text.append(width - std::min(width, nPlainText::columns(name)), ' ') += red ? "  \x1B[1;31m" : "  ";
+        text += rightAligned(codeText(plugin), 7) + (red ? "\x1B[0m  " : "  ") + printable(plugin.file) + '\n';
     }
     text += '\n';
 }

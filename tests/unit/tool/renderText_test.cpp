@@ -59,6 +59,16 @@ TEST(checkText, HasColoursIfTheyAreWanted) {
     EXPECT_THAT(toText(somePrediction(), false), Not(HasSubstr("\x1B")));
 }
 
+TEST(checkText, AlignsTheCodesWhateverTheNamesConsistOf) {
+    tPrediction prediction;
+    prediction.plugins = {{"a.ini", support::described("Settings"), 0},
+                          {"b.ini", support::described("e\u0301e\u0301"), 0},
+                          {"c.ini", support::described("\u65E5\u672C"), 0}};
+    EXPECT_THAT(toText(prediction, false), HasSubstr("  Settings        0  a.ini\n"));
+    EXPECT_THAT(toText(prediction, false), HasSubstr("  e\u0301e\u0301              0  b.ini\n"));
+    EXPECT_THAT(toText(prediction, false), HasSubstr("  \u65E5\u672C            0  c.ini\n"));
+}
+
 TEST(checkText, IsUtf8ThatControlsNeitherTheTerminalNorTheDirectionOfWriting) {
     tPrediction prediction;
     prediction.plugins = {{"a\n.ini", support::described("A\x1B[31mB\xFF\u202E"), 0}};
