@@ -67,10 +67,7 @@ std::string describeCircle(const std::vector<std::size_t>& circle, const tCatalo
 class tExamination {
 public:
     tExamination(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes, const std::vector<std::string>& assumed)
-        : catalogue_(catalogue),
-          circles_(catalogue, mayStart(outcomes)),
-          names_(allNames(catalogue)),
-          assumed_(assumed.begin(), assumed.end()) {
+        : catalogue_(catalogue), circles_(catalogue, mayStart(outcomes)), assumed_(assumed.begin(), assumed.end()) {
         for (const tDescriptionFile& file : catalogue.files()) {
             if (!file.rejectedName.empty()) rejected_.emplace(file.rejectedName, file.findings.file());
         }
@@ -90,12 +87,13 @@ private:
     void examineUnknown(std::size_t plugin, const std::string& name);
     void examineKnown(std::size_t plugin, const std::string& name, const tNamed& named);
     void reportCircle(std::size_t plugin, const std::vector<std::size_t>& circle);
+    [[nodiscard]] nSimilarNames::tNames& names();
     [[nodiscard]] tChainRemedies& remedies();
 
     tCatalogue& catalogue_;
     tCircles circles_;
-    nSimilarNames::tNames names_;
-    std::optional<tChainRemedies> remedies_;  ///< none until one is needed
+    std::optional<nSimilarNames::tNames> names_;  ///< none until they are needed
+    std::optional<tChainRemedies> remedies_;      ///< none until one is needed
     std::unordered_set<std::string> assumed_;
     std::unordered_map<std::string, std::string> rejected_;  ///< the files that the host rejects, by the plug-in's name
     std::unordered_map<std::string_view, std::size_t> firstStart_;  ///< of each name that may start, the first rank
@@ -131,7 +129,7 @@ void tExamination::examineUnknown(std::size_t plugin, const std::string& name) {
             "Correct " + rejected->second + ".");
         return;
     }
-    if (const auto other = names_.differingInCase(name)) {
+    if (const auto other = names().differingInCase(name)) {
         add(plugin, "dependency-case",
             "no description has the name " + quoted(name) + "; there is " + quoted(*other) + ", and case matters",
             "Write " + quoted(*other) + ".");
@@ -140,7 +138,7 @@ void tExamination::examineUnknown(std::size_t plugin, const std::string& name) {
     const std::string message = "no description has the name " + quoted(name);
     if (nSimilarNames::hasOtherSeparator(name)) {
         add(plugin, "unknown-dependency", message, "Separate the names by commas.");
-    } else if (const auto similar = names_.similarTo(name)) {
+    } else if (const auto similar = names().similarTo(name)) {
         add(plugin, "unknown-dependency", message + "; there is " + quoted(*similar));
     } else {
         add(plugin, "unknown-dependency", message);
@@ -164,8 +162,13 @@ void tExamination::examineKnown(std::size_t plugin, const std::string& name, con
     }
 }
 
+nSimilarNames::tNames& tExamination::names() {
+    if (!names_) names_.emplace(allNames(catalogue_));
+    return *names_;
+}
+
 tChainRemedies& tExamination::remedies() {
-    if (!remedies_) remedies_.emplace(catalogue_, corrections(catalogue_, names_));
+    if (!remedies_) remedies_.emplace(catalogue_, corrections(catalogue_, names()));
     return *remedies_;
 }
 
