@@ -1,8 +1,7 @@
 #include "tool/check/wording.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <iterator>
+#include <numeric>
 
 namespace nWording {
 namespace {
@@ -38,8 +37,8 @@ std::string quoted(std::string_view text) {
 
 bool isUtf8(std::string_view text) noexcept {
     // Almost every text is ASCII, which a compiler examines many bytes at a time if the loop ends nowhere else.
-    if (std::ranges::count_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; }) == std::ssize(text))
-        return true;
+    const auto join = [](unsigned all, char c) { return all | static_cast<unsigned char>(c); };
+    if (std::accumulate(text.begin(), text.end(), 0U, join) < 0x80) return true;
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
         if (length == 0) return false;
