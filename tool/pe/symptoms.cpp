@@ -77,6 +77,7 @@ bool isDebugRuntime(std::string_view library) {
     static constexpr std::array<std::string_view, 9> families{"ucrtbase", "vcruntime", "vccorlib", "vcomp", "msvcrt",
                                                               "msvcr",    "msvcp",     "concrt",   "mfc"};
     const std::string name = toLowerAscii(library);
+    if (!name.ends_with("d.dll")) return false;
     return std::ranges::any_of(families, [&name](std::string_view family) {
         std::string_view rest = name;
         if (!skip(rest, family)) return false;
