@@ -60,9 +60,10 @@ std::size_t likenessOf(const nPe::tLibrary& library) {
 
 tLibraries::tLibraries(nPe::tFolderMap folderMap)
     : runsHost_(nThisMachine::runsHost()), folderMap_(std::move(folderMap)), machine_(nPe::thisMachine(folderMap_)) {
+    if (!runsHost_) return;
     // The host's query of the deployment setting has loaded it, if it is there.
     const auto framework = machine_.findFile(machine_.applicationFolder, nZusysapi::libraryName);
-    if (runsHost_ && framework) nPe::addLoaded(machine_, {*framework});
+    if (framework) nPe::addLoaded(machine_, {*framework});
 }
 
 tLibraries::tLibraries(nPe::tMachine machine) : runsHost_(true), machine_(std::move(machine)) {}
@@ -140,9 +141,12 @@ tLoadVerdict tLibraries::examineFile(const nPe::tLocation& location, const tExam
 
 /// Files are identified only if they look alike, because opening one again takes as long as reading it.
 void tLibraries::findSecondUse(const std::string& file, const nPe::tLibrary& library, const tExamined& examined) {
-    const tUse use{file, examined.findings.file()};
-    const auto [alike, isNew] = alike_.try_emplace(likenessOf(library), use);
-    if (isNew) return;
+    tUse use{file, examined.findings.file()};
+    const auto [alike, isNew] = alike_.try_emplace(likenessOf(library));
+    if (isNew) {
+        alike->second = std::move(use);
+        return;
+    }
     const auto addUser = [this](const tUse& added) {
         const std::string identity = machine_.identityOf(added.library);
         return users_.try_emplace(identity.empty() ? added.library : identity, added.description);
