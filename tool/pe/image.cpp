@@ -1,6 +1,7 @@
 #include "tool/pe/image.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <iterator>
@@ -100,10 +101,7 @@ void tImage::mapSections(std::uint64_t table, std::uint16_t count) {
 }
 
 void tImage::mapSection(std::uint64_t header) {
-    const std::uint64_t virtualSize = headerNumber<std::uint32_t>(file_, header + 8);
-    const std::uint64_t rva = headerNumber<std::uint32_t>(file_, header + 12);
-    const std::uint64_t rawSize = headerNumber<std::uint32_t>(file_, header + 16);
-    const std::uint64_t raw = headerNumber<std::uint32_t>(file_, header + 20);
+    const auto [virtualSize, rva, rawSize, raw] = headerNumber<std::array<std::uint32_t, 4>>(file_, header + 8);
     tRegion region{rva, roundUp(virtualSize == 0 ? rawSize : virtualSize, pageSize), {}};
     if (rva + region.size > imageSize_) throw tUnreadable{"a section ends after the image"};
     if (rva < regions_.back().rva + regions_.back().size) throw tUnreadable{"its sections overlap"};
