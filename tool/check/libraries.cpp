@@ -188,9 +188,9 @@ bool tLibraries::mayRefuse(const std::vector<std::string>& loaded) const {
 bool tLibraries::borrows(const nPe::tLocation& location, const nPe::tLoad& load) const {
     const std::vector<std::string>& searched = machine_.searchFolders;
     return std::any_of(load.loaded.begin(), load.loaded.end(), [&](const std::string& file) {
+        if (file == location.file) return false;
         const std::string folder = nPe::folderOf(file);
-        return file != location.file && folder != location.folder &&
-               std::find(searched.begin(), searched.end(), folder) == searched.end();
+        return folder != location.folder && std::find(searched.begin(), searched.end(), folder) == searched.end();
     });
 }
 
