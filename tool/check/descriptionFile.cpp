@@ -88,9 +88,9 @@ std::optional<int> tKeyLines::of(std::string_view key) const noexcept { return l
 
 void tKeyLines::set(std::string_view key, int line) noexcept { lines_[indexOf(key)] = line; }
 
-tDescriptionFile readFile(const std::string& path) {
-    tDescriptionFile result(path);
-    const int code = readIfNamed(path, result);
+tDescriptionFile readFile(std::string path) {
+    tDescriptionFile result(std::move(path));
+    const int code = readIfNamed(result.findings.file(), result);
     if (code < 0) addUnreadable(result.findings, code);
     return result;
 }

@@ -37,6 +37,6 @@ struct tDescriptionFile {
 };
 
 /// Reads the file, and finds what is wrong with its lines and values. Throws std::bad_alloc.
-[[nodiscard]] tDescriptionFile readFile(const std::string& path);
+[[nodiscard]] tDescriptionFile readFile(std::string path);
 
 }  // namespace nCheck

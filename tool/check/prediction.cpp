@@ -1,6 +1,7 @@
 #include "tool/check/prediction.h"
 
 #include <iterator>
+#include <utility>
 
 #include "source/descriptionFormat.h"
 #include "source/runMessages.h"
@@ -17,12 +18,12 @@ namespace nCheck {
 namespace {
 
 /// Reads the files as the host does, and adds a message for each that it rejects.
-std::vector<tDescriptionFile> readAll(const std::vector<std::string>& paths, std::vector<std::string>& messages) {
+std::vector<tDescriptionFile> readAll(std::vector<std::string> paths, std::vector<std::string>& messages) {
     std::vector<tDescriptionFile> files;
     files.reserve(paths.size());
-    for (const std::string& path : paths) {
-        files.push_back(readFile(path));
-        if (!files.back().description) messages.push_back(nRunMessages::descriptionNotParsed + path);
+    for (std::string& path : paths) {
+        const tDescriptionFile& file = files.emplace_back(readFile(std::move(path)));
+        if (!file.description) messages.push_back(nRunMessages::descriptionNotParsed + file.findings.file());
     }
     return files;
 }
@@ -70,7 +71,7 @@ tPrediction predict(const tRequest& request) {
     prediction.findings = std::move(listing.findings);
     if (!prediction.messages.empty()) return prediction;  // the host gives up
 
-    tCatalogue catalogue(readAll(listing.files, prediction.messages));
+    tCatalogue catalogue(readAll(std::move(listing.files), prediction.messages));
     decideAllowed(request, prediction);
     const std::vector<tOutcome> outcomes = startAll(request, prediction.allowedMask, catalogue);
     findInNames(catalogue);
