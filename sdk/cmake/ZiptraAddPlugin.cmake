@@ -31,6 +31,9 @@ function(ziptra_add_plugin name)
     set(library "${CMAKE_BINARY_DIR}/plugins/${name}.dll")
     _ziptra_write_description(${name} "${library}")
     _ziptra_write_version(${name})
+    list(JOIN plugin_SOURCES ", " sources)
+    string(CONCAT plugin_note "${name}.ini was written by ziptra_add_plugin(${name} ...) in ${CMAKE_CURRENT_LIST_FILE}: "
+        "correct its arguments, or its sources: ${sources}")
     _ziptra_set_check_command()
 
     if(plugin_LANGUAGE STREQUAL "rust")
@@ -99,13 +102,16 @@ function(_ziptra_write_version name)
     configure_file("${_ZIPTRA_CMAKE}/plugin.rc.in" "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc" @ONLY)
 endfunction()
 
-# Sets plugin_check, the command that examines plugin_descriptions. No feature is forbidden: the machine of the build says
-# nothing about that of the service.
+# Sets plugin_check, the command that examines plugin_descriptions, and ends what it reports with plugin_note if that is
+# set. No feature is forbidden: the machine of the build says nothing about that of the service.
 function(_ziptra_set_check_command)
     set(arguments check --quiet --allowed 0xFFFFFFFF)
     foreach(other IN LISTS plugin_assumed)
         list(APPEND arguments --assume "${other}")
     endforeach()
+    if(plugin_note)
+        list(APPEND arguments --note "${plugin_note}")
+    endif()
     if(CMAKE_CROSSCOMPILING AND EXISTS "${ZIPTRA_SDK}/bin/ziptra")
         set(command "${ZIPTRA_SDK}/bin/ziptra" ${arguments} --map Z:=/ ${plugin_descriptions})
     else()

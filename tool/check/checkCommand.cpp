@@ -6,6 +6,7 @@
 #include "tool/check/prediction.h"
 #include "tool/check/render.h"
 #include "tool/finding.h"
+#include "tool/plainText.h"
 #include "tool/requestCommand.h"
 
 namespace nCheck {
@@ -13,18 +14,25 @@ namespace {
 
 struct tOptions {
     tRequest request;
+    std::string note;
     bool json = false;
     bool strict = false;
     bool quiet = false;
 };
 
-void run(const tOptions& options, tContext& context) {
-    const tPrediction prediction = nRequest::predict(options.request, context);
+void print(const tOptions& options, const tPrediction& prediction, tContext& context) {
     if (options.json) {
         context.out << toJson(prediction);
-    } else if (!options.quiet || !prediction.findings.empty() || !prediction.messages.empty()) {
-        context.out << toText(prediction, context.colour);
+        return;
     }
+    const bool anything = !prediction.findings.empty() || !prediction.messages.empty();
+    if (anything || !options.quiet) context.out << toText(prediction, context.colour);
+    if (anything && !options.note.empty()) context.out << nPlainText::printable(options.note) << '\n';
+}
+
+void run(const tOptions& options, tContext& context) {
+    const tPrediction prediction = nRequest::predict(options.request, context);
+    print(options, prediction, context);
     context.exitCode = nFinding::matter(prediction.findings, options.strict) ? exitFindings : exitNothingFound;
 }
 
@@ -47,6 +55,10 @@ void addCommand(CLI::App& program, tContext& context) {
         ->allow_extra_args(false);
     command->add_flag("--json", options->json, "Print one JSON document");
     command->add_flag("--strict", options->strict, "Let warnings count for the exit code, too");
+    command
+        ->add_option("--note", options->note,
+                     "A line for the end, if there is something to report: for builds, which command wrote the file")
+        ->type_name("TEXT");
     command->add_flag("--quiet", options->quiet, "Print nothing if there is nothing to report, as builds like it");
     command->footer(
         "Example: ziptra check plugins\n"

@@ -79,6 +79,19 @@ TEST_F(checkCommand, PrintsNothingIfItIsQuietAndThereIsNothingToReport) {
     EXPECT_EQ(run({"--quiet"}).out, run({}).out);
 }
 
+TEST_F(checkCommand, EndsWithTheNoteIfThereIsSomethingToReport) {
+    const std::vector<std::string> arguments{"--quiet", "--note", "from\n a.cpp"};
+    addGood();
+    EXPECT_THAT(run(arguments).out, IsEmpty());
+    EXPECT_EQ(run({"--note", "from a.cpp"}).out, run({}).out);
+    const std::string rejected = folder().add("rejected.ini", "\n");
+    EXPECT_EQ(run(arguments).out, run({}).out + "from\xEF\xBF\xBD a.cpp\n");
+    EXPECT_EQ(run({"--json", "--note", "from a.cpp"}).out, run({"--json"}).out);
+    std::filesystem::remove(rejected);
+    addWarning();
+    EXPECT_EQ(run(arguments).out, run({}).out + "from\xEF\xBF\xBD a.cpp\n");
+}
+
 TEST_F(checkCommand, Returns2WithASentenceIfItCannotLook) {
     const tToolRun result({"check", "no such place"});
     EXPECT_EQ(result.exitCode, 2);
