@@ -128,6 +128,7 @@ private:
     IMPORT(L"advapi32.dll", SetServiceStatus)                                     \
     IMPORT(L"advapi32.dll", StartServiceCtrlDispatcherA)                          \
     IMPORT(L"advapi32.dll", StartServiceW)                                        \
+    IMPORT(L"kernel32.dll", AddVectoredExceptionHandler)                          \
     IMPORT(L"kernel32.dll", AssignProcessToJobObject)                             \
     IMPORT(L"kernel32.dll", CloseHandle)                                          \
     IMPORT(L"kernel32.dll", CompareStringOrdinal)                                 \
@@ -182,6 +183,7 @@ private:
     IMPORT(L"kernel32.dll", QueryInformationJobObject)                            \
     IMPORT(L"kernel32.dll", QueryPerformanceFrequency)                            \
     IMPORT(L"kernel32.dll", ReadFile)                                             \
+    IMPORT(L"kernel32.dll", ReadProcessMemory)                                    \
     IMPORT(L"kernel32.dll", RemoveDirectoryW)                                     \
     IMPORT(L"kernel32.dll", SetConsoleCP)                                         \
     IMPORT(L"kernel32.dll", SetConsoleCtrlHandler)                                \

@@ -26,6 +26,9 @@ void add(tHistory& history, std::size_t plugins, bool& lifeOver, const tEvent& e
             if (!lives.empty()) lives.back()[event.plugin].returned[static_cast<std::size_t>(event.phase)] = &event;
             history.running = false;
             break;
+        case tEventKind::said:
+            if (!lives.empty() && !event.text.empty()) lives.back()[event.plugin].said.push_back(&event);
+            break;
         case tEventKind::left:
         case tEventKind::leftHandles:
             if (event.number < lives.size()) lives[event.number][event.plugin].left.push_back(&event);

@@ -10,6 +10,7 @@ namespace nRun {
 /// What was reported about a plug-in in one life.
 struct tRecord {
     std::array<const tEvent*, 3> returned{};  ///< by phase; null if the call has not returned
+    std::vector<const tEvent*> said{};
     std::vector<const tEvent*> left{};
 };
 

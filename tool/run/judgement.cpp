@@ -72,6 +72,9 @@ private:
                 {entryName(plugins_[plugin], returned->phase), returned->phase, returned->number, returned->code});
             addCode(life, plugin, *returned, result);
         }
+        for (const tEvent* const said : record.said) {
+            result.said.push_back({entryName(plugins_[plugin], said->phase), said->number == 0, said->text});
+        }
         if (record.left.empty()) return result;
         if (result.outcome == tOutcome::ok) result.outcome = tOutcome::leaked;
         addSentence(result, fmt::format("left behind after Cleanup: {}; the service would keep that until it ends",
@@ -248,6 +251,11 @@ std::string_view outcomeName(tOutcome outcome) noexcept {
     constexpr std::array<std::string_view, 7> names{"ok",     "failed", "crashed",   "hung",
                                                     "exited", "leaked", "notStarted"};
     return names[static_cast<std::size_t>(outcome)];
+}
+
+std::string sentenceOf(const tSaid& said) {
+    if (said.byHostThread) return fmt::format("{} said: \"{}\"", said.entry, said.text);
+    return fmt::format("a thread said after {} was called: \"{}\"", said.entry, said.text);
 }
 
 bool passed(const tResult& result) noexcept {

@@ -21,9 +21,17 @@ struct tCall {
     std::int32_t code = 0;
 };
 
+/// A text that was sent to the debugger, as exceptions' are that leave a plug-in's class.
+struct tSaid {
+    std::string entry;         ///< named as in tCall: the call that was the last to begin
+    bool byHostThread = true;  ///< otherwise the thread may belong to any of the plug-ins
+    std::string text;
+};
+
 /// What became of a plug-in in one life.
 struct tPluginLife {
     std::vector<tCall> calls;
+    std::vector<tSaid> said;  ///< counts neither for nor against the plug-in
     tOutcome outcome = tOutcome::ok;
     std::string detail;  ///< one sentence without a final stop; empty if there is nothing to say
 };
@@ -52,6 +60,9 @@ struct tEnding {
 
 /// Returns the outcome as JSON shows it: "ok", "notStarted".
 [[nodiscard]] std::string_view outcomeName(tOutcome outcome) noexcept;
+
+/// Returns the sentence about what was said, without a final stop.
+[[nodiscard]] std::string sentenceOf(const tSaid& said);
 
 /// Returns whether every plug-in was ok in every life.
 [[nodiscard]] bool passed(const tResult& result) noexcept;

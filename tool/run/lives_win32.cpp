@@ -173,19 +173,21 @@ public:
     /// Reads until the process finishes, ends, or reports nothing for too long.
     [[nodiscard]] tEnding watch(std::uint64_t limitMs, tReader& reader, const std::function<void()>& onLife) const {
         std::uint64_t heardMs = GetTickCount64();
+        bool calling = false;
         for (;;) {
             const DWORD wait = WaitForSingleObject(process_.get(), pollMs);
             require(wait != WAIT_FAILED, "their process cannot be watched");
             const std::vector<tEvent>& events = reader.events();
             const std::size_t before = events.size();
             read(reader);
-            if (events.size() > before) heardMs = GetTickCount64();
             for (std::size_t i = before; i < events.size(); ++i) {
+                if (events[i].kind == tEventKind::said) continue;  // a call that hangs can say much
+                heardMs = GetTickCount64();
+                calling = events[i].kind == tEventKind::called;
                 if (events[i].kind == tEventKind::lifeOver) onLife();
                 if (events[i].kind == tEventKind::finished) return {0, limitMs};
             }
             if (wait == WAIT_OBJECT_0) return {exitCode(), limitMs};
-            const bool calling = !events.empty() && events.back().kind == tEventKind::called;
             const std::uint64_t silenceMs = calling ? limitMs : std::max(limitMs, patienceMs);
             if (GetTickCount64() - heardMs > silenceMs) return {std::nullopt, limitMs, windowTitles()};
         }

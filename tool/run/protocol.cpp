@@ -9,7 +9,7 @@
 namespace nRun {
 namespace {
 
-constexpr std::string_view kinds = "rcdlhozfatekg";
+constexpr std::string_view kinds = "rcdslhozfatekg";
 
 /// Takes a number and the blank after it from the beginning of the text. Returns nullopt if they are not there.
 template <class Number>

@@ -15,6 +15,7 @@ enum class tEventKind : char {
     ready = 'r',        ///< it is about to run so many (`number`) plug-ins
     called = 'c',       ///< a call of `plugin` begins: `phase`
     returned = 'd',     ///< it has returned after `number` milliseconds with `code`
+    said = 's',         ///< `text` went to the debugger in `phase` of `plugin`; if `number` is 1, on another thread
     left = 'l',         ///< in the life `number`, `plugin` left something behind other than handles: `text`
     leftHandles = 'h',  ///< in the life `number`, `plugin` left handles open: `text`
     lifeOver = 'o',     ///< all plug-ins have been cleaned up

@@ -19,6 +19,14 @@ tJson toDocument(const tCall& call) {
     return json;
 }
 
+tJson toDocument(const tSaid& said) {
+    tJson json;
+    json["entry"] = said.entry;
+    json["thread"] = said.byHostThread ? "host" : "other";
+    json["text"] = said.text;
+    return json;
+}
+
 tJson toDocument(const tPlugin& plugin, const tPluginLife& life) {
     tJson json;
     json["name"] = plugin.description.name;
@@ -27,6 +35,8 @@ tJson toDocument(const tPlugin& plugin, const tPluginLife& life) {
     for (const tCall& call : life.calls) json["calls"].push_back(toDocument(call));
     json["outcome"] = outcomeName(life.outcome);
     json["detail"] = life.detail;
+    json["said"] = tJson::array();
+    for (const tSaid& said : life.said) json["said"].push_back(toDocument(said));
     return json;
 }
 

@@ -7,13 +7,14 @@
 namespace nRun {
 namespace {
 
-/// Returns the text for an attribute.
+/// Returns the text for an attribute or an element.
 std::string escaped(std::string_view text) {
     std::string result;
     for (const char c : nPlainText::printableInXml(text)) {
         switch (c) {
             case '&': result += "&amp;"; break;
             case '<': result += "&lt;"; break;
+            case '>': result += "&gt;"; break;
             case '"': result += "&quot;"; break;
             default: result += c;
         }
@@ -29,12 +30,23 @@ std::uint64_t duration(const tPluginLife& life) {
     return ms;
 }
 
+std::string failure(const tPluginLife& life) {
+    if (life.outcome == tOutcome::ok) return {};
+    return fmt::format("      <failure type=\"{}\" message=\"{}\"/>\n", outcomeName(life.outcome),
+                       escaped(life.detail));
+}
+
+std::string output(const tPluginLife& life) {
+    std::string lines;
+    for (const tSaid& said : life.said) lines += escaped(sentenceOf(said)) + '\n';
+    return lines.empty() ? "" : fmt::format("      <system-err>{}</system-err>\n", lines);
+}
+
 std::string testCase(const tPlugin& plugin, const tPluginLife& life) {
     std::string text = fmt::format(R"(    <testcase classname="{}" name="{}" time="{}")", escaped(plugin.file),
                                    escaped(plugin.description.name), seconds(duration(life)));
-    if (life.outcome == tOutcome::ok) return text + "/>\n";
-    return text + fmt::format(">\n      <failure type=\"{}\" message=\"{}\"/>\n    </testcase>\n",
-                              outcomeName(life.outcome), escaped(life.detail));
+    if (life.outcome == tOutcome::ok && life.said.empty()) return text + "/>\n";
+    return text + ">\n" + failure(life) + output(life) + "    </testcase>\n";
 }
 
 std::string suite(const tResult& result, std::size_t number) {

@@ -14,31 +14,37 @@ namespace {
 using nPlainText::printable;
 
 constexpr std::size_t longestName = 40;  // in columns
+constexpr std::string_view saidId = "said";
 constexpr std::array<std::string_view, 3> titles{"INITIALIZE", "STOP", "CLEANUP"};
 
 /// The same sentence about the same plug-in, in any number of lives.
 struct tRemark {
     std::size_t plugin;
-    tOutcome outcome;
-    std::string detail;
+    std::string_view id;
+    std::string sentence;
+    std::size_t lastLife;
     std::size_t lives = 1;
 };
 
+void add(std::vector<tRemark>& remarks, tRemark remark) {
+    const auto known = std::ranges::find_if(remarks, [&](const tRemark& other) {
+        return other.plugin == remark.plugin && other.id == remark.id && other.sentence == remark.sentence;
+    });
+    if (known == remarks.end()) {
+        remarks.push_back(std::move(remark));
+    } else if (known->lastLife != remark.lastLife) {
+        known->lastLife = remark.lastLife;
+        ++known->lives;
+    }
+}
+
 std::vector<tRemark> remarksOf(const tResult& result) {
     std::vector<tRemark> remarks;
-    for (const tLife& life : result.lives) {
-        for (std::size_t plugin = 0; plugin < life.size(); ++plugin) {
-            const auto& [calls, outcome, detail] = life[plugin];
-            if (detail.empty()) continue;
-            const auto known = std::ranges::find_if(remarks, [&](const tRemark& remark) {
-                return remark.plugin == plugin && remark.outcome == life[plugin].outcome &&
-                       remark.detail == life[plugin].detail;
-            });
-            if (known == remarks.end()) {
-                remarks.push_back({plugin, outcome, detail});
-            } else {
-                ++known->lives;
-            }
+    for (std::size_t life = 0; life < result.lives.size(); ++life) {
+        for (std::size_t plugin = 0; plugin < result.plugins.size(); ++plugin) {
+            const tPluginLife& its = result.lives[life][plugin];
+            if (!its.detail.empty()) add(remarks, {plugin, outcomeName(its.outcome), its.detail, life});
+            for (const tSaid& said : its.said) add(remarks, {plugin, saidId, sentenceOf(said), life});
         }
     }
     return remarks;
@@ -47,10 +53,11 @@ std::vector<tRemark> remarksOf(const tResult& result) {
 std::string toText(const tRemark& remark, const tResult& result, bool colour) {
     const tPlugin& plugin = result.plugins[remark.plugin];
     tFinding finding;
-    finding.id = outcomeName(remark.outcome);
-    finding.severity = remark.outcome == tOutcome::ok ? tSeverity::note : tSeverity::error;
+    finding.id = remark.id;
+    const bool isNote = remark.id == saidId || remark.id == outcomeName(tOutcome::ok);
+    finding.severity = isNote ? tSeverity::note : tSeverity::error;
     finding.file = printable(plugin.file);
-    finding.message = printable(plugin.description.name + ": " + remark.detail);
+    finding.message = printable(plugin.description.name + ": " + remark.sentence);
     if (result.lives.size() > 1)
         finding.message += fmt::format(" (in {} of {} lives)", remark.lives, result.lives.size());
     return nFinding::toText(finding, colour) + '\n';

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -28,6 +29,7 @@
 #include "tool/run/order.h"
 #include "tool/run/processState.h"
 #include "tool/run/protocol.h"
+#include "tool/run/saidLine.h"
 #include "tool/run/selection.h"
 #include "tool/systemReason.h"
 
@@ -115,8 +117,55 @@ void reportAbort(int /*signal*/) {
     endProcess(abortCode);
 }
 
-/// Lets no fault open a window, and reports all.
+/// The call that was the last to begin, and how much has been said: more lines are not reported.
+struct tSpeech {
+    void begin(std::size_t calledPlugin, tPhase calledPhase) noexcept {
+        hostThread = GetCurrentThreadId();
+        plugin = calledPlugin;
+        phase = calledPhase;
+        linesOfCall = 0;
+    }
+    [[nodiscard]] bool mayGoOn() noexcept {
+        constexpr std::uint64_t mostOfCall = 10;
+        constexpr std::uint64_t most = 1000;
+        return linesOfCall++ < mostOfCall && lines++ < most;
+    }
+
+    std::atomic<DWORD> hostThread;
+    std::atomic<std::size_t> plugin;
+    std::atomic<tPhase> phase;
+    std::atomic<std::uint64_t> linesOfCall;
+    std::atomic<std::uint64_t> lines;
+};
+tSpeech speech;
+
+/// Reports a text of the debugger's, which may be anywhere and end anywhere.
+void reportSaid(std::size_t size, ULONG_PTR address) {
+    if (!speech.mayGoOn()) return;
+    std::array<char, tSaidLine::longestText + 1> text;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled next
+    SIZE_T read = 0;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): exceptions have numbers for parameters
+    if (ReadProcessMemory(GetCurrentProcess(), reinterpret_cast<const void*>(address), text.data(),
+                          std::min(size, text.size()), &read) == FALSE) {
+        return;
+    }
+    const bool byHostThread = GetCurrentThreadId() == speech.hostThread;
+    const tSaidLine line(speech.plugin, speech.phase, byHostThread, {text.data(), read});
+    sendLine(line.view().data(), line.view().size());
+}
+
+/// OutputDebugString raises an exception, for a debugger, and handles it itself. All others are no business of this.
+LONG WINAPI hear(EXCEPTION_POINTERS* exception) {
+    const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
+    if (record.ExceptionCode == DBG_PRINTEXCEPTION_C && record.NumberParameters == 2) {
+        reportSaid(record.ExceptionInformation[0], record.ExceptionInformation[1]);
+    }
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+/// Lets no fault open a window, and reports all. Without the handler, only what is said to the debugger is missing.
 void watchFaults() {
+    AddVectoredExceptionHandler(0, hear);
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     SetUnhandledExceptionFilter(reportFault);
     std::signal(SIGABRT, reportAbort);
@@ -199,6 +248,7 @@ private:
 
     template <class Call>
     void call(std::size_t plugin, tPhase phase, tPluginManager& manager, const Call& callEntry) {
+        speech.begin(plugin, phase);
         send({tEventKind::called, plugin, phase});
         try {
             callEntry(manager);

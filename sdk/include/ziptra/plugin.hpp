@@ -25,7 +25,8 @@
 ///     void stop();               called in Stop, after every Worker has been asked to stop. Needs no waiting.
 ///     static constexpr std::int32_t unexpected = -2;
 ///                                the code of exceptions other than Failure; otherwise -1.
-/// All of them must be public; a start or stop that cannot be called does not compile.
+/// The text of an exception that leaves any of these, the constructor or the destructor is sent to the debugger;
+/// `ziptra run` shows it. All of them must be public; a start or stop that cannot be called does not compile.
 
 #include <cstdint>
 #include <new>

@@ -36,7 +36,7 @@ namespace ziptra {
 class Failure : public std::exception {
 public:
     /// Requires: the code is negative and none of the host's. The text is a literal (it is not copied); it is sent to
-    /// the debugger, because the host shows the code only.
+    /// the debugger, because the host shows the code only; `ziptra run` shows the text.
     Failure(std::int32_t code, const char* why) noexcept : code_(code), why_(why) {}
 
     /// The code is the class's `unexpected`.
@@ -227,7 +227,8 @@ inline constexpr ThreadCalls callsOfTasks{[]() noexcept { tasks.requestStop(); }
 ///
 /// Declare a Worker after the members that its function uses: if the constructor of the class throws, members are
 /// destroyed in reverse. An exception that leaves the function ends its thread and nothing else; its text is sent to
-/// the debugger. Thread: the function must not destroy its own Worker, which would wait for ever.
+/// the debugger, and `ziptra run` shows it.
+/// Thread: the function must not destroy its own Worker, which would wait for ever.
 class Worker {
 public:
     Worker() = default;

@@ -25,6 +25,31 @@ DWORD WINAPI writeForever(void* pipe) {
     return 0;
 }
 
+constexpr DWORD oftenMs = 100;
+
+DWORD WINAPI sayAgainAndAgain(void* /*unused*/) {
+    for (;;) {
+        OutputDebugStringA("I am still here");
+        Sleep(oftenMs);
+    }
+}
+
+DWORD WINAPI sayOnce(void* /*unused*/) {
+    OutputDebugStringA("a thread gave up");
+    return 0;
+}
+
+LONG WINAPI goOn(EXCEPTION_POINTERS* exception) {
+    const bool own = exception->ExceptionRecord->ExceptionCode == DBG_PRINTEXCEPTION_C;
+    return own ? EXCEPTION_CONTINUE_EXECUTION : EXCEPTION_CONTINUE_SEARCH;
+}
+
+/// Raises what OutputDebugStringA raises, with a text of this size.
+void raiseText(ULONG_PTR size, const void* text) {
+    const ULONG_PTR parameters[]{size, reinterpret_cast<ULONG_PTR>(text)};
+    RaiseException(DBG_PRINTEXCEPTION_C, 0, 2, parameters);
+}
+
 /// Uses all of the stack: the depth is never reached.
 int descend(const volatile char* caller, int depth) {
     volatile char room[4096];
@@ -118,6 +143,39 @@ int ChangesErrorMode() {
 }
 int ChangesPriority() { return SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL) == FALSE ? -1 : 0; }
 int ChangesCodePage() { return SetConsoleOutputCP(GetConsoleOutputCP() == 437 ? 850 : 437) == FALSE ? -1 : 0; }
+int SaysWhyItFails() {
+    OutputDebugStringA("no file Settings.txt\n");
+    return -7;
+}
+int SaysMuch() {
+    const std::string text(100'000, 'x');
+    for (int i = 0; i < 20; ++i) OutputDebugStringA((std::to_string(i) + text).c_str());
+    return 0;
+}
+int SaysWide() {
+    OutputDebugStringW(L"wide");
+    return 0;
+}
+int SaysSomethingOnItsThread() {
+    const HANDLE thread = CreateThread(nullptr, 0, sayOnce, nullptr, 0, nullptr);
+    WaitForSingleObject(thread, INFINITE);
+    return CloseHandle(thread) == FALSE ? -1 : 0;
+}
+int SaysWhatIsNowhere() {
+    void* const handler = AddVectoredExceptionHandler(0, goOn);
+    raiseText(100, nullptr);
+    raiseText(static_cast<ULONG_PTR>(-1), reinterpret_cast<const void*>(1));
+    void* const page = VirtualAlloc(nullptr, 1, MEM_COMMIT | MEM_RESERVE, PAGE_NOACCESS);
+    raiseText(1, page);
+    VirtualFree(page, 0, MEM_RELEASE);
+    RaiseException(DBG_PRINTEXCEPTION_C, 0, 0, nullptr);
+    raiseText(4, "four and more");
+    return RemoveVectoredExceptionHandler(handler) == 0 ? -1 : 0;
+}
+int HangsButSaysSo() {
+    CloseHandle(CreateThread(nullptr, 0, sayAgainAndAgain, nullptr, 0, nullptr));
+    return Hangs();
+}
 int StartsChild() {
     startChild();
     return 0;

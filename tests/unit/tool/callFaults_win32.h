@@ -90,6 +90,8 @@ private:
         WRONG_ANSWER(SetConsoleOutputCP, FALSE);
         WRONG_ANSWER(SetErrorMode, 0);
         WRONG_ANSWER(SetUnhandledExceptionFilter, nullptr);
+        FAULT(AddVectoredExceptionHandler, nullptr);
+        FAULT(ReadProcessMemory, FALSE);
         FAULT(SetThreadStackGuarantee, FALSE);
         FAULT(LoadLibraryW, nullptr);
         WRONG_ANSWER(FreeLibrary, FALSE);

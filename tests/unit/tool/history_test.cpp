@@ -86,10 +86,24 @@ TEST(nRunHistory, CollectsWhatWasLeftInEachLife) {
     EXPECT_THAT(history.lives[1][0].left, ElementsAre(hasText("b")));
 }
 
+TEST(nRunHistory, CollectsWhatWasSaidInEachLifeAndIsNotChangedByIt) {
+    tLifeEvents log(1);
+    log.said(0, tPhase::initialize, "before any life").begin(0, tPhase::initialize);
+    log.said(0, tPhase::initialize, "a").said(0, tPhase::initialize, "").calls(0).over().said(0, tPhase::cleanup, "b");
+    log.begin(0, tPhase::initialize).said(0, tPhase::initialize, "c");
+    const tHistory history = historyOf(1, log.events);
+    const auto hasText = [](const char* text) { return Pointee(Field(&nRun::tEvent::text, text)); };
+    ASSERT_EQ(history.lives.size(), 2U);
+    EXPECT_THAT(history.lives[0][0].said, ElementsAre(hasText("a"), hasText("b")));
+    EXPECT_THAT(history.lives[1][0].said, ElementsAre(hasText("c")));
+    EXPECT_TRUE(history.running);
+    EXPECT_EQ(history.end, nullptr);
+}
+
 TEST(nRunHistory, IgnoresPlugInsAndLivesThatDoNotExist) {
     tLifeEvents log(2);
     log.events.push_back({tKind::returned, 0, tPhase::stop});
-    log.call(9, tPhase::initialize).left(3, 0, "a").add(tKind::finished);
+    log.call(9, tPhase::initialize).said(9, tPhase::stop, "a").left(3, 0, "a").add(tKind::finished);
     const tHistory history = historyOf(1, log.events);
     EXPECT_FALSE(history.ready) << "it has other plug-ins";
     EXPECT_THAT(history.lives, IsEmpty());

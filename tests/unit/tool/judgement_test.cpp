@@ -130,6 +130,26 @@ TEST(nRunJudgement, FindsWhatIsLeftBehind) {
               "the service would keep that until it ends");
 }
 
+TEST(nRunJudgement, QuotesWhatWasSaidWithoutCountingIt) {
+    tLifeEvents log(1);
+    log.begin(0, tPhase::initialize).said(0, tPhase::initialize, "no file").call(0, tPhase::initialize);
+    log.said(0, tPhase::initialize, "no \"use\"", false).call(0, tPhase::stop).call(0, tPhase::cleanup).finished();
+    const tPluginLife life = judged(log);
+    ASSERT_EQ(life.said.size(), 2U);
+    EXPECT_EQ(sentenceOf(life.said[0]), "AInitialize said: \"no file\"");
+    EXPECT_EQ(sentenceOf(life.said[1]), "a thread said after AInitialize was called: \"no \"use\"\"");
+    EXPECT_EQ(text(life), "ok: ");
+}
+
+TEST(nRunJudgement, QuotesWhatWasSaidInTheCallThatEndedTheProcess) {
+    tLifeEvents log(1);
+    log.begin(0, tPhase::stop).said(0, tPhase::stop, "I give up").add(tKind::aborted);
+    const tPluginLife life = judged(log, {3, 10'000});
+    ASSERT_EQ(life.said.size(), 1U);
+    EXPECT_EQ(sentenceOf(life.said[0]), "AStop said: \"I give up\"");
+    EXPECT_EQ(text(life), "crashed: a call of abort in AStop; this would have ended the service");
+}
+
 TEST(nRunJudgement, SaysHowTheProcessEnded) {
     EXPECT_EQ(afterEnd(tKind::faulted, static_cast<std::int32_t>(0xC0000005), "a.dll+0x10"),
               "crashed: an access violation (0xC0000005) at a.dll+0x10 in AInitialize; this would have ended the "

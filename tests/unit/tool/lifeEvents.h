@@ -28,6 +28,10 @@ public:
     tLifeEvents& calls(std::size_t plugin) {
         return call(plugin, tPhase::initialize).call(plugin, tPhase::stop).call(plugin, tPhase::cleanup);
     }
+    tLifeEvents& said(std::size_t plugin, tPhase phase, std::string text, bool byHostThread = true) {
+        events.push_back({tKind::said, plugin, phase, byHostThread ? 0U : 1U, 0, std::move(text)});
+        return *this;
+    }
     tLifeEvents& left(std::size_t life, std::size_t plugin, std::string text) {
         events.push_back({tKind::left, plugin, {}, life, 0, std::move(text)});
         return *this;

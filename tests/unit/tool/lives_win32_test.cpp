@@ -218,6 +218,49 @@ TEST_F(nRunLives, RunDependenciesInTheHostsOrderAndByItsRules) {
     EXPECT_THAT(valuesOf(forbidden.out(), "detail"), ElementsAre(HasSubstr("the machine allows none of the features")));
 }
 
+TEST_F(nRunLives, ShowWhatIsSaidToTheDebuggerWithTheCallAndTheThread) {
+    add("A", "SaysWhyItFails");
+    const tToolProcess failed(arguments(L"A", L"--times 2"));
+    EXPECT_EQ(failed.exitCode(), 1U);
+    EXPECT_THAT(valuesOf(failed.out(), "outcome"), Each("failed"));
+    EXPECT_THAT(valuesOf(failed.out(), "text"), ElementsAre("no file Settings.txt", "no file Settings.txt"));
+    EXPECT_THAT(valuesOf(failed.out(), "thread"), Each("host"));
+    add("B", "SaysWide", "SaysSomethingOnItsThread");
+    const tToolProcess good(arguments(L"B", L""));
+    EXPECT_EQ(good.exitCode(), 0U) << good.out();
+    EXPECT_THAT(valuesOf(good.out(), "text"), ElementsAre("wide", "a thread gave up"));
+    EXPECT_THAT(valuesOf(good.out(), "thread"), ElementsAre("host", "other"));
+    EXPECT_THAT(good.out(), HasSubstr("\"entry\": \"SaysSomethingOnItsThread\",\n              \"thread\""));
+}
+
+TEST_F(nRunLives, ShowNoMoreThanTheBeginningOfAllThatIsSaid) {
+    add("A", "SaysMuch", "SaysMuch");
+    const tToolProcess tool(arguments(L"A", L"--times 60"));
+    EXPECT_EQ(tool.exitCode(), 0U);
+    const std::vector<std::string> texts = valuesOf(tool.out(), "text");
+    ASSERT_THAT(texts, SizeIs(1000));
+    EXPECT_THAT(texts, Each(AllOf(testing::SizeIs(303), EndsWith("xxx\xE2\x80\xA6"))));
+    EXPECT_THAT(texts[9], StartsWith("9x"));
+    EXPECT_THAT(texts[10], StartsWith("0x")) << "of the next call";
+}
+
+TEST_F(nRunLives, SurviveATextThatIsNowhere) {
+    add("A", "SaysWhatIsNowhere");
+    const tToolProcess tool(arguments(L"A", L""));
+    EXPECT_EQ(tool.exitCode(), 0U) << tool.out() << tool.error();
+    EXPECT_THAT(valuesOf(tool.out(), "text"), ElementsAre("four"));
+}
+
+TEST_F(nRunLives, EndACallThatHangsAlthoughAThreadSaysSomething) {
+    add("A", "HangsButSaysSo");
+    const auto began = std::chrono::steady_clock::now();
+    const tToolProcess tool(arguments(L"A", L"--limit 2"));
+    EXPECT_EQ(tool.exitCode(), 1U);
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(25));  // 30 where no call is running
+    EXPECT_THAT(valuesOf(tool.out(), "outcome"), ElementsAre("hung"));
+    EXPECT_THAT(valuesOf(tool.out(), "text"), AllOf(Not(IsEmpty()), Each("I am still here")));
+}
+
 TEST_F(nRunLives, KeepWhatPlugInsWriteOutOfTheResult) {
     add("A", "Writes");
     const tToolProcess tool(arguments(L"A", L""));

@@ -19,7 +19,7 @@ std::vector<tEvent> readWhole(std::string_view text) {
 }
 
 TEST(nRunProtocol, ReadsWhatItWrites) {
-    for (const char kind : std::string("rcdlhozfatekg")) {
+    for (const char kind : std::string("rcdslhozfatekg")) {
         const tEvent sent{static_cast<tEventKind>(kind), 7, tPhase::cleanup, 0xFFFFFFFFFF, -52003, "C:\\a b\\c.dll"};
         const std::vector<tEvent> read = readWhole(toLine(sent));
         ASSERT_EQ(read.size(), 1U) << kind;

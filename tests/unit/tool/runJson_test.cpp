@@ -32,7 +32,8 @@ TEST(nRunJson, ShowsEachPlugInOfEachLife) {
             }
           ],
           "outcome": "failed",
-          "detail": "AInitialize returned -7; the service would run without it"
+          "detail": "AInitialize returned -7; the service would run without it",
+          "said": []
         }
       ]
     }
@@ -46,6 +47,18 @@ TEST(nRunJson, SaysWhetherAllPassed) {
     const std::string text = toJson(judge({livingPlugin("A")}, 1, log.calls(0).finished().events, {}));
     EXPECT_THAT(text, HasSubstr("\"verdict\": \"passed\""));
     EXPECT_THAT(text, HasSubstr("\"detail\": \"\""));
+}
+
+TEST(nRunJson, ShowsWhatWasSaidByWhichThread) {
+    const std::string text = toJson(support::talkingResult());
+    EXPECT_THAT(text, HasSubstr(R"("said": [
+            {
+              "entry": "AInitialize",
+              "thread": "other",
+              "text": "no file"
+            }
+          ])"));
+    EXPECT_THAT(text, HasSubstr("\"thread\": \"host\""));
 }
 
 TEST(nRunJson, ReplacesBytesThatAreNotUtf8) {

@@ -36,9 +36,22 @@ TEST(nRunJunit, ShowsSecondsWithTheirThousandths) {
     EXPECT_THAT(toJunit(result), HasSubstr("name=\"A\" time=\"3661.005\""));
 }
 
+TEST(nRunJunit, ShowsWhatWasSaidAsOutputOfTheCase) {
+    const std::string text = toJunit(support::talkingResult("<no>]]>"));
+    EXPECT_THAT(text, HasSubstr(R"(
+      <failure type="failed" message="AInitialize returned -1; the service would run without it"/>
+      <system-err>AInitialize said: &quot;&lt;no&gt;]]&gt;&quot;
+AInitialize said: &quot;&lt;no&gt;]]&gt;&quot;
+</system-err>
+    </testcase>
+)"));
+    EXPECT_THAT(text, HasSubstr(R"(time="0.003">
+      <system-err>a thread said after AInitialize was called: &quot;)"));
+}
+
 TEST(nRunJunit, ReplacesWhatXmlCannotContain) {
     EXPECT_THAT(toJunit(support::resultOf("<a>&\"\x01\xEF\xBF\xBE\xEF\xBF\xBF\xFF\n")),
-                HasSubstr("name=\"&lt;a>&amp;&quot;\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""));
+                HasSubstr("name=\"&lt;a&gt;&amp;&quot;\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""));
 }
 
 }  // namespace

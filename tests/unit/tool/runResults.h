@@ -19,6 +19,18 @@ inline nRun::tResult sampleResult() {
                  {std::nullopt, 2'000, {"Error"}});
 }
 
+/// One plug-in in three lives: it fails in the first two and says why; in the third, a thread says something.
+inline nRun::tResult talkingResult(const std::string& text = "no file") {
+    using tPhase = tLifeEvents::tPhase;
+    tLifeEvents log(1);
+    for (int life = 0; life < 2; ++life) {
+        log.begin(0, tPhase::initialize).said(0, tPhase::initialize, text).said(0, tPhase::initialize, text);
+        log.call(0, tPhase::initialize, -1).over();
+    }
+    log.call(0, tPhase::initialize).said(0, tPhase::initialize, text, false).call(0, tPhase::stop);
+    return judge({livingPlugin("A")}, 3, log.call(0, tPhase::cleanup).finished().events, {0, 1'000});
+}
+
 /// One plug-in with this name in one life, in which it is not started.
 inline nRun::tResult resultOf(const std::string& name) {
     tLifeEvents log(1);

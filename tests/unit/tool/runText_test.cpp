@@ -39,6 +39,17 @@ TEST(nRunText, CountsTheLivesInWhichTheSameHappens) {
                 HasSubstr("AInitialize returned -8; the service would run without it (in 1 of 3 lives) [failed]\n"));
 }
 
+TEST(nRunText, ShowsWhatWasSaidBelowTheFinding) {
+    EXPECT_THAT(
+        toText(support::talkingResult(), false),
+        StartsWith(
+            R"(plugins/A.ini: error: A: AInitialize returned -1; the service would run without it (in 2 of 3 lives) [failed]
+plugins/A.ini: note: A: AInitialize said: "no file" (in 2 of 3 lives) [said]
+plugins/A.ini: note: A: a thread said after AInitialize was called: "no file" (in 1 of 3 lives) [said]
+
+)"));
+}
+
 TEST(nRunText, SaysOnlyTheTimesAndTheVerdictIfAllWentWell) {
     tLifeEvents log(1);
     EXPECT_EQ(toText(judge({livingPlugin("A")}, 1, log.calls(0).finished().events, {}), true),
@@ -58,6 +69,7 @@ TEST(nRunText, HasColoursIfAskedFor) {
 TEST(nRunText, LetsNoNameControlATerminal) {
     const std::string text = toText(support::resultOf("\x1B[2J\n\xFF"), false);
     EXPECT_EQ(text.find('\x1B'), std::string::npos);
+    EXPECT_EQ(toText(support::talkingResult("\x1B[2J"), false).find('\x1B'), std::string::npos);
     EXPECT_THAT(text, StartsWith("plugins/A.ini: error: \xEF\xBF\xBD[2J\xEF\xBF\xBD\xEF\xBF\xBD: it depends on "));
 }
 

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "tool/run/protocol.h"
+
+namespace nRun {
+
+/// The line of the event tEventKind::said. Made without the heap, which the thread that says something may have locked.
+class tSaidLine {
+public:
+    /// Uses the text up to its first null, without the white space at its end. A longer one is cut off between two
+    /// characters and ends with an ellipsis; line breaks and other control characters become blanks.
+    tSaidLine(std::size_t plugin, nStatus::tPhase phase, bool byHostThread, std::string_view text) noexcept;
+
+    [[nodiscard]] std::string_view view() const noexcept { return {line_.data(), size_}; }
+
+    static constexpr std::size_t longestText = 300;  ///< in bytes
+
+private:
+    std::array<char, longestText + 100> line_{};
+    std::size_t size_ = 0;
+};
+
+}  // namespace nRun
