@@ -163,7 +163,7 @@ private:
     [[nodiscard]] std::pair<tOutcome, std::string> end() const {
         if (history_.end != nullptr) return reportedEnd(*history_.end);
         if (!ending_.exitCode) return {tOutcome::hung, hang()};
-        if (isException(*ending_.exitCode)) return {tOutcome::crashed, crash(*ending_.exitCode, {})};
+        if (isException(*ending_.exitCode)) return {tOutcome::crashed, crash(*ending_.exitCode, {}, false)};
         constexpr std::uint32_t abortCode = 3;  // also of an abort in another C library, which reports nothing
         const std::string code =
             *ending_.exitCode == abortCode
@@ -183,7 +183,9 @@ private:
                 return {tOutcome::exited,
                         fmt::format("the host's thread was ended {}; the service could no longer be stopped", where())};
             case tEventKind::keptLibrary: return {tOutcome::failed, unloading()};
-            default: return {tOutcome::crashed, crash(static_cast<std::uint32_t>(event.code), event.text)};
+            default:
+                return {tOutcome::crashed,
+                        crash(static_cast<std::uint32_t>(event.code), event.text, event.number != 0)};
         }
     }
 
@@ -192,13 +194,36 @@ private:
                " failed, and the library could not be unloaded; this would have ended the service's run";
     }
 
-    [[nodiscard]] std::string crash(std::uint32_t code, const std::string& place) const {
+    [[nodiscard]] std::string crash(std::uint32_t code, const std::string& place, bool afterUnloading) const {
         const auto number = static_cast<std::int32_t>(code);
         const auto known = nExplain::findSystemCode(number);
         std::string text =
             fmt::format("{} ({})", known ? known->meaning : "an exception", nExplain::hexadecimal(number));
         if (!place.empty()) text += " at " + place;
+        if (afterUnloading) text += unloadedText();
         return fmt::format("{} {}; {}", text, where(), endsService);
+    }
+
+    /// Returns whether the plug-in's library has been unloaded in the last life, or is about to be.
+    [[nodiscard]] bool isUnloaded(std::size_t plugin) const {
+        const auto& [initialized, stopped, cleanedUp] = history_.lives.back()[plugin].returned;
+        return cleanedUp != nullptr || (initialized != nullptr && initialized->code < 0) ||
+               (plugin == history_.last->plugin && history_.last->phase == tPhase::cleanup);
+    }
+
+    /// Returns whose thread may run code that is not there any more, or nothing if no library has been unloaded.
+    [[nodiscard]] std::string unloadedText() const {
+        constexpr std::size_t mostNames = 3;
+        std::string names;
+        std::size_t count = 0;
+        for (std::size_t plugin = 0; plugin < plugins_.size(); ++plugin) {
+            if (!isUnloaded(plugin)) continue;
+            names.append(names.empty() ? "" : " or ").append(plugins_[plugin].description.name);
+            ++count;
+        }
+        if (count == 0) return {};
+        return fmt::format(", perhaps on a thread of {}, whose library has been unloaded,",
+                           count <= mostNames ? names : "one of the plug-ins");
     }
 
     [[nodiscard]] std::string hang() const {
@@ -206,6 +231,9 @@ private:
         std::string text = fmt::format("no return within {} {}", nStatus::durationText(ending_.limitMs), where());
         for (const std::string& title : ending_.windows)
             text += fmt::format(", where the window \"{}\" is open", title);
+        if (history_.running && history_.last->phase == tPhase::cleanup && ending_.windows.empty()) {
+            text += ", which may be waiting for a thread that does not end";
+        }
         return fmt::format("{}; this would keep the service from {}", text,
                            starting ? "starting the other plug-ins, and from stopping" : "stopping");
     }

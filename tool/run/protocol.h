@@ -20,7 +20,7 @@ enum class tEventKind : char {
     leftHandles = 'h',  ///< in the life `number`, `plugin` left handles open: `text`
     lifeOver = 'o',     ///< all plug-ins have been cleaned up
     finished = 'z',     ///< all lives are over
-    faulted = 'f',      ///< nothing handles the structured exception `code`; `text` is the place
+    faulted = 'f',      ///< nothing handles the exception `code` at `text`; `number` is 1 if a thread may lack its code
     aborted = 'a',      ///< something called abort
     threw = 't',        ///< the call threw something that the host does not catch
     endedThread = 'e',  ///< the call ended the host's thread

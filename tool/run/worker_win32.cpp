@@ -90,33 +90,6 @@ std::string_view libraryName(void* address) {
     return {name.data(), static_cast<std::size_t>(bytes)};
 }
 
-/// Reports an exception that nothing handles and ends the process, as the system would. Little of the stack may be left
-/// and the heap may be damaged, so this uses neither.
-LONG WINAPI reportFault(EXCEPTION_POINTERS* exception) {
-    static volatile LONG faults = 0;
-    if (InterlockedIncrement(&faults) > 1) Sleep(INFINITE);
-    static std::array<char, 4096> line;
-    const DWORD code = exception->ExceptionRecord->ExceptionCode;
-    void* const address = exception->ExceptionRecord->ExceptionAddress;
-    MEMORY_BASIC_INFORMATION memory{};
-    const bool known = VirtualQuery(address, &memory, sizeof memory) != 0;
-    const std::string_view name = known && memory.Type == MEM_IMAGE ? libraryName(address) : "";
-    const void* const base = name.empty() ? nullptr : memory.AllocationBase;
-    const auto offset = reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(base);
-    const int size = std::snprintf(
-        line.data(), line.size(), "%c 0 0 0 %ld %.*s%s0x%llx%s\n", static_cast<char>(tEventKind::faulted),
-        static_cast<long>(code), static_cast<int>(name.size()), name.data(), name.empty() ? "" : "+",
-        static_cast<unsigned long long>(offset), known && memory.Type != MEM_IMAGE ? ", outside all libraries" : "");
-    sendLine(line.data(), static_cast<std::size_t>(size));
-    endProcess(code);
-}
-
-void reportAbort(int /*signal*/) {
-    static constexpr std::string_view line = "a 0 0 0 0 \n";  // made without the heap, which may be damaged
-    sendLine(line.data(), line.size());
-    endProcess(abortCode);
-}
-
 /// The call that was the last to begin, and how much has been said: more lines are not reported.
 struct tSpeech {
     void begin(std::size_t calledPlugin, tPhase calledPhase) noexcept {
@@ -138,6 +111,35 @@ struct tSpeech {
     std::atomic<std::uint64_t> lines;
 };
 tSpeech speech;
+
+/// Reports an exception that nothing handles and ends the process, as the system would. Little of the stack may be left
+/// and the heap may be damaged, so this uses neither.
+LONG WINAPI reportFault(EXCEPTION_POINTERS* exception) {
+    static volatile LONG faults = 0;
+    if (InterlockedIncrement(&faults) > 1) Sleep(INFINITE);
+    static std::array<char, 4096> line;
+    const DWORD code = exception->ExceptionRecord->ExceptionCode;
+    void* const address = exception->ExceptionRecord->ExceptionAddress;
+    MEMORY_BASIC_INFORMATION memory{};
+    const bool known = VirtualQuery(address, &memory, sizeof memory) != 0;
+    const std::string_view name = known && memory.Type == MEM_IMAGE ? libraryName(address) : "";
+    const void* const base = name.empty() ? nullptr : memory.AllocationBase;
+    const auto offset = reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(base);
+    const bool outside = known && memory.Type != MEM_IMAGE;
+    const int size = std::snprintf(
+        line.data(), line.size(), "%c 0 0 %d %ld %.*s%s0x%llx%s\n", static_cast<char>(tEventKind::faulted),
+        outside && GetCurrentThreadId() != speech.hostThread ? 1 : 0, static_cast<long>(code),
+        static_cast<int>(name.size()), name.data(), name.empty() ? "" : "+", static_cast<unsigned long long>(offset),
+        outside ? ", outside all libraries" : "");
+    sendLine(line.data(), static_cast<std::size_t>(size));
+    endProcess(code);
+}
+
+void reportAbort(int /*signal*/) {
+    static constexpr std::string_view line = "a 0 0 0 0 \n";  // made without the heap, which may be damaged
+    sendLine(line.data(), line.size());
+    endProcess(abortCode);
+}
 
 /// Reports a text of the debugger's, which may be anywhere and end anywhere.
 void reportSaid(std::size_t size, ULONG_PTR address) {

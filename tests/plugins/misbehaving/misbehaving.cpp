@@ -34,6 +34,10 @@ DWORD WINAPI sayAgainAndAgain(void* /*unused*/) {
     }
 }
 
+DWORD WINAPI sleepForever(void* /*unused*/) {
+    for (;;) Sleep(1);
+}
+
 DWORD WINAPI sayOnce(void* /*unused*/) {
     OutputDebugStringA("a thread gave up");
     return 0;
@@ -125,6 +129,10 @@ int LeavesThread() {
     // It executes no code of this library, which is about to be unloaded.
     const auto sleep = reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(Sleep));
     CloseHandle(CreateThread(nullptr, 0, sleep, INVALID_HANDLE_VALUE, 0, nullptr));  // its low half is INFINITE
+    return 0;
+}
+int LeavesThreadInItsCode() {
+    CloseHandle(CreateThread(nullptr, 0, sleepForever, nullptr, 0, nullptr));
     return 0;
 }
 int FaultsOnItsThread() {

@@ -211,6 +211,49 @@ TEST(nRunJudgement, SaysInWhichEntryThePlugInHangsAndWhichWindowsAreOpen) {
         "this would keep the service from stopping");
 }
 
+TEST(nRunJudgement, SaysThatACleanupWithoutWindowsMayWaitForAThread) {
+    tLifeEvents log(1);
+    log.call(0, tPhase::initialize).call(0, tPhase::stop).begin(0, tPhase::cleanup);
+    EXPECT_EQ(text(judged(log, {std::nullopt, 10'000})),
+              "hung: no return within 10.0 s in ACleanup, which may be waiting for a thread that does not end; this "
+              "would keep the service from stopping");
+    EXPECT_EQ(text(judged(log, {std::nullopt, 10'000, {"Error"}})),
+              "hung: no return within 10.0 s in ACleanup, where the window \"Error\" is open; this would keep the "
+              "service from stopping");
+    EXPECT_EQ(text(judged(log.call(0, tPhase::cleanup), {std::nullopt, 10'000})),
+              "hung: no return within 10.0 s after ACleanup had returned; this would keep the service from stopping");
+}
+
+/// Returns what became of the last one called, after an access violation in no library, on a thread of a plug-in.
+std::string afterLostThread(const std::vector<tPlugin>& plugins, tLifeEvents log) {
+    log.events.push_back({tKind::faulted, 0, {}, 1, static_cast<std::int32_t>(0xC0000005), "0x10"});
+    std::size_t last = 0;
+    for (const nRun::tEvent& event : log.events) last = event.kind == tKind::called ? event.plugin : last;
+    return text(judge(plugins, 9, log.events, {3, 10'000}).lives.back()[last]);
+}
+
+TEST(nRunJudgement, NamesThePlugInsWhoseThreadsMayRunUnloadedCode) {
+    const std::string before = "crashed: an access violation (0xC0000005) at 0x10";
+    const std::string after = "; this would have ended the service";
+    const std::vector<tPlugin> plugins{livingPlugin("A"), livingPlugin("B"), livingPlugin("C"), livingPlugin("D")};
+    tLifeEvents log(4);
+    log.begin(0, tPhase::initialize);
+    EXPECT_EQ(afterLostThread(plugins, log), before + " in AInitialize" + after) << "nothing has been unloaded";
+    log.call(0, tPhase::initialize, -7).call(1, tPhase::initialize).call(2, tPhase::initialize);
+    EXPECT_EQ(afterLostThread(plugins, log),
+              "crashed: an access violation (0xC0000005) at 0x10, perhaps on a thread of A, whose library has been "
+              "unloaded, after CInitialize had returned" +
+                  after);
+    log.call(3, tPhase::initialize).call(3, tPhase::stop).call(3, tPhase::cleanup).begin(2, tPhase::cleanup);
+    EXPECT_EQ(afterLostThread(plugins, log),
+              before + ", perhaps on a thread of A or C or D, whose library has been unloaded, in CCleanup" + after);
+    log.call(2, tPhase::cleanup).call(1, tPhase::cleanup);
+    EXPECT_EQ(afterLostThread(plugins, log), before +
+                                                 ", perhaps on a thread of one of the plug-ins, whose library has been "
+                                                 "unloaded, after BCleanup had returned" +
+                                                 after);
+}
+
 TEST(nRunJudgement, DoesNotBlameTheOtherPlugInsForTheEnd) {
     const std::vector<tPlugin> plugins{livingPlugin("A"), livingPlugin("B"), livingPlugin("C"), livingPlugin("D")};
     tLifeEvents log(4);
