@@ -180,7 +180,7 @@ constexpr std::array access{
     tRule{"exposed-setting", error, "settings of the service that others than administrators can change",
           "They decide which program the service is, or where it looks for descriptions.",
           "Run the command that the finding shows."},
-    tRule{"exposed-status", warning, "a status folder that others than administrators can change",
+    tRule{"exposed-status", warning, "a status folder or file that others than administrators can change",
           "Others can forge the status file, and may make the service overwrite another file through a link.",
           "Run the command that the finding shows."},
     tRule{"unreadable-access", warning, "an access list that cannot be read", "It has not been examined.",

@@ -210,6 +210,17 @@ class Life(unittest.TestCase):
         self.assert_nothing_is_installed()
         self.assertFalse(STATUS.parent.exists())
 
+    def test_status_files_that_users_have_put_there_are_not_written_through(self):
+        victim = DRIVE / "victim"
+        victim.write_text("of someone else")
+        STATUS.parent.mkdir(parents=True)
+        temporary = STATUS.parent / ".zuZiptraRemoteService.status.tmp"
+        temporary.hardlink_to(victim)
+        STATUS.parent.chmod(0o777)
+        self.install(NEW)
+        self.assertTrue(becomes_true(STATUS.exists))
+        self.assertEqual(victim.read_text(), "of someone else")
+
     def test_an_upgrade_that_cannot_be_done_leaves_the_service_running(self):
         self.install_with_plugin(OLD)
         before = registry(SERVICE), registry(MAKER), (PROGRAMS / "ziptra.exe").read_bytes()

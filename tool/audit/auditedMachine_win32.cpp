@@ -126,6 +126,9 @@ tMachine thisMachine() {
     }
     machine.ownFolders.push_back(installed.statusDirectory);
     machine.targets.push_back({installed.statusDirectory, tKind::folder, "exposed-status"});
+    for (const std::string& name : nInstall::statusFileNames()) {
+        machine.targets.push_back({nPe::joined(installed.statusDirectory, name), tKind::file, "exposed-status"});
+    }
     machine.administrator = nAccess::administrator();
     machine.exists = exists;
     machine.read = nAccess::read;

@@ -60,6 +60,18 @@ void add(tSteps& steps, tAction action, std::string_view target = {}, std::strin
     steps.push_back({action, std::string(target), std::string(value), std::string(name), std::string(type)});
 }
 
+/// Deletes the files that the host writes. Returns how many there are.
+std::size_t addStatusFiles(const tMachine& machine, tSteps& steps) {
+    const std::array<std::string, 2> ours = statusFileNames();
+    std::size_t count = 0;
+    for (const std::string& name : machine.statusFiles) {
+        if (std::find(ours.begin(), ours.end(), name) == ours.end()) continue;
+        add(steps, tAction::deleteFile, machine.statusDirectory + '\\' + name);
+        ++count;
+    }
+    return count;
+}
+
 class tInstallPlan {
 public:
     tInstallPlan(const tRequest& request, const tMachine& machine) : request_(request), machine_(machine) {}
@@ -75,6 +87,8 @@ public:
         addFolder(shared + R"(\ZiptraRemoteService)", folderAccess, true);
         addFolder(shared + R"(\ZiptraRemoteService\plugins)", folderAccess, true);
         addFolder(machine_.statusDirectory, folderAccess, true);
+        // What users have put in place of the host's files would remain theirs.
+        if (machine_.folder(machine_.statusDirectory) == tFolder::exposed) addStatusFiles(machine_, steps_);
         addService();
         addSharedDirectory(shared);
         if (!request_.crashDumps.empty()) addCrashDumps();
@@ -164,16 +178,9 @@ private:
     tSteps steps_;
 };
 
-/// Deletes the files that the host writes, and their folder if nothing else is in it.
-void addStatusFiles(const tMachine& machine, tSteps& steps) {
-    const std::string status = nStatusFile::fileName;
-    const std::array<std::string, 2> ours{status, '.' + status + ".tmp"};
-    std::size_t count = 0;
-    for (const std::string& name : machine.statusFiles) {
-        if (std::find(ours.begin(), ours.end(), name) == ours.end()) continue;
-        add(steps, tAction::deleteFile, machine.statusDirectory + '\\' + name);
-        ++count;
-    }
+/// Deletes the folder as well if nothing else is in it.
+void addStatusDirectory(const tMachine& machine, tSteps& steps) {
+    const std::size_t count = addStatusFiles(machine, steps);
     const tFolder state = machine.folder(machine.statusDirectory);
     const bool isFolder = state == tFolder::good || state == tFolder::exposed;
     if (isFolder && count == machine.statusFiles.size()) {
@@ -191,7 +198,7 @@ tSteps uninstallPlan(const tMachine& machine) {
     }
     if (machine.service) add(steps, tAction::deleteService);
     if (machine.hasDumpsKey) add(steps, tAction::deleteRegistryKey, dumpsKey);
-    addStatusFiles(machine, steps);
+    addStatusDirectory(machine, steps);
     return steps;
 }
 
@@ -216,6 +223,11 @@ std::vector<tStep> plan(const tRequest& request, const tMachine& machine) {
         throw tCannot("There is no service zuZiptraRemoteService: 'ziptra install' creates it");
     }
     return tInstallPlan(request, machine).make();
+}
+
+std::array<std::string, 2> statusFileNames() {
+    const std::string status = nStatusFile::fileName;
+    return {status, '.' + status + ".tmp"};
 }
 
 std::string programOf(const std::string& commandLine) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -63,6 +64,9 @@ struct tCannot : std::runtime_error {
 
 /// Returns the steps in their order; none if everything is as requested. Throws tCannot.
 [[nodiscard]] std::vector<tStep> plan(const tRequest& request, const tMachine& machine);
+
+/// Returns the names of the files that the host writes to the status directory.
+[[nodiscard]] std::array<std::string, 2> statusFileNames();
 
 /// Returns the path of the program that the command line of a service starts, or an empty text. Windows looks for a
 /// name without a dot with ".exe".

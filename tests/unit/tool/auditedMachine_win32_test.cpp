@@ -55,6 +55,23 @@ TEST(auditOnWindows, FollowsACommandLineWithoutQuotesAsWindowsDoes) {
     EXPECT_THAT(tToolRun({"audit"}).out, HasSubstr("F:\\Common: error: "));
 }
 
+TEST(auditOnWindows, NamesTheOwnerOfAStatusFileThatAUserHasPutThere) {
+    tScriptedMachine machine;
+    ASSERT_EQ(tToolRun({"install"}).exitCode, 0);
+    for (const wchar_t* const name : {L"zuZiptraRemoteService.status", L".zuZiptraRemoteService.status.tmp"}) {
+        machine.state.folders[std::wstring(L"F:\\Data\\Corvell\\") + name] = L"O:BUD:(A;;FA;;;SY)";
+    }
+    const std::string folder = R"(F:\Data\Corvell\)";
+    const std::string out = tToolRun({"audit"}).out;
+    for (const std::string& file :
+         {folder + "zuZiptraRemoteService.status", folder + ".zuZiptraRemoteService.status.tmp"}) {
+        EXPECT_THAT(out, HasSubstr(file +
+                                   ": warning: BUILTIN\\Users owns this and can change the access list "
+                                   "[exposed-status]\n    fix: icacls '" +
+                                   file + "' /setowner '*S-1-5-32-544'\n"));
+    }
+}
+
 TEST(auditOnWindows, SaysThatAFolderIsALink) {
     tScriptedMachine machine;
     ASSERT_EQ(tToolRun({"install"}).exitCode, 0);

@@ -8,10 +8,13 @@
 namespace {
 
 using namespace nInstall;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
+using testing::Not;
 
 constexpr const char* shared = R"(C:\Program Files\Common Files\Corvell)";
 constexpr const char* commandLine = R"("C:\Program Files\Corvell\Ziptra Remote Service\zuZiptraRemoteService.exe")";
@@ -148,6 +151,21 @@ TEST_F(nInstallPlan, SetsTheAccessListsOfItsFoldersThatOthersCanChange) {
     install();
     fake.folders[R"(C:\ProgramData\Corvell)"] = tFolder::exposed;
     EXPECT_THAT(planFor(tRequest{}), ElementsAre(tStep{tAction::setAccess, R"(C:\ProgramData\Corvell)", access}));
+}
+
+TEST_F(nInstallPlan, DeletesStatusFilesThatOthersCouldHavePutThereAfterTheyNoLongerCan) {
+    const std::string status = R"(C:\ProgramData\Corvell)";
+    fake.machine.statusFiles = {"notes.txt", ".zuZiptraRemoteService.status.tmp"};
+    for (const tKind kind : {tKind::install, tKind::repair}) {
+        install();
+        fake.folders[status] = tFolder::exposed;
+        EXPECT_THAT(planFor(tRequest{kind}),
+                    IsSupersetOf({tStep{tAction::setAccess, status, access},
+                                  tStep{tAction::deleteFile, status + R"(\.zuZiptraRemoteService.status.tmp)"}}));
+        EXPECT_EQ(planFor(tRequest{kind}).back().action, tAction::deleteFile);
+        fake.folders[status] = tFolder::good;
+        EXPECT_THAT(planFor(tRequest{kind}), Not(Contains(Field(&tStep::action, tAction::deleteFile))));
+    }
 }
 
 TEST_F(nInstallPlan, RefusesALinkOrAFileInPlaceOfAFolderOfItsOwn) {
