@@ -11,6 +11,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "stdpath/path.h"
 #include "tool/context.h"
@@ -41,10 +42,13 @@ void setProperty(MSIHANDLE install, const std::string& name, const std::string& 
     MsiSetPropertyW(install, wide(name).c_str(), wide(value).c_str());
 }
 
+/// Every line begins with "ziptra: ", so that it can be found in a log of thousands of lines.
 void tell(MSIHANDLE install, INSTALLMESSAGE kind, const std::string& text) {
+    constexpr std::string_view prefix = "ziptra: ";
+    const std::string line = text.starts_with(prefix) ? text : std::string(prefix) + text;
     PMSIHANDLE record = MsiCreateRecord(1);
     MsiRecordSetStringW(record, 0, L"[1]");
-    MsiRecordSetStringW(record, 1, wide(text).c_str());
+    MsiRecordSetStringW(record, 1, wide(line).c_str());
     MsiProcessMessage(install, kind, record);
 }
 
