@@ -3,15 +3,19 @@
 FOLDER contains the packages of two versions, the plug-in, and base, a copy of Wine's prefix as it was made. Each test
 has a machine of its own. All installations are silent."""
 
+import re
 import shutil
 import subprocess
 import sys
 import time
 import unittest
+import zipfile
 from pathlib import Path
 
+ROOT = Path(__file__).resolve().parent.parent.parent
 WORK = Path(sys.argv.pop(1))
 (NEW,), (OLD,) = WORK.glob("first/*.msi"), WORK.glob("older/*.msi")
+(ZIP,) = WORK.glob("first/*[0-9].zip")
 DRIVE = WORK / "prefix" / "drive_c"
 PROGRAMS = DRIVE / "Program Files/Corvell/Ziptra Remote Service"
 STATUS = DRIVE / "ProgramData/Corvell/zuZiptraRemoteService.status"
@@ -36,6 +40,17 @@ def wine(*command):
                               timeout=300).returncode
         output.seek(0)
         return code, output.read()
+
+
+def at_once(*commands):
+    """The exit codes and outputs of commands that run at the same time."""
+    running = []
+    for number, command in enumerate(commands):
+        with (WORK / f"output{number}").open("wb") as output:
+            running.append(subprocess.Popen(["wine", *command], stdin=subprocess.DEVNULL, stdout=output,
+                                            stderr=subprocess.STDOUT))
+    codes = [process.wait(timeout=300) for process in running]
+    return [(code, (WORK / f"output{number}").read_text()) for number, code in enumerate(codes)]
 
 
 def registry(key):
@@ -100,6 +115,16 @@ class Life(unittest.TestCase):
     def install(self, package, *properties):
         self.does("/i", package, f"SHAREDDIR={SHARED}", *properties)
         self.assertTrue(becomes_true(runs))
+
+    def install_again(self):
+        """Whatever has happened before, an installation makes everything complete."""
+        self.does("/i", NEW)
+        self.assertTrue(becomes_true(runs))
+        self.assertIn(f'"ImagePath"={QUOTED}', registry(SERVICE))
+        self.assertIn("ZUSHAREDDIR64", registry(MAKER))
+        programs = registry("HKLM\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall")
+        self.assertEqual(programs.count('"DisplayName"="ZU-Ziptra Remote Service"'), 1)
+        self.assertEqual(wine(str(PROGRAMS / "ziptra.exe"), "audit")[0], 0)
 
     def install_with_plugin(self, package, *properties):
         """Installs it, and starts the service again with a plug-in."""
@@ -211,6 +236,17 @@ class Life(unittest.TestCase):
         self.assert_nothing_is_installed()
         self.assertFalse(STATUS.parent.exists())
 
+    def test_a_shared_directory_of_the_machine_that_is_missing_or_a_file_is_refused(self):
+        (DRIVE / "file").write_text("")
+        for path, line in (("Q:\\gone", "The folder Q:\\gone could not be created"),
+                           ("C:\\file", "C:\\file is a file, but should be a folder")):
+            wine("reg", "add", MAKER + "\\Common\\Installer", "/v", "ZUSHAREDDIR64", "/d", path, "/f")
+            before = registry(MAKER)
+            self.refuses(line, "/i", NEW)
+            self.assertEqual(registry(MAKER), before)
+            self.assertFalse(registry(SERVICE))
+            self.assertFalse(list(PROGRAMS.glob("*")))
+
     def test_status_files_that_users_have_put_there_are_not_written_through(self):
         victim = DRIVE / "victim"
         victim.write_text("of someone else")
@@ -221,6 +257,61 @@ class Life(unittest.TestCase):
         self.install(NEW)
         self.assertTrue(becomes_true(STATUS.exists))
         self.assertEqual(victim.read_text(), "of someone else")
+
+    # Its lines for administrators and reports, with a description that the host rejects.
+    def test_the_page_for_the_first_hour_works_as_written(self):
+        page = (ROOT / "docs/windows.md").read_text().replace("zuZiptraRemoteService-0.1.0.msi", NEW.name)
+        blocks = [block for block in re.findall(r"```bat\n(.*?)```", page, re.S) if "cmake" not in block]
+        self.assertEqual(len(blocks), 8)
+        removal = next(block for block in blocks if "msiexec /x" in block)
+        blocks.remove(removal)
+        plugins = "C:\\Program Files\\Common Files\\Corvell\\ZiptraRemoteService\\plugins"
+        blocks.insert(1, f'echo [Service]> "{plugins}\\Scheduler.ini"\necho.>> "{plugins}\\Scheduler.ini"\n')
+        lines = "".join([*blocks, removal]).splitlines()
+        (DRIVE / "page").mkdir()
+        shutil.copy(NEW, DRIVE / "page")
+        marked = [line + "\n@echo [%ERRORLEVEL%] " + line.split(" >")[0] for line in lines if "ERRORLEVEL" not in line]
+        (DRIVE / "page/page.bat").write_text("@cd /d C:\\page\n" + "\n".join(marked).replace("\n", "\r\n") + "\r\n")
+        output = wine("cmd", "/c", "C:\\page\\page.bat")[1].decode()
+        codes = re.findall(r"(?m)^\[(\d+)\] (.*?)\s*$", output)
+        tried = [(code, line) for code, line in codes if re.match("start|find|net|ziptra|reg ", line)]
+        self.assertEqual(len(tried), 13, output)
+        for code, line in tried:
+            failing = re.match("ziptra (status|check)", line)
+            self.assertEqual(code, "1" if failing else "0", line + "\n" + output)
+        self.assertIn("ziptra: Created the folder " + plugins, output)
+        self.assertIn("report\\Scheduler.ini:2: error: blank line", output)
+        self.assert_nothing_is_installed()
+
+    def test_two_runs_of_the_tool_at_once_leave_a_service_that_a_third_one_completes(self):
+        PROGRAMS.mkdir(parents=True)
+        with zipfile.ZipFile(ZIP) as archive:
+            archive.extractall(PROGRAMS)
+        tool = str(PROGRAMS / "ziptra.exe")
+        for command in ("install", "repair"):
+            for code, output in at_once((tool, command), (tool, command)):
+                self.assertIn(code, (0, 2))
+                self.assertEqual(code == 2, "ziptra: " in output, output)
+            self.assertEqual(wine(tool, "install")[0], 0)
+            self.assertEqual(wine(tool, "install")[1], b"Nothing to do: everything is as requested\n")
+            self.assertTrue(runs())
+
+    # Windows Installer refuses the second one (1618), Wine does not.
+    def test_two_installations_at_once_leave_a_service_that_a_third_one_completes(self):
+        self.assertIn(0, [code for code, _ in at_once(*[("msiexec", "/i", f"Z:{NEW}", "/qn")] * 2)])
+        self.install_again()
+
+    # That the programs have space is checked by Windows Installer, not by Wine.
+    def test_a_disk_without_space_for_its_folders_is_refused_and_all_taken_back(self):
+        disk = DRIVE / "full"
+        disk.mkdir()
+        subprocess.run(["mount", "-t", "tmpfs", "-o", "nr_inodes=1", "tmpfs", disk], check=True)
+        try:
+            self.refuses("The folder C:\\full\\ZiptraRemoteService could not be created: ", "/i", NEW, "SHAREDDIR=C:\\full")
+            self.assert_nothing_is_installed()
+        finally:
+            subprocess.run(["umount", "--lazy", disk], check=True)
+        self.install_again()
 
     def test_an_upgrade_that_cannot_be_done_leaves_the_service_running(self):
         self.install_with_plugin(OLD)
@@ -246,6 +337,15 @@ class Life(unittest.TestCase):
         self.refuses("The service could not be stopped", "/i", NEW)
         self.assertEqual((PROGRAMS / "ziptra.exe").read_bytes(), before)
         self.assertIn('"Version"="0.0.9"', registry(MAKER))
+
+    def test_a_service_that_does_not_stop_is_not_removed(self):
+        self.install_with_plugin(NEW)
+        before = registry(SERVICE), registry(MAKER)
+        (DRIVE / "hang").write_text("")
+        self.addCleanup((DRIVE / "hang").unlink, missing_ok=True)
+        self.refuses("The service could not be stopped", "/x", NEW)
+        self.assertEqual((registry(SERVICE), registry(MAKER)), before)
+        self.assertTrue((PROGRAMS / "zuZiptraRemoteService.exe").exists())
 
 
 unittest.main(verbosity=2)
