@@ -10,8 +10,11 @@ namespace {
 namespace nKeys = nDescriptionFormat::nKeys;
 using nWording::quoted;
 
+bool isLetterOrDigit(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
+
 /// Returns whether "Dependencies" can name the plug-in.
 bool isUsable(const std::string& name) {
+    if (std::ranges::all_of(name, isLetterOrDigit)) return true;  // most names, which the host never splits
     std::vector<std::string> list;
     nPluginData::splitDependencies(name, list);
     return list.size() == 1 && list.front() == name;

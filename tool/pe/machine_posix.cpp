@@ -16,33 +16,46 @@ namespace {
 /// The names in folders, each of which is listed once.
 class tFolders {
 public:
-    /// Returns the path of the entry of this name, whatever the case of its letters. An exact match comes first.
+    /// Returns the path of the entry of this name, whatever the case of its letters. An exact match comes first,
+    /// then one in lower case.
     std::optional<std::string> find(const std::string& folder, const std::string& name) {
         const tNames& names = list(folder);
         const std::string lower = toLowerAscii(name);
-        const auto found = names.find(lower);
-        if (found == names.end()) return std::nullopt;
-        const std::vector<std::string>& actual = found->second;
-        for (const std::string& spelling : {name, lower}) {
-            if (std::ranges::find(actual, spelling) != actual.end()) return joined(folder, spelling);
+        const auto [first, last] = names.equal_range(lower);
+        if (first == last) return std::nullopt;
+        for (const std::string* const spelling : {&name, &lower}) {
+            const auto isSpelling = [spelling](const auto& entry) { return entry.second == *spelling; };
+            if (std::any_of(first, last, isSpelling)) return joined(folder, *spelling);
         }
-        return joined(folder, actual.front());
+        return joined(folder, std::min_element(first, last)->second);
     }
 
 private:
     /// The actual names, by their form in lower case.
-    using tNames = std::unordered_map<std::string, std::vector<std::string>>;
+    using tNames = std::unordered_multimap<std::string, std::string>;
 
     const tNames& list(const std::string& folder) {
-        const auto [entry, isNew] = folders_.try_emplace(folder);
-        if (!isNew) return entry->second;
+        // Most libraries and their imports are looked for in one folder.
+        if (last_ == nullptr || last_->first != folder) {
+            const auto [entry, isNew] = folders_.try_emplace(folder);
+            if (isNew) entry->second = read(folder);
+            last_ = &*entry;
+        }
+        return last_->second;
+    }
+
+    /// Returns no names if the folder cannot be listed.
+    static tNames read(const std::string& folder) {
+        tNames names;
         auto files = nFolderEntries::list(folder.empty() ? "." : folder);
-        if (!files) return entry->second;
-        for (auto& [name, isFile] : *files) entry->second[toLowerAscii(name)].push_back(std::move(name));
-        return entry->second;
+        if (!files) return names;
+        names.reserve(files->size());
+        for (auto& [name, isFile] : *files) names.emplace(toLowerAscii(name), std::move(name));
+        return names;
     }
 
     std::unordered_map<std::string, tNames> folders_;
+    const std::pair<const std::string, tNames>* last_ = nullptr;  ///< of them
 };
 
 /// A mapped folder.
