@@ -132,15 +132,10 @@ const tImage::tRegion& tImage::findRegion(std::uint64_t rva, std::uint64_t size)
     return lastRegion_ = found;
 }
 
-std::string_view tImage::readText(std::uint64_t rva) {
-    const tRegion& region = regionAt(rva, 1);
-    const std::span<const std::byte> bytes = region.from(rva);
-    const std::string_view readable(reinterpret_cast<const char*>(bytes.data()),
-                                    std::min<std::uint64_t>(bytes.size(), unspent_));
-    const std::size_t length = std::min(readable.find('\0'), readable.size());
-    spend(length + 1);
-    if (length == bytes.size() && length == region.size - (rva - region.rva)) throw tUnreadable{"a name has no end"};
-    return readable.substr(0, length);
+std::string_view tImage::readTextToEnd(std::span<const std::byte> bytes, std::uint64_t size) {
+    spend(bytes.size() + 1);
+    if (bytes.size() == size) throw tUnreadable{"a name has no end"};
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 }  // namespace nPe

@@ -44,7 +44,17 @@ public:
     [[nodiscard]] std::uint32_t read32(std::uint64_t rva) { return read<std::uint32_t>(rva); }
     [[nodiscard]] std::uint64_t read64(std::uint64_t rva) { return read<std::uint64_t>(rva); }
     /// Returns the bytes up to a zero. Borrows them.
-    [[nodiscard]] std::string_view readText(std::uint64_t rva);
+    [[nodiscard]] std::string_view readText(std::uint64_t rva) {
+        const tRegion& region = regionAt(rva, 1);
+        const std::span<const std::byte> bytes = region.from(rva);
+        // Most names are whole in the file, and there are so many of them that these few steps count.
+        const auto* const text = reinterpret_cast<const char*>(bytes.data());
+        const std::size_t limit = std::min<std::uint64_t>(bytes.size(), unspent_);
+        const char* const end = std::char_traits<char>::find(text, limit, '\0');
+        if (end == nullptr) return readTextToEnd(bytes, region.size - (rva - region.rva));
+        unspent_ -= static_cast<std::size_t>(end - text) + 1;
+        return {text, end};
+    }
 
 private:
     /// A part of the image: bytes of the file, followed by zeros.
@@ -54,7 +64,8 @@ private:
         std::span<const std::byte> bytes;  ///< at most `size` of them
 
         [[nodiscard]] bool contains(std::uint64_t address, std::uint64_t length) const noexcept {
-            return address >= rva && address - rva <= size && size - (address - rva) >= length;
+            const std::uint64_t offset = address - rva;  // larger than any size if the address precedes the region
+            return offset <= size && size - offset >= length;
         }
         /// Returns the bytes from an address inside the region.
         [[nodiscard]] std::span<const std::byte> from(std::uint64_t address) const noexcept {
@@ -78,6 +89,8 @@ private:
     }
     template <class Number>
     [[nodiscard]] Number read(std::uint64_t rva);
+    /// Returns a text whose zero is not among the bytes that the file has of it. `size` is that of the memory.
+    [[nodiscard]] std::string_view readTextToEnd(std::span<const std::byte> bytes, std::uint64_t size);
 
     std::span<const std::byte> file_;
     std::uint64_t unspent_;
@@ -98,12 +111,13 @@ private:
 template <class Number>
 Number tImage::read(std::uint64_t rva) {
     spend(sizeof(Number));
-    const std::span<const std::byte> bytes = regionAt(rva, sizeof(Number)).from(rva);
+    const tRegion& region = regionAt(rva, sizeof(Number));
+    const std::uint64_t offset = rva - region.rva;
     Number number{};
-    if (bytes.size() >= sizeof number) {
-        std::memcpy(&number, bytes.data(), sizeof number);
-    } else if (!bytes.empty()) {
-        std::memcpy(&number, bytes.data(), bytes.size());
+    if (offset + sizeof number <= region.bytes.size()) {
+        std::memcpy(&number, region.bytes.data() + offset, sizeof number);
+    } else if (offset < region.bytes.size()) {
+        std::memcpy(&number, region.bytes.data() + offset, region.bytes.size() - offset);
     }
     return number;
 }

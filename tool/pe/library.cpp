@@ -15,8 +15,10 @@ constexpr std::uint32_t mostFunctions = 0x10000;
 
 /// The addresses of all exported functions, in the order of their numbers; 0 where there is none.
 std::vector<std::uint32_t> readFunctions(tImage& image, std::uint64_t table, std::uint32_t count) {
+    count = std::min(count, mostFunctions);
     std::vector<std::uint32_t> functions;
-    for (std::uint64_t i = 0; i < std::min(count, mostFunctions); ++i) functions.push_back(image.read32(table + 4 * i));
+    functions.reserve(count);
+    for (std::uint64_t i = 0; i < count; ++i) functions.push_back(image.read32(table + 4 * i));
     return functions;
 }
 
@@ -73,6 +75,7 @@ void readImports(tImage& image, tLibrary& library) {
     std::uint64_t at = image.directory(tTable::imports).rva;
     if (at == 0) return;
     tImportedSymbols functions;
+    functions.reserve();
     for (;; at += descriptorSize) {
         const std::uint32_t name = image.read32(at + 12);
         const std::uint32_t addresses = image.read32(at + 16);
@@ -90,6 +93,7 @@ void readDelayedImports(tImage& image, tLibrary& library) {
     std::uint64_t at = image.directory(tTable::delayedImports).rva;
     if (at == 0) return;
     tImportedSymbols functions;
+    functions.reserve();
     for (;; at += descriptorSize) {
         const std::uint32_t name = image.read32(at + 4);
         if (name == 0) return;

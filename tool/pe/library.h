@@ -41,6 +41,8 @@ public:
         text_ += static_cast<char>(symbol.ordinal >> 8);
     }
     void clear() noexcept { text_.clear(); }
+    /// Makes room for a few dozen functions: few libraries import more from another one.
+    void reserve() { text_.reserve(768); }
     [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
     /// Returns the functions in their order. Borrows the names from this object.
     [[nodiscard]] std::vector<tImportedSymbol> list() const;
