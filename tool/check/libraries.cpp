@@ -27,16 +27,23 @@ bool isAbsolute(const std::string& path) {
     return path.size() > 2 && (hasDrive ? isSeparator(path[2]) : isSeparator(path[0]) && isSeparator(path[1]));
 }
 
+constexpr std::size_t longestPath = 259;
+
 /// Returns whether the path has more characters than every Windows accepts from the host: without the policy for long
 /// paths, 259. (Wine accepts 260, counted before anything is replaced or added, whatever the prefix.)
 bool isLong(const std::string& path) {
-    constexpr std::size_t longest = 259;
-    return path.size() > longest && nStdPath::fileNameFromUtf8(path).size() > longest;
+    return path.size() > longestPath && nStdPath::fileNameFromUtf8(path).size() > longestPath;
+}
+
+/// Returns the same for the path to which the loader may add an extension.
+bool isLongWithExtension(const std::string& path) {
+    constexpr std::size_t extension = 4;
+    return path.size() + extension > longestPath && isLong(nPe::withExtension(path));
 }
 
 /// Returns whether the path has a form that not every system accepts from the host, and finds it.
 bool isDoubtful(const std::string& path, const tExamined& examined) {
-    const bool tooLong = isLong(path) || isLong(nPe::withExtension(path));
+    const bool tooLong = isLong(path) || isLongWithExtension(path);
     const bool native = nPe::isNative(path);
     if (tooLong) examined.add(nKeys::path, "long-path", quoted(path) + " has more than 259 characters");
     if (native) examined.add(nKeys::path, "native-path", quoted(path) + R"( begins with \??\)");

@@ -113,9 +113,8 @@ tLoadVerdict examineLibrary(const nPe::tLibrary& library, const tExamined& exami
         examined.add(nKeys::path, "debug-runtime", "the library needs " + quoted(runtime));
     }
     if (std::find(found.begin(), found.end(), false) != found.end()) return tLoadVerdict::fails;
-    const bool forwards = isForwarded(library, description.initialize) || isForwarded(library, description.stop) ||
-                          isForwarded(library, description.cleanup);
-    const bool certain = library.isDll && !library.hasEntryPoint && !forwards;
+    const bool certain = library.isDll && !library.hasEntryPoint && !isForwarded(library, description.initialize) &&
+                         !isForwarded(library, description.stop) && !isForwarded(library, description.cleanup);
     return certain ? tLoadVerdict::succeeds : tLoadVerdict::uncertain;
 }
 

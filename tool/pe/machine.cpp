@@ -8,10 +8,17 @@
 namespace nPe {
 
 decltype(tMachine::readLibrary) cachedLibraries() {
-    using tCache = std::unordered_map<std::string, std::variant<tLibrary, tUnreadable>>;
+    struct tCache {
+        std::unordered_map<std::string, std::variant<tLibrary, tUnreadable>> libraries;
+        decltype(libraries)::const_pointer last = nullptr;  ///< of them: a library is asked for several times in a row
+    };
     return [cache = std::make_shared<tCache>()](const std::string& path) -> const auto& {
-        const auto found = cache->find(path);
-        return found != cache->end() ? found->second : cache->emplace(path, readFile(path)).first->second;
+        if (cache->last == nullptr || cache->last->first != path) {
+            auto found = cache->libraries.find(path);
+            if (found == cache->libraries.end()) found = cache->libraries.emplace(path, readFile(path)).first;
+            cache->last = &*found;
+        }
+        return cache->last->second;
     };
 }
 

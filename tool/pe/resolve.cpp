@@ -43,6 +43,7 @@ tForward readForward(std::string_view text) {
 /// One library's imports, and those of all that it needs.
 class tWalk {
 public:
+    /// Borrows both.
     tWalk(const tLocation& location, const tMachine& machine);
     [[nodiscard]] tLoad run() &&;
 
@@ -76,11 +77,11 @@ private:
     void report(const std::string& library, std::string symbol, std::string reason, std::size_t importer);
 
     const tMachine& machine_;
-    std::string folder_;
+    const std::string& folder_;  ///< of the location
     std::uint16_t processor_ = 0;
     std::vector<tNode> nodes_;  ///< in the order in which they were met
     // Of most libraries, so few others are needed that a hash table takes longer.
-    std::set<std::string> met_;
+    std::set<const tLibrary*> met_;
     std::map<std::string, tPlace> places_;  ///< by name in lower case
     std::unordered_map<const tLibrary*, std::unordered_map<std::uint32_t, const tExport*>> byOrdinal_;
     std::vector<tMissing> missing_;
@@ -120,7 +121,7 @@ bool tWalk::isLoaded(const std::string& path) const {
 }
 
 void tWalk::load(const tPlace& place, std::size_t importer) {
-    if (met_.insert(place.path).second) nodes_.push_back({place.path, place.library, importer});
+    if (met_.insert(place.library).second) nodes_.push_back({place.path, place.library, importer});
 }
 
 void tWalk::followImport(const tImport& import, std::size_t importer) {

@@ -36,16 +36,19 @@ std::string folderOf(std::string_view path) {
 std::string fileNameOf(std::string_view path) { return std::string(path.substr(nameStart(path))); }
 
 std::string joined(std::string_view folder, std::string_view name) {
-    std::string path(folder);
+    std::string path;
+    path.reserve(folder.size() + 1 + name.size());
+    path.append(folder);
     const bool isWindows = hasDrive(folder) || folder.find('\\') != std::string_view::npos;
     if (!folder.empty() && !isSeparator(folder.back())) path += isWindows ? '\\' : '/';
-    return path.append(name);
+    path.append(name);
+    return path;
 }
 
 std::vector<std::string> partsOf(std::string_view path) {
     if (path.starts_with(R"(\\?\)") || isNative(path)) path.remove_prefix(prefixLength);
     std::vector<std::string> parts;
-    parts.reserve(static_cast<std::size_t>(std::ranges::count_if(path, isSeparator)) + 1);
+    parts.reserve(8);  // few paths have more
     while (!path.empty()) {
         const auto end = static_cast<std::size_t>(std::ranges::find_if(path, isSeparator) - path.begin());
         const std::string_view part = path.substr(0, end);
@@ -62,14 +65,15 @@ std::vector<std::string> partsOf(std::string_view path) {
 
 bool isInside(const std::vector<std::string>& parts, const std::vector<std::string>& folder) {
     const auto isSame = [](const std::string& a, const std::string& b) {
-        return std::ranges::equal(a, b, {}, toLower, toLower);
+        return a == b || std::ranges::equal(a, b, {}, toLower, toLower);
     };
     return parts.size() >= folder.size() && std::equal(folder.begin(), folder.end(), parts.begin(), isSame);
 }
 
 std::string withExtension(std::string_view path) {
     std::string file(path.substr(0, path.find_last_not_of(' ') + 1));
-    if (file.find('.', nameStart(file)) == std::string::npos) file += ".dll";
+    const auto last = std::find_if(file.rbegin(), file.rend(), [](char c) { return c == '.' || isSeparator(c); });
+    if (last == file.rend() || *last != '.') file += ".dll";
     return file;
 }
 
