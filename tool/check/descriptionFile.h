@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,8 @@ public:
 
     /// Returns nullopt if the file has no such key. Requires: the name is one of nKeys.
     [[nodiscard]] std::optional<int> of(std::string_view key) const noexcept;
+    /// The same for a key by its position in that list.
+    [[nodiscard]] std::optional<int> at(std::size_t key) const noexcept { return lines_[key]; }
     void set(std::string_view key, int line) noexcept;
 
 private:

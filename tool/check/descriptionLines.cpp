@@ -18,12 +18,19 @@ using tWords = tFileFindings::tWords;
 
 constexpr const char* rejects = ": the host rejects the whole file";
 
-/// Returns the host's spelling of the key, or nullopt if the host knows no such key.
-std::optional<std::string_view> knownKey(std::string_view name) {
+/// Returns the key's position in nKeys::all, or its size if the host knows no such key.
+std::size_t knownKey(std::string_view name) {
     const auto found = std::find_if(nKeys::all.begin(), nKeys::all.end(),
                                     [name](std::string_view key) { return nIni::sameName(key, name, false); });
-    return found == nKeys::all.end() ? std::nullopt : std::optional(*found);
+    return static_cast<std::size_t>(found - nKeys::all.begin());
 }
+
+/// Returns the same for a name with the case that the host writes.
+std::size_t exactKey(std::string_view name) {
+    return static_cast<std::size_t>(std::find(nKeys::all.begin(), nKeys::all.end(), name) - nKeys::all.begin());
+}
+
+constexpr bool isKnown(std::size_t key) { return key < nKeys::all.size(); }
 
 bool isService(std::string_view section) { return nIni::sameName(section, nDescriptionFormat::section, false); }
 
@@ -58,7 +65,7 @@ private:
     void readHeader(std::string_view name, int number);
     void readKey(std::string_view name, int number);
     void readServiceKey(std::string_view name, int number);
-    void reportRepeatedKey(std::string_view key, int number);
+    void reportRepeatedKey(std::size_t key, int number);
     void reportUnknownKey(std::string_view name, int number);
 
     const tKeyLines& counting_;
@@ -112,27 +119,34 @@ void tLines::readKey(std::string_view name, int number) {
 }
 
 void tLines::readServiceKey(std::string_view name, int number) {
+    // Most keys are spelt as the host does, and none of these is a continuation.
+    if (const std::size_t key = exactKey(name); isKnown(key)) {
+        inContinuation_ = false;
+        reportRepeatedKey(key, number);
+        return;
+    }
     const std::optional<nIni::tContinuation> continuation = nIni::toContinuation(name);
     const bool continues = continuation && !continuation->startsRun && inContinuation_;
     inContinuation_ = continuation && (continuation->startsRun || inContinuation_);
     if (continues) return;
-    const std::optional<std::string_view> key = knownKey(inContinuation_ ? continuation->stem : name);
-    if (key) {
-        reportRepeatedKey(*key, number);
+    const std::size_t key = knownKey(inContinuation_ ? continuation->stem : name);
+    if (isKnown(key)) {
+        reportRepeatedKey(key, number);
     } else {
         reportUnknownKey(name, number);
     }
 }
 
-void tLines::reportRepeatedKey(std::string_view key, int number) {
-    const std::optional<int> counts = counting_.of(key);
+void tLines::reportRepeatedKey(std::size_t key, int number) {
+    const std::optional<int> counts = counting_.at(key);
     if (!counts || *counts == number) return;
-    findings_.add("repeated-key", number,
-                  [&] { return tWords{quoted(key) + " does not count here but in line " + std::to_string(*counts)}; });
+    findings_.add("repeated-key", number, [&] {
+        return tWords{quoted(nKeys::all[key]) + " does not count here but in line " + std::to_string(*counts)};
+    });
 }
 
 void tLines::reportUnknownKey(std::string_view name, int number) {
-    if (const auto continuation = nIni::toContinuation(name); continuation && knownKey(continuation->stem)) {
+    if (const auto continuation = nIni::toContinuation(name); continuation && isKnown(knownKey(continuation->stem))) {
         findings_.add("misspelt-key", number, [&] {
             return tWords{quoted(name) + " continues nothing",
                           "Begin with " + std::string(continuation->stem) + " Line1, and continue in the next line."};

@@ -14,7 +14,7 @@ namespace {
 namespace nKeys = nDescriptionFormat::nKeys;
 using nWording::quoted;
 
-constexpr std::string_view blanks = " \t\v\f";
+constexpr bool isBlank(char c) noexcept { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
 
 constexpr bool isAscii(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
 
@@ -26,8 +26,7 @@ constexpr std::array<std::string_view, 17> strangeBlanks{"\u00A0", "\u2000", "\u
 
 bool hasOuterBlank(std::string_view value) {
     if (value.empty()) return false;
-    if (blanks.find(value.front()) != std::string_view::npos) return true;
-    if (blanks.find(value.back()) != std::string_view::npos) return true;
+    if (isBlank(value.front()) || isBlank(value.back())) return true;
     if (isAscii(value.front()) && isAscii(value.back())) return false;
     return std::any_of(strangeBlanks.begin(), strangeBlanks.end(),
                        [value](std::string_view blank) { return value.starts_with(blank) || value.ends_with(blank); });
@@ -44,8 +43,7 @@ bool hasQuotes(std::string_view value) {
 
 bool hasComment(std::string_view value) {
     const std::size_t semicolon = value.find(';');
-    return semicolon == 0 ||
-           (semicolon != std::string_view::npos && blanks.find(value[semicolon - 1]) != std::string_view::npos);
+    return semicolon == 0 || (semicolon != std::string_view::npos && isBlank(value[semicolon - 1]));
 }
 
 void checkValue(const nIni::tKey& key, std::string_view name, const tPluginDescription& description,
