@@ -48,6 +48,9 @@ public:
     /// Returns the findings of all files, in the order of files and lines, and removes them.
     [[nodiscard]] std::vector<tFinding> takeFindings();
 
+    /// Returns the path of a plug-in's file and removes it. Requires: its findings have been taken.
+    [[nodiscard]] std::string takePath(std::size_t plugin) noexcept { return fileOf(plugin).findings.takeFile(); }
+
     /// Returns a plug-in's description and removes it, after which none of the other functions may ask for its name.
     [[nodiscard]] tPluginDescription takeDescription(std::size_t plugin) { return std::move(descriptions_[plugin]); }
 

@@ -71,8 +71,9 @@ bool isInOrder(const tCatalogue& catalogue) {
 
 }  // namespace
 
-tCircles::tCircles(const tCatalogue& catalogue, const std::vector<bool>& mayStart) : circleOf_(catalogue.size()) {
+tCircles::tCircles(const tCatalogue& catalogue, const std::vector<bool>& mayStart) {
     if (isInOrder(catalogue)) return;
+    circleOf_.resize(catalogue.size());
     for (std::vector<std::size_t>& members : nComponents::find(makeGraph(catalogue))) {
         std::erase_if(members, [&](std::size_t node) { return node >= catalogue.size(); });
         const bool harmless = std::any_of(members.begin(), members.end(), [&](std::size_t p) { return mayStart[p]; });
@@ -84,6 +85,7 @@ tCircles::tCircles(const tCatalogue& catalogue, const std::vector<bool>& mayStar
 }
 
 const std::vector<std::size_t>* tCircles::of(std::size_t plugin) const noexcept {
+    if (circleOf_.empty()) return nullptr;
     const std::optional<std::size_t> circle = circleOf_[plugin];
     return circle ? &circles_[*circle] : nullptr;
 }

@@ -20,7 +20,7 @@ public:
     [[nodiscard]] const std::vector<std::size_t>* of(std::size_t plugin) const noexcept;
 
 private:
-    std::vector<std::optional<std::size_t>> circleOf_;  ///< by position
+    std::vector<std::optional<std::size_t>> circleOf_;  ///< by position; empty if no plug-in can be in a circle
     std::vector<std::vector<std::size_t>> circles_;
 };
 

@@ -67,13 +67,17 @@ std::string describeCircle(const std::vector<std::size_t>& circle, const tCatalo
 class tExamination {
 public:
     tExamination(tCatalogue& catalogue, const std::vector<tOutcome>& outcomes, const std::vector<std::string>& assumed)
-        : catalogue_(catalogue), circles_(catalogue, mayStart(outcomes)), assumed_(assumed.begin(), assumed.end()) {
+        : catalogue_(catalogue),
+          circles_(catalogue, mayStart(outcomes)),
+          assumed_(assumed.begin(), assumed.end()),
+          firstStart_(catalogue.size(), catalogue.size()) {
         for (const tDescriptionFile& file : catalogue.files()) {
             if (!file.rejectedName.empty()) rejected_.emplace(file.rejectedName, file.findings.file());
         }
-        for (const std::size_t plugin : catalogue.order()) {
-            if (outcomes[plugin].start == tStart::no) continue;
-            firstStart_.emplace(catalogue.descriptions()[plugin].name, catalogue.rank(plugin));
+        for (const auto& [name, named] : catalogue.names()) {
+            const auto first = std::ranges::find_if(
+                named.plugins, [&](std::size_t plugin) { return outcomes[plugin].start != tStart::no; });
+            if (first != named.plugins.end()) firstStart_[named.plugins.front()] = catalogue.rank(*first);
         }
     }
 
@@ -96,7 +100,8 @@ private:
     std::optional<tChainRemedies> remedies_;      ///< none until one is needed
     std::unordered_set<std::string> assumed_;
     std::unordered_map<std::string, std::string> rejected_;  ///< the files that the host rejects, by the plug-in's name
-    std::unordered_map<std::string_view, std::size_t> firstStart_;  ///< of each name that may start, the first rank
+    /// Of each name, by the position of its first plug-in: the first rank that may start, or the number of plug-ins.
+    std::vector<std::size_t> firstStart_;
 };
 
 void tExamination::examine(std::size_t plugin) {
@@ -147,8 +152,7 @@ void tExamination::examineUnknown(std::size_t plugin, const std::string& name) {
 
 void tExamination::examineKnown(std::size_t plugin, const std::string& name, const tNamed& named) {
     const std::size_t rank = catalogue_.rank(plugin);
-    const auto firstStart = firstStart_.find(name);
-    if (firstStart != firstStart_.end() && firstStart->second < rank) return;
+    if (firstStart_[named.plugins.front()] < rank) return;
     const std::vector<std::size_t>* const circle = circles_.of(plugin);
     if (named.plugins.size() == 1 && named.plugins.front() == plugin) {
         add(plugin, "self-dependency", "the plug-in depends on itself");

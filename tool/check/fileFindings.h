@@ -38,6 +38,9 @@ public:
 
     [[nodiscard]] const std::string& file() const noexcept { return file_; }
 
+    /// Returns the file's path and removes it. Requires: no finding is added afterwards.
+    [[nodiscard]] std::string takeFile() noexcept { return std::move(file_); }
+
 private:
     struct tCount {
         std::string_view rule;

@@ -1,6 +1,7 @@
 #include "tool/check/pluginNames.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "tool/check/wording.h"
 
@@ -35,7 +36,7 @@ void checkName(tCatalogue& catalogue, std::size_t plugin) {
 }
 
 /// Reports every plug-in of the name but the first in the order of the files.
-void checkRepeated(tCatalogue& catalogue, const std::string& name, std::vector<std::size_t> plugins) {
+void checkRepeated(tCatalogue& catalogue, std::string_view name, std::vector<std::size_t> plugins) {
     std::sort(plugins.begin(), plugins.end());
     for (std::size_t i = 1; i < plugins.size(); ++i) {
         const std::size_t plugin = plugins[i];
@@ -50,7 +51,7 @@ void checkRepeated(tCatalogue& catalogue, const std::string& name, std::vector<s
 void findInNames(tCatalogue& catalogue) {
     for (std::size_t plugin = 0; plugin < catalogue.size(); ++plugin) checkName(catalogue, plugin);
     for (const auto& [name, named] : catalogue.names()) {
-        if (!name.empty()) checkRepeated(catalogue, std::string(name), named.plugins);
+        if (!name.empty() && named.plugins.size() > 1) checkRepeated(catalogue, name, named.plugins);
     }
 }
 

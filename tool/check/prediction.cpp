@@ -82,8 +82,8 @@ tPrediction predict(const tRequest& request) {
     std::move(findings.begin(), findings.end(), std::back_inserter(prediction.findings));
     prediction.plugins.reserve(catalogue.size());
     for (const std::size_t plugin : catalogue.order()) {
-        prediction.plugins.push_back({catalogue.path(plugin), catalogue.takeDescription(plugin), outcomes[plugin].code,
-                                      outcomes[plugin].start != tStart::no});
+        prediction.plugins.push_back({catalogue.takePath(plugin), catalogue.takeDescription(plugin),
+                                      outcomes[plugin].code, outcomes[plugin].start != tStart::no});
     }
     return prediction;
 }
