@@ -1,7 +1,8 @@
 #include "tool/check/fileNameOrder.h"
 
 #include <algorithm>
-#include <tuple>
+#include <cstddef>
+#include <numeric>
 #include <utility>
 
 #include "stdpath/path.h"
@@ -17,14 +18,18 @@ std::u16string sortKey(const std::string& fileName) {
 }
 
 void sort(std::vector<std::string>& paths) {
-    std::vector<std::pair<std::u16string, std::string>> keyed;
-    keyed.reserve(paths.size());
-    for (std::string& path : paths) {
-        std::string name = nStdPath::pathToUtf8(nStdPath::pathFromUtf8(path).filename());
-        keyed.emplace_back(sortKey(name), std::move(path));
+    std::vector<std::u16string> keys;
+    keys.reserve(paths.size());
+    for (const std::string& path : paths) {
+        keys.push_back(sortKey(nStdPath::pathToUtf8(nStdPath::pathFromUtf8(path).filename())));
     }
-    std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::transform(keyed.begin(), keyed.end(), paths.begin(), [](auto& item) { return std::move(item.second); });
+    std::vector<std::size_t> order(paths.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, {}, [&keys](std::size_t i) -> const std::u16string& { return keys[i]; });
+    std::vector<std::string> sorted;
+    sorted.reserve(paths.size());
+    for (const std::size_t i : order) sorted.push_back(std::move(paths[i]));
+    paths.swap(sorted);
 }
 
 }  // namespace nFileNameOrder

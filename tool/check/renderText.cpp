@@ -17,9 +17,9 @@ std::string codeText(const tPredictedPlugin& plugin) {
     return plugin.mayStart ? "-" : "fails";
 }
 
-/// Returns the text with so many blanks in front of it that it takes this many columns. Requires: ASCII text.
-std::string rightAligned(const std::string& text, std::size_t columns) {
-    return std::string(columns - std::min(columns, text.size()), ' ') + text;
+/// Appends an entry with so many blanks in front of it that it takes this many columns. Requires: ASCII text.
+void appendRightAligned(std::string& text, std::string_view entry, std::size_t columns) {
+    text.append(columns - std::min(columns, entry.size()), ' ') += entry;
 }
 
 void appendFindings(std::string& text, const tPrediction& prediction, bool colour) {
@@ -48,9 +48,11 @@ void appendOrder(std::string& text, const tPrediction& prediction, bool colour) 
     for (const tPredictedPlugin& plugin : prediction.plugins) {
         const bool red = colour && !plugin.mayStart;
         const std::string name = printable(plugin.description.name);
-        text += rightAligned(std::to_string(++number), 5) + "  " + name;
+        appendRightAligned(text, std::to_string(++number), 5);
+        text.append("  ") += name;
         text.append(width - std::min(width, nPlainText::columns(name)), ' ') += red ? "  \x1B[1;31m" : "  ";
-        text += rightAligned(codeText(plugin), 7) + (red ? "\x1B[0m  " : "  ") + printable(plugin.file) + '\n';
+        appendRightAligned(text, codeText(plugin), 7);
+        text.append(red ? "\x1B[0m  " : "  ").append(printable(plugin.file)) += '\n';
     }
     text += '\n';
 }
