@@ -190,6 +190,7 @@ private:
     IMPORT(L"kernel32.dll", SetConsoleOutputCP)                                   \
     IMPORT(L"kernel32.dll", SetErrorMode)                                         \
     IMPORT(L"kernel32.dll", SetEvent)                                             \
+    IMPORT(L"kernel32.dll", SetFileAttributesW)                                   \
     IMPORT(L"kernel32.dll", SetHandleInformation)                                 \
     IMPORT(L"kernel32.dll", SetInformationJobObject)                              \
     IMPORT(L"kernel32.dll", SetLastError)                                         \

@@ -164,19 +164,35 @@ std::optional<tService> readService(const tAccess& access, const std::string& pr
 
 // --- Folders and the registry
 
-tFolder readFolder(const std::string& path, const std::string& administrator) {
+/// Returns INVALID_FILE_ATTRIBUTES if there is neither a file nor a folder.
+DWORD readAttributes(const std::string& path) {
     const DWORD attributes = GetFileAttributesW(wide(path).c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         const DWORD error = GetLastError();
         if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) cannotLook(path, error);
-        return tFolder::missing;
     }
+    return attributes;
+}
+
+tFolder readFolder(const std::string& path, const std::string& administrator) {
+    const DWORD attributes = readAttributes(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES) return tFolder::missing;
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return tFolder::noFolder;
     if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return tFolder::link;
     const nAccess::tReading reading = nAccess::read(path, nAccess::tKind::folder);
     if (reading.error != 0) cannotLook("The access list of " + path, reading.error);
     const bool exposed = !nAccess::grants(reading.list, nAccess::tKind::folder, administrator).empty();
     return exposed ? tFolder::exposed : tFolder::good;
+}
+
+/// Users can keep administrators from reading the list of their file, which must not keep those from deleting it.
+tFile readFile(const std::string& path, const std::string& administrator) {
+    const DWORD attributes = readAttributes(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES) return tFile::missing;
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return tFile::folder;
+    const nAccess::tReading reading = nAccess::read(path, nAccess::tKind::file);
+    const bool good = reading.error == 0 && nAccess::grants(reading.list, nAccess::tKind::file, administrator).empty();
+    return good ? tFile::good : tFile::exposed;
 }
 
 /// Returns null if there is no such key.
@@ -253,9 +269,9 @@ tMachine lookAt(const tAccess& access) {
     machine.statusDirectory = statusDirectory();
     machine.statusFiles = filesIn(machine.statusDirectory);
     machine.hasDumpsKey = openKey(dumpsKey) != nullptr;
-    machine.folder = [administrator = nAccess::administrator()](const std::string& path) {
-        return readFolder(path, administrator);
-    };
+    const std::string administrator = nAccess::administrator();
+    machine.folder = [administrator](const std::string& path) { return readFolder(path, administrator); };
+    machine.file = [administrator](const std::string& path) { return readFile(path, administrator); };
     machine.registryValue = readValue;
     return machine;
 }

@@ -163,6 +163,19 @@ DWORD deleteRegistryValue(const tStep& step) {
     return static_cast<DWORD>(RegDeleteValueW(opened, wide(step.name).c_str()));
 }
 
+// --- Files
+
+/// Succeeds if there is none: the service may have renamed it meanwhile.
+DWORD deleteFile(const std::wstring& path) {
+    DWORD error = resultOf(DeleteFileW(path.c_str()));
+    if (error == ERROR_ACCESS_DENIED) {
+        // It is read-only. Only then, because other links to the file have the same attributes.
+        if (SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL) == FALSE) return GetLastError();
+        error = resultOf(DeleteFileW(path.c_str()));
+    }
+    return error == ERROR_FILE_NOT_FOUND ? DWORD{ERROR_SUCCESS} : error;
+}
+
 }  // namespace
 
 std::uint32_t perform(const tStep& step, const tAccess& access) {
@@ -183,7 +196,7 @@ std::uint32_t perform(const tStep& step, const tAccess& access) {
         case tAction::deleteRegistryValue: return deleteRegistryValue(step);
         case tAction::deleteRegistryKey:
             return static_cast<DWORD>(RegDeleteTreeW(HKEY_LOCAL_MACHINE, keyPath(step.target).c_str()));
-        case tAction::deleteFile: return resultOf(DeleteFileW(wide(step.target).c_str()));
+        case tAction::deleteFile: return deleteFile(wide(step.target));
         default: return resultOf(RemoveDirectoryW(wide(step.target).c_str()));
     }
 }

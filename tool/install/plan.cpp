@@ -60,18 +60,6 @@ void add(tSteps& steps, tAction action, std::string_view target = {}, std::strin
     steps.push_back({action, std::string(target), std::string(value), std::string(name), std::string(type)});
 }
 
-/// Deletes the files that the host writes. Returns how many there are.
-std::size_t addStatusFiles(const tMachine& machine, tSteps& steps) {
-    const std::array<std::string, 2> ours = statusFileNames();
-    std::size_t count = 0;
-    for (const std::string& name : machine.statusFiles) {
-        if (std::find(ours.begin(), ours.end(), name) == ours.end()) continue;
-        add(steps, tAction::deleteFile, machine.statusDirectory + '\\' + name);
-        ++count;
-    }
-    return count;
-}
-
 class tInstallPlan {
 public:
     tInstallPlan(const tRequest& request, const tMachine& machine) : request_(request), machine_(machine) {}
@@ -87,8 +75,7 @@ public:
         addFolder(shared + R"(\ZiptraRemoteService)", folderAccess, true);
         addFolder(shared + R"(\ZiptraRemoteService\plugins)", folderAccess, true);
         addFolder(machine_.statusDirectory, folderAccess, true);
-        // What users have put in place of the host's files would remain theirs.
-        if (machine_.folder(machine_.statusDirectory) == tFolder::exposed) addStatusFiles(machine_, steps_);
+        deleteStatusFiles();
         addService();
         addSharedDirectory(shared);
         if (!request_.crashDumps.empty()) addCrashDumps();
@@ -131,6 +118,29 @@ private:
         const bool planned =
             std::any_of(steps_.begin(), steps_.end(), [&](const tStep& s) { return s.target == path; });
         if (state == tFolder::missing && !planned) add(steps_, tAction::createFolder, path, access);
+        return state;
+    }
+
+    /// What users have put in place of the host's files would remain theirs. A link in place of the temporary file, to
+    /// which the service writes, looks as good as the file that it leads to, so that one is always deleted.
+    void deleteStatusFiles() {
+        const auto [status, temporary] = statusFileNames();
+        const bool running = machine_.service && !machine_.service->stopped;
+        const bool exposed = machine_.folder(machine_.statusDirectory) == tFolder::exposed;
+        const tFile state = statusFileState(status);
+        if (state == tFile::exposed || (exposed && state == tFile::good)) {
+            add(steps_, tAction::deleteFile, machine_.statusDirectory + '\\' + status,
+                running ? "restart the service, which then writes it again" : "");
+        }
+        if (statusFileState(temporary) != tFile::missing) {
+            add(steps_, tAction::deleteFile, machine_.statusDirectory + '\\' + temporary);
+        }
+    }
+
+    [[nodiscard]] tFile statusFileState(const std::string& name) const {
+        const std::string path = machine_.statusDirectory + '\\' + name;
+        const tFile state = machine_.file(path);
+        if (state == tFile::folder) throw tCannot(path + " is a folder, but should be a file: remove it first");
         return state;
     }
 
@@ -178,9 +188,15 @@ private:
     tSteps steps_;
 };
 
-/// Deletes the folder as well if nothing else is in it.
+/// Deletes the files that the host writes, and their folder if nothing else is in it.
 void addStatusDirectory(const tMachine& machine, tSteps& steps) {
-    const std::size_t count = addStatusFiles(machine, steps);
+    const std::array<std::string, 2> ours = statusFileNames();
+    std::size_t count = 0;
+    for (const std::string& name : machine.statusFiles) {
+        if (std::find(ours.begin(), ours.end(), name) == ours.end()) continue;
+        add(steps, tAction::deleteFile, machine.statusDirectory + '\\' + name);
+        ++count;
+    }
     const tFolder state = machine.folder(machine.statusDirectory);
     const bool isFolder = state == tFolder::good || state == tFolder::exposed;
     if (isFolder && count == machine.statusFiles.size()) {

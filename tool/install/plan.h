@@ -43,6 +43,13 @@ enum class tFolder {
     noFolder,  ///< a file
 };
 
+enum class tFile {
+    missing,
+    exposed,  ///< others than administrators can change it, or its access list cannot be read
+    good,
+    folder,
+};
+
 /// The state of the machine. Paths have backslashes, and none at their end. The functions may throw tCannot.
 struct tMachine {
     std::string program;  ///< the service's executable, beside this program
@@ -53,6 +60,7 @@ struct tMachine {
     std::vector<std::string> statusFiles;  ///< the names in the status directory
     bool hasDumpsKey = false;
     std::function<tFolder(const std::string& path)> folder;
+    std::function<tFile(const std::string& path)> file;
     /// Returns the data as text, or nothing if there is no such value. The key begins with HKLM.
     std::function<std::optional<std::string>(std::string_view key, std::string_view name)> registryValue;
 };
@@ -65,7 +73,7 @@ struct tCannot : std::runtime_error {
 /// Returns the steps in their order; none if everything is as requested. Throws tCannot.
 [[nodiscard]] std::vector<tStep> plan(const tRequest& request, const tMachine& machine);
 
-/// Returns the names of the files that the host writes to the status directory.
+/// Returns the names of the files that the host writes to the status directory, the temporary one last.
 [[nodiscard]] std::array<std::string, 2> statusFileNames();
 
 /// Returns the path of the program that the command line of a service starts, or an empty text. Windows looks for a

@@ -39,7 +39,8 @@ tWording wordingOf(const tStep& step) {
         case tAction::deleteService: return {"deleted", "the service zuZiptraRemoteService", ""};
         case tAction::deleteRegistryValue: return {"deleted", fmt::format("{} in {}", step.name, step.target), ""};
         case tAction::deleteRegistryKey: return {"deleted", step.target, ""};
-        case tAction::deleteFile: return {"deleted", "the file " + step.target, ""};
+        case tAction::deleteFile:
+            return {"deleted", "the file " + step.target, step.value.empty() ? "" : ": " + step.value};
         default: return {"deleted", "the folder " + step.target, ""};
     }
 }
@@ -119,6 +120,7 @@ std::vector<std::string> commandLines(const tStep& step) {
         case tAction::deleteRegistryValue:
             return {fmt::format("reg.exe delete {} /v {} /f /reg:64", quoted(step.target), step.name)};
         case tAction::deleteRegistryKey: return {fmt::format("reg.exe delete {} /f /reg:64", quoted(step.target))};
+        case tAction::deleteFile: return {"Remove-Item -Force -LiteralPath " + quoted(step.target)};
         default: return {"Remove-Item -LiteralPath " + quoted(step.target)};
     }
 }

@@ -22,7 +22,7 @@ enum class tAction {
     deleteService,        ///<
     deleteRegistryValue,  ///< target: the key; name
     deleteRegistryKey,    ///< target: the key
-    deleteFile,           ///< target: the path
+    deleteFile,           ///< target: the path; value: for people, what to do then, or empty
     deleteFolder,         ///< target: the path; stays if it is not empty
 };
 

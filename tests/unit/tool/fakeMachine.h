@@ -15,6 +15,7 @@ struct tFakeMachine {
     std::map<std::string, nInstall::tFolder> folders{{"C:\\Program Files\\Common Files", nInstall::tFolder::good},
                                                      {"C:\\Program Files", nInstall::tFolder::good},
                                                      {"C:\\ProgramData", nInstall::tFolder::good}};
+    std::map<std::string, nInstall::tFile> files;
     std::map<std::string, std::string> values;  ///< "KEY\NAME"
 
     tFakeMachine() {
@@ -23,6 +24,9 @@ struct tFakeMachine {
         machine.statusDirectory = R"(C:\ProgramData\Corvell)";
         machine.folder = [this](const std::string& path) {
             return folders.contains(path) ? folders.at(path) : nInstall::tFolder::missing;
+        };
+        machine.file = [this](const std::string& path) {
+            return files.contains(path) ? files.at(path) : nInstall::tFile::missing;
         };
         machine.registryValue = [this](std::string_view key, std::string_view name) -> std::optional<std::string> {
             const auto value = values.find(std::string(key) + '\\' + std::string(name));
@@ -68,6 +72,7 @@ struct tFakeMachine {
             case tAction::deleteRegistryValue: values.erase(step.target + '\\' + step.name); break;
             case tAction::deleteRegistryKey: machine.hasDumpsKey = false; break;
             case tAction::deleteFile:
+                files.erase(step.target);
                 std::erase(machine.statusFiles, step.target.substr(step.target.rfind('\\') + 1));
                 break;
             case tAction::deleteFolder: folders.erase(step.target); break;

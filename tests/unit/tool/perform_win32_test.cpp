@@ -82,6 +82,55 @@ TEST(repairOnWindows, SetsEverythingAgain) {
     EXPECT_THAT(machine.log, testing::Contains("ChangeServiceConfigW -, 2, -, -"));
 }
 
+TEST(repairOnWindows, DeletesStatusFilesThatUsersHavePutThereEvenIfTheyAreReadOnly) {
+    tScriptedMachine machine;
+    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
+    const std::string status = "F:\\Data\\Corvell\\zuZiptraRemoteService.status";
+    const std::string temporary = "F:\\Data\\Corvell\\.zuZiptraRemoteService.status.tmp";
+    machine.state.files = {{nStdPath::widePathFromUtf8(status), FILE_ATTRIBUTE_READONLY},
+                           {nStdPath::widePathFromUtf8(temporary), FILE_ATTRIBUTE_NORMAL}};
+    machine.state.folders[nStdPath::widePathFromUtf8(status)] = L"O:BUD:(A;;FA;;;SY)";
+    machine.log.clear();
+    const tToolRun run({"repair"});
+    EXPECT_EQ(run.exitCode, 0) << run.error;
+    EXPECT_THAT(run.out,
+                HasSubstr("Deleted the file " + status + ": restart the service, which then writes it again\n"));
+    machine.log.erase(machine.log.begin(), machine.log.begin() + 3);  // the access lists
+    EXPECT_THAT(machine.log, ElementsAre("SetFileAttributesW " + status + ", 128", "DeleteFileW " + status,
+                                         "DeleteFileW " + temporary));
+}
+
+TEST(repairOnWindows, KeepsAStatusFileThatOnlyAdministratorsCanChange) {
+    tScriptedMachine machine;
+    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
+    machine.state.files = {{L"F:\\Data\\Corvell\\zuZiptraRemoteService.status", FILE_ATTRIBUTE_NORMAL}};
+    EXPECT_EQ(tToolRun({"repair"}).exitCode, 0);
+    EXPECT_EQ(machine.state.files.size(), 1U);
+}
+
+TEST(repairOnWindows, DeletesAStatusFileWhoseAccessListCannotBeRead) {
+    tScriptedMachine machine;
+    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
+    machine.state.files = {{L"F:\\Data\\Corvell\\zuZiptraRemoteService.status", FILE_ATTRIBUTE_NORMAL}};
+    imports::GetNamedSecurityInfoW.replace(
+        [usual = imports::GetNamedSecurityInfoW.current()](const wchar_t* name, auto... arguments) -> DWORD {
+            return std::wstring_view(name).ends_with(L".status") ? ERROR_ACCESS_DENIED : usual(name, arguments...);
+        });
+    EXPECT_EQ(tToolRun({"repair"}).exitCode, 0);
+    EXPECT_EQ(machine.state.files.size(), 0U);
+}
+
+TEST(repairOnWindows, DoesNotMissATemporaryFileThatTheServiceHasRenamedMeanwhile) {
+    tScriptedMachine machine;
+    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
+    machine.state.files = {{L"F:\\Data\\Corvell\\.zuZiptraRemoteService.status.tmp", FILE_ATTRIBUTE_NORMAL}};
+    imports::SetNamedSecurityInfoW.replace([&](auto...) -> DWORD {
+        machine.state.files.clear();
+        return ERROR_SUCCESS;
+    });
+    EXPECT_EQ(tToolRun({"repair"}).exitCode, 0);
+}
+
 TEST(uninstallOnWindows, RemovesWhatInstallHasSet) {
     tScriptedMachine machine;
     EXPECT_EQ(tToolRun({"install", "--crash-dumps", "F:\\d"}).exitCode, 0);

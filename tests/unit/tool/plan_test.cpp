@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/unit/tool/fakeMachine.h"
 
 namespace {
@@ -19,6 +21,9 @@ using testing::Not;
 constexpr const char* shared = R"(C:\Program Files\Common Files\Corvell)";
 constexpr const char* commandLine = R"("C:\Program Files\Corvell\Ziptra Remote Service\zuZiptraRemoteService.exe")";
 const std::string access(folderAccess);
+const std::string statusFolder = R"(C:\ProgramData\Corvell)";
+const std::string statusFile = statusFolder + R"(\zuZiptraRemoteService.status)";
+const std::string temporaryFile = statusFolder + R"(\.zuZiptraRemoteService.status.tmp)";
 
 class nInstallPlan : public testing::Test {
 protected:
@@ -153,18 +158,46 @@ TEST_F(nInstallPlan, SetsTheAccessListsOfItsFoldersThatOthersCanChange) {
     EXPECT_THAT(planFor(tRequest{}), ElementsAre(tStep{tAction::setAccess, R"(C:\ProgramData\Corvell)", access}));
 }
 
-TEST_F(nInstallPlan, DeletesStatusFilesThatOthersCouldHavePutThereAfterTheyNoLongerCan) {
-    const std::string status = R"(C:\ProgramData\Corvell)";
-    fake.machine.statusFiles = {"notes.txt", ".zuZiptraRemoteService.status.tmp"};
+TEST_F(nInstallPlan, DeletesTheStatusFileIfOthersCanChangeItOrItsFolderAfterTheyNoLongerCan) {
+    install();
+    fake.machine.service->stopped = true;
     for (const tKind kind : {tKind::install, tKind::repair}) {
-        install();
-        fake.folders[status] = tFolder::exposed;
-        EXPECT_THAT(planFor(tRequest{kind}),
-                    IsSupersetOf({tStep{tAction::setAccess, status, access},
-                                  tStep{tAction::deleteFile, status + R"(\.zuZiptraRemoteService.status.tmp)"}}));
-        EXPECT_EQ(planFor(tRequest{kind}).back().action, tAction::deleteFile);
-        fake.folders[status] = tFolder::good;
+        fake.files[statusFile] = tFile::good;
+        fake.folders[statusFolder] = tFolder::exposed;
+        const std::vector<tStep> steps = planFor(tRequest{kind});
+        const auto set = std::find(steps.begin(), steps.end(), tStep{tAction::setAccess, statusFolder, access});
+        ASSERT_NE(set, steps.end());
+        EXPECT_EQ(set[1], (tStep{tAction::deleteFile, statusFile}));
+        fake.folders[statusFolder] = tFolder::good;
         EXPECT_THAT(planFor(tRequest{kind}), Not(Contains(Field(&tStep::action, tAction::deleteFile))));
+        fake.files[statusFile] = tFile::exposed;
+        EXPECT_THAT(planFor(tRequest{kind}), Contains(tStep{tAction::deleteFile, statusFile}));
+    }
+}
+
+TEST_F(nInstallPlan, AlwaysDeletesTheTemporaryFileBecauseALinkToAGoodFileLooksGood) {
+    install();
+    for (const tKind kind : {tKind::install, tKind::repair}) {
+        for (const tFile state : {tFile::good, tFile::exposed}) {
+            fake.files = {{statusFile, tFile::good}, {temporaryFile, state}};
+            EXPECT_EQ(planFor(tRequest{kind}).back(), (tStep{tAction::deleteFile, temporaryFile}));
+        }
+    }
+    fake.perform(planFor(tRequest{}));
+    EXPECT_THAT(planFor(tRequest{}), IsEmpty());
+}
+
+TEST_F(nInstallPlan, SaysThatOnlyARestartBringsBackTheStatusFileOfARunningService) {
+    install();
+    fake.files[statusFile] = tFile::exposed;
+    EXPECT_THAT(planFor(tRequest{}),
+                ElementsAre(tStep{tAction::deleteFile, statusFile, "restart the service, which then writes it again"}));
+}
+
+TEST_F(nInstallPlan, RefusesAFolderInPlaceOfAFileOfTheService) {
+    for (const std::string& file : {statusFile, temporaryFile}) {
+        fake.files = {{file, tFile::folder}};
+        EXPECT_EQ(refusal(tRequest{}), file + " is a folder, but should be a file: remove it first");
     }
 }
 

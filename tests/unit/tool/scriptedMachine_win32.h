@@ -34,6 +34,7 @@ public:
         std::map<std::wstring, tService> services;
         std::map<std::wstring, std::map<std::wstring, std::wstring>> keys;  ///< data as "TYPE:TEXT"
         std::map<std::wstring, std::wstring> folders;                       ///< with their descriptors
+        std::map<std::wstring, DWORD> files;  ///< with their attributes; their descriptors are among those of folders
 
         bool operator==(const tState&) const = default;
     };
@@ -286,6 +287,7 @@ private:
         });
         imports::GetFileAttributesW.replace([this](const wchar_t* path) -> DWORD {
             if (!isScripted(path)) return imports::GetFileAttributesW.real(path);
+            if (state.files.contains(path)) return state.files.at(path);
             const DWORD link = links.contains(path) ? FILE_ATTRIBUTE_REPARSE_POINT : 0;
             if (state.folders.contains(path)) return FILE_ATTRIBUTE_DIRECTORY | link;
             imports::SetLastError.real(ERROR_FILE_NOT_FOUND);
@@ -307,7 +309,17 @@ private:
         });
         imports::DeleteFileW.replace([this](const wchar_t* path) {
             if (!isScripted(path)) return imports::DeleteFileW.real(path);
+            if (!state.files.contains(path)) return refuse(ERROR_FILE_NOT_FOUND);
+            if ((state.files.at(path) & FILE_ATTRIBUTE_READONLY) != 0) return refuse(ERROR_ACCESS_DENIED);
             note("DeleteFileW " + utf8(path));
+            state.files.erase(path);
+            state.folders.erase(path);
+            return TRUE;
+        });
+        imports::SetFileAttributesW.replace([this](const wchar_t* path, DWORD attributes) {
+            if (!isScripted(path)) return imports::SetFileAttributesW.real(path, attributes);
+            note("SetFileAttributesW " + utf8(path) + ", " + std::to_string(attributes));
+            state.files.at(path) = attributes;
             return TRUE;
         });
     }

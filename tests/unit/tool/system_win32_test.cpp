@@ -74,6 +74,8 @@ private:
         FAULT(GetTokenInformation, FALSE);
         FAULT(CreateDirectoryW, FALSE);
         FAULT(RemoveDirectoryW, FALSE);
+        FAULT(SetFileAttributesW, FALSE);
+        FAULT(DeleteFileW, FALSE);
         FAULT(GetFileAttributesW, INVALID_FILE_ATTRIBUTES);
         FAULT(GetDriveTypeW, DRIVE_UNKNOWN);
         FAULT(ExpandEnvironmentStringsW, 0);
@@ -104,6 +106,10 @@ const std::vector<tSweep>& sweeps() {
         installed(machine);
         machine.service() = {L"C:\\gone\\x.exe", SERVICE_DISABLED};
         machine.state.folders[L"F:\\Data\\Corvell"] = L"O:BUD:(A;;FA;;;WD)";
+        const wchar_t* const status = L"F:\\Data\\Corvell\\zuZiptraRemoteService.status";
+        machine.state.folders[status] = L"O:BUD:(A;;FA;;;SY)";
+        machine.state.files = {{status, FILE_ATTRIBUTE_READONLY},
+                               {L"F:\\Data\\Corvell\\.zuZiptraRemoteService.status.tmp", FILE_ATTRIBUTE_NORMAL}};
     };
     static const std::vector<tSweep> all = {
         {"install", {"install", "--crash-dumps", "F:\\d"}, [](tScriptedMachine&) {}},
