@@ -22,6 +22,7 @@ std::string_view trimmed(std::string_view text) noexcept {
 
 tSaidLine::tSaidLine(std::size_t plugin, nStatus::tPhase phase, bool byHostThread, std::string_view text) noexcept {
     text = trimmed(text);
+    empty_ = text.empty();
     std::size_t size = std::min(text.size(), longestText);
     while (size < text.size() && size > 0 && isContinuation(text[size])) --size;
     const int written =

@@ -15,6 +15,9 @@ public:
     /// characters and ends with an ellipsis; line breaks and other control characters become blanks.
     tSaidLine(std::size_t plugin, nStatus::tPhase phase, bool byHostThread, std::string_view text) noexcept;
 
+    /// Returns whether there is nothing to show.
+    [[nodiscard]] bool isEmpty() const noexcept { return empty_; }
+
     [[nodiscard]] std::string_view view() const noexcept { return {line_.data(), size_}; }
 
     static constexpr std::size_t longestText = 300;  ///< in bytes
@@ -22,6 +25,7 @@ public:
 private:
     std::array<char, longestText + 100> line_{};
     std::size_t size_ = 0;
+    bool empty_ = false;
 };
 
 }  // namespace nRun

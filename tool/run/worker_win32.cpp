@@ -57,7 +57,68 @@ void sendLine(const char* line, std::size_t size) {
     if (WriteFile(reports, line, static_cast<DWORD>(size), &written, nullptr) == FALSE) endProcess(lostReportsCode);
 }
 
+/// The call that was the last to begin, and what has been said since. Only the first texts are reported at once, lest
+/// the reports fill the memory, but of each call also the last, which often is the reason for a failure. Any thread may
+/// say something, with any lock: this takes none of the system's, and uses no heap.
+class tSpeech {
+public:
+    void begin(std::size_t calledPlugin, tPhase calledPhase) noexcept {
+        hostThread = GetCurrentThreadId();
+        plugin = calledPlugin;
+        phase = calledPhase;
+        textsOfCall_ = 0;
+    }
+    void report(const tSaidLine& line) {
+        constexpr std::uint64_t mostOfCall = 9;
+        constexpr std::uint64_t most = 1000;
+        if (line.isEmpty()) return;
+        if (textsOfCall_++ < mostOfCall && texts_++ < most) {
+            sendLine(line.view().data(), line.view().size());
+        } else if (take()) {
+            last_ = line;
+            isNew_ = true;
+            busy_.clear();
+        }
+    }
+    /// Reports the last text, unless it has been reported. While the call goes on, another text may follow: then this
+    /// only reports one that was there the last time.
+    void reportLast(bool callGoesOn = false) {
+        if (!take()) return;
+        const bool mayFollow = callGoesOn && isNew_;
+        isNew_ = false;
+        if (last_ && !mayFollow) {
+            sendLine(last_->view().data(), last_->view().size());
+            last_.reset();
+        }
+        busy_.clear();
+    }
+
+    std::atomic<DWORD> hostThread;
+    std::atomic<std::size_t> plugin;
+    std::atomic<tPhase> phase;
+
+private:
+    /// Returns whether no other thread uses the last text. One that does may have been stopped, so this does not wait
+    /// for long.
+    [[nodiscard]] bool take() noexcept {
+        constexpr int attempts = 100;
+        for (int i = 0; i < attempts; ++i) {
+            if (!busy_.test_and_set()) return true;
+            Sleep(0);
+        }
+        return false;
+    }
+
+    std::atomic<std::uint64_t> textsOfCall_;
+    std::atomic<std::uint64_t> texts_;
+    std::atomic_flag busy_;  // the members below are in use
+    std::optional<tSaidLine> last_;
+    bool isNew_ = false;
+};
+tSpeech speech;
+
 void send(const tEvent& event) {
+    speech.reportLast();
     const std::string line = toLine(event);
     sendLine(line.data(), line.size());
 }
@@ -90,34 +151,13 @@ std::string_view libraryName(void* address) {
     return {name.data(), static_cast<std::size_t>(bytes)};
 }
 
-/// The call that was the last to begin, and how much has been said: more lines are not reported.
-struct tSpeech {
-    void begin(std::size_t calledPlugin, tPhase calledPhase) noexcept {
-        hostThread = GetCurrentThreadId();
-        plugin = calledPlugin;
-        phase = calledPhase;
-        linesOfCall = 0;
-    }
-    [[nodiscard]] bool mayGoOn() noexcept {
-        constexpr std::uint64_t mostOfCall = 10;
-        constexpr std::uint64_t most = 1000;
-        return linesOfCall++ < mostOfCall && lines++ < most;
-    }
-
-    std::atomic<DWORD> hostThread;
-    std::atomic<std::size_t> plugin;
-    std::atomic<tPhase> phase;
-    std::atomic<std::uint64_t> linesOfCall;
-    std::atomic<std::uint64_t> lines;
-};
-tSpeech speech;
-
 /// Reports an exception that nothing handles and ends the process, as the system would. Little of the stack may be left
 /// and the heap may be damaged, so this uses neither.
 LONG WINAPI reportFault(EXCEPTION_POINTERS* exception) {
     static volatile LONG faults = 0;
     if (InterlockedIncrement(&faults) > 1) Sleep(INFINITE);
     static std::array<char, 4096> line;
+    speech.reportLast();
     const DWORD code = exception->ExceptionRecord->ExceptionCode;
     void* const address = exception->ExceptionRecord->ExceptionAddress;
     MEMORY_BASIC_INFORMATION memory{};
@@ -137,13 +177,13 @@ LONG WINAPI reportFault(EXCEPTION_POINTERS* exception) {
 
 void reportAbort(int /*signal*/) {
     static constexpr std::string_view line = "a 0 0 0 0 \n";  // made without the heap, which may be damaged
+    speech.reportLast();
     sendLine(line.data(), line.size());
     endProcess(abortCode);
 }
 
 /// Reports a text of the debugger's, which may be anywhere and end anywhere.
 void reportSaid(std::size_t size, ULONG_PTR address) {
-    if (!speech.mayGoOn()) return;
     std::array<char, tSaidLine::longestText + 1> text;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled next
     SIZE_T read = 0;
     // NOLINTNEXTLINE(performance-no-int-to-ptr): exceptions have numbers for parameters
@@ -152,8 +192,7 @@ void reportSaid(std::size_t size, ULONG_PTR address) {
         return;
     }
     const bool byHostThread = GetCurrentThreadId() == speech.hostThread;
-    const tSaidLine line(speech.plugin, speech.phase, byHostThread, {text.data(), read});
-    sendLine(line.view().data(), line.view().size());
+    speech.report(tSaidLine(speech.plugin, speech.phase, byHostThread, {text.data(), read}));
 }
 
 /// OutputDebugString raises an exception, for a debugger, and handles it itself. All others are no business of this.
@@ -330,7 +369,11 @@ int runWorker() {
     watchFaults();
     const tHandle thread(CreateThread(nullptr, 0, runLives, &*order, 0, nullptr));
     if (thread == nullptr) giveUpAfter("no thread starts for the plug-ins");
-    if (WaitForSingleObject(thread.get(), INFINITE) != WAIT_OBJECT_0) giveUpAfter("it cannot wait for their thread");
+    // A call that hangs may have said why.
+    constexpr DWORD pauseMs = 500;
+    DWORD wait = WAIT_TIMEOUT;
+    for (; wait == WAIT_TIMEOUT; wait = WaitForSingleObject(thread.get(), pauseMs)) speech.reportLast(true);
+    if (wait != WAIT_OBJECT_0) giveUpAfter("it cannot wait for their thread");
     // Only if a plug-in ends the thread does this report come before that of the end, which is then missing.
     send({tEventKind::endedThread});
     return exitNothingFound;

@@ -157,9 +157,18 @@ int SaysWhyItFails() {
 }
 int SaysMuch() {
     const std::string text(100'000, 'x');
-    for (int i = 0; i < 20; ++i) OutputDebugStringA((std::to_string(i) + text).c_str());
+    for (int i = 0; i < 20; ++i) {
+        OutputDebugStringA("\n");
+        OutputDebugStringA((std::to_string(i) + text).c_str());
+    }
     return 0;
 }
+int SaysMuchAndFaults() { return SaysMuch() + Faults(); }
+int SaysMuchAndAborts() {
+    SaysMuch();
+    return Aborts();
+}
+int SaysMuchAndHangs() { return SaysMuch() + Hangs(); }
 int SaysWide() {
     OutputDebugStringW(L"wide");
     return 0;

@@ -239,15 +239,38 @@ TEST_F(nRunLives, ShowWhatIsSaidToTheDebuggerWithTheCallAndTheThread) {
     EXPECT_THAT(good.out(), HasSubstr("\"entry\": \"SaysSomethingOnItsThread\",\n              \"thread\""));
 }
 
-TEST_F(nRunLives, ShowNoMoreThanTheBeginningOfAllThatIsSaid) {
+TEST_F(nRunLives, ShowTheFirstNineTextsOfEachCallAndTheLast) {
+    add("A", "SaysMuch", "SaysMuch");
+    const tToolProcess tool(arguments(L"A", L""));
+    EXPECT_EQ(tool.exitCode(), 0U);
+    const std::vector<std::string> texts = valuesOf(tool.out(), "text");
+    ASSERT_THAT(texts, SizeIs(20));
+    EXPECT_THAT(texts, Each(AllOf(SizeIs(303), EndsWith("xxx\xE2\x80\xA6"))));
+    for (const std::size_t call : {0U, 10U}) {
+        EXPECT_THAT(texts[call], StartsWith("0x"));
+        EXPECT_THAT(texts[call + 8], StartsWith("8x"));
+        EXPECT_THAT(texts[call + 9], StartsWith("19x"));
+    }
+}
+
+TEST_F(nRunLives, ShowTheLastTextOfEachCallAfterAThousandTexts) {
     add("A", "SaysMuch", "SaysMuch");
     const tToolProcess tool(arguments(L"A", L"--times 60"));
     EXPECT_EQ(tool.exitCode(), 0U);
     const std::vector<std::string> texts = valuesOf(tool.out(), "text");
-    ASSERT_THAT(texts, SizeIs(1000));
-    EXPECT_THAT(texts, Each(AllOf(testing::SizeIs(303), EndsWith("xxx\xE2\x80\xA6"))));
-    EXPECT_THAT(texts[9], StartsWith("9x"));
-    EXPECT_THAT(texts[10], StartsWith("0x")) << "of the next call";
+    ASSERT_THAT(texts, SizeIs(1000 + 2 * 60));
+    for (auto text = texts.end() - 8; text != texts.end(); ++text) EXPECT_THAT(*text, StartsWith("19x"));
+}
+
+TEST_F(nRunLives, ShowTheLastTextOfACallThatDoesNotReturn) {
+    for (const std::string entry : {"SaysMuchAndFaults", "SaysMuchAndAborts", "SaysMuchAndHangs"}) {
+        add("A", entry);
+        const tToolProcess tool(arguments(L"A", L"--limit 3"));
+        EXPECT_EQ(tool.exitCode(), 1U) << entry;
+        const std::vector<std::string> texts = valuesOf(tool.out(), "text");
+        ASSERT_THAT(texts, SizeIs(10)) << entry;
+        EXPECT_THAT(texts.back(), StartsWith("19x")) << entry;
+    }
 }
 
 TEST_F(nRunLives, SurviveATextThatIsNowhere) {

@@ -48,6 +48,13 @@ TEST(nRunSaidLine, IsOneLineWhateverTheTextContains) {
     EXPECT_EQ(said("\n \n"), "");
 }
 
+TEST(nRunSaidLine, IsEmptyIfThereIsNothingToShow) {
+    for (const std::string text : {"", "\n", " \r\n\t"}) {
+        EXPECT_TRUE(tSaidLine(0, tPhase::stop, true, text).isEmpty()) << text;
+    }
+    EXPECT_FALSE(tSaidLine(0, tPhase::stop, true, "\nx").isEmpty());
+}
+
 TEST(nRunSaidLine, CutsALongTextOffBetweenTwoCharacters) {
     const std::string longest(tSaidLine::longestText, 'x');
     EXPECT_EQ(said(longest), longest);
