@@ -58,7 +58,8 @@ std::string toText(const tRemark& remark, const tResult& result, bool colour) {
     finding.severity = isNote ? tSeverity::note : tSeverity::error;
     finding.file = printable(plugin.file);
     finding.message = printable(plugin.description.name + ": " + remark.sentence);
-    if (result.lives.size() > 1)
+    // Not all that was said is reported, so the number of lives would be too small.
+    if (result.lives.size() > 1 && remark.id != saidId)
         finding.message += fmt::format(" (in {} of {} lives)", remark.lives, result.lives.size());
     return nFinding::toText(finding, colour) + '\n';
 }

@@ -39,13 +39,13 @@ TEST(nRunText, CountsTheLivesInWhichTheSameHappens) {
                 HasSubstr("AInitialize returned -8; the service would run without it (in 1 of 3 lives) [failed]\n"));
 }
 
-TEST(nRunText, ShowsWhatWasSaidBelowTheFinding) {
+TEST(nRunText, ShowsWhatWasSaidBelowTheFindingWithoutANumberOfLives) {
     EXPECT_THAT(
         toText(support::talkingResult(), false),
         StartsWith(
             R"(plugins/A.ini: error: A: AInitialize returned -1; the service would run without it (in 2 of 3 lives) [failed]
-plugins/A.ini: note: A: AInitialize said: "no file" (in 2 of 3 lives) [said]
-plugins/A.ini: note: A: a thread said after AInitialize was called: "no file" (in 1 of 3 lives) [said]
+plugins/A.ini: note: A: AInitialize said: "no file" [said]
+plugins/A.ini: note: A: a thread said after AInitialize was called: "no file" [said]
 
 )"));
 }
