@@ -204,10 +204,15 @@ private:
         return fmt::format("{} {}; {}", text, where(), endsService);
     }
 
+    /// Returns whether Initialize failed in the last life, and was called at all.
+    [[nodiscard]] bool hasFailed(std::size_t plugin, const tEvent& initialized) const {
+        return initialized.code < 0 && whyNotStarted(history_.lives.size() - 1, plugin, initialized.code).empty();
+    }
+
     /// Returns whether the plug-in's library has been unloaded in the last life, or is about to be.
     [[nodiscard]] bool isUnloaded(std::size_t plugin) const {
         const auto& [initialized, stopped, cleanedUp] = history_.lives.back()[plugin].returned;
-        return cleanedUp != nullptr || (initialized != nullptr && initialized->code < 0) ||
+        return cleanedUp != nullptr || (initialized != nullptr && hasFailed(plugin, *initialized)) ||
                (plugin == history_.last->plugin && history_.last->phase == tPhase::cleanup);
     }
 

@@ -165,7 +165,9 @@ LONG WINAPI reportFault(EXCEPTION_POINTERS* exception) {
     const std::string_view name = known && memory.Type == MEM_IMAGE ? libraryName(address) : "";
     const void* const base = name.empty() ? nullptr : memory.AllocationBase;
     const auto offset = reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(base);
-    const bool outside = known && memory.Type != MEM_IMAGE;
+    // No library can be below: a null function was called.
+    constexpr std::uintptr_t lowest = 0x10000;
+    const bool outside = known && memory.Type != MEM_IMAGE && reinterpret_cast<std::uintptr_t>(address) >= lowest;
     const int size = std::snprintf(
         line.data(), line.size(), "%c 0 0 %d %ld %.*s%s0x%llx%s\n", static_cast<char>(tEventKind::faulted),
         outside && GetCurrentThreadId() != speech.hostThread ? 1 : 0, static_cast<long>(code),

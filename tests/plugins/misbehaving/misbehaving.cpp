@@ -17,6 +17,11 @@ DWORD WINAPI faultSoon(void* /*unused*/) {
     return 0;
 }
 
+DWORD WINAPI callNothing(void* /*unused*/) {
+    DWORD (*volatile nothing)() = nullptr;
+    return nothing();
+}
+
 DWORD WINAPI writeForever(void* pipe) {
     static char bytes[0x100000];
     DWORD written = 0;
@@ -137,6 +142,10 @@ int LeavesThreadInItsCode() {
 }
 int FaultsOnItsThread() {
     WaitForSingleObject(CreateThread(nullptr, 0, faultSoon, nullptr, 0, nullptr), INFINITE);
+    return 0;
+}
+int CallsNothingOnItsThread() {
+    WaitForSingleObject(CreateThread(nullptr, 0, callNothing, nullptr, 0, nullptr), INFINITE);
     return 0;
 }
 int LeavesHandle() { return CreateEventA(nullptr, TRUE, FALSE, nullptr) == nullptr ? -1 : 0; }

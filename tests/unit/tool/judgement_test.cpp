@@ -254,6 +254,17 @@ TEST(nRunJudgement, NamesThePlugInsWhoseThreadsMayRunUnloadedCode) {
                                                  after);
 }
 
+TEST(nRunJudgement, BlamesNoThreadOfAPlugInWhoseInitializeWasNotCalled) {
+    const std::vector<tPlugin> plugins{livingPlugin("A"), livingPlugin("B", {"A"})};
+    for (const std::int32_t code : {-52002, -52005, -52006}) {
+        tLifeEvents log(2);
+        log.call(0, tPhase::initialize, code).begin(1, tPhase::initialize);
+        EXPECT_EQ(afterLostThread(plugins, log),
+                  "crashed: an access violation (0xC0000005) at 0x10 in BInitialize; this would have ended the service")
+            << code;
+    }
+}
+
 TEST(nRunJudgement, DoesNotBlameTheOtherPlugInsForTheEnd) {
     const std::vector<tPlugin> plugins{livingPlugin("A"), livingPlugin("B"), livingPlugin("C"), livingPlugin("D")};
     tLifeEvents log(4);

@@ -127,6 +127,15 @@ TEST_F(nRunLives, SayWhatEachMisbehaviourDoesToTheService) {
     }
 }
 
+TEST_F(nRunLives, MistakeNoNullFunctionForUnloadedCode) {
+    add("A", "Behaves", "Behaves", "CallsNothingOnItsThread");
+    const tToolProcess tool(arguments(L"A", L""));
+    EXPECT_EQ(tool.exitCode(), 1U);
+    EXPECT_THAT(valuesOf(tool.out(), "detail"),
+                ElementsAre("an access violation (0xC0000005) at 0x0 in "
+                            "CallsNothingOnItsThread; this would have ended the service"));
+}
+
 TEST_F(nRunLives, FindAChangedCodePageOfTheConsole) {
     add("A", "ChangesCodePage");
     const tToolProcess tool(arguments(L"A", L""), CREATE_NO_WINDOW);  // with a console of its own
