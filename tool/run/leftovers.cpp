@@ -9,6 +9,10 @@
 namespace nRun {
 namespace {
 
+/// How many handles a later life of a plug-in may leave open if no other does. Runtimes open a few for each thread that
+/// waits for the first time, such as an event; more than for a few threads are the plug-in's own.
+constexpr std::int64_t mostForgiven = 8;
+
 std::string counted(std::int64_t count, std::string_view what) {
     return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
@@ -87,7 +91,7 @@ void tLeftovers::suspect(std::size_t plugin, std::vector<tLeft>& left) {
     const std::string text = counted(opened_[plugin], "handle");
     if (life_ == 1 && firstOpened_[plugin] >= opened_[plugin]) suspected.push_back({0, plugin, text, true});
     suspected.push_back({life_, plugin, text, true});
-    if (++suspicions_[plugin] == 1) {
+    if (++suspicions_[plugin] == 1 && opened_[plugin] <= mostForgiven) {
         undecided_ = true;
     } else {
         std::ranges::move(suspected, std::back_inserter(left));

@@ -31,8 +31,8 @@ struct tLeft {
 ///
 /// Handles may remain open after the first life, because libraries of the system keep some, and after another one,
 /// because runtimes open some when a thread first has to wait, which may not happen in every life. A plug-in therefore
-/// leaks handles if it has left some open after two later lives, and more were open after each of these than after all
-/// lives before; the first life did, too, if the second does.
+/// leaks handles if it has left some open after two later lives, or more than a runtime opens after one, and more were
+/// open after each of these than after all lives before; the first life did, too, if the second does.
 class tLeftovers {
 public:
     tLeftovers(std::size_t plugins, tProcessState before);

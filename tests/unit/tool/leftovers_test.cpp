@@ -75,6 +75,24 @@ TEST(tLeftovers, LetOneLaterLifeOfEachPluginKeepHandlesOpen) {
     EXPECT_FALSE(leftovers.undecided());
 }
 
+TEST(tLeftovers, AreMoreHandlesOfASingleLaterLifeThanARuntimeOpens) {
+    std::size_t handles = 10;
+    tLeftovers leftovers(2, withHandles(handles));
+    EXPECT_THAT(life(leftovers, handles, {0, 0}), IsEmpty());
+    EXPECT_THAT(life(leftovers, handles, {8, 0}), IsEmpty());
+    EXPECT_THAT(life(leftovers, handles, {0, 9}), ElementsAre("2 1: 9 handles"));
+    EXPECT_THAT(life(leftovers, handles, {0, 1}), ElementsAre("3 1: 1 handle")) << "it has been accused before";
+    EXPECT_THAT(life(leftovers, handles, {1, 0}), ElementsAre("1 0: 8 handles", "4 0: 1 handle"));
+}
+
+TEST(tLeftovers, AreThoseOfTheFirstLifeTooIfTheSecondLeavesManyHandles) {
+    std::size_t handles = 10;
+    tLeftovers leftovers(1, withHandles(handles));
+    EXPECT_THAT(life(leftovers, handles, {500}), IsEmpty());
+    EXPECT_THAT(life(leftovers, handles, {500}), ElementsAre("0 0: 500 handles", "1 0: 500 handles"));
+    EXPECT_FALSE(leftovers.undecided());
+}
+
 TEST(tLeftovers, AreNotAddedToTheFirstLifeIfItLeftFewerHandles) {
     std::size_t handles = 10;
     tLeftovers leftovers(1, withHandles(handles));
