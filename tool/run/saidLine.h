@@ -11,8 +11,9 @@ namespace nRun {
 /// The line of the event tEventKind::said. Made without the heap, which the thread that says something may have locked.
 class tSaidLine {
 public:
-    /// Uses the text up to its first null, without the white space at its end. A longer one is cut off between two
-    /// characters and ends with an ellipsis; line breaks and other control characters become blanks.
+    /// Uses the text up to its first null, without the white space at its ends. Of a longer one, of which one byte more
+    /// is enough, the beginning is used, up to the end of a character, and then an ellipsis. Line breaks and other
+    /// control characters become blanks.
     tSaidLine(std::size_t plugin, nStatus::tPhase phase, bool byHostThread, std::string_view text) noexcept;
 
     /// Returns whether there is nothing to show.

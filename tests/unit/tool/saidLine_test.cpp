@@ -46,6 +46,7 @@ TEST(nRunSaidLine, IsOneLineWhateverTheTextContains) {
     EXPECT_EQ(said("100 %s \xC3\xBC \xFF"), "100 %s \xC3\xBC \xFF");
     EXPECT_EQ(said(std::string_view("up to here\0not this", 19)), "up to here");
     EXPECT_EQ(said("\n \n"), "");
+    EXPECT_EQ(said(" \n\tindented\n"), "indented");
 }
 
 TEST(nRunSaidLine, IsEmptyIfThereIsNothingToShow) {
@@ -58,11 +59,19 @@ TEST(nRunSaidLine, IsEmptyIfThereIsNothingToShow) {
 TEST(nRunSaidLine, CutsALongTextOffBetweenTwoCharacters) {
     const std::string longest(tSaidLine::longestText, 'x');
     EXPECT_EQ(said(longest), longest);
-    EXPECT_EQ(said(longest + " \n"), longest);
+    EXPECT_EQ(said(longest + std::string(1, '\0') + 'y'), longest);
     EXPECT_EQ(said(longest + 'y'), longest + ellipsis);
     const std::string shorter(tSaidLine::longestText - 1, 'x');
     EXPECT_EQ(said(shorter + "\xC3\xBC"), shorter + ellipsis);
     EXPECT_EQ(said(std::string(0x10000, '\x80')), ellipsis) << "it has no character at all";
+}
+
+TEST(nRunSaidLine, ShowsThatATextWasCutOffWhereItHasBlanks) {
+    const std::string blanks(tSaidLine::longestText, ' ');
+    EXPECT_EQ(said("one" + blanks), "one" + ellipsis);
+    EXPECT_EQ(said(blanks + 'x'), ellipsis);
+    EXPECT_FALSE(tSaidLine(0, tPhase::stop, true, blanks + 'x').isEmpty());
+    EXPECT_EQ(said("  " + blanks.substr(3) + "yz"), "y" + ellipsis);
 }
 
 }  // namespace
