@@ -68,8 +68,6 @@ private:
 
 constinit tBlocks blocks;
 
-bool isThisThreadWatched() noexcept { return watchedThread == &errno; }
-
 bool isWatched() noexcept { return isThisThreadWatched() && tPause::count == 0; }
 
 bool refuses(std::size_t bytes) noexcept {
@@ -114,6 +112,8 @@ void settleLibraries() noexcept {
 }
 
 }  // namespace
+
+bool isThisThreadWatched() noexcept { return watchedThread == &errno; }
 
 void startRefusing(std::size_t bytes) noexcept {
     smallestRefused = bytes;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 /// Makes memory run out in a test. The linker redirects every malloc, calloc, realloc and free of the test program to
 /// this module, and with them every `new`; on Windows also those of the runtime libraries. Thread: one at a time. Put
@@ -45,22 +45,35 @@ inline bool stopFailingNew() noexcept { return stopFailing().refused > 0; }
 /// Returns how many of the blocks recorded since the last start have not been freed.
 std::size_t held() noexcept;
 
-/// While one exists, requests for memory are neither counted nor refused: they are the test's own. Thread: any.
+/// Returns whether requests of this thread are counted.
+[[nodiscard]] bool isThisThreadWatched() noexcept;
+
+/// While one exists, requests for memory by its thread are neither counted nor refused: they are the test's own.
+/// Thread: any; a thread that stays in one, or ends there, does not matter to the others.
 class tPause {
 public:
-    tPause() noexcept { ++count; }
-    ~tPause() { --count; }
+    tPause() noexcept : counts_(isThisThreadWatched()) {
+        if (counts_) ++count;
+    }
+    ~tPause() {
+        if (counts_) --count;
+    }
     tPause(const tPause&) = delete;
     tPause& operator=(const tPause&) = delete;
 
-    inline static constinit std::atomic<int> count{0};
+    inline static constinit int count = 0;  ///< of the thread that is watched
+
+private:
+    bool counts_;
 };
 
 /// Suspends all pauses while it exists, for a stand-in that calls the product.
 class tProductCall {
 public:
-    tProductCall() noexcept : pauses_(tPause::count.exchange(0)) {}
-    ~tProductCall() { tPause::count += pauses_; }
+    tProductCall() noexcept : pauses_(isThisThreadWatched() ? std::exchange(tPause::count, 0) : 0) {}
+    ~tProductCall() {
+        if (pauses_ != 0) tPause::count += pauses_;
+    }
     tProductCall(const tProductCall&) = delete;
     tProductCall& operator=(const tProductCall&) = delete;
 
