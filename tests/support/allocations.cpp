@@ -1,7 +1,6 @@
 #include "tests/support/allocations.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -16,7 +15,6 @@ constinit std::size_t smallestRefused = SIZE_MAX;
 constinit int refusals = 0;
 
 // In static memory, because all of this may be called before any constructor has run.
-constinit const int* watchedThread = nullptr;  // the address of its errno, or null while nothing is counted
 constinit int failingRequest = 0;
 constinit tHowLong duration = tHowLong::once;
 constinit bool newOnly = false;
@@ -112,8 +110,6 @@ void settleLibraries() noexcept {
 }
 
 }  // namespace
-
-bool isThisThreadWatched() noexcept { return watchedThread == &errno; }
 
 void startRefusing(std::size_t bytes) noexcept {
     smallestRefused = bytes;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <memory>
 #include <utility>
@@ -45,8 +46,10 @@ inline bool stopFailingNew() noexcept { return stopFailing().refused > 0; }
 /// Returns how many of the blocks recorded since the last start have not been freed.
 std::size_t held() noexcept;
 
-/// Returns whether requests of this thread are counted.
-[[nodiscard]] bool isThisThreadWatched() noexcept;
+/// Whose requests are counted: the address of the thread's errno, which needs no memory; null if none are.
+inline constinit const int* watchedThread = nullptr;
+
+[[nodiscard]] inline bool isThisThreadWatched() noexcept { return watchedThread == &errno; }
 
 /// While one exists, requests for memory by its thread are neither counted nor refused: they are the test's own.
 /// Thread: any; a thread that stays in one, or ends there, does not matter to the others.
