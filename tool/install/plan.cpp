@@ -121,8 +121,8 @@ private:
         return state;
     }
 
-    /// What users have put in place of the host's files would remain theirs. A link in place of the temporary file, to
-    /// which the service writes, looks as good as the file that it leads to, so that one is always deleted.
+    /// A file that users have put in place of one of the host's would remain theirs. A link in place of the temporary
+    /// file, to which the service writes, looks as good as the file that it leads to, so that one is always deleted.
     void deleteStatusFiles() {
         const auto [status, temporary] = statusFileNames();
         const bool running = machine_.service && !machine_.service->stopped;
@@ -188,20 +188,21 @@ private:
     tSteps steps_;
 };
 
-/// Deletes the files that the host writes, and their folder if nothing else is in it.
+/// Deletes the files that the host writes, and their folder if nothing else is in it. A running service writes its
+/// status when it stops, even if there is no such file before.
 void addStatusDirectory(const tMachine& machine, tSteps& steps) {
-    const std::array<std::string, 2> ours = statusFileNames();
-    std::size_t count = 0;
-    for (const std::string& name : machine.statusFiles) {
-        if (std::find(ours.begin(), ours.end(), name) == ours.end()) continue;
-        add(steps, tAction::deleteFile, machine.statusDirectory + '\\' + name);
-        ++count;
-    }
     const tFolder state = machine.folder(machine.statusDirectory);
     const bool isFolder = state == tFolder::good || state == tFolder::exposed;
-    if (isFolder && count == machine.statusFiles.size()) {
-        add(steps, tAction::deleteFolder, machine.statusDirectory);
+    const bool running = machine.service && !machine.service->stopped;
+    std::vector<std::string> others = machine.statusFiles;
+    for (const std::string& name : statusFileNames()) {
+        const std::string path = machine.statusDirectory + '\\' + name;
+        if (machine.file(path) == tFile::folder) continue;
+        const bool exists = std::erase(others, name) > 0;
+        const bool follows = running && isFolder && name == nStatusFile::fileName;
+        if (exists || follows) add(steps, tAction::deleteFile, path);
     }
+    if (isFolder && others.empty()) add(steps, tAction::deleteFolder, machine.statusDirectory);
 }
 
 tSteps uninstallPlan(const tMachine& machine) {

@@ -28,6 +28,11 @@ std::string program() {
 
 std::string quotedProgram() { return '"' + program() + '"'; }
 
+void installWithFile(tScriptedMachine& machine, const std::wstring& name) {
+    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
+    machine.state.files = {{L"F:\\Data\\Corvell\\" + name, FILE_ATTRIBUTE_NORMAL}};
+}
+
 TEST(installOnWindows, MakesEachCallWithTheRightArguments) {
     tScriptedMachine machine;
     const tToolRun run({"install", "--crash-dumps", "F:\\d 插"});
@@ -102,16 +107,14 @@ TEST(repairOnWindows, DeletesStatusFilesThatUsersHavePutThereEvenIfTheyAreReadOn
 
 TEST(repairOnWindows, KeepsAStatusFileThatOnlyAdministratorsCanChange) {
     tScriptedMachine machine;
-    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
-    machine.state.files = {{L"F:\\Data\\Corvell\\zuZiptraRemoteService.status", FILE_ATTRIBUTE_NORMAL}};
+    installWithFile(machine, L"zuZiptraRemoteService.status");
     EXPECT_EQ(tToolRun({"repair"}).exitCode, 0);
     EXPECT_EQ(machine.state.files.size(), 1U);
 }
 
 TEST(repairOnWindows, DeletesAStatusFileWhoseAccessListCannotBeRead) {
     tScriptedMachine machine;
-    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
-    machine.state.files = {{L"F:\\Data\\Corvell\\zuZiptraRemoteService.status", FILE_ATTRIBUTE_NORMAL}};
+    installWithFile(machine, L"zuZiptraRemoteService.status");
     imports::GetNamedSecurityInfoW.replace(
         [usual = imports::GetNamedSecurityInfoW.current()](const wchar_t* name, auto... arguments) -> DWORD {
             return std::wstring_view(name).ends_with(L".status") ? ERROR_ACCESS_DENIED : usual(name, arguments...);
@@ -122,8 +125,7 @@ TEST(repairOnWindows, DeletesAStatusFileWhoseAccessListCannotBeRead) {
 
 TEST(repairOnWindows, DoesNotMissATemporaryFileThatTheServiceHasRenamedMeanwhile) {
     tScriptedMachine machine;
-    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
-    machine.state.files = {{L"F:\\Data\\Corvell\\.zuZiptraRemoteService.status.tmp", FILE_ATTRIBUTE_NORMAL}};
+    installWithFile(machine, L".zuZiptraRemoteService.status.tmp");
     imports::SetNamedSecurityInfoW.replace([&](auto...) -> DWORD {
         machine.state.files.clear();
         return ERROR_SUCCESS;
@@ -135,11 +137,16 @@ TEST(uninstallOnWindows, RemovesWhatInstallHasSet) {
     tScriptedMachine machine;
     EXPECT_EQ(tToolRun({"install", "--crash-dumps", "F:\\d"}).exitCode, 0);
     machine.log.clear();
+    imports::ControlService.replace([&, usual = imports::ControlService.current()](auto... arguments) {
+        machine.state.files[L"F:\\Data\\Corvell\\zuZiptraRemoteService.status"] = FILE_ATTRIBUTE_NORMAL;
+        return usual(arguments...);
+    });
     EXPECT_EQ(tToolRun({"uninstall"}).exitCode, 0);
-    EXPECT_THAT(machine.log,
-                ElementsAre("ControlService 1",
-                            "RegDeleteValueW " + nStdPath::pathToUtf8(installer) + ", ZUSHAREDDIR64", "DeleteService",
-                            "RegDeleteTreeW " + nStdPath::pathToUtf8(dumps), "RemoveDirectoryW F:\\Data\\Corvell"));
+    EXPECT_THAT(machine.log, ElementsAre("ControlService 1",
+                                         "RegDeleteValueW " + nStdPath::pathToUtf8(installer) + ", ZUSHAREDDIR64",
+                                         "DeleteService", "RegDeleteTreeW " + nStdPath::pathToUtf8(dumps),
+                                         "DeleteFileW F:\\Data\\Corvell\\zuZiptraRemoteService.status",
+                                         "RemoveDirectoryW F:\\Data\\Corvell"));
     EXPECT_EQ(machine.openHandles, 0);
 }
 

@@ -287,9 +287,31 @@ TEST_F(nInstallPlan, OfAnUninstallKeepsASharedDirectoryThatItHasNotSet) {
     install();
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
                 ElementsAre(tStep{tAction::stopService}, tStep{tAction::deleteService},
+                            tStep{tAction::deleteFile, R"(C:\ProgramData\Corvell\zuZiptraRemoteService.status)"},
                             tStep{tAction::deleteFolder, R"(C:\ProgramData\Corvell)"}));
     fake.setValue(parametersKey, installedValue, "D:\\Before");  // somebody has changed it since
-    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), testing::SizeIs(3));
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), testing::SizeIs(4));
+}
+
+TEST_F(nInstallPlan, OfAnUninstallExpectsAStatusFileOnlyOfARunningService) {
+    install();
+    fake.values.clear();
+    fake.machine.service->stopped = true;
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
+                ElementsAre(tStep{tAction::deleteService}, tStep{tAction::deleteFolder, R"(C:\ProgramData\Corvell)"}));
+    fake.machine.service->stopped = false;
+    fake.folders.erase(R"(C:\ProgramData\Corvell)");
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
+                ElementsAre(tStep{tAction::stopService}, tStep{tAction::deleteService}));
+}
+
+TEST_F(nInstallPlan, OfAnUninstallKeepsAFolderThatHasTheNameOfTheStatusFile) {
+    install();
+    fake.values.clear();
+    fake.machine.statusFiles = {"zuZiptraRemoteService.status"};
+    fake.files[R"(C:\ProgramData\Corvell\zuZiptraRemoteService.status)"] = tFile::folder;
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
+                ElementsAre(tStep{tAction::stopService}, tStep{tAction::deleteService}));
 }
 
 TEST_F(nInstallPlan, OfAnUninstallKeepsAStatusFolderInWhichSomethingElseIs) {
