@@ -21,9 +21,9 @@ constexpr std::array<std::string_view, 3> titles{"INITIALIZE", "STOP", "CLEANUP"
 struct tRemark {
     std::size_t plugin;
     std::string_view id;
+    tSeverity severity;
     std::string sentence;
-    std::size_t lastLife;
-    std::size_t lives = 1;
+    std::size_t lives = 1;  ///< of a text that was said: the number of times
 };
 
 void add(std::vector<tRemark>& remarks, tRemark remark) {
@@ -32,19 +32,19 @@ void add(std::vector<tRemark>& remarks, tRemark remark) {
     });
     if (known == remarks.end()) {
         remarks.push_back(std::move(remark));
-    } else if (known->lastLife != remark.lastLife) {
-        known->lastLife = remark.lastLife;
+    } else {
         ++known->lives;
     }
 }
 
 std::vector<tRemark> remarksOf(const tResult& result) {
     std::vector<tRemark> remarks;
-    for (std::size_t life = 0; life < result.lives.size(); ++life) {
-        for (std::size_t plugin = 0; plugin < result.plugins.size(); ++plugin) {
-            const tPluginLife& its = result.lives[life][plugin];
-            if (!its.detail.empty()) add(remarks, {plugin, outcomeName(its.outcome), its.detail, life});
-            for (const tSaid& said : its.said) add(remarks, {plugin, saidId, sentenceOf(said), life});
+    for (const tLife& life : result.lives) {
+        for (std::size_t plugin = 0; plugin < life.size(); ++plugin) {
+            const auto& [calls, texts, outcome, detail] = life[plugin];
+            const tSeverity severity = outcome == tOutcome::ok ? tSeverity::note : tSeverity::error;
+            if (!detail.empty()) add(remarks, {plugin, outcomeName(outcome), severity, detail});
+            for (const tSaid& said : texts) add(remarks, {plugin, saidId, tSeverity::note, sentenceOf(said)});
         }
     }
     return remarks;
@@ -54,11 +54,10 @@ std::string toText(const tRemark& remark, const tResult& result, bool colour) {
     const tPlugin& plugin = result.plugins[remark.plugin];
     tFinding finding;
     finding.id = remark.id;
-    const bool isNote = remark.id == saidId || remark.id == outcomeName(tOutcome::ok);
-    finding.severity = isNote ? tSeverity::note : tSeverity::error;
+    finding.severity = remark.severity;
     finding.file = printable(plugin.file);
     finding.message = printable(plugin.description.name + ": " + remark.sentence);
-    // Not all that was said is reported, so the number of lives would be too small.
+    // Not everything that was said is reported, so the number of lives would be too small.
     if (result.lives.size() > 1 && remark.id != saidId)
         finding.message += fmt::format(" (in {} of {} lives)", remark.lives, result.lives.size());
     return nFinding::toText(finding, colour) + '\n';
