@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 /// A file that is open for reading, on systems other than Windows.
 class tFileDescriptor {
@@ -18,3 +19,6 @@ public:
 private:
     int number_;
 };
+
+/// Writes the whole content to an open file; errno says why that fails.
+[[nodiscard]] bool writeAll(int file, std::string_view content) noexcept;

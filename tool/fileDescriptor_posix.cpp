@@ -51,3 +51,12 @@ tFileDescriptor::tFileDescriptor(const std::string& path) : number_(openFile(pat
 tFileDescriptor::~tFileDescriptor() {
     if (number_ >= 0) close(number_);
 }
+
+bool writeAll(int file, std::string_view content) noexcept {
+    while (!content.empty()) {
+        const ssize_t written = write(file, content.data(), content.size());
+        if (written < 0) return false;
+        content.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}

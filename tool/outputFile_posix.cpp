@@ -7,31 +7,21 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <system_error>
 
+#include "tool/fileDescriptor.h"
 #include "tool/interruption.h"
 #include "tool/outputFilePlatform.h"
+#include "tool/systemReason.h"
 
 namespace nOutputFile {
 namespace {
 
-std::string lastReason() { return std::generic_category().message(errno); }
-
-bool writeAll(int file, std::string_view content) noexcept {
-    while (!content.empty()) {
-        const ssize_t written = write(file, content.data(), content.size());
-        if (written < 0) return false;
-        content.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
 /// Writes to what is there already and is no file.
 std::string writeDirectly(const std::string& path, std::string_view content) {
     const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    if (file < 0) return lastReason();
+    if (file < 0) return nSystemReason::last();
     const bool written = writeAll(file, content);
-    std::string reason = written ? std::string() : lastReason();
+    std::string reason = written ? std::string() : nSystemReason::last();
     close(file);
     return reason;
 }
@@ -58,9 +48,9 @@ std::string folderOf(const std::string& path) { return path.substr(0, path.rfind
 std::string replaceUninterrupted(const std::string& path, mode_t rights, std::string_view content) {
     std::string temporary = folderOf(path) + ".ziptra.XXXXXX";  // the file's own name can be as long as names may be
     const int file = mkstemp(temporary.data());
-    if (file < 0) return lastReason();
+    if (file < 0) return nSystemReason::last();
     if (fill(file, rights, content) && rename(temporary.c_str(), path.c_str()) == 0) return {};
-    std::string reason = lastReason();
+    std::string reason = nSystemReason::last();
     unlink(temporary.c_str());
     return reason;
 }
@@ -99,11 +89,11 @@ std::string targetOf(std::string path) {
 std::string tryToReplace(const std::string& path, std::string_view content) {
     struct stat status {};
     const bool exists = stat(path.c_str(), &status) == 0;
-    if (!exists && errno != ENOENT) return lastReason();
+    if (!exists && errno != ENOENT) return nSystemReason::last();
     if (!exists) return replaceFile(targetOf(path), usualRights(), content);
     if (!S_ISREG(status.st_mode)) return writeDirectly(path, content);
     for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
-        if (isStream(status, stream)) return writeAll(stream, content) ? std::string() : lastReason();
+        if (isStream(status, stream)) return writeAll(stream, content) ? std::string() : nSystemReason::last();
     }
     const std::string target = targetOf(path);
     struct stat named {};

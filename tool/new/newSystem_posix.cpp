@@ -4,34 +4,25 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <climits>
 #include <cstdio>
-#include <system_error>
 
+#include "tool/fileDescriptor.h"
 #include "tool/new/newSystem.h"
+#include "tool/systemReason.h"
 
 namespace nNew {
 namespace {
 
-std::string lastReason() { return std::generic_category().message(errno); }
-
-std::string createFolder(const std::string& folder) { return mkdir(folder.c_str(), 0777) == 0 ? "" : lastReason(); }
-
-bool writeAll(int file, std::string_view content) noexcept {
-    while (!content.empty()) {
-        const ssize_t written = write(file, content.data(), content.size());
-        if (written < 0) return false;
-        content.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
+std::string createFolder(const std::string& folder) {
+    return mkdir(folder.c_str(), 0777) == 0 ? "" : nSystemReason::last();
 }
 
 std::string createFile(const std::string& path, std::string_view content) {
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file < 0) return lastReason();
-    std::string reason = writeAll(file, content) ? "" : lastReason();
-    if (close(file) != 0 && reason.empty()) reason = lastReason();
+    if (file < 0) return nSystemReason::last();
+    std::string reason = writeAll(file, content) ? "" : nSystemReason::last();
+    if (close(file) != 0 && reason.empty()) reason = nSystemReason::last();
     if (!reason.empty()) unlink(path.c_str());
     return reason;
 }

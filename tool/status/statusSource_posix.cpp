@@ -4,10 +4,10 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <system_error>
 #include <utility>
 
 #include "tool/status/statusSource.h"
+#include "tool/systemReason.h"
 
 namespace nStatus {
 namespace nPlatform {
@@ -15,7 +15,8 @@ namespace {
 
 tAttempt failure() {
     const int error = errno;
-    return {error == ENOENT ? tOutcome::tryAgain : tOutcome::failed, std::generic_category().message(error)};
+    return {error == ENOENT ? tOutcome::tryAgain : tOutcome::failed,
+            nSystemReason::of(static_cast<std::uint32_t>(error))};
 }
 
 tAttempt tooLarge() { return {tOutcome::failed, "it is larger than 1 GiB"}; }
