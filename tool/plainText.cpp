@@ -114,6 +114,20 @@ std::string printableInXml(std::string_view text) {
     return result;
 }
 
+std::string escapedMarkup(std::string_view text) {
+    std::string result;
+    for (const char character : text) {
+        switch (character) {
+            case '&': result += "&amp;"; break;
+            case '<': result += "&lt;"; break;
+            case '>': result += "&gt;"; break;
+            case '"': result += "&quot;"; break;
+            default: result += character;
+        }
+    }
+    return result;
+}
+
 std::size_t columns(std::string_view text) {
     if (isPlain(text)) return text.size();
     std::size_t count = 0;

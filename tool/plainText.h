@@ -20,6 +20,9 @@ namespace nPlainText {
 /// (https://www.w3.org/TR/xml/#charsets).
 [[nodiscard]] std::string printableInXml(std::string_view text);
 
+/// Returns a printable text as the content of an element, or as an attribute in double quotes, in HTML and XML.
+[[nodiscard]] std::string escapedMarkup(std::string_view text);
+
 /// Returns how many columns of a terminal the text takes. Requires: a printable text.
 [[nodiscard]] std::size_t columns(std::string_view text);
 

@@ -63,21 +63,6 @@ marker path.circular[class] { fill: var(--circle) }
 marker path.late[class], marker path.missing[class] { fill: var(--warn) }
 )css";
 
-/// Returns the printable text as the content or an attribute of an element.
-std::string escapeMarkup(std::string_view text) {
-    std::string result;
-    for (const char character : text) {
-        switch (character) {
-            case '&': result += "&amp;"; break;
-            case '<': result += "&lt;"; break;
-            case '>': result += "&gt;"; break;
-            case '"': result += "&quot;"; break;
-            default: result += character;
-        }
-    }
-    return result;
-}
-
 /// Returns the number in tenths, as few characters as possible: formatting real numbers exactly needs large tables.
 std::string number(double value) {
     const long long tenths = std::llround(value * 10);
@@ -97,10 +82,10 @@ std::string textElement(std::string_view style, double x, double y, std::string_
     std::string element = "<text";
     if (!style.empty()) element.append(" class=\"").append(style).append("\"");
     element.append(attribute("x", x)).append(attribute("y", y)).append(">");
-    return element.append(escapeMarkup(text)).append("</text>");
+    return element.append(nPlainText::escapedMarkup(text)).append("</text>");
 }
 
-std::string hint(std::string_view text) { return "<title>" + escapeMarkup(text) + "</title>"; }
+std::string hint(std::string_view text) { return "<title>" + nPlainText::escapedMarkup(text) + "</title>"; }
 
 /// What is written into a box.
 struct tBoxText {
@@ -170,8 +155,8 @@ private:
     }
 
     [[nodiscard]] std::string header() const {
-        return "<title id=\"title\">" + escapeMarkup(title_) + "</title><desc id=\"summary\">" +
-               escapeMarkup(summary_) + "</desc>\n" + textElement("title", margin, margin + 14, title_) +
+        return "<title id=\"title\">" + nPlainText::escapedMarkup(title_) + "</title><desc id=\"summary\">" +
+               nPlainText::escapedMarkup(summary_) + "</desc>\n" + textElement("title", margin, margin + 14, title_) +
                textElement("sub", margin, margin + 34, summary_) + "\n";
     }
 

@@ -7,20 +7,7 @@
 namespace nRun {
 namespace {
 
-/// Returns the text for an attribute or an element.
-std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char c : nPlainText::printableInXml(text)) {
-        switch (c) {
-            case '&': result += "&amp;"; break;
-            case '<': result += "&lt;"; break;
-            case '>': result += "&gt;"; break;
-            case '"': result += "&quot;"; break;
-            default: result += c;
-        }
-    }
-    return result;
-}
+std::string escaped(std::string_view text) { return nPlainText::escapedMarkup(nPlainText::printableInXml(text)); }
 
 std::string seconds(std::uint64_t ms) { return fmt::format("{}.{:03}", ms / 1000, ms % 1000); }
 

@@ -19,20 +19,7 @@ constexpr std::size_t laneWidth = 9;   // in pixels
 constexpr std::size_t nodeWidth = 12;  // of the dot beside a plug-in
 constexpr std::size_t shownDependencies = 30;
 
-std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char c : nPlainText::printable(text)) {
-        switch (c) {
-            case '&': result += "&amp;"; break;
-            case '<': result += "&lt;"; break;
-            case '>': result += "&gt;"; break;
-            case '"': result += "&quot;"; break;
-            case '\'': result += "&#39;"; break;
-            default: result += c;
-        }
-    }
-    return result;
-}
+std::string escaped(std::string_view text) { return nPlainText::escapedMarkup(nPlainText::printable(text)); }
 
 /// Returns the text as a sentence. Requires: a text that is not empty.
 std::string sentence(std::string text) {

@@ -13,7 +13,7 @@ namespace support {
 inline std::string textError(std::string_view text) {
     for (std::size_t at = text.find('&'); at != std::string_view::npos; at = text.find('&', at + 1)) {
         const std::string_view entity = text.substr(at, text.find(';', at) - at + 1);
-        if (entity != "&amp;" && entity != "&lt;" && entity != "&gt;" && entity != "&quot;" && entity != "&#39;") {
+        if (entity != "&amp;" && entity != "&lt;" && entity != "&gt;" && entity != "&quot;") {
             return "entity " + std::string(entity.substr(0, 10));
         }
     }

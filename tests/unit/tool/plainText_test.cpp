@@ -135,6 +135,10 @@ TEST(nPlainText, ReplacesWhatXmlExcludesAsWell) {
     EXPECT_EQ(nPlainText::printableInXml("漢字 \xEF\xBF\xBC"), "漢字 \xEF\xBF\xBC");
 }
 
+TEST(nPlainText, EscapesTheCharactersOfMarkup) {
+    EXPECT_EQ(nPlainText::escapedMarkup("<a href=\"x\">Q&A's</a>"), "&lt;a href=&quot;x&quot;&gt;Q&amp;A's&lt;/a&gt;");
+}
+
 TEST(nPlainText, CutsNoWideCharacterInTwo) {
     const std::string wide = "\xE6\x8F\x92";
     EXPECT_EQ(nPlainText::shortened(wide + wide + wide, 6), wide + wide + wide);

@@ -76,7 +76,7 @@ TEST(nStatusHtml, ShowsNoFindingsIfThereAreNone) {
 }
 
 TEST(nStatusHtml, ShowsAlternativeCauses) {
-    EXPECT_THAT(toHtml(report({plugin("A", 0, -52005)})), HasSubstr("<p>Or the plug-in&#39;s library lacks"));
+    EXPECT_THAT(toHtml(report({plugin("A", 0, -52005)})), HasSubstr("<p>Or the plug-in's library lacks"));
 }
 
 TEST(nStatusHtml, LeadsFromAFailureToItsCause) {
@@ -168,7 +168,7 @@ TEST(nStatusHtml, EscapesEverythingFromTheFile) {
     EXPECT_THAT(html, Not(HasSubstr("<script")));
     EXPECT_THAT(html, Not(HasSubstr("\x01")));
     EXPECT_EQ(occurrences(html, "</style>"), 1);
-    EXPECT_THAT(html, HasSubstr("&lt;script&gt;&amp;&quot;&#39;\xEF\xBF\xBD&lt;/style&gt;"));
+    EXPECT_THAT(html, HasSubstr("&lt;script&gt;&amp;&quot;'\xEF\xBF\xBD&lt;/style&gt;"));
 }
 
 TEST(nStatusHtml, NamesAPluginWithoutAName) { EXPECT_THAT(toHtml(report({plugin("")})), HasSubstr("(no name)")); }
