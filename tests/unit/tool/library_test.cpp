@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "tests/support/peFile.h"
 #include "tests/unit/tool/peHelpers.h"
 
@@ -157,6 +159,21 @@ TEST(nPeLibrary, HasZerosWhereASectionIsLargerThanItsBytes) {
     put32(bytes, file.directory(1), file.importTable);
     put32(bytes, tPeFile::offsetOf(file.importTable) + 12, lastBytes);
     EXPECT_EQ(readable(bytes).imports.at(0).library, "xxx");
+}
+
+TEST(nPeLibrary, MayHaveANumberThatBeginsInASectionsLastBytesAndEndsInTheZerosAfterThem) {
+    tPeFile file = pluginFile();
+    std::string bytes = file.bytes();
+    put32(bytes, file.sectionHeader() + 8, 0x3000);
+    put32(bytes, tPeFile::imageSizeField, 0x4000);
+    // The addresses of names in the file fit in 16 bits; the zero that follows the first ends the list.
+    std::uint32_t addresses = 0;
+    std::memcpy(&addresses, bytes.data() + tPeFile::offsetOf(file.importTable), sizeof addresses);
+    const std::size_t last = bytes.size() - 2;
+    bytes.replace(last, 2, bytes, tPeFile::offsetOf(addresses), 2);
+    put32(bytes, tPeFile::offsetOf(file.importTable),
+          static_cast<std::uint32_t>(tPeFile::sectionRva + last - tPeFile::sectionBytes));
+    EXPECT_EQ(textsOf(readable(bytes).imports).at(0), "KERNEL32.dll: Sleep");
 }
 
 TEST(nPeLibrary, HasOnlyFunctionsThatANumberOf16BitsReaches) {
