@@ -57,20 +57,20 @@ std::string inDecimal(std::string_view digits16) {
 void findInRequires(std::string_view value, int line, std::uint32_t& mask, tFileFindings& findings) {
     if (value.empty()) return;
     const tParts parts = split(value);
-    const auto what = [&] {
+    const auto message = [&] {
         return "Requires is " + quoted(value) + ", which the host reads as " + std::to_string(mask);
     };
     if (isTooLarge(parts.number)) {
         mask = parts.isNegative ? 1 : UINT32_MAX;  // the C library of Windows negates even the largest number
-        findings.add("requires-too-large", line, what());
+        findings.add("requires-too-large", line, message());
     }
     if (parts.number.empty()) {
-        findings.add("requires-not-a-number", line, what());
+        findings.add("requires-not-a-number", line, message());
     } else if (isHexadecimal(parts)) {
-        findings.add("requires-hexadecimal", line, what(), inDecimal(parts.rest.substr(1)));
+        findings.add("requires-hexadecimal", line, message(), inDecimal(parts.rest.substr(1)));
     } else {
-        if (parts.hasSign) findings.add("requires-signed", line, what());
-        if (!parts.rest.empty()) findings.add("requires-trailing-text", line, what());
+        if (parts.hasSign) findings.add("requires-signed", line, message());
+        if (!parts.rest.empty()) findings.add("requires-trailing-text", line, message());
         if (mask == 0) findings.add("requires-zero", line, "Requires is 0: the plug-in never starts");
     }
 }

@@ -216,7 +216,7 @@ private:
                (plugin == history_.last->plugin && history_.last->phase == tPhase::cleanup);
     }
 
-    /// Returns whose thread may run code that is not there any more, or nothing if no library has been unloaded.
+    /// Names the plug-ins whose threads may run code of an unloaded library; empty if none has been unloaded.
     [[nodiscard]] std::string unloadedText() const {
         constexpr std::size_t mostNames = 3;
         std::string names;

@@ -21,7 +21,7 @@ struct tCall {
     std::int32_t code = 0;
 };
 
-/// A text that was sent to the debugger, as exceptions' are that leave a plug-in's class.
+/// A text that was sent to the debugger, such as that of an exception that leaves a plug-in's class.
 struct tSaid {
     std::string entry;         ///< named as in tCall: the call that was the last to begin
     bool byHostThread = true;  ///< otherwise the thread may belong to any of the plug-ins

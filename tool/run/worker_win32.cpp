@@ -80,11 +80,11 @@ public:
             busy_.clear();
         }
     }
-    /// Reports the last text, unless it has been reported. While the call goes on, another text may follow: then this
-    /// only reports one that was there the last time.
-    void reportLast(bool callGoesOn = false) {
+    /// Reports the last text, unless it has been reported. Until the call has returned, another text may follow: then
+    /// this reports only one that was there the last time.
+    void reportLast(bool isReturned = true) {
         if (!take()) return;
-        const bool mayFollow = callGoesOn && isNew_;
+        const bool mayFollow = !isReturned && isNew_;
         isNew_ = false;
         if (last_ && !mayFollow) {
             sendLine(last_->view().data(), last_->view().size());
@@ -197,7 +197,7 @@ void reportSaid(std::size_t size, ULONG_PTR address) {
     speech.report(tSaidLine(speech.plugin, speech.phase, byHostThread, {text.data(), read}));
 }
 
-/// OutputDebugString raises an exception, for a debugger, and handles it itself. All others are no business of this.
+/// OutputDebugString raises an exception, for a debugger, and handles it itself. All others are left to the plug-in.
 LONG WINAPI hear(EXCEPTION_POINTERS* exception) {
     const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
     if (record.ExceptionCode == DBG_PRINTEXCEPTION_C && record.NumberParameters == 2) {
@@ -374,7 +374,7 @@ int runWorker() {
     // A call that hangs may have said why.
     constexpr DWORD pauseMs = 500;
     DWORD wait = WAIT_TIMEOUT;
-    for (; wait == WAIT_TIMEOUT; wait = WaitForSingleObject(thread.get(), pauseMs)) speech.reportLast(true);
+    for (; wait == WAIT_TIMEOUT; wait = WaitForSingleObject(thread.get(), pauseMs)) speech.reportLast(false);
     if (wait != WAIT_OBJECT_0) giveUpAfter("it cannot wait for their thread");
     // Only if a plug-in ends the thread does this report come before that of the end, which is then missing.
     send({tEventKind::endedThread});
