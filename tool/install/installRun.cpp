@@ -31,8 +31,8 @@ tResult performAll(const std::vector<tStep>& steps, const tSystem& system, Repor
         const std::uint32_t error = system.perform(step);
         if (error == 0) {
             add(done(step));
-        } else if (error == unknownSetting && isOptional(step)) {
-            add(notDone(step) + ", because this system has no such setting");
+        } else if (const std::string_view reason = excuse(step, error); !reason.empty()) {
+            add(fmt::format("{}, because {}", notDone(step), reason));
         } else {
             result.error = fmt::format("{}: {}", notDone(step), system.reason(error));
             break;

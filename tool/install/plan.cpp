@@ -177,6 +177,11 @@ private:
     void addCrashDumps() {
         const std::string folder = fullPath("The argument of --crash-dumps", request_.crashDumps);
         refuseVariables(folder);
+        const tFolder state = machine_.folder(folder);
+        if (state == tFolder::link) throw tCannot(folder + " is a link to another folder: name a new one");
+        if (state == tFolder::exposed) {
+            throw tCannot("Users can change the folder " + folder + ", and read dumps in it: name a new one");
+        }
         addFolder(folder, dumpsAccess, false);
         setValue(dumpsKey, "DumpFolder", "REG_EXPAND_SZ", folder);
         setValue(dumpsKey, "DumpCount", "REG_DWORD", "10");
@@ -188,8 +193,8 @@ private:
     tSteps steps_;
 };
 
-/// Deletes the files that the host writes, and their folder if nothing else is in it. A running service writes its
-/// status when it stops, even if there is no such file before.
+/// Deletes the files that the host writes, and their folder if nothing else is in it. A running service may write them
+/// when it stops, even if there are none before.
 void addStatusDirectory(const tMachine& machine, tSteps& steps) {
     const tFolder state = machine.folder(machine.statusDirectory);
     const bool isFolder = state == tFolder::good || state == tFolder::exposed;
@@ -197,10 +202,10 @@ void addStatusDirectory(const tMachine& machine, tSteps& steps) {
     std::vector<std::string> others = machine.statusFiles;
     for (const std::string& name : statusFileNames()) {
         const std::string path = machine.statusDirectory + '\\' + name;
-        if (machine.file(path) == tFile::folder) continue;
-        const bool exists = std::erase(others, name) > 0;
-        const bool follows = running && isFolder && name == nStatusFile::fileName;
-        if (exists || follows) add(steps, tAction::deleteFile, path);
+        const bool exists = std::find(others.begin(), others.end(), name) != others.end();
+        if (exists ? machine.file(path) == tFile::folder : !(running && isFolder)) continue;
+        std::erase(others, name);
+        add(steps, tAction::deleteFile, path);
     }
     if (isFolder && others.empty()) add(steps, tAction::deleteFolder, machine.statusDirectory);
 }
@@ -208,6 +213,8 @@ void addStatusDirectory(const tMachine& machine, tSteps& steps) {
 tSteps uninstallPlan(const tMachine& machine) {
     tSteps steps;
     if (machine.service && !machine.service->stopped) add(steps, tAction::stopService);
+    // Somebody may keep a file open. Up to here, a start of the service takes everything back.
+    addStatusDirectory(machine, steps);
     // Before the service, with which the system deletes what says that the value is ours.
     const auto installed = machine.registryValue(parametersKey, installedValue);
     if (installed && installed == machine.registryValue(sharedDirectoryKey, sharedDirectoryValue)) {
@@ -215,7 +222,6 @@ tSteps uninstallPlan(const tMachine& machine) {
     }
     if (machine.service) add(steps, tAction::deleteService);
     if (machine.hasDumpsKey) add(steps, tAction::deleteRegistryKey, dumpsKey);
-    addStatusDirectory(machine, steps);
     return steps;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 /// What `install` sets.
@@ -30,5 +31,9 @@ inline constexpr std::string_view dumpsKey =
 inline constexpr std::string_view folderAccess = "O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)";
 // Dumps contain what the service had in memory: users must not read them.
 inline constexpr std::string_view dumpsAccess = "O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)";
+
+// Errors of the system that need not end a command.
+inline constexpr std::uint32_t unknownSetting = 124;  // ERROR_INVALID_LEVEL: an older one lacks the setting
+inline constexpr std::uint32_t folderNotEmpty = 145;  // ERROR_DIR_NOT_EMPTY
 
 }  // namespace nInstall

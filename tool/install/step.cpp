@@ -93,9 +93,14 @@ std::string notDone(const tStep& step) {
     return fmt::format("{} could not be {}", capitalized(wording.object), wording.participle);
 }
 
-bool isOptional(const tStep& step) noexcept {
-    return step.action == tAction::setDelayed || step.action == tAction::setRecovery ||
-           step.action == tAction::setRecoveryOnError;
+std::string_view excuse(const tStep& step, std::uint32_t error) noexcept {
+    switch (step.action) {
+        case tAction::setDelayed:
+        case tAction::setRecovery:
+        case tAction::setRecoveryOnError: return error == unknownSetting ? "this system has no such setting" : "";
+        case tAction::deleteFolder: return error == folderNotEmpty ? "it is not empty" : "";
+        default: return {};
+    }
 }
 
 std::vector<std::string> commandLines(const tStep& step) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// One change of the machine, as data: it is described, printed as a command line, or performed. All texts are UTF-8.
@@ -42,8 +44,9 @@ struct tStep {
 /// Returns what has not been done: "The folder C:\x could not be created".
 [[nodiscard]] std::string notDone(const tStep& step);
 
-/// Returns whether a system may lack the setting, in which case the rest is done without it.
-[[nodiscard]] bool isOptional(const tStep& step) noexcept;
+/// Returns why the rest can be done although the step failed with this error of the system: "it is not empty". Empty if
+/// it cannot.
+[[nodiscard]] std::string_view excuse(const tStep& step, std::uint32_t error) noexcept;
 
 /// Returns the lines for PowerShell that do the same.
 [[nodiscard]] std::vector<std::string> commandLines(const tStep& step);

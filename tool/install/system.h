@@ -30,7 +30,4 @@ struct tAccess {
 /// Returns this machine.
 [[nodiscard]] tSystem thisSystem(const tAccess& access);
 
-/// A setting that the system does not know (ERROR_INVALID_LEVEL).
-inline constexpr std::uint32_t unknownSetting = 124;
-
 }  // namespace nInstall

@@ -223,6 +223,16 @@ TEST_F(nInstallPlan, LetsWindowsStoreCrashDumpsWhereUsersCannotReadThem) {
                             tStep{tAction::setRegistryValue, key, "1", "DumpType", "REG_DWORD"}));
 }
 
+TEST_F(nInstallPlan, RefusesAFolderForCrashDumpsThatUsersMayHaveMade) {
+    fake.folders["D:\\Dumps"] = tFolder::exposed;
+    const tRequest request{tKind::install, "delayed", "", "D:\\Dumps"};
+    EXPECT_EQ(refusal(request), "Users can change the folder D:\\Dumps, and read dumps in it: name a new one");
+    fake.folders["D:\\Dumps"] = tFolder::link;
+    EXPECT_EQ(refusal(request), "D:\\Dumps is a link to another folder: name a new one");
+    fake.folders["D:\\Dumps"] = tFolder::good;
+    EXPECT_THAT(planFor(request), testing::Not(IsEmpty()));
+}
+
 TEST_F(nInstallPlan, RefusesWithoutTheProgram) {
     fake.machine.programExists = false;
     EXPECT_EQ(refusal(tRequest{}),
@@ -266,18 +276,19 @@ TEST_F(nInstallPlan, OfARepairAlwaysSetsTheAccessListsAndDoesNotStartTheService)
                             tStep{tAction::setAccess, R"(C:\ProgramData\Corvell)", access}));
 }
 
+const tStep deleteStatus{tAction::deleteFile, R"(C:\ProgramData\Corvell\zuZiptraRemoteService.status)"};
+const tStep deleteTemporary{tAction::deleteFile, R"(C:\ProgramData\Corvell\.zuZiptraRemoteService.status.tmp)"};
+const tStep deleteStatusFolder{tAction::deleteFolder, R"(C:\ProgramData\Corvell)"};
+
 TEST_F(nInstallPlan, OfAnUninstallUndoesTheInstallButKeepsDescriptions) {
     install(tRequest{tKind::install, "delayed", "", "D:\\Dumps"});
     fake.machine.hasDumpsKey = true;
     fake.machine.statusFiles = {"zuZiptraRemoteService.status", ".zuZiptraRemoteService.status.tmp"};
     const std::vector<tStep> steps = planFor(tRequest{tKind::uninstall});
     EXPECT_THAT(steps,
-                ElementsAre(tStep{tAction::stopService},
+                ElementsAre(tStep{tAction::stopService}, deleteStatus, deleteTemporary, deleteStatusFolder,
                             tStep{tAction::deleteRegistryValue, std::string(sharedDirectoryKey), "", "ZUSHAREDDIR64"},
-                            tStep{tAction::deleteService}, tStep{tAction::deleteRegistryKey, std::string(dumpsKey)},
-                            tStep{tAction::deleteFile, R"(C:\ProgramData\Corvell\zuZiptraRemoteService.status)"},
-                            tStep{tAction::deleteFile, R"(C:\ProgramData\Corvell\.zuZiptraRemoteService.status.tmp)"},
-                            tStep{tAction::deleteFolder, R"(C:\ProgramData\Corvell)"}));
+                            tStep{tAction::deleteService}, tStep{tAction::deleteRegistryKey, std::string(dumpsKey)}));
     fake.perform(steps);
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}), IsEmpty());
 }
@@ -285,21 +296,18 @@ TEST_F(nInstallPlan, OfAnUninstallUndoesTheInstallButKeepsDescriptions) {
 TEST_F(nInstallPlan, OfAnUninstallKeepsASharedDirectoryThatItHasNotSet) {
     fake.setValue(sharedDirectoryKey, sharedDirectoryValue, "D:\\Shared");
     install();
-    EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
-                ElementsAre(tStep{tAction::stopService}, tStep{tAction::deleteService},
-                            tStep{tAction::deleteFile, R"(C:\ProgramData\Corvell\zuZiptraRemoteService.status)"},
-                            tStep{tAction::deleteFolder, R"(C:\ProgramData\Corvell)"}));
+    fake.machine.service->stopped = true;
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(deleteStatusFolder, tStep{tAction::deleteService}));
     fake.setValue(parametersKey, installedValue, "D:\\Before");  // somebody has changed it since
-    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), testing::SizeIs(4));
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), testing::SizeIs(2));
 }
 
-TEST_F(nInstallPlan, OfAnUninstallExpectsAStatusFileOnlyOfARunningService) {
+TEST_F(nInstallPlan, OfAnUninstallExpectsARunningServiceToWriteItsFilesWhenItStops) {
     install();
     fake.values.clear();
-    fake.machine.service->stopped = true;
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
-                ElementsAre(tStep{tAction::deleteService}, tStep{tAction::deleteFolder, R"(C:\ProgramData\Corvell)"}));
-    fake.machine.service->stopped = false;
+                ElementsAre(tStep{tAction::stopService}, deleteStatus, deleteTemporary, deleteStatusFolder,
+                            tStep{tAction::deleteService}));
     fake.folders.erase(R"(C:\ProgramData\Corvell)");
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
                 ElementsAre(tStep{tAction::stopService}, tStep{tAction::deleteService}));
@@ -307,11 +315,11 @@ TEST_F(nInstallPlan, OfAnUninstallExpectsAStatusFileOnlyOfARunningService) {
 
 TEST_F(nInstallPlan, OfAnUninstallKeepsAFolderThatHasTheNameOfTheStatusFile) {
     install();
+    fake.machine.service->stopped = true;
     fake.values.clear();
     fake.machine.statusFiles = {"zuZiptraRemoteService.status"};
-    fake.files[R"(C:\ProgramData\Corvell\zuZiptraRemoteService.status)"] = tFile::folder;
-    EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
-                ElementsAre(tStep{tAction::stopService}, tStep{tAction::deleteService}));
+    fake.files[deleteStatus.target] = tFile::folder;
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(tStep{tAction::deleteService}));
 }
 
 TEST_F(nInstallPlan, OfAnUninstallKeepsAStatusFolderInWhichSomethingElseIs) {
@@ -319,9 +327,7 @@ TEST_F(nInstallPlan, OfAnUninstallKeepsAStatusFolderInWhichSomethingElseIs) {
     fake.machine.service->stopped = true;
     fake.values.clear();
     fake.machine.statusFiles = {"notes.txt", "zuZiptraRemoteService.status"};
-    EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
-                ElementsAre(tStep{tAction::deleteService},
-                            tStep{tAction::deleteFile, R"(C:\ProgramData\Corvell\zuZiptraRemoteService.status)"}));
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(deleteStatus, tStep{tAction::deleteService}));
     fake.machine.statusFiles.clear();
     fake.folders[R"(C:\ProgramData\Corvell)"] = tFolder::link;
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(tStep{tAction::deleteService}));

@@ -122,11 +122,19 @@ TEST(nInstallStep, HasLinesForPowershell) {
     for (const tRow& row : rows) EXPECT_EQ(commandLines(row.step), row.lines) << row.done;
 }
 
-TEST(nInstallStep, IsOptionalIfOlderSystemsLackTheSetting) {
+TEST(nInstallStep, MayFailIfAnOlderSystemLacksTheSetting) {
     for (const tRow& row : rows) {
         const tAction action = row.step.action;
-        EXPECT_EQ(isOptional(row.step), action == tAction::setDelayed || action == tAction::setRecovery ||
-                                            action == tAction::setRecoveryOnError);
+        EXPECT_EQ(!excuse(row.step, unknownSetting).empty(), action == tAction::setDelayed ||
+                                                                 action == tAction::setRecovery ||
+                                                                 action == tAction::setRecoveryOnError);
+        EXPECT_EQ(excuse(row.step, 5), "");
+    }
+}
+
+TEST(nInstallStep, MayFailIfAFolderToDeleteIsNotEmpty) {
+    for (const tRow& row : rows) {
+        EXPECT_EQ(excuse(row.step, folderNotEmpty), row.step.action == tAction::deleteFolder ? "it is not empty" : "");
     }
 }
 
