@@ -123,7 +123,6 @@ private:
     IMPORT(L"advapi32.dll", RegSetValueExW)                                       \
     IMPORT(L"advapi32.dll", RegisterServiceCtrlHandlerA)                          \
     IMPORT(L"advapi32.dll", SetEntriesInAclA)                                     \
-    IMPORT(L"advapi32.dll", SetNamedSecurityInfoW)                                \
     IMPORT(L"advapi32.dll", SetSecurityInfo)                                      \
     IMPORT(L"advapi32.dll", SetServiceStatus)                                     \
     IMPORT(L"advapi32.dll", StartServiceCtrlDispatcherA)                          \
@@ -158,6 +157,7 @@ private:
     IMPORT(L"kernel32.dll", GetEnvironmentStringsW)                               \
     IMPORT(L"kernel32.dll", GetExitCodeProcess)                                   \
     IMPORT(L"kernel32.dll", GetFileAttributesW)                                   \
+    IMPORT(L"kernel32.dll", GetFileInformationByHandleEx)                         \
     IMPORT(L"kernel32.dll", GetLastError)                                         \
     IMPORT(L"kernel32.dll", GetModuleFileNameW)                                   \
     IMPORT(L"kernel32.dll", GetModuleHandleA)                                     \

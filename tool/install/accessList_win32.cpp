@@ -96,6 +96,16 @@ tList toList(PSID owner, PACL acl) {
     return list;
 }
 
+/// Opens the folder itself, even if it is a link to another one. Returns null, with the thread's last error, on
+/// failure.
+tHandle openFolder(const std::string& path) {
+    const HANDLE folder = CreateFileW(nStdPath::widePathFromUtf8(path).c_str(),
+                                      READ_CONTROL | WRITE_DAC | WRITE_OWNER | FILE_READ_ATTRIBUTES,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    return tHandle(folder == INVALID_HANDLE_VALUE ? nullptr : folder);
+}
+
 }  // namespace
 
 tReading read(const std::string& path, tKind kind) {
@@ -121,6 +131,13 @@ std::uint32_t createFolder(const std::string& path, const std::string& text) {
 }
 
 std::uint32_t setFolder(const std::string& path, const std::string& text) {
+    const tHandle folder = openFolder(path);
+    FILE_ATTRIBUTE_TAG_INFO information{};
+    if (folder == nullptr ||
+        GetFileInformationByHandleEx(folder.get(), FileAttributeTagInfo, &information, sizeof information) == FALSE) {
+        return GetLastError();
+    }
+    if ((information.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return ERROR_DIRECTORY;
     const tDescriptor descriptor = descriptorFrom(text);
     if (descriptor == nullptr) return GetLastError();
     PSID owner = nullptr;
@@ -131,10 +148,9 @@ std::uint32_t setFolder(const std::string& path, const std::string& text) {
         GetSecurityDescriptorDacl(descriptor.get(), &present, &list, &defaulted) == FALSE) {
         return GetLastError();
     }
-    return SetNamedSecurityInfoW(
-        nStdPath::widePathFromUtf8(path).data(), SE_FILE_OBJECT,
-        OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, owner, nullptr,
-        list, nullptr);
+    return SetSecurityInfo(folder.get(), SE_FILE_OBJECT,
+                           OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
+                           owner, nullptr, list, nullptr);
 }
 
 std::string administrator() {

@@ -99,7 +99,7 @@ TEST(auditOnWindows, SetsTheListsOfTheFoldersThatTheHostOwns) {
     EXPECT_EQ(run.exitCode, 0) << run.error;
     EXPECT_EQ(run.out, std::string("Set the access list of F:\\Data\\Corvell\n") + nothingFound);
     EXPECT_EQ(machine.log.back(),
-              "SetNamedSecurityInfoW F:\\Data\\Corvell, 1, 2147483653, "
+              "SetSecurityInfo F:\\Data\\Corvell, 1, 2147483653, "
               "O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)");
 }
 

@@ -81,10 +81,26 @@ TEST(repairOnWindows, SetsEverythingAgain) {
     EXPECT_EQ(machine.state.services, installed.services);
     EXPECT_EQ(machine.state.keys, installed.keys);
     // 1 is the owner, 4 the list, and the last bit protects it.
-    EXPECT_THAT(machine.log, testing::Contains("SetNamedSecurityInfoW F:\\Data\\Corvell, 1, 2147483653, "
+    EXPECT_THAT(machine.log, testing::Contains("SetSecurityInfo F:\\Data\\Corvell, 1, 2147483653, "
                                                "O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)"));
     EXPECT_THAT(machine.log, testing::Contains("ChangeServiceConfigW -, -, -, " + quotedProgram()));
     EXPECT_THAT(machine.log, testing::Contains("ChangeServiceConfigW -, 2, -, -"));
+}
+
+TEST(repairOnWindows, SetsNoAccessListThroughAFolderThatHasBecomeALink) {
+    tScriptedMachine machine;
+    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
+    imports::GetFileInformationByHandleEx.replace(
+        [&, usual = imports::GetFileInformationByHandleEx.current()](auto... arguments) {
+            machine.links.insert(L"F:\\Data\\Corvell");
+            return usual(arguments...);
+        });
+    machine.log.clear();
+    const tToolRun run({"repair"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_THAT(run.error, HasSubstr("The access list of F:\\Data\\Corvell could not be set: "));
+    EXPECT_THAT(machine.log, Not(testing::Contains(HasSubstr("F:\\Data\\Corvell"))));
+    EXPECT_EQ(machine.openHandles, 0);
 }
 
 TEST(repairOnWindows, DeletesStatusFilesThatUsersHavePutThereEvenIfTheyAreReadOnly) {
@@ -126,7 +142,7 @@ TEST(repairOnWindows, DeletesAStatusFileWhoseAccessListCannotBeRead) {
 TEST(repairOnWindows, DoesNotMissATemporaryFileThatTheServiceHasRenamedMeanwhile) {
     tScriptedMachine machine;
     installWithFile(machine, L".zuZiptraRemoteService.status.tmp");
-    imports::SetNamedSecurityInfoW.replace([&](auto...) -> DWORD {
+    imports::SetSecurityInfo.replace([&](auto...) -> DWORD {
         machine.state.files.clear();
         return ERROR_SUCCESS;
     });
@@ -142,11 +158,11 @@ TEST(uninstallOnWindows, RemovesWhatInstallHasSet) {
         return usual(arguments...);
     });
     EXPECT_EQ(tToolRun({"uninstall"}).exitCode, 0);
-    EXPECT_THAT(machine.log, ElementsAre("ControlService 1",
-                                         "RegDeleteValueW " + nStdPath::pathToUtf8(installer) + ", ZUSHAREDDIR64",
-                                         "DeleteService", "RegDeleteTreeW " + nStdPath::pathToUtf8(dumps),
-                                         "DeleteFileW F:\\Data\\Corvell\\zuZiptraRemoteService.status",
-                                         "RemoveDirectoryW F:\\Data\\Corvell"));
+    EXPECT_THAT(machine.log,
+                ElementsAre("ControlService 1", "DeleteFileW F:\\Data\\Corvell\\zuZiptraRemoteService.status",
+                            "RemoveDirectoryW F:\\Data\\Corvell",
+                            "RegDeleteValueW " + nStdPath::pathToUtf8(installer) + ", ZUSHAREDDIR64", "DeleteService",
+                            "RegDeleteTreeW " + nStdPath::pathToUtf8(dumps)));
     EXPECT_EQ(machine.openHandles, 0);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
@@ -346,8 +347,31 @@ private:
             imports::GetSecurityDescriptorDacl.real(*descriptor, &flag, list, &flag);
             return ERROR_SUCCESS;
         });
-        imports::SetNamedSecurityInfoW.replace([this](wchar_t* name, SE_OBJECT_TYPE type, SECURITY_INFORMATION what,
-                                                      PSID owner, PSID group, PACL list, PACL audit) -> DWORD {
+        imports::CreateFileW.replace([this](const wchar_t* path, DWORD access, auto... others) -> HANDLE {
+            const auto folder = state.folders.find(path);
+            if (folder == state.folders.end() || (access & WRITE_DAC) == 0) {
+                return imports::CreateFileW.real(path, access, others...);
+            }
+            ++openHandles;
+            return const_cast<std::wstring*>(&folder->first);
+        });
+        imports::CloseHandle.replace([this](HANDLE handle) {
+            if (folderOf(handle) == nullptr) return imports::CloseHandle.real(handle);
+            --openHandles;
+            return TRUE;
+        });
+        imports::GetFileInformationByHandleEx.replace(
+            [this](HANDLE handle, FILE_INFO_BY_HANDLE_CLASS kind, void* information, DWORD size) {
+                if (folderOf(handle) == nullptr) {
+                    return imports::GetFileInformationByHandleEx.real(handle, kind, information, size);
+                }
+                static_cast<FILE_ATTRIBUTE_TAG_INFO*>(information)->FileAttributes =
+                    links.contains(*folderOf(handle)) ? FILE_ATTRIBUTE_REPARSE_POINT : FILE_ATTRIBUTE_DIRECTORY;
+                return TRUE;
+            });
+        imports::SetSecurityInfo.replace([this](HANDLE handle, SE_OBJECT_TYPE type, SECURITY_INFORMATION what,
+                                                PSID owner, PSID group, PACL list, PACL audit) -> DWORD {
+            const std::wstring& name = *folderOf(handle);
             SECURITY_DESCRIPTOR descriptor{};
             InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
             SetSecurityDescriptorOwner(&descriptor, owner, FALSE);
@@ -355,10 +379,16 @@ private:
             const bool isProtected = (what & PROTECTED_DACL_SECURITY_INFORMATION) != 0;
             SetSecurityDescriptorControl(&descriptor, SE_DACL_PROTECTED, isProtected ? SE_DACL_PROTECTED : 0);
             state.folders[name] = textOf(&descriptor);
-            note("SetNamedSecurityInfoW " + utf8(name) + ", " + std::to_string(type) + ", " + std::to_string(what) +
+            note("SetSecurityInfo " + utf8(name.c_str()) + ", " + std::to_string(type) + ", " + std::to_string(what) +
                  ", " + utf8(state.folders[name].c_str()) + (group == nullptr && audit == nullptr ? "" : ", others"));
             return ERROR_SUCCESS;
         });
+    }
+
+    /// A handle of a folder is the address of its path. Returns null if it is another one.
+    [[nodiscard]] const std::wstring* folderOf(HANDLE handle) const {
+        const auto folder = std::ranges::find_if(state.folders, [=](const auto& f) { return &f.first == handle; });
+        return folder == state.folders.end() ? nullptr : &folder->first;
     }
 
     std::map<HKEY, std::wstring> openKeys_;

@@ -62,7 +62,7 @@ private:
         FAULT(RegDeleteValueW, error);
         FAULT(RegDeleteTreeW, error);
         FAULT(GetNamedSecurityInfoW, error);
-        FAULT(SetNamedSecurityInfoW, error);
+        FAULT(SetSecurityInfo, error);
         FAULT(ConvertSidToStringSidW, FALSE);
         FAULT(ConvertStringSecurityDescriptorToSecurityDescriptorW, FALSE);
         FAULT(LookupAccountSidW, FALSE);
@@ -77,6 +77,7 @@ private:
         FAULT(SetFileAttributesW, FALSE);
         FAULT(DeleteFileW, FALSE);
         FAULT(GetFileAttributesW, INVALID_FILE_ATTRIBUTES);
+        FAULT(GetFileInformationByHandleEx, FALSE);
         FAULT(GetDriveTypeW, DRIVE_UNKNOWN);
         FAULT(ExpandEnvironmentStringsW, 0);
         FAULT(SHGetFolderPathW, E_FAIL);
