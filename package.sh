@@ -114,7 +114,8 @@ while (($#)); do
             ;;
         --sign)
             (($# >= 3)) || misused
-            certificate=$(cd "$caller" && realpath -- "$2") key=$(cd "$caller" && realpath -- "$3")
+            certificate=$(cd "$caller" && realpath -m -- "$2")
+            key=$(cd "$caller" && realpath -m -- "$3")
             shift 2
             ;;
         *) misused ;;
