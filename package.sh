@@ -83,7 +83,7 @@ fill() {
     packaging/zip "$new/$name.zip" "$stage/product"
     packaging/zip "$new/$name-sdk.zip" "$stage/sdk"
     packaging/zip "$new/$name-symbols.zip" "$stage/symbols"
-    packaging/sbom "$version" "${programs[@]/#/$stage/product/}" >"$new/$name.cdx.json"
+    packaging/sbom "$version" "$stage"/msi/*.{exe,dll} >"$new/$name.cdx.json"
     (cd "$new" && sha256sum -- * >../SHA256SUMS && mv ../SHA256SUMS .)
 }
 
