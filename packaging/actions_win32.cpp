@@ -131,6 +131,11 @@ void check(MSIHANDLE install, const tSettings& settings, nInstall::tMachine mach
         throw tCannot("The service zuZiptraRemoteService exists already, and no package has installed it (" +
                       machine.service->commandLine + "): remove it with 'ziptra uninstall' first");
     }
+    if (machine.service && machine.service->start == "disabled") {
+        throw tCannot(
+            "The service zuZiptraRemoteService is disabled, and this would start it: enable it first, such as "
+            "with 'sc config zuZiptraRemoteService start= delayed-auto'");
+    }
     machine.programExists = true;  // it will
     (void)plan(requestOf(tKind::install, settings), machine);
 }

@@ -16,6 +16,9 @@ INSERT INTO `Environment` (`Environment`, `Name`, `Value`, `Component_`) VALUES 
 INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('RemoveEnvironmentStrings', 3300)
 INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('WriteEnvironmentStrings', 5200)
 
+-- What the machine has is looked up only where the package is installed: what a window of the user looks up does not get there, and then is not looked up again.
+DELETE FROM `InstallUISequence` WHERE `Action` = 'AppSearch'
+
 -- The start and the place on PATH stay as they are, unless something else is asked for. Windows lets users repair what is installed: they must not change the start.
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('KeepDemand', '(NOT START OR Installed) AND PRESENTSTART="#3"', 110)
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('KeepAuto', '(NOT START OR Installed) AND PRESENTSTART="#2" AND NOT PRESENTDELAY="#1"', 111)
@@ -36,9 +39,9 @@ INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES 
 -- A removal continues with the tool's, unless a newer version is in place and removes this one.
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('RemoveService', 'REMOVE="ALL" AND PRESENTVERSION=ProductVersion', 1811)
 
--- A first installation that fails later takes back what the tool has set.
+-- A first installation that fails later takes back what the tool has set. Windows undoes the actions in reverse, so that this comes before the service is deleted, with which the key goes that says what is ours.
 UPDATE `CustomAction` SET `Type` = 3393 WHERE `Action` = 'UndoService'
-INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('UndoService', 'NOT Installed AND NOT WIX_UPGRADE_DETECTED', 4011)
+INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('UndoService', 'NOT Installed AND NOT WIX_UPGRADE_DETECTED', 5801)
 
 -- The service is complete, and the older version removed, before the service starts.
 INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES ('RepairService', 'NOT REMOVE="ALL"', 5802)

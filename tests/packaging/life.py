@@ -200,7 +200,7 @@ class Life(unittest.TestCase):
         self.assertIn('"Start"=dword:00000003', registry(SERVICE))
         self.assertIn('"OnPath"="1"', registry(MAKER))
         environment = wine("reg", "query", "HKLM\\SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Environment")
-        self.assertEqual(environment[1].count(b"Ziptra Remote Service"), 1)
+        self.assertEqual(environment[1].count(b"Ziptra Remote Service"), 1, environment)
 
     def test_a_removal_leaves_descriptions_and_data(self):
         self.install_with_plugin(NEW)
@@ -328,6 +328,28 @@ class Life(unittest.TestCase):
         self.refuses("no package has installed it (C:\\by hand\\host.exe)", "/i", NEW)
         self.assertEqual(registry(SERVICE), before)
         self.assertFalse(PROGRAMS.exists())
+
+    def test_a_service_that_is_disabled_stays_so(self):
+        self.install(NEW, "START=demand")
+        wine("sc", "config", "zuZiptraRemoteService", "start=", "disabled")
+        before = registry(SERVICE)
+        self.assertIn('"Start"=dword:00000004', before)
+        self.refuses("The service zuZiptraRemoteService is disabled", "/fa", NEW)
+        self.assertEqual(registry(SERVICE), before)
+        self.does("/x", NEW)
+        self.assert_nothing_is_installed()
+
+    def test_a_removal_that_cannot_be_done_leaves_the_service_running(self):
+        self.install_with_plugin(NEW)
+        before = registry(SERVICE), registry(MAKER)
+        status = "C:\\ProgramData\\Corvell\\zuZiptraRemoteService.status"
+        reader = subprocess.Popen(["wine", "cmd", "/c", f"ping -n 300 127.0.0.1 <{status} >nul"])
+        self.addCleanup(lambda: (reader.kill(), reader.wait()))
+        time.sleep(3)
+        self.refuses("The file " + status + " could not be deleted: ", "/x", NEW)
+        self.assertTrue(becomes_true(runs))
+        self.assertEqual((registry(SERVICE), registry(MAKER)), before)
+        self.assertTrue((PROGRAMS / "zuZiptraRemoteService.exe").exists())
 
     def test_a_service_that_does_not_stop_is_not_replaced(self):
         self.install_with_plugin(OLD)
