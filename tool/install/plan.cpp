@@ -198,12 +198,13 @@ private:
 void addStatusDirectory(const tMachine& machine, tSteps& steps) {
     const tFolder state = machine.folder(machine.statusDirectory);
     const bool isFolder = state == tFolder::good || state == tFolder::exposed;
-    const bool running = machine.service && !machine.service->stopped;
+    const bool mayFollow = isFolder && machine.service && !machine.service->stopped;
     std::vector<std::string> others = machine.statusFiles;
     for (const std::string& name : statusFileNames()) {
         const std::string path = machine.statusDirectory + '\\' + name;
         const bool exists = std::find(others.begin(), others.end(), name) != others.end();
-        if (exists ? machine.file(path) == tFile::folder : !(running && isFolder)) continue;
+        if (!exists && !mayFollow) continue;
+        if (exists && machine.file(path) == tFile::folder) continue;
         std::erase(others, name);
         add(steps, tAction::deleteFile, path);
     }

@@ -125,7 +125,9 @@ std::vector<std::string> commandLines(const tStep& step) {
         case tAction::deleteRegistryValue:
             return {fmt::format("reg.exe delete {} /v {} /f /reg:64", quoted(step.target), step.name)};
         case tAction::deleteRegistryKey: return {fmt::format("reg.exe delete {} /f /reg:64", quoted(step.target))};
-        case tAction::deleteFile: return {"Remove-Item -Force -LiteralPath " + quoted(step.target)};
+        case tAction::deleteFile:
+            return {fmt::format("if (Test-Path -LiteralPath {0}) {{ Remove-Item -Force -LiteralPath {0} }}",
+                                quoted(step.target))};
         default: return {"Remove-Item -LiteralPath " + quoted(step.target)};
     }
 }
