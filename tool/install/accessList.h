@@ -20,8 +20,8 @@ struct tReading {
 /// 0.
 [[nodiscard]] std::uint32_t createFolder(const std::string& path, const std::string& text);
 
-/// Replaces owner and access list of a folder by those of such a text. A link to a folder, even if it has just been put
-/// in its place, is an error. Returns the system's error, or 0.
+/// Replaces owner and access list of a folder by those of such a text. A file or a link, even if it has just been put
+/// in the folder's place, is an error. Returns the system's error, or 0.
 [[nodiscard]] std::uint32_t setFolder(const std::string& path, const std::string& text);
 
 /// Returns the SID of the account that runs this program, or an empty text unless it is an administrator's that may act

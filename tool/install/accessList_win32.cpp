@@ -137,7 +137,8 @@ std::uint32_t setFolder(const std::string& path, const std::string& text) {
         GetFileInformationByHandleEx(folder.get(), FileAttributeTagInfo, &information, sizeof information) == FALSE) {
         return GetLastError();
     }
-    if ((information.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return ERROR_DIRECTORY;
+    constexpr DWORD kind = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    if ((information.FileAttributes & kind) != FILE_ATTRIBUTE_DIRECTORY) return ERROR_DIRECTORY;
     const tDescriptor descriptor = descriptorFrom(text);
     if (descriptor == nullptr) return GetLastError();
     PSID owner = nullptr;

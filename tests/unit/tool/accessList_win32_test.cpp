@@ -137,6 +137,12 @@ TEST(nAccessList, OfATextIsThatOfANewFolderAndReplacesThatOfAnother) {
     EXPECT_NE(setFolder(folder.utf8(L"新"), "nonsense"), 0U);
 }
 
+TEST(nAccessList, IsNotSetForAFileInPlaceOfTheFolder) {
+    const support::tFolder folder;
+    folder.write("file", "");
+    EXPECT_EQ(setFolder(folder.utf8("file"), "O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)"), ERROR_DIRECTORY);
+}
+
 TEST(nAccessList, KnowsTheAccountOfAnAdministratorOnly) {
     EXPECT_THAT(administrator(), StartsWith("S-1-5-"));  // under Wine; otherwise only in an administrator's console
     imports::CheckTokenMembership.replace([](HANDLE, PSID, BOOL* member) {

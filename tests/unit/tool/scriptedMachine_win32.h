@@ -347,10 +347,12 @@ private:
             imports::GetSecurityDescriptorDacl.real(*descriptor, &flag, list, &flag);
             return ERROR_SUCCESS;
         });
-        imports::CreateFileW.replace([this](const wchar_t* path, DWORD access, auto... others) -> HANDLE {
+        imports::CreateFileW.replace([this](const wchar_t* path, DWORD access, DWORD share, auto* security,
+                                            DWORD disposition, DWORD flags, HANDLE pattern) -> HANDLE {
             const auto folder = state.folders.find(path);
-            if (folder == state.folders.end() || (access & WRITE_DAC) == 0) {
-                return imports::CreateFileW.real(path, access, others...);
+            const bool opens = flags == (FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT);
+            if (folder == state.folders.end() || (access & WRITE_DAC) == 0 || !opens) {
+                return imports::CreateFileW.real(path, access, share, security, disposition, flags, pattern);
             }
             ++openHandles;
             return const_cast<std::wstring*>(&folder->first);
@@ -360,15 +362,13 @@ private:
             --openHandles;
             return TRUE;
         });
-        imports::GetFileInformationByHandleEx.replace(
-            [this](HANDLE handle, FILE_INFO_BY_HANDLE_CLASS kind, void* information, DWORD size) {
-                if (folderOf(handle) == nullptr) {
-                    return imports::GetFileInformationByHandleEx.real(handle, kind, information, size);
-                }
-                static_cast<FILE_ATTRIBUTE_TAG_INFO*>(information)->FileAttributes =
-                    links.contains(*folderOf(handle)) ? FILE_ATTRIBUTE_REPARSE_POINT : FILE_ATTRIBUTE_DIRECTORY;
-                return TRUE;
-            });
+        imports::GetFileInformationByHandleEx.replace([this](HANDLE handle, auto kind, void* data, DWORD size) {
+            const std::wstring* const folder = folderOf(handle);
+            if (folder == nullptr) return imports::GetFileInformationByHandleEx.real(handle, kind, data, size);
+            const DWORD link = links.contains(*folder) ? FILE_ATTRIBUTE_REPARSE_POINT : 0;
+            static_cast<FILE_ATTRIBUTE_TAG_INFO*>(data)->FileAttributes = FILE_ATTRIBUTE_DIRECTORY | link;
+            return TRUE;
+        });
         imports::SetSecurityInfo.replace([this](HANDLE handle, SE_OBJECT_TYPE type, SECURITY_INFORMATION what,
                                                 PSID owner, PSID group, PACL list, PACL audit) -> DWORD {
             const std::wstring& name = *folderOf(handle);
