@@ -133,8 +133,8 @@ void check(MSIHANDLE install, const tSettings& settings, nInstall::tMachine mach
     }
     if (machine.service && machine.service->start == "disabled") {
         throw tCannot(
-            "The service zuZiptraRemoteService is disabled, and this would start it: enable it first, such as "
-            "with 'sc config zuZiptraRemoteService start= delayed-auto'");
+            "The service zuZiptraRemoteService is disabled, and this would start it: enable it first, for "
+            "example with 'sc config zuZiptraRemoteService start= delayed-auto'");
     }
     machine.programExists = true;  // it will
     (void)plan(requestOf(tKind::install, settings), machine);
