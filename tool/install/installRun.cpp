@@ -5,6 +5,7 @@
 
 #include "tool/findingJson.h"
 #include "tool/format.h"
+#include "tool/install/settings.h"
 
 namespace nInstall {
 namespace {
@@ -31,8 +32,10 @@ tResult performAll(const std::vector<tStep>& steps, const tSystem& system, Repor
         const std::uint32_t error = system.perform(step);
         if (error == 0) {
             add(done(step));
-        } else if (const std::string_view reason = excuse(step, error); !reason.empty()) {
-            add(fmt::format("{}, because {}", notDone(step), reason));
+        } else if (isOptional(step, error)) {
+            const bool isLacking = error == unknownSetting;
+            add(notDone(step) +
+                (isLacking ? ", because this system has no such setting" : ", and stays: " + system.reason(error)));
         } else {
             result.error = fmt::format("{}: {}", notDone(step), system.reason(error));
             break;

@@ -166,7 +166,7 @@ DWORD deleteRegistryValue(const tStep& step) {
 // --- Files
 
 /// Succeeds if there is none: the service may have renamed it meanwhile.
-DWORD deleteFile(const std::wstring& path) {
+DWORD tryToDelete(const std::wstring& path) {
     DWORD error = resultOf(DeleteFileW(path.c_str()));
     if (error == ERROR_ACCESS_DENIED) {
         // It is read-only. Only then, because other links to the file have the same attributes.
@@ -174,6 +174,18 @@ DWORD deleteFile(const std::wstring& path) {
         error = resultOf(DeleteFileW(path.c_str()));
     }
     return error == ERROR_FILE_NOT_FOUND ? DWORD{ERROR_SUCCESS} : error;
+}
+
+/// Programs that search for viruses open a file for a moment when it has just been written.
+DWORD deleteFile(const std::wstring& path) {
+    constexpr int attempts = 50;
+    constexpr DWORD pauseMs = 100;
+    DWORD error = tryToDelete(path);
+    for (int i = 1; error == ERROR_SHARING_VIOLATION && i < attempts; ++i) {
+        Sleep(pauseMs);
+        error = tryToDelete(path);
+    }
+    return error;
 }
 
 }  // namespace

@@ -180,7 +180,8 @@ private:
         const tFolder state = machine_.folder(folder);
         if (state == tFolder::link) throw tCannot(folder + " is a link to another folder: name a new one");
         if (state == tFolder::exposed) {
-            throw tCannot("Users can change the folder " + folder + ", and read dumps in it: name a new one");
+            throw tCannot("Others than administrators can change the folder " + folder +
+                          ", and could read the dumps: name a new one");
         }
         addFolder(folder, dumpsAccess, false);
         setValue(dumpsKey, "DumpFolder", "REG_EXPAND_SZ", folder);
@@ -193,12 +194,9 @@ private:
     tSteps steps_;
 };
 
-/// Deletes the files that the host writes, and their folder if nothing else is in it. A running service may write them
-/// when it stops, even if there are none before.
-void addStatusDirectory(const tMachine& machine, tSteps& steps) {
-    const tFolder state = machine.folder(machine.statusDirectory);
-    const bool isFolder = state == tFolder::good || state == tFolder::exposed;
-    const bool mayFollow = isFolder && machine.service && !machine.service->stopped;
+/// Deletes the files that the host writes. A running service may write them when it stops, even if there are none
+/// before. Returns whether nothing else is in their folder.
+bool deleteStatusFiles(const tMachine& machine, bool mayFollow, tSteps& steps) {
     std::vector<std::string> others = machine.statusFiles;
     for (const std::string& name : statusFileNames()) {
         const std::string path = machine.statusDirectory + '\\' + name;
@@ -208,14 +206,17 @@ void addStatusDirectory(const tMachine& machine, tSteps& steps) {
         std::erase(others, name);
         add(steps, tAction::deleteFile, path);
     }
-    if (isFolder && others.empty()) add(steps, tAction::deleteFolder, machine.statusDirectory);
+    return others.empty();
 }
 
 tSteps uninstallPlan(const tMachine& machine) {
     tSteps steps;
-    if (machine.service && !machine.service->stopped) add(steps, tAction::stopService);
-    // Somebody may keep a file open. Up to here, a start of the service takes everything back.
-    addStatusDirectory(machine, steps);
+    const bool running = machine.service && !machine.service->stopped;
+    if (running) add(steps, tAction::stopService);
+    const tFolder state = machine.folder(machine.statusDirectory);
+    const bool hasFolder = state == tFolder::good || state == tFolder::exposed;
+    // A program may keep a file open. Up to here, a start of the service takes everything back.
+    const bool onlyOurs = deleteStatusFiles(machine, running && hasFolder, steps);
     // Before the service, with which the system deletes what says that the value is ours.
     const auto installed = machine.registryValue(parametersKey, installedValue);
     if (installed && installed == machine.registryValue(sharedDirectoryKey, sharedDirectoryValue)) {
@@ -223,6 +224,7 @@ tSteps uninstallPlan(const tMachine& machine) {
     }
     if (machine.service) add(steps, tAction::deleteService);
     if (machine.hasDumpsKey) add(steps, tAction::deleteRegistryKey, dumpsKey);
+    if (hasFolder && onlyOurs) add(steps, tAction::deleteFolder, machine.statusDirectory);
     return steps;
 }
 

@@ -32,8 +32,7 @@ inline constexpr std::string_view folderAccess = "O:BAD:P(A;OICI;FA;;;SY)(A;OICI
 // Dumps contain what the service had in memory: users must not read them.
 inline constexpr std::string_view dumpsAccess = "O:BAD:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)";
 
-// Errors of the system that need not end a command.
-inline constexpr std::uint32_t unknownSetting = 124;  // ERROR_INVALID_LEVEL: an older one lacks the setting
-inline constexpr std::uint32_t folderNotEmpty = 145;  // ERROR_DIR_NOT_EMPTY
+// The system's error for a setting that an older one lacks (ERROR_INVALID_LEVEL).
+inline constexpr std::uint32_t unknownSetting = 124;
 
 }  // namespace nInstall

@@ -93,13 +93,13 @@ std::string notDone(const tStep& step) {
     return fmt::format("{} could not be {}", capitalized(wording.object), wording.participle);
 }
 
-std::string_view excuse(const tStep& step, std::uint32_t error) noexcept {
+bool isOptional(const tStep& step, std::uint32_t error) noexcept {
     switch (step.action) {
         case tAction::setDelayed:
         case tAction::setRecovery:
-        case tAction::setRecoveryOnError: return error == unknownSetting ? "this system has no such setting" : "";
-        case tAction::deleteFolder: return error == folderNotEmpty ? "it is not empty" : "";
-        default: return {};
+        case tAction::setRecoveryOnError: return error == unknownSetting;
+        case tAction::deleteFolder: return true;
+        default: return false;
     }
 }
 
@@ -128,7 +128,7 @@ std::vector<std::string> commandLines(const tStep& step) {
         case tAction::deleteFile:
             return {fmt::format("if (Test-Path -LiteralPath {0}) {{ Remove-Item -Force -LiteralPath {0} }}",
                                 quoted(step.target))};
-        default: return {"Remove-Item -LiteralPath " + quoted(step.target)};
+        default: return {fmt::format("[IO.Directory]::Delete({})", quoted(step.target))};
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 /// One change of the machine, as data: it is described, printed as a command line, or performed. All texts are UTF-8.
@@ -44,9 +43,9 @@ struct tStep {
 /// Returns what has not been done: "The folder C:\x could not be created".
 [[nodiscard]] std::string notDone(const tStep& step);
 
-/// Returns why the rest can be done although the step failed with this error of the system: "it is not empty". Empty if
-/// it cannot.
-[[nodiscard]] std::string_view excuse(const tStep& step, std::uint32_t error) noexcept;
+/// Returns whether the rest is done although the step failed with this error of the system: an older one may lack a
+/// setting, and a folder to delete may have got other files, or be in use.
+[[nodiscard]] bool isOptional(const tStep& step, std::uint32_t error) noexcept;
 
 /// Returns the lines for PowerShell that do the same.
 [[nodiscard]] std::vector<std::string> commandLines(const tStep& step);

@@ -160,10 +160,29 @@ TEST(uninstallOnWindows, RemovesWhatInstallHasSet) {
     EXPECT_EQ(tToolRun({"uninstall"}).exitCode, 0);
     EXPECT_THAT(machine.log,
                 ElementsAre("ControlService 1", "DeleteFileW F:\\Data\\Corvell\\zuZiptraRemoteService.status",
-                            "RemoveDirectoryW F:\\Data\\Corvell",
                             "RegDeleteValueW " + nStdPath::pathToUtf8(installer) + ", ZUSHAREDDIR64", "DeleteService",
-                            "RegDeleteTreeW " + nStdPath::pathToUtf8(dumps)));
+                            "RegDeleteTreeW " + nStdPath::pathToUtf8(dumps), "RemoveDirectoryW F:\\Data\\Corvell"));
     EXPECT_EQ(machine.openHandles, 0);
+}
+
+TEST(uninstallOnWindows, WaitsUntilOtherProgramsCloseTheStatusFile) {
+    tScriptedMachine machine;
+    EXPECT_EQ(tToolRun({"install"}).exitCode, 0);
+    int attempts = 0;
+    const auto inUse = [&attempts](auto...) {
+        ++attempts;
+        SetLastError(ERROR_SHARING_VIOLATION);
+        return FALSE;
+    };
+    imports::DeleteFileW.replace(inUse);
+    const tToolRun held({"uninstall"});
+    EXPECT_EQ(held.exitCode, 2);
+    EXPECT_THAT(held.error, HasSubstr("zuZiptraRemoteService.status could not be deleted: "));
+    EXPECT_GT(attempts, 10);
+    attempts = 0;
+    imports::DeleteFileW.replace([&](auto... arguments) { return attempts < 3 ? inUse(arguments...) : TRUE; });
+    machine.service().state = SERVICE_RUNNING;
+    EXPECT_EQ(tToolRun({"uninstall"}).exitCode, 0);
 }
 
 TEST(uninstallOnWindows, AsksAServiceThatIsStillStartingUntilItAccepts) {

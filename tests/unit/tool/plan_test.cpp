@@ -226,7 +226,8 @@ TEST_F(nInstallPlan, LetsWindowsStoreCrashDumpsWhereUsersCannotReadThem) {
 TEST_F(nInstallPlan, RefusesAFolderForCrashDumpsThatUsersMayHaveMade) {
     fake.folders["D:\\Dumps"] = tFolder::exposed;
     const tRequest request{tKind::install, "delayed", "", "D:\\Dumps"};
-    EXPECT_EQ(refusal(request), "Users can change the folder D:\\Dumps, and read dumps in it: name a new one");
+    EXPECT_EQ(refusal(request),
+              "Others than administrators can change the folder D:\\Dumps, and could read the dumps: name a new one");
     fake.folders["D:\\Dumps"] = tFolder::link;
     EXPECT_EQ(refusal(request), "D:\\Dumps is a link to another folder: name a new one");
     fake.folders["D:\\Dumps"] = tFolder::good;
@@ -286,9 +287,10 @@ TEST_F(nInstallPlan, OfAnUninstallUndoesTheInstallButKeepsDescriptions) {
     fake.machine.statusFiles = {"zuZiptraRemoteService.status", ".zuZiptraRemoteService.status.tmp"};
     const std::vector<tStep> steps = planFor(tRequest{tKind::uninstall});
     EXPECT_THAT(steps,
-                ElementsAre(tStep{tAction::stopService}, deleteStatus, deleteTemporary, deleteStatusFolder,
+                ElementsAre(tStep{tAction::stopService}, deleteStatus, deleteTemporary,
                             tStep{tAction::deleteRegistryValue, std::string(sharedDirectoryKey), "", "ZUSHAREDDIR64"},
-                            tStep{tAction::deleteService}, tStep{tAction::deleteRegistryKey, std::string(dumpsKey)}));
+                            tStep{tAction::deleteService}, tStep{tAction::deleteRegistryKey, std::string(dumpsKey)},
+                            deleteStatusFolder));
     fake.perform(steps);
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}), IsEmpty());
 }
@@ -297,7 +299,7 @@ TEST_F(nInstallPlan, OfAnUninstallKeepsASharedDirectoryThatItHasNotSet) {
     fake.setValue(sharedDirectoryKey, sharedDirectoryValue, "D:\\Shared");
     install();
     fake.machine.service->stopped = true;
-    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(deleteStatusFolder, tStep{tAction::deleteService}));
+    EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(tStep{tAction::deleteService}, deleteStatusFolder));
     fake.setValue(parametersKey, installedValue, "D:\\Before");  // somebody has changed it since
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}), testing::SizeIs(2));
 }
@@ -306,8 +308,8 @@ TEST_F(nInstallPlan, OfAnUninstallExpectsARunningServiceToWriteItsFilesWhenItSto
     install();
     fake.values.clear();
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
-                ElementsAre(tStep{tAction::stopService}, deleteStatus, deleteTemporary, deleteStatusFolder,
-                            tStep{tAction::deleteService}));
+                ElementsAre(tStep{tAction::stopService}, deleteStatus, deleteTemporary, tStep{tAction::deleteService},
+                            deleteStatusFolder));
     fake.folders.erase(R"(C:\ProgramData\Corvell)");
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
                 ElementsAre(tStep{tAction::stopService}, tStep{tAction::deleteService}));

@@ -102,7 +102,7 @@ const std::vector<tRow> rows = {
     {tStep{tAction::deleteFolder, "C:\\a"},
      "Deleted the folder C:\\a",
      "The folder C:\\a could not be deleted",
-     {"Remove-Item -LiteralPath 'C:\\a'"}},
+     {"[IO.Directory]::Delete('C:\\a')"}},
 };
 
 TEST(nInstallStep, IsDescribedOnceDoneAndIfItFails) {
@@ -122,19 +122,13 @@ TEST(nInstallStep, HasLinesForPowershell) {
     for (const tRow& row : rows) EXPECT_EQ(commandLines(row.step), row.lines) << row.done;
 }
 
-TEST(nInstallStep, MayFailIfAnOlderSystemLacksTheSetting) {
+TEST(nInstallStep, IsOptionalIfOlderSystemsLackTheSettingOrAFolderStays) {
     for (const tRow& row : rows) {
         const tAction action = row.step.action;
-        EXPECT_EQ(!excuse(row.step, unknownSetting).empty(), action == tAction::setDelayed ||
-                                                                 action == tAction::setRecovery ||
-                                                                 action == tAction::setRecoveryOnError);
-        EXPECT_EQ(excuse(row.step, 5), "");
-    }
-}
-
-TEST(nInstallStep, MayFailIfAFolderToDeleteIsNotEmpty) {
-    for (const tRow& row : rows) {
-        EXPECT_EQ(excuse(row.step, folderNotEmpty), row.step.action == tAction::deleteFolder ? "it is not empty" : "");
+        const bool isSetting =
+            action == tAction::setDelayed || action == tAction::setRecovery || action == tAction::setRecoveryOnError;
+        EXPECT_EQ(isOptional(row.step, unknownSetting), isSetting || action == tAction::deleteFolder);
+        EXPECT_EQ(isOptional(row.step, 145), action == tAction::deleteFolder);
     }
 }
 

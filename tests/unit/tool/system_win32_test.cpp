@@ -168,7 +168,10 @@ TEST_P(systemCallsOfInstall, EachMayFailAndLeavesTheMachineAsBeforeOrAsRequested
         EXPECT_EQ(seen.openHandles, 0);
         if (seen.run.exitCode != 2) {
             EXPECT_EQ(seen.run.error, "");
-            EXPECT_EQ(seen.state, usual.state);
+            tScriptedMachine::tState state = seen.state;
+            // A folder may stay, and the command says so.
+            if (seen.run.out.find(" and stays: ") != std::string::npos) state.folders.erase(L"F:\\Data\\Corvell");
+            EXPECT_EQ(state, usual.state);
             expectNothingHidden(seen.run.out, usual.run.out);
             continue;
         }
