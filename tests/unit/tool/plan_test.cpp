@@ -277,9 +277,9 @@ TEST_F(nInstallPlan, OfARepairAlwaysSetsTheAccessListsAndDoesNotStartTheService)
                             tStep{tAction::setAccess, R"(C:\ProgramData\Corvell)", access}));
 }
 
-const tStep deleteStatus{tAction::deleteFile, R"(C:\ProgramData\Corvell\zuZiptraRemoteService.status)"};
-const tStep deleteTemporary{tAction::deleteFile, R"(C:\ProgramData\Corvell\.zuZiptraRemoteService.status.tmp)"};
-const tStep deleteStatusFolder{tAction::deleteFolder, R"(C:\ProgramData\Corvell)"};
+const tStep deleteStatus{tAction::deleteFile, statusFile};
+const tStep deleteTemporary{tAction::deleteFile, temporaryFile};
+const tStep deleteStatusFolder{tAction::deleteFolder, statusFolder};
 
 TEST_F(nInstallPlan, OfAnUninstallUndoesTheInstallButKeepsDescriptions) {
     install(tRequest{tKind::install, "delayed", "", "D:\\Dumps"});
@@ -310,7 +310,7 @@ TEST_F(nInstallPlan, OfAnUninstallExpectsARunningServiceToWriteItsFilesWhenItSto
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
                 ElementsAre(tStep{tAction::stopService}, deleteStatus, deleteTemporary, tStep{tAction::deleteService},
                             deleteStatusFolder));
-    fake.folders.erase(R"(C:\ProgramData\Corvell)");
+    fake.folders.erase(statusFolder);
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}),
                 ElementsAre(tStep{tAction::stopService}, tStep{tAction::deleteService}));
 }
@@ -320,7 +320,7 @@ TEST_F(nInstallPlan, OfAnUninstallKeepsAFolderThatHasTheNameOfTheStatusFile) {
     fake.machine.service->stopped = true;
     fake.values.clear();
     fake.machine.statusFiles = {"zuZiptraRemoteService.status"};
-    fake.files[deleteStatus.target] = tFile::folder;
+    fake.files[statusFile] = tFile::folder;
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(tStep{tAction::deleteService}));
 }
 
@@ -331,7 +331,7 @@ TEST_F(nInstallPlan, OfAnUninstallKeepsAStatusFolderInWhichSomethingElseIs) {
     fake.machine.statusFiles = {"notes.txt", "zuZiptraRemoteService.status"};
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(deleteStatus, tStep{tAction::deleteService}));
     fake.machine.statusFiles.clear();
-    fake.folders[R"(C:\ProgramData\Corvell)"] = tFolder::link;
+    fake.folders[statusFolder] = tFolder::link;
     EXPECT_THAT(planFor(tRequest{tKind::uninstall}), ElementsAre(tStep{tAction::deleteService}));
 }
 
