@@ -5,7 +5,6 @@
 
 #include "tool/findingJson.h"
 #include "tool/format.h"
-#include "tool/install/settings.h"
 
 namespace nInstall {
 namespace {
@@ -33,9 +32,9 @@ tResult performAll(const std::vector<tStep>& steps, const tSystem& system, Repor
         if (error == 0) {
             add(done(step));
         } else if (isOptional(step, error)) {
-            const bool isLacking = error == unknownSetting;
+            const bool stays = step.action == tAction::deleteFolder;
             add(notDone(step) +
-                (isLacking ? ", because this system has no such setting" : ", and stays: " + system.reason(error)));
+                (stays ? ", and stays: " + system.reason(error) : ", because this system has no such setting"));
         } else {
             result.error = fmt::format("{}: {}", notDone(step), system.reason(error));
             break;

@@ -60,6 +60,8 @@ void add(tSteps& steps, tAction action, std::string_view target = {}, std::strin
     steps.push_back({action, std::string(target), std::string(value), std::string(name), std::string(type)});
 }
 
+bool isRunning(const tMachine& machine) { return machine.service && !machine.service->stopped; }
+
 class tInstallPlan {
 public:
     tInstallPlan(const tRequest& request, const tMachine& machine) : request_(request), machine_(machine) {}
@@ -75,12 +77,11 @@ public:
         addFolder(shared + R"(\ZiptraRemoteService)", folderAccess, true);
         addFolder(shared + R"(\ZiptraRemoteService\plugins)", folderAccess, true);
         addFolder(machine_.statusDirectory, folderAccess, true);
-        deleteStatusFiles();
+        deleteUntrustedStatusFiles();
         addService();
         addSharedDirectory(shared);
         if (!request_.crashDumps.empty()) addCrashDumps();
-        const bool stopped = !machine_.service || machine_.service->stopped;
-        if (request_.kind == tKind::install && stopped) add(steps_, tAction::startService);
+        if (request_.kind == tKind::install && !isRunning(machine_)) add(steps_, tAction::startService);
         return std::move(steps_);
     }
 
@@ -123,14 +124,13 @@ private:
 
     /// A file that users have put in place of one of the host's would remain theirs. A link in place of the temporary
     /// file, to which the service writes, looks as good as the file that it leads to, so that one is always deleted.
-    void deleteStatusFiles() {
+    void deleteUntrustedStatusFiles() {
         const auto [status, temporary] = statusFileNames();
-        const bool running = machine_.service && !machine_.service->stopped;
         const bool exposed = machine_.folder(machine_.statusDirectory) == tFolder::exposed;
         const tFile state = statusFileState(status);
         if (state == tFile::exposed || (exposed && state == tFile::good)) {
             add(steps_, tAction::deleteFile, machine_.statusDirectory + '\\' + status,
-                running ? "restart the service, which then writes it again" : "");
+                isRunning(machine_) ? "restart the service, which then writes it again" : "");
         }
         if (statusFileState(temporary) != tFile::missing) {
             add(steps_, tAction::deleteFile, machine_.statusDirectory + '\\' + temporary);
@@ -211,12 +211,11 @@ bool deleteStatusFiles(const tMachine& machine, bool mayFollow, tSteps& steps) {
 
 tSteps uninstallPlan(const tMachine& machine) {
     tSteps steps;
-    const bool running = machine.service && !machine.service->stopped;
-    if (running) add(steps, tAction::stopService);
+    if (isRunning(machine)) add(steps, tAction::stopService);
     const tFolder state = machine.folder(machine.statusDirectory);
     const bool hasFolder = state == tFolder::good || state == tFolder::exposed;
     // A program may keep a file open. Up to here, a start of the service takes everything back.
-    const bool onlyOurs = deleteStatusFiles(machine, running && hasFolder, steps);
+    const bool onlyOurs = deleteStatusFiles(machine, isRunning(machine) && hasFolder, steps);
     // Before the service, with which the system deletes what says that the value is ours.
     const auto installed = machine.registryValue(parametersKey, installedValue);
     if (installed && installed == machine.registryValue(sharedDirectoryKey, sharedDirectoryValue)) {
